@@ -1,0 +1,19 @@
+/* How the interface's names are exported. */
+#ifndef NINEFOLD_API_H
+#define NINEFOLD_API_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#if defined(NINEFOLD_BUILD)
+#define NINEFOLD_API __declspec(dllexport)
+#elif defined(NINEFOLD_STATIC)
+#define NINEFOLD_API
+#else
+#define NINEFOLD_API __declspec(dllimport)
+#endif
+#else
+#define NINEFOLD_API __attribute__((visibility("default")))
+#endif
+
+#endif

@@ -1,0 +1,104 @@
+/* Pixel surfaces: the Texture record, and the functions that make, copy, load and prepare one. */
+#ifndef NINEFOLD_TEXTURE_H
+#define NINEFOLD_TEXTURE_H
+
+#include <ninefold/api.h>
+
+/*
+ * A pixel surface in main memory. Frame buffers, sources, rule textures, mip levels and glyph atlases are all Textures.
+ *
+ * A pixel is one 32-bit word 0xAARRGGBB. The word 0 means "no pixel": kernels skip it as a source. Any other word is drawn,
+ * also one with alpha 0. Width and height are powers of two and the pitch is exactly `width`, so a coordinate wraps by
+ * `value & (width - 1)` and row y starts at `y << log2Width`.
+ *
+ * Texture objects come from CreateTexture, LoadTexture or LoadTextureAdjust and go through DeleteTexture.
+ */
+#ifdef __cplusplus
+struct Texture {
+    virtual ~Texture();
+#else
+typedef struct Texture Texture;
+struct Texture {
+    void *vtable; /* the platform's virtual table of the C++ class */
+#endif
+    uint32_t *pixels;       /* width * height words, row after row, 16-byte aligned */
+    uint32_t width;         /* pixels, a power of two, at least 1 */
+    uint32_t height;        /* rows, a power of two, at least 1 */
+    uint32_t log2Width;     /* width == 1 << log2Width */
+    uint32_t log2Height;    /* height == 1 << log2Height */
+    Texture *mip[16];       /* mip chain; mip[0] is the texture itself once a chain exists */
+    uint32_t mipCount;      /* entries of mip in use; 0: no chain */
+    int8_t *runlengthMap;   /* see CreateRunlengthMap; null: none */
+    uint16_t *zeroPixelMap; /* see CreateZeroPixelMap; null: none */
+    uint32_t flags;         /* bit 0: `pixels` belongs to the host and DeleteTexture leaves it alone */
+    int32_t refCount;       /* see DeleteTexture; 0 after creation */
+    uint32_t origWidth;     /* width as asked for, before rounding; for the host only */
+    uint32_t origHeight;    /* height as asked for; the same */
+};
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* A new texture. Both sizes (pixels) round up to powers of two; 0 gives 1. The pixels are left as allocated. Throws
+ * std::bad_alloc when the record cannot be allocated; a failed pixel allocation leaves `pixels` null. */
+NINEFOLD_API Texture *CreateTexture(unsigned long width, unsigned long height);
+
+/* Adds 1 to refCount. Because creation leaves 0, the first call changes nothing: a texture dies at its nth DeleteTexture
+ * after n AddRefTexture calls, and at its first after none. */
+NINEFOLD_API void AddRefTexture(Texture *texture);
+
+/* Subtracts 1 from refCount and, if that leaves 0 or less, frees the maps, the pixels (unless bit 0 of `flags` is set), mip
+ * levels 1 and up, and the record. */
+NINEFOLD_API void DeleteTexture(Texture *texture);
+
+/* Sets all width * height words to 0. */
+NINEFOLD_API void ClearTexture(Texture *texture);
+
+/* Copies a block of pixels from `src` to `dst`. The four offsets wrap once into their texture, then the block is clipped to both
+ * textures; a width or height below 1 copies nothing. Rows go top to bottom and pixels left to right, also when both are one
+ * texture. */
+NINEFOLD_API void CopyTexture(Texture *dst, Texture *src, long dstX, long dstY, long srcX, long srcY, long width, long height);
+
+/* Every word equal to `color` becomes 0, the transparent pixel. Alpha takes part in the comparison. */
+NINEFOLD_API void SetClearPixel(Texture *texture, unsigned long color);
+
+/* Every word equal to `oldColor` becomes `newColor`. Mind the order: new before old. */
+NINEFOLD_API void ReplacePixel(Texture *texture, unsigned long newColor, unsigned long oldColor);
+
+/*
+ * Loads an uncompressed 24-bit Windows bitmap into a new texture, top row first, every pixel with alpha 255; the area outside the
+ * picture is the word 0. The signature, depth and compression in the header are not looked at. Null when the file cannot be
+ * opened, or when its width or height is more than any pixel store can hold. Bytes that the file lacks read as 0.
+ */
+NINEFOLD_API Texture *LoadTexture(char *path);
+
+/*
+ * As LoadTexture, with the picture placed inside the power-of-two texture: `alignX`, `alignY` 1 centre it, 2 put it at the
+ * right or bottom edge, any other value at the left or top. The out-parameters, each of which may be null, receive the position of
+ * the picture's top-left pixel and its size as read from the file (pixels); when the result is null they are not written.
+ */
+NINEFOLD_API Texture *LoadTextureAdjust(char *path, unsigned long alignX, unsigned long alignY, long *outX, long *outY,
+                                        long *outWidth, long *outHeight);
+
+/* Gives a texture its chain of half-size levels (a truncating 2 by 2 box over all four channels), down to where the smaller
+ * dimension is 1. Does nothing when the chain is already whole: after changing the pixels call DeleteMipmapTexture first. */
+NINEFOLD_API void CreateMipmapTexture(Texture *texture);
+
+/* Releases mip levels 1 and up and sets mipCount to 0. */
+NINEFOLD_API void DeleteMipmapTexture(Texture *texture);
+
+/* Makes the run-length map that rect option 5 reads: one signed byte a pixel, n for n non-zero pixels from here to the right
+ * within the row, -n for n zero pixels, limited to 127 and -128. Replaces an older map. Nothing keeps it current. */
+NINEFOLD_API void CreateRunlengthMap(Texture *texture);
+
+/* Makes the zero-pixel map that rect option 6 reads: 16-bit words, bit 15 leftmost, a set bit for a pixel whose word is 0. The word
+ * of a pixel is its index divided by 16, its bit 15 - (x & 15), so rows of textures narrower than 16 share bits. Replaces an older
+ * map. Nothing keeps it current. */
+NINEFOLD_API void CreateZeroPixelMap(Texture *texture);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
