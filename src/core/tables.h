@@ -1,0 +1,21 @@
+/* The tables that only the library touches. Like rs they lie in zeroed storage until the start-up functions fill them. */
+#ifndef NINEFOLD_CORE_TABLES_H
+#define NINEFOLD_CORE_TABLES_H
+
+#include <cstdint>
+
+namespace ninefold {
+
+/* How far left the low seven bits of an index can go until bit 6 is set, 7 if they are all clear. By MakeUVLShiftTable. */
+extern int32_t uvlShift[256];
+
+/* The preset draw masks 0 to 255, 16 rows each. By MakeDrawMaskTable. */
+extern uint16_t stipples[256][16];
+
+/* The run lists of all 16-bit words back to back, and where the list of each word starts. By MakeShaheiRunlengthTbl. */
+extern int8_t runBytes[557056];
+extern int8_t *runLists[65536];
+
+}
+
+#endif
