@@ -1,0 +1,12 @@
+include(CMakePackageConfigHelpers)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ninefold DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(TARGETS ninefold EXPORT ninefold INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/ninefold)
+install(EXPORT ninefold FILE ninefoldConfig.cmake NAMESPACE ninefold:: DESTINATION ${package_directory})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ninefoldConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ninefoldConfigVersion.cmake DESTINATION ${package_directory})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/ninefold.pc.in ${PROJECT_BINARY_DIR}/ninefold.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ninefold.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
