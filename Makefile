@@ -1,18 +1,34 @@
 # The front door. Each target installs what is missing, builds Release into build/ and runs.
 
 JOBS ?= $(shell nproc)
-build = cmake --preset release && cmake --build build -j $(JOBS)
+SCENES ?= 60
+release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all test gallery bench conform clean
+.PHONY: all test conform gallery bench clean
 
 all:
 	scripts/setup build
-	$(build)
+	$(release)
 
+# Tests and budgets, then the tests again under sanitizers.
 test:
 	scripts/setup build
-	$(build)
-	ctest --test-dir build -j $(JOBS) --output-on-failure
+	JOBS=$(JOBS) scripts/test
+
+# The kernels against the reference at depth: make conform SCENES=200.
+conform: all
+	NINEFOLD_SCENES=$(SCENES) ctest --test-dir build -R differential --verbose
+
+# Pictures and an HTML page in build/gallery/.
+gallery:
+	scripts/setup build gallery
+	$(release) --target gallery
+	build/gallery/gallery $(ARGS)
+
+bench:
+	scripts/setup build bench
+	$(release) --target bench
+	build/bench/bench $(ARGS)
 
 clean:
 	rm -rf build build-*
