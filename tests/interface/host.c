@@ -11,7 +11,8 @@
 #include <dlfcn.h>
 #define REACH(name) ((__typeof__(&name))find(#name))
 static void *library;
-static void *find(const char *name) {
+static void *find(const char *name)
+{
     void *symbol = dlsym(library, name);
     if (!symbol)
         printf("%s is not exported\n", name);
@@ -21,15 +22,16 @@ static void *find(const char *name) {
 #define REACH(name) (&name)
 #endif
 
-#define CHECK(condition)                                                                                                              \
-    do {                                                                                                                              \
-        if (!(condition)) {                                                                                                           \
-            printf("line %d: %s\n", __LINE__, #condition);                                                                            \
-            return 1;                                                                                                                 \
-        }                                                                                                                             \
+#define CHECK(condition)                                                                                                         \
+    do {                                                                                                                         \
+        if (!(condition)) {                                                                                                      \
+            printf("line %d: %s\n", __LINE__, #condition);                                                                       \
+            return 1;                                                                                                            \
+        }                                                                                                                        \
     } while (0)
 
-int main(int count, char **arguments) {
+int main(int count, char **arguments)
+{
 #ifdef HOST_LOADS
     CHECK(count == 2);
     library = dlopen(arguments[1], RTLD_NOW | RTLD_LOCAL);
