@@ -1,3 +1,7 @@
+if(NOT CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" OR MSVC)
+    message(FATAL_ERROR "ninefold is written with the vector extensions of g++ and clang; ${CMAKE_CXX_COMPILER_ID} has none")
+endif()
+
 # ninefold_warnings: for every target of this project.
 add_library(ninefold_warnings INTERFACE)
 target_compile_features(ninefold_warnings INTERFACE cxx_std_20)

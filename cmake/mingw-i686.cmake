@@ -1,4 +1,3 @@
-# 64-bit and 32-bit differ in the prefix only.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)
@@ -9,3 +8,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# Programs carry the compiler's runtime, so they run from anywhere.
+set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
+# Tests run under Wine where it is installed.
+find_program(WINE NAMES wine wine64 PATHS /usr/lib/wine)
+if(WINE)
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${WINE})
+endif()
