@@ -17,7 +17,7 @@ test:
 
 # The kernels against the reference at depth: make conform SCENES=200.
 conform: all
-	NINEFOLD_SCENES=$(SCENES) ctest --test-dir build -R differential --verbose
+	NINEFOLD_SCENES=$(SCENES) ctest --test-dir build -R differential --no-tests=error --verbose
 
 # Pictures and an HTML page in build/gallery/.
 gallery:
