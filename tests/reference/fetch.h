@@ -29,8 +29,8 @@ uint32_t pointTexelBelow(const Texture &below, Position at);
 /* `value` taken toward zero to a multiple of `size`. */
 int32_t quantised(int32_t value, int32_t size);
 
-/* What mip-mapped bilinear sampling of line tables and four-corner rectangles reads without a plane walk: its masks let no bit of a
- * position from 0 on through, so the first texel. A negative position would be outside the texture; here it wraps into it. */
+/* What mip-mapped bilinear sampling of line tables and four-corner rectangles reads without a plane walk: its masks let no bit of
+ * a position from 0 on through, so the first texel. A negative position would be outside the texture; here it wraps into it. */
 uint32_t firstTexel(const Texture &texture, Position at);
 
 /* One of two texels around `at`, chosen by a stipple of the frame-buffer column. */

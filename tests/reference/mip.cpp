@@ -14,8 +14,8 @@ struct Choice {
     int32_t weight = 0;  /* of the level against the next smaller one */
 };
 
-/* The octave of a 16.16 density. The bounds wrap: above the 14th octave they turn negative, so that negative densities land in the
- * last one. */
+/* The octave of a 16.16 density. The bounds wrap: above the 14th octave they turn negative, so that negative densities land in
+ * the last one. */
 Choice octaveOf(int32_t density)
 {
     for (uint32_t octave = 0; octave < 16; ++octave) {
@@ -47,7 +47,8 @@ int32_t segmentLength(TexCoord from, TexCoord to)
 
 } // namespace
 
-SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNumber, const LineTableRecord &record, int32_t width)
+SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNumber, const LineTableRecord &record,
+                          int32_t width)
 {
     const int32_t length = segmentLength({record.startU, record.startV}, {record.endU, record.endV});
     const Choice choice = octaveOf(divide(fromWhole(length), width));

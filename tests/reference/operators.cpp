@@ -11,11 +11,6 @@ void setOperatorState(const RenderState *state)
     factors = state;
 }
 
-const RenderState &operatorState()
-{
-    return *factors;
-}
-
 namespace {
 
 /* Channels are numbered from the low end: 0 blue, 1 green, 2 red, 3 alpha. */

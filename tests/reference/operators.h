@@ -8,9 +8,6 @@
 
 namespace reference {
 
-/* The factors that operators read. */
-const RenderState &operatorState();
-
 /* Blends 1, 2, 4 to 12 on a frame-buffer pixel and a source; blend 0 is the source. */
 uint32_t blended(int blend, uint32_t dst, uint32_t src);
 

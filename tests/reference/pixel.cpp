@@ -246,8 +246,8 @@ void Painter::span(int32_t left, int32_t right)
         pixel(column);
 }
 
-/* Shahei modes 1 and 2: sixteen pixels at a time, as the plane's words lie. What lies outside the span is marked taken for as long
- * as the row is walked. */
+/* Shahei modes 1 and 2: sixteen pixels at a time, as the plane's words lie. What lies outside the span is marked taken for as
+ * long as the row is walked. */
 void Painter::words(int32_t left, int32_t right)
 {
     if (left >= right)

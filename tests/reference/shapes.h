@@ -42,7 +42,8 @@ struct Corners {
 
 /* The line-table form of filters 2 to 5: the level for one row, found from its segment. Fills the position of the row, its level,
  * and the scratch fields that this filter writes. */
-SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNumber, const LineTableRecord &record, int32_t width);
+SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNumber, const LineTableRecord &record,
+                          int32_t width);
 
 } // namespace reference
 
