@@ -1,0 +1,15 @@
+#ifndef REFERENCE_OCCLUSION_H
+#define REFERENCE_OCCLUSION_H
+
+#include <string_view>
+
+#include "shapes.h"
+
+namespace reference {
+
+/* The occlusion fill of this name; false if there is none. */
+bool drawOcclusion(std::string_view name, RenderState &state);
+
+} // namespace reference
+
+#endif
