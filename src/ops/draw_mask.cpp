@@ -8,6 +8,7 @@
 namespace ninefold {
 
 uint16_t stipples[256][16];
+uint32_t stippleSteps[32];
 
 namespace {
 
@@ -57,6 +58,13 @@ void MakeDrawMaskTable(void)
     }
     // The invisible end of a fade takes the place of the one stipple with a single pixel.
     std::fill_n(stipples[0], 16, uint16_t{0xFFFF});
+
+    // Once cleared, a place stays clear in all later records.
+    for (int x = 0; x < 32; ++x) {
+        stippleSteps[x] = 0;
+        while (stippleSteps[x] < 256 && stipples[stippleSteps[x]][x & 15] >> (x & 15) & 1)
+            ++stippleSteps[x];
+    }
 }
 
 void SetPresetDrawMask(long index)

@@ -1,0 +1,121 @@
+// Draw codes and the look-up of their kernels.
+#include <ninefold/draw_code.h>
+
+#include "core/catalogue.h"
+#include "kernels/parts.h"
+#include "kernels/table.h"
+
+#include <utility>
+
+namespace ninefold {
+namespace {
+
+constexpr uint32_t bucketCount = 0x8000;
+
+// Zero until MakeDrawFuncTable.
+DrawFuncRecord records[recordCount];
+DrawFuncRecord* buckets[bucketCount];
+uint32_t crcTable[256];
+bool crcTableMade;
+
+// The last code found. Code 0 with a null function at first.
+uint32_t cachedCode;
+DrawFunc cachedFunc;
+
+uint32_t hashOf(uint32_t code)
+{
+    uint32_t crc = ~0u;
+    for (int k = 0; k < 4; ++k, code >>= 8)
+        crc = crc << 8 ^ crcTable[crc >> 24 ^ (code & 0xFF)];
+    return ~crc;
+}
+
+const DrawFuncRecord* find(uint32_t code)
+{
+    const DrawFuncRecord* record = buckets[hashOf(code) & (bucketCount - 1)];
+    while (record && record->code != code)
+        record = record->next;
+    return record;
+}
+
+template <size_t... unit>
+void fillRecords(std::index_sequence<unit...>)
+{
+    const TableUnit* const units[] = {&kernelsOf<unit>()...};
+    size_t n = 0;
+    forEachCombination([&](const Axes& a) {
+        const uint32_t code = codeOf(a);
+        records[n] = {nullptr, code, hashOf(code), units[n / unitSize]->at[n % unitSize]};
+        ++n;
+    });
+}
+
+} // namespace
+} // namespace ninefold
+
+using namespace ninefold;
+
+unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei, long blend, long multi,
+                                long shape)
+{
+    const uint32_t f = uint32_t(filter), s = uint32_t(shape);
+    const bool colours = f == 6 || f == 7;
+    if (s == 0 || s == 2 || (s == 1 && colours))
+        rectOpt = 7;
+    if (s == 0 || colours)
+        multi = 3, pers = 0;
+    if (s != 2)
+        pers = 0;
+    // Values too wide for their field spill to the left.
+    uint32_t code = uint32_t(pers);
+    code = code << 1 | uint32_t(rule);
+    code = code << 1 | uint32_t(prescale);
+    code = code << 4 | f;
+    code = code << 3 | uint32_t(rectOpt);
+    code = code << 3 | uint32_t(shahei);
+    code = code << 5 | uint32_t(blend);
+    code = code << 2 | uint32_t(multi);
+    return code << 8 | s | 0x68;
+}
+
+unsigned long CreateDrawCode(void)
+{
+    return CreateDrawCodeSub(rs.persMode, rs.ruleAlphaMode, rs.prescaleMode, rs.filterMode, rs.rectOptMode, rs.shaheiMode,
+                             rs.blendMode, rs.multiMode, rs.shapeMode);
+}
+
+void MakeDrawFuncTable(void)
+{
+    useSet(bestSet());
+    if (!crcTableMade) {
+        crcTableMade = true;
+        for (uint32_t byte = 0; byte < 256; ++byte)
+            crcTable[byte] = crcEntry(byte);
+    }
+    fillRecords(std::make_index_sequence<tableUnits>());
+    for (DrawFuncRecord*& head : buckets)
+        head = nullptr;
+    for (DrawFuncRecord& record : records) {
+        DrawFuncRecord*& head = buckets[record.hash & (bucketCount - 1)];
+        record.next = head;
+        head = &record;
+    }
+}
+
+DrawFunc SearchDrawFunc(unsigned long drawCode)
+{
+    // By the two low bits: the flat line, the unit-scale copy, the plain textured triangle.
+    static constexpr uint32_t defaults[] = {0xDC0368, 0x369, 0x1C036A};
+    uint32_t code = uint32_t(drawCode);
+    for (bool isDefault = false;; isDefault = true) {
+        if (code == cachedCode)
+            return cachedFunc;
+        if (const DrawFuncRecord* record = find(code)) {
+            cachedCode = code;
+            return cachedFunc = record->func;
+        }
+        if ((code & 3) == 3 || isDefault) // only before MakeDrawFuncTable is a default not found
+            return nullptr;
+        code = defaults[code & 3];
+    }
+}
