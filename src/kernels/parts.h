@@ -1,0 +1,124 @@
+// The parts that exist, and the table of them that each instruction set exports. Frames and kernels name a part by its index here.
+#pragma once
+
+#include "kernels/span.h"
+#include "ops/operators.h"
+
+#include <cstdint>
+
+namespace ninefold {
+
+// How a front gets its source. "Row": the texture row is the same for the whole span.
+enum class Fetch : uint8_t {
+    unit,       // whole texels, one a pixel, wrapped
+    unitMapped, // the same without a transparent test; the zero-pixel map takes part in the plane gate
+    run,        // read on from Span::run without wrap or test
+    runSlip,    // the same, moving only on pixels that pass the rule test
+    pointRow,
+    point,
+    pointPers,
+    mosaicUnit,
+    mosaicRow,
+    mosaic,
+    mosaicPers,
+    bilinearRow3, // four-texel mix of three channels, alpha 0
+    bilinearRow4, // of four channels
+    bilinear3,
+    bilinear4,
+    bilinearPers3,
+    bilinearPers4,
+    stipple,    // one of two texels, by the column's threshold
+    flat,       // color[0]
+    gouraud,    // running colours
+    firstTexel, // the first texel of the level
+    mipMixRow,  // texel of the level mixed with one of the next, by mipFrac
+    mipMix,
+    mipMixPers,
+    mipNextRow, // the next level's texel where the level has one
+    mipNext,
+    mipNextPers,
+    mipBilinearRow, // four-texel mixes of both levels mixed; the next level's taps halve every position
+    mipBilinear,
+    mipBilinearTri, // the same with the triangle's taps
+    mipBilinearPers,
+    count
+};
+
+// Where the rule value comes from.
+enum class Rule : uint8_t { none, row, free, count };
+
+// Which pixels may be drawn.
+enum class Gate : uint8_t { none, plane, z, mask, zMask, count };
+
+// How the second operand of the multi stage is made.
+enum class Second : uint8_t {
+    unit,
+    pointRow,
+    point,
+    pointPers,
+    mosaicUnit,
+    mosaicRow,
+    mosaic,
+    mosaicTri, // the same with the triangle's rows
+    mosaicPers,
+    bilinearRow,
+    bilinear,
+    bilinearPers,
+    firstTexel,
+    mipMixRow, // puts the unmixed texel back where tex1 has a zero; so do the next three
+    mipMix,
+    mipPoint,
+    mipPointPers,
+    mipBilinearRow,
+    mipBilinear,
+    mipBilinearTri,
+    mipBilinearPers,
+    corners, // running colours
+    count
+};
+
+// What a back marks beside the frame buffer.
+enum class Marks : uint8_t { none, plane, planeZ, count };
+
+constexpr int blendCount = 13;
+
+constexpr int frontIndex(Fetch f, Rule r, Gate g)
+{
+    return (int(f) * int(Rule::count) + int(r)) * int(Gate::count) + int(g);
+}
+constexpr int frontCount = frontIndex(Fetch::count, Rule::none, Gate::none);
+
+constexpr int backIndex(bool prescale, int blend, bool soft, Marks m)
+{
+    return ((int(m) * blendCount + blend) * 2 + prescale) * 2 + soft;
+}
+constexpr int backCount = int(Marks::count) * blendCount * 4;
+
+// What an instruction set exports. Entries that no kernel needs are null.
+struct SetTable {
+    const Front* fronts; // by frontIndex
+    const Mid* seconds;  // by Second
+    // [1]: for factors beyond what 16-bit products hold
+    const Back* backs[2];             // by backIndex
+    const RowOperator* operators[2]; // by ops::Op
+    RowOperator hostOperator;
+};
+
+// The sets of this machine's architecture, baseline first.
+constexpr int setCount =
+#if defined(__x86_64__) || defined(__i386__)
+    3;
+#else
+    1;
+#endif
+namespace v1 { extern const SetTable set; }
+namespace v3 { extern const SetTable set; }
+namespace v4 { extern const SetTable set; }
+
+// The set in use. Starts at the baseline; MakeDrawFuncTable raises it to the best that the processor has.
+extern const SetTable* activeSet;
+extern const char* const setNames[setCount];
+int bestSet();           // index of the best set that this processor runs
+bool useSet(int index);  // false, and no change, when the processor cannot run it
+
+} // namespace ninefold

@@ -1,0 +1,148 @@
+// Fronts: which pixels of a chunk live, and their source words.
+#include "kernels/plan.h"
+#include "kernels/set/fetch.h"
+#include "kernels/set/gates.h"
+#include "kernels/set/tables.h"
+
+#include <utility>
+
+namespace ninefold::NINEFOLD_SET {
+namespace {
+
+template <Fetch f> struct FetchOf;
+template <> struct FetchOf<Fetch::unit> : Unit<0, true> { using Unit::Unit; };
+template <> struct FetchOf<Fetch::unitMapped> : Unit<0, false, true> { using Unit::Unit; };
+template <> struct FetchOf<Fetch::run> : Run { using Run::Run; };
+template <> struct FetchOf<Fetch::pointRow> : PointRow<0> { using PointRow::PointRow; };
+template <> struct FetchOf<Fetch::point> : Point<FreePosition, 0> { using Point::Point; };
+template <> struct FetchOf<Fetch::pointPers> : Point<PersPosition, 0> { using Point::Point; };
+template <> struct FetchOf<Fetch::mosaicUnit> : MosaicUnit<0> { using MosaicUnit::MosaicUnit; };
+template <> struct FetchOf<Fetch::mosaicRow> : MosaicRow<0> { using MosaicRow::MosaicRow; };
+template <> struct FetchOf<Fetch::mosaic> : Mosaic<FreePosition, 0, false> { using Mosaic::Mosaic; };
+template <> struct FetchOf<Fetch::mosaicPers> : Mosaic<PersPosition, 0, true> { using Mosaic::Mosaic; };
+template <> struct FetchOf<Fetch::bilinearRow3> : Bilinear<RowPosition, 0, false> { using Bilinear::Bilinear; };
+template <> struct FetchOf<Fetch::bilinearRow4> : Bilinear<RowPosition, 0, true> { using Bilinear::Bilinear; };
+template <> struct FetchOf<Fetch::bilinear3> : Bilinear<FreePosition, 0, false> { using Bilinear::Bilinear; };
+template <> struct FetchOf<Fetch::bilinear4> : Bilinear<FreePosition, 0, true> { using Bilinear::Bilinear; };
+template <> struct FetchOf<Fetch::bilinearPers3> : Bilinear<PersPosition, 0, false> { using Bilinear::Bilinear; };
+template <> struct FetchOf<Fetch::bilinearPers4> : Bilinear<PersPosition, 0, true> { using Bilinear::Bilinear; };
+template <> struct FetchOf<Fetch::stipple> : Stipple { using Stipple::Stipple; };
+template <> struct FetchOf<Fetch::flat> : Flat { using Flat::Flat; };
+template <> struct FetchOf<Fetch::gouraud> : Gouraud { using Gouraud::Gouraud; };
+template <> struct FetchOf<Fetch::firstTexel> : FirstTexel<0> { using FirstTexel::FirstTexel; };
+template <> struct FetchOf<Fetch::mipMixRow> : MipMix<LevelPairRow<0>, 0> { using MipMix::MipMix; };
+template <> struct FetchOf<Fetch::mipMix> : MipMix<LevelPair<FreePosition, 0>, 0> { using MipMix::MipMix; };
+template <> struct FetchOf<Fetch::mipMixPers> : MipMix<LevelPair<PersPosition, 0>, 0> { using MipMix::MipMix; };
+template <> struct FetchOf<Fetch::mipNextRow> : MipNext<LevelPairRow<0>> { using MipNext::MipNext; };
+template <> struct FetchOf<Fetch::mipNext> : MipNext<LevelPair<FreePosition, 0>> { using MipNext::MipNext; };
+template <> struct FetchOf<Fetch::mipNextPers> : MipNext<LevelPair<PersPosition, 0>> { using MipNext::MipNext; };
+template <> struct FetchOf<Fetch::mipBilinearRow> : MipBilinear<RowPosition, 0, false> { using MipBilinear::MipBilinear; };
+template <> struct FetchOf<Fetch::mipBilinear> : MipBilinear<FreePosition, 0, false> { using MipBilinear::MipBilinear; };
+template <> struct FetchOf<Fetch::mipBilinearTri> : MipBilinear<FreePosition, 0, true> { using MipBilinear::MipBilinear; };
+template <> struct FetchOf<Fetch::mipBilinearPers> : MipBilinear<PersPosition, 0, true> { using MipBilinear::MipBilinear; };
+
+constexpr bool isMipMix(Fetch f) { return f == Fetch::mipMixRow || f == Fetch::mipMix || f == Fetch::mipMixPers; }
+
+template <Rule r> struct RuleOf;
+template <> struct RuleOf<Rule::none> : NoRule { using NoRule::NoRule; };
+template <> struct RuleOf<Rule::row> : RuleRow { using RuleRow::RuleRow; };
+template <> struct RuleOf<Rule::free> : RuleFree { using RuleFree::RuleFree; };
+
+template <Fetch f, Rule r, Gate g>
+bool front(const Span& span, int first, int n, Chunk& c)
+{
+    using Fetcher = FetchOf<f>;
+    constexpr bool marksRun = ninefold::marksRun({.frame = {}, .multi = {}, .fetch = f, .rule = r, .gate = g, .second = {},
+                                                  .prescale = false, .blend = 0,
+                                                  .marks = g == Gate::plane ? Marks::plane : Marks::none});
+    Fetcher fetch(span, first);
+    RuleOf<r> rule(span, first);
+    Gates<g, Fetcher::mapped> gates(span, first);
+    const V threshold = splat(u32(r == Rule::none ? 0 : rs.ruleThreshold));
+    V anyLive{};
+    u64 marks = 0;
+    for (int k = 0; k < n; k += lanes) {
+        const int left = n - k;
+        V live = firstLanes(left);
+        if constexpr (marksRun) {
+            live = gates.get(live, left);
+            marks |= u64(bitsOf(live)) << k;
+            const V value = rule.get();
+            store(c.rule + k, value);
+            live &= (V)((S)value > (S)threshold);
+        } else {
+            if constexpr (r != Rule::none) {
+                const V value = rule.get();
+                store(c.rule + k, value);
+                live &= (V)((S)value > (S)threshold);
+            }
+            if constexpr (g != Gate::none)
+                live = gates.get(live, left);
+        }
+        if (r == Rule::none && g == Gate::none ? true : any(live)) {
+            V key;
+            const V source = fetch.get(left, key);
+            if constexpr (Fetcher::tests)
+                live &= isNotZero(key);
+            store(c.source + k, source);
+            if constexpr (isMipMix(f))
+                store(c.other + k, key);
+            anyLive |= live;
+            if constexpr (g == Gate::plane && !marksRun)
+                marks |= u64(bitsOf(live)) << k;
+        }
+        store(c.live + k, live);
+        fetch.advance();
+        rule.advance();
+        gates.advance();
+    }
+    if constexpr (g == Gate::plane)
+        c.marks = marks;
+    return marksRun ? marks != 0 : any(anyLive);
+}
+
+// The reading position moves on pixels that pass the rule test alone.
+bool frontRunSlip(const Span& span, int first, int n, Chunk& c)
+{
+    RuleRow rule(span, first);
+    const V threshold = splat(u32(rs.ruleThreshold));
+    u32 passed = 0;
+    for (int k = 0; k < n; k += lanes) {
+        const V value = rule.get();
+        const V live = firstLanes(n - k) & (V)((S)value > (S)threshold);
+        store(c.rule + k, value);
+        store(c.live + k, live);
+        for (u32 bits = bitsOf(live); bits; bits &= bits - 1, ++passed)
+            c.source[k + __builtin_ctz(bits)] = *c.slip++;
+        rule.advance();
+    }
+    return passed != 0;
+}
+
+constexpr UsedParts used = usedParts();
+
+template <int index>
+constexpr Front frontAt()
+{
+    constexpr Fetch f = Fetch(index / int(Rule::count) / int(Gate::count));
+    constexpr Rule r = Rule(index / int(Gate::count) % int(Rule::count));
+    constexpr Gate g = Gate(index % int(Gate::count));
+    if constexpr (!used.front[index])
+        return nullptr;
+    else if constexpr (f == Fetch::runSlip)
+        return frontRunSlip;
+    else
+        return front<f, r, g>;
+}
+
+template <size_t... index>
+constexpr Fronts makeFronts(std::index_sequence<index...>)
+{
+    return {{frontAt<int(index)>()...}};
+}
+
+} // namespace
+
+constinit const Fronts fronts = makeFronts(std::make_index_sequence<frontCount>());
+
+} // namespace ninefold::NINEFOLD_SET

@@ -1,0 +1,27 @@
+// The pieces of a set's table, each made by a unit of its own.
+#pragma once
+
+#include "kernels/parts.h"
+
+namespace ninefold::NINEFOLD_SET {
+
+struct Fronts {
+    Front at[frontCount];
+};
+struct Seconds {
+    Mid at[int(Second::count)];
+};
+struct Backs {
+    Back at[2][backCount];
+};
+struct Operators {
+    RowOperator at[2][ops::opCount];
+};
+extern const Fronts fronts;
+extern const Seconds seconds;
+extern const Backs backs;
+extern const Operators operators;
+// Calls the host's own operator for each picked pixel, left to right.
+void hostOperator(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, const uint32_t* pick, int n);
+
+} // namespace ninefold::NINEFOLD_SET
