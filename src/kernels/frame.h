@@ -1,0 +1,174 @@
+// What all frames share: the painter that sends the pixels of a row through the parts, and small helpers.
+#pragma once
+
+#include "kernels/plan.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace ninefold {
+
+// A frame draws one primitive from rs with the parts named by `ids`. One function for each combination of what it must keep track of.
+template <Frame frame, Multi multi, bool rule, bool marks>
+void drawFrame(PartIds ids);
+
+inline Source sourceOf(const Texture& t) { return {t.pixels, t.width - 1, t.height - 1, t.log2Width}; }
+
+// Signed division toward zero that wraps where the quotient does not fit.
+inline uint32_t divided(uint32_t a, uint32_t b)
+{
+    return int32_t(b) == -1 ? 0 - a : uint32_t(int32_t(a) / int32_t(b));
+}
+
+constexpr bool hasSecond(Multi m) { return m == Multi::second || m == Multi::secondUnused; }
+constexpr bool hasCorners(Multi m) { return m == Multi::corners || m == Multi::cornersUnused; }
+constexpr bool hasColour(Multi m) { return m == Multi::colour || m == Multi::colourUnused; }
+constexpr bool isUnused(Multi m) { return m >= Multi::secondUnused; }
+
+// Memory that a call writes. Frames widen it rather than work it out to the pixel: what it decides is only how fast a row is drawn.
+struct Target {
+    const void *pixels, *pixelsEnd;
+    const void *plane, *planeEnd; // null where no plane is marked
+    const void *z, *zEnd;
+
+    static bool meet(const void* a, const void* aEnd, const void* b, const void* bEnd)
+    {
+        return uintptr_t(a) < uintptr_t(bEnd) && uintptr_t(b) < uintptr_t(aEnd);
+    }
+    bool overlaps(const Source& t) const
+    {
+        const uint32_t* end = t.pixels + (size_t(t.maskV + 1) << t.shift);
+        return meet(t.pixels, end, pixels, pixelsEnd) || meet(t.pixels, end, plane, planeEnd) || meet(t.pixels, end, z, zEnd);
+    }
+};
+
+// The rows top to bottom - 1, columns left to right - 1 of the frame buffer and, with `marks`, of the planes.
+inline Target targetOf(int32_t left, int32_t top, int32_t right, int32_t bottom, bool marks)
+{
+    const ptrdiff_t first = (ptrdiff_t(top) << rs.dstShift) + left, end = (ptrdiff_t(bottom - 1) << rs.dstShift) + right;
+    Target t{rs.dstPixels + first, rs.dstPixels + end, nullptr, nullptr, nullptr, nullptr};
+    if (marks) {
+        t.plane = rs.shaheiPlane + first / 16, t.planeEnd = rs.shaheiPlane + end / 16 + 1;
+        t.z = rs.zBuffer + first, t.zEnd = rs.zBuffer + end;
+    }
+    return t;
+}
+
+template <Multi multi>
+class Painter {
+public:
+    // `overlap`: a source shares memory with what is written. Then, and where both operators are the host's own, pixels go one at a time.
+    Painter(PartIds parts, bool overlap) : ids(parts)
+    {
+        const SetTable& set = *activeSet;
+        front = set.fronts[ids.front()];
+        back = set.backs[rs.prescale > 256 || rs.blendAlpha > 255][ids.back()];
+        const bool wide = rs.blendAlpha > 255 || rs.blendAlphaRgb > 255 || rs.prescaleMulti > 256;
+        bool hostMulti = false, hostBlend = false;
+        if constexpr (multi != Multi::none) {
+            const int op = ops::operatorIndex(rs.multiFunc);
+            hostMulti = op < 0;
+            multiRow = hostMulti ? set.hostOperator : set.operators[wide][op];
+            if constexpr (isUnused(multi))
+                callMulti = hostMulti;
+            if constexpr (!hasColour(multi))
+                second = set.seconds[ids.second()];
+            if constexpr (hasColour(multi))
+                for (uint32_t& word : chunk.second)
+                    word = rs.color[0];
+        }
+        if (ids.custom()) {
+            const int op = ops::operatorIndex(rs.blendFunc);
+            hostBlend = op < 0;
+            chunk.blendFunc = rs.blendFunc;
+            chunk.blendRow = hostBlend ? set.hostOperator : set.operators[wide][op];
+        }
+        step = overlap || (hostMulti && hostBlend) ? 1 : Chunk::size;
+        literal = overlap && ids.marks() != Marks::none;
+    }
+
+    // Pixels first to first + n - 1.
+    void draw(const Span& s, int first, int n)
+    {
+        if (literal) {
+            drawWords(s, n);
+            return;
+        }
+        for (; n > 0; first += step, n -= step) {
+            const int count = n < step ? n : step;
+            if (front(s, first, count, chunk)) {
+                combine(s, first, count);
+                back(s, first, count, chunk);
+            }
+        }
+    }
+
+    Chunk chunk;
+
+private:
+    void combine(const Span& s, int first, int n)
+    {
+        if constexpr (multi != Multi::none) {
+            if (isUnused(multi) && !callMulti)
+                return;
+            if constexpr (!hasColour(multi))
+                second(s, first, n, chunk);
+            // A host's operator is called even where nothing of it is kept.
+            multiRow(rs.multiFunc, isUnused(multi) ? chunk.other : chunk.source, chunk.source, chunk.second,
+                     hasSecond(multi) ? chunk.valid : chunk.live, n);
+        }
+    }
+
+    // The plane walk as it is defined, word by word, for a source that shares memory with a plane: what lies outside the span is forced
+    // for the time of the row, a word is read before its pixels are drawn and marked after them.
+    [[gnu::noinline]] void drawWords(const Span& s, int n)
+    {
+        const SetTable& set = *activeSet;
+        const Front plainFront = set.fronts[ids.frontUngated()];
+        const Back plainBack = set.backs[rs.prescale > 256 || rs.blendAlpha > 255][ids.backUnmarked()];
+        const int begin = int(s.x & 15), end = begin + n;
+        if (n <= 0)
+            return;
+        uint16_t *const firstWord = s.plane, *const lastWord = s.plane + ((end - 1) >> 4);
+        const uint16_t firstMask = uint16_t(0xFFFF0000u >> begin), lastMask = end & 15 ? uint16_t(0xFFFF >> (end & 15)) : uint16_t(0);
+        const uint16_t firstSaved = *firstWord;
+        *firstWord |= firstMask;
+        const uint16_t lastSaved = *lastWord;
+        *lastWord |= lastMask;
+        int pixel = -begin;
+        for (uint16_t* word = firstWord; word <= lastWord; ++word) {
+            uint32_t taken = *word | s.maskRow, bits = 0;
+            if (s.zeroMap)
+                taken |= s.zeroMap[word - firstWord];
+            for (int k = 0; k < 16; ++k, ++pixel) {
+                bits <<= 1;
+                if (taken >> (15 - k) & 1)
+                    continue;
+                const bool drawn = plainFront(s, pixel, 1, chunk);
+                if (drawn) {
+                    combine(s, pixel, 1);
+                    plainBack(s, pixel, 1, chunk);
+                }
+                if (drawn || ids.marksRun()) {
+                    bits |= 1;
+                    if (ids.marks() == Marks::planeZ)
+                        s.z[pixel] = uint8_t(rs.zRef);
+                }
+            }
+            *word = uint16_t(*word | bits);
+        }
+        *firstWord = uint16_t((*firstWord & ~firstMask) | (firstSaved & firstMask));
+        *lastWord = uint16_t((*lastWord & ~lastMask) | (lastSaved & lastMask));
+    }
+
+    PartIds ids;
+    Front front;
+    Mid second;
+    Back back;
+    RowOperator multiRow;
+    int step;
+    bool callMulti;
+    bool literal;
+};
+
+} // namespace ninefold

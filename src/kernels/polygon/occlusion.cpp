@@ -1,0 +1,130 @@
+// Occlusion triangles: the triangle scan, with spans of the Shahei plane and the priority plane in the place of pixels.
+#include <ninefold/draw.h>
+
+#include "kernels/polygon/triangle.h"
+
+#include <cstring>
+
+namespace ninefold {
+namespace {
+
+enum class Fill { set, clear, flip };
+
+template <Fill fill>
+void fillWord(uint16_t& word, uint32_t bits)
+{
+    word = uint16_t(fill == Fill::set ? word | bits : fill == Fill::clear ? word & ~bits : word ^ bits);
+}
+
+template <Fill fill>
+void fillShaheiSpan(int32_t x, int32_t y, int32_t width)
+{
+    if (width <= 0)
+        return;
+    uint16_t* word = rs.shaheiPlane + (((ptrdiff_t(y) << rs.dstShift) + x) >> 4);
+    const int32_t end = x + width;
+    if (x / 16 == end / 16) {
+        fillWord<fill>(*word, (0xFFFFu >> (x & 15)) & ~(0xFFFFu >> (end & 15)));
+        return;
+    }
+    if (x & 15) {
+        fillWord<fill>(*word++, 0xFFFFu >> (x & 15));
+        width -= 16 - (x & 15);
+    }
+    const int32_t words = width / 16;
+    if constexpr (fill == Fill::flip)
+        for (int32_t k = 0; k < words; ++k)
+            word[k] = uint16_t(~word[k]);
+    else
+        std::memset(word, fill == Fill::set ? 0xFF : 0, size_t(words) * 2);
+    if (width & 15)
+        fillWord<fill>(word[words], ~(0xFFFFu >> (width & 15)) & 0xFFFFu);
+}
+
+template <class Value>
+void fillZSpan(int32_t x, int32_t y, int32_t width, Value value)
+{
+    if (width > 0)
+        std::memset(rs.zBuffer + ((ptrdiff_t(y) << rs.dstShift) + x), value(), size_t(width));
+}
+
+void SetShaheiSpan(int32_t x, int32_t y, int32_t width) { fillShaheiSpan<Fill::set>(x, y, width); }
+void ClearShaheiSpan(int32_t x, int32_t y, int32_t width) { fillShaheiSpan<Fill::clear>(x, y, width); }
+void FlipShaheiSpan(int32_t x, int32_t y, int32_t width) { fillShaheiSpan<Fill::flip>(x, y, width); }
+void FillZSpan0xff(int32_t x, int32_t y, int32_t width)
+{
+    fillZSpan(x, y, width, [] { return 0xFF; });
+}
+void ClearZSpan(int32_t x, int32_t y, int32_t width)
+{
+    fillZSpan(x, y, width, [] { return 0; });
+}
+void ZRefZSpan(int32_t x, int32_t y, int32_t width)
+{
+    fillZSpan(x, y, width, [] { return int(uint8_t(rs.zRef)); });
+}
+void FlipZSpan(int32_t x, int32_t y, int32_t width)
+{
+    uint8_t* z = rs.zBuffer + ((ptrdiff_t(y) << rs.dstShift) + x);
+    for (int32_t k = 0; k < width; ++k)
+        z[k] = uint8_t(~z[k]);
+}
+
+template <class SpanOperation>
+void fillTriangle(SpanOperation&& fill)
+{
+    Order o;
+    if (!o.make())
+        return;
+    const bool single = o.yT == o.yM || o.yM == o.yB;
+    // Edges start at the pixel's left border: spans truncate.
+    const uint32_t top[1] = {uint32_t(o.xT) << 16}, mid[1] = {uint32_t(o.xM) << 16}, bot[1] = {uint32_t(o.xB) << 16};
+    scan<1>(o, top, mid, bot, [&](Edge<1>& left, Edge<1>& right, int32_t& row, int32_t rows) {
+        if (rs.clipTop > row) {
+            // The jump goes by clipLeft, not by clipTop. It is a slip that is kept: it may go up, and past the end of a single trapezoid.
+            int32_t jump = rs.clipLeft - row;
+            if (!single && rows < jump)
+                jump = rows;
+            row += jump, rows -= jump;
+            left.advance(uint32_t(jump)), right.advance(uint32_t(jump));
+        }
+        if (row + rows >= rs.clipBottom)
+            rows = rs.clipBottom - row;
+        for (; rows > 0; --rows, ++row, left.advance(1), right.advance(1)) {
+            int32_t l = int32_t(left.value[0]) >> 16;
+            const int32_t r = int32_t(right.value[0]) >> 16;
+            int32_t width = r - l;
+            if (l < rs.clipLeft)
+                width -= rs.clipLeft - l, l = rs.clipLeft;
+            if (r > rs.clipRight)
+                width += rs.clipRight - r;
+            fill(l, row, width);
+        }
+    });
+}
+
+} // namespace
+} // namespace ninefold
+
+using namespace ninefold;
+
+void DrawShaheiPolygonSet(void) { fillTriangle(SetShaheiSpan); }
+void DrawShaheiPolygonFlip(void) { fillTriangle(FlipShaheiSpan); }
+void DrawShaheiPolygonReset(void) { fillTriangle(ClearShaheiSpan); }
+void DrawZbufferPolygon0xff(void) { fillTriangle(FillZSpan0xff); }
+void DrawZbufferPolygonFlip(void) { fillTriangle(FlipZSpan); }
+void DrawZbufferPolygonClear(void) { fillTriangle(ClearZSpan); }
+void DrawZbufferPolygon(void) { fillTriangle(ZRefZSpan); }
+
+void DrawShaheiZbufferPolygonMask(void)
+{
+    fillTriangle([](int32_t x, int32_t y, int32_t width) { SetShaheiSpan(x, y, width), ClearZSpan(x, y, width); });
+}
+void DrawShaheiZbufferPolygonUnmask(void)
+{
+    fillTriangle([](int32_t x, int32_t y, int32_t width) { ClearShaheiSpan(x, y, width), FillZSpan0xff(x, y, width); });
+}
+void DrawShaheiZbufferPolygonFlip(void)
+{
+    fillTriangle([](int32_t x, int32_t y, int32_t width) { FlipShaheiSpan(x, y, width), FlipZSpan(x, y, width); });
+}

@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 0
+#include "kernels/table.inc"

@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 1
+#include "kernels/table.inc"

@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 2
+#include "kernels/table.inc"

@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 3
+#include "kernels/table.inc"

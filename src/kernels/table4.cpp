@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 4
+#include "kernels/table.inc"

@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 5
+#include "kernels/table.inc"

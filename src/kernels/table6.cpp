@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 6
+#include "kernels/table.inc"

@@ -1,0 +1,2 @@
+#define NINEFOLD_UNIT 7
+#include "kernels/table.inc"
