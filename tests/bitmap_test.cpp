@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 
 namespace {
@@ -74,12 +75,7 @@ struct Placed {
 
 class BitmapFile : public testing::Test {
 protected:
-    BitmapFile()
-        : path(fs::temp_directory_path() /
-               ("ninefold_" + std::to_string(reinterpret_cast<uintptr_t>(this)) + "_" +
-                testing::UnitTest::GetInstance()->current_test_info()->name() + ".bmp"))
-    {
-    }
+    BitmapFile() : path(fs::temp_directory_path() / ("ninefold_" + std::to_string(std::random_device()()) + ".bmp")) {}
     ~BitmapFile() override
     {
         std::error_code ignored;
@@ -88,7 +84,8 @@ protected:
 
     void write(const Bytes &bytes) const
     {
-        std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char *>(bytes.data()), static_cast<long>(bytes.size()));
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char *>(bytes.data()), static_cast<long>(bytes.size()));
         ASSERT_EQ(fs::file_size(path), bytes.size());
     }
 
@@ -102,7 +99,8 @@ protected:
     Placed loadAdjusted(unsigned long alignX, unsigned long alignY) const
     {
         Placed placed;
-        placed.texture.reset(LoadTextureAdjust(path.string().data(), alignX, alignY, &placed.x, &placed.y, &placed.width, &placed.height));
+        placed.texture.reset(
+            LoadTextureAdjust(path.string().data(), alignX, alignY, &placed.x, &placed.y, &placed.width, &placed.height));
         return placed;
     }
 
@@ -144,7 +142,8 @@ TEST_F(BitmapFile, AllSizesUpToAFewPixels)
     for (uint32_t width = 1; width <= 9; ++width) {
         for (uint32_t height = 1; height <= 5; ++height) {
             TexturePtr texture = load(bitmap(width, height));
-            EXPECT_EQ(pixelsOf(texture), expectedPixels(texture->width, texture->height, 0, 0, width, height)) << width << " " << height;
+            EXPECT_EQ(pixelsOf(texture), expectedPixels(texture->width, texture->height, 0, 0, width, height))
+                << width << " " << height;
         }
     }
 }
@@ -156,7 +155,7 @@ TEST_F(BitmapFile, FileIsReadFromTheBottomUp)
         bytes.insert(bytes.end(), {row, 0, 0, row, 0, 0, 0xEE, 0xEE});
     TexturePtr texture = load(bytes);
     const Pixels pixels = pixelsOf(texture);
-    EXPECT_EQ(pixels[0], 0xFF000003u);     // the top row is the last of the file
+    EXPECT_EQ(pixels[0], 0xFF000003u); // the top row is the last of the file
     EXPECT_EQ(pixels[2 * 2], 0xFF000001u); // the bottom row the first
 }
 
@@ -363,9 +362,9 @@ TEST_F(BitmapFile, ForeignFileIsReadAsItIs)
 TEST_F(BitmapFile, SizesThatCannotBeGiveNull)
 {
     const std::pair<uint32_t, uint32_t> sizes[] = {
-        {32768, 32768},      {32769, 16384},      {65536, 65536},      {0x7FFFFFFF, 1}, {1, 0x7FFFFFFF}, {0x40000000, 1},
-        {1, 0x20000001},     {0x55555556, 1},     {0x80000000, 1},     {1, 0x80000000}, {0xFFFFFFFF, 4}, {4, 0xFFFFFFFC},
-        {0, 0xFFFFFFFF},     {0xFFFFFFFF, 0},     {0x80000000, 0x80000000}, {0xFFFFFFFF, 0xFFFFFFFF}};
+        {32768, 32768},  {32769, 16384},  {65536, 65536},           {0x7FFFFFFF, 1},         {1, 0x7FFFFFFF}, {0x40000000, 1},
+        {1, 0x20000001}, {0x55555556, 1}, {0x80000000, 1},          {1, 0x80000000},         {0xFFFFFFFF, 4}, {4, 0xFFFFFFFC},
+        {0, 0xFFFFFFFF}, {0xFFFFFFFF, 0}, {0x80000000, 0x80000000}, {0xFFFFFFFF, 0xFFFFFFFF}};
     for (const auto &[width, height] : sizes) {
         Bytes bytes = header(width, height);
         bytes.resize(400, 0xEE);
@@ -397,16 +396,31 @@ TEST_F(BitmapFile, SpareAreaIsTransparent)
     }
 }
 
+/* The number of the next file to be opened: the lowest that is free. */
+int nextHandle(const fs::path &path)
+{
+    FILE *file = std::fopen(path.string().c_str(), "rb");
+#if defined(_WIN32)
+    const int handle = _fileno(file);
+#else
+    const int handle = fileno(file);
+#endif
+    std::fclose(file);
+    return handle;
+}
+
 TEST_F(BitmapFile, IsClosedAfterwards)
 {
     write(bitmap(5, 5));
-    for (int i = 0; i < 3000; ++i) // more than a process may have open
-        ASSERT_NE(load(), nullptr);
-    write(header(0xFFFFFFFF, 1));
-    for (int i = 0; i < 3000; ++i)
-        ASSERT_EQ(load(), nullptr);
-    write(bitmap(5, 5));
+    const int before = nextHandle(path);
     EXPECT_NE(load(), nullptr);
+    EXPECT_EQ(nextHandle(path), before);
+
+    write(header(0xFFFFFFFF, 1));
+    EXPECT_EQ(load(), nullptr);
+    EXPECT_EQ(nextHandle(path), before);
+    EXPECT_EQ(LoadTexture(fs::temp_directory_path().string().data()), nullptr);
+    EXPECT_EQ(nextHandle(path), before);
 }
 
 TEST_F(BitmapFile, IsSharedWithWriters)

@@ -112,8 +112,9 @@ TEST_F(DrawMask, PresetsDrawOnePixelMoreEach)
 TEST_F(DrawMask, PixelsComeInTheOrderOfTheThreeLevels)
 {
     // (bit, row) of the pixels that presets 2 up add
-    const std::vector<std::pair<int, int>> first = {{0, 8}, {8, 0}, {4, 4}, {12, 12}, {4, 12}, {12, 4}, {0, 4}, {8, 12}, {0, 12}, {8, 4},
-                                                    {4, 0}, {12, 8}, {4, 8}, {12, 0}, {2, 2}, {10, 10}, {2, 10}, {10, 2}, {6, 6}};
+    const std::vector<std::pair<int, int>> first = {{0, 8},  {8, 0},   {4, 4},  {12, 12}, {4, 12}, {12, 4}, {0, 4},
+                                                    {8, 12}, {0, 12},  {8, 4},  {4, 0},   {12, 8}, {4, 8},  {12, 0},
+                                                    {2, 2},  {10, 10}, {2, 10}, {10, 2},  {6, 6}};
     Mask before = preset(1);
     for (size_t i = 0; i < first.size(); ++i) {
         Mask expected = before;

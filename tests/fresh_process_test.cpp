@@ -27,8 +27,8 @@ protected:
     FreshLibrary()
     {
         // Loaders tell libraries apart by their file.
-        copy = fs::temp_directory_path() / ("ninefold_" + std::to_string(std::random_device()()) + "_" +
-                                            fs::path(NINEFOLD_LIBRARY_PATH).filename().string());
+        copy = fs::temp_directory_path() /
+               ("ninefold_" + std::to_string(std::random_device()()) + "_" + fs::path(NINEFOLD_LIBRARY_PATH).filename().string());
         fs::copy_file(NINEFOLD_LIBRARY_PATH, copy);
 #if defined(_WIN32)
         handle = LoadLibraryW(copy.c_str());

@@ -160,7 +160,7 @@ TEST(DeleteMipmapTexture, EntriesStayButAreNotReleasedAgain)
     EXPECT_EQ(texture->mipCount, 0u);
     EXPECT_EQ(texture->mip[0], texture.get());
     EXPECT_EQ(texture->mip[1], level); // dangling
-    texture.reset();                   // a second release would be seen by the address check
+    texture.reset(); // a second release would be seen by the address check
 }
 
 TEST(DeleteMipmapTexture, LevelHeldTwiceSurvives)

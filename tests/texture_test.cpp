@@ -37,9 +37,10 @@ TEST(CreateTexture, RoundsSizesUpToPowersOfTwo)
     const struct {
         unsigned long asked;
         uint32_t size, exponent;
-    } cases[] = {{0, 1, 0},   {1, 1, 0},     {2, 2, 1},      {3, 4, 2},        {4, 4, 2},        {5, 8, 3},        {7, 8, 3},
-                 {8, 8, 3},   {9, 16, 4},    {255, 256, 8},  {256, 256, 8},    {257, 512, 9},    {1023, 1024, 10}, {1024, 1024, 10},
-                 {1025, 2048, 11}, {65535, 65536, 16}, {65536, 65536, 16}, {65537, 131072, 17}};
+    } cases[] = {{0, 1, 0},          {1, 1, 0},          {2, 2, 1},          {3, 4, 2},        {4, 4, 2},
+                 {5, 8, 3},          {7, 8, 3},          {8, 8, 3},          {9, 16, 4},       {255, 256, 8},
+                 {256, 256, 8},      {257, 512, 9},      {1023, 1024, 10},   {1024, 1024, 10}, {1025, 2048, 11},
+                 {65535, 65536, 16}, {65536, 65536, 16}, {65537, 131072, 17}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.asked);
         TexturePtr wide(CreateTexture(c.asked, 2));
@@ -223,6 +224,18 @@ TEST(CopyTexture, OffsetsWrapOnce)
     EXPECT_EQ(pixelsOf(dst), (Pixels{1, 8, 0, 0, 0, 0, 6, 0}));
 }
 
+TEST(CopyTexture, EachOffsetWrapsInItsOwnTexture)
+{
+    TexturePtr dst = makeTexture(8, 4);
+    TexturePtr src = numbered(4, 2);
+    CopyTexture(dst.get(), src.get(), 13, 7, 6, 3, 1, 1);
+    for (uint32_t i = 0; i < 32; ++i)
+        EXPECT_EQ(dst->pixels[i], i == 3 * 8 + 5 ? 7u : 0u) << i; // row 1, column 2 of the source
+    ClearTexture(src.get());
+    CopyTexture(src.get(), dst.get(), 6, 3, 13, 7, 1, 1);
+    EXPECT_EQ(pixelsOf(src), (Pixels{0, 0, 0, 0, 0, 0, 7, 0}));
+}
+
 TEST(CopyTexture, ClipsToTheSource)
 {
     TexturePtr dst = makeTexture(8, 1);
@@ -315,7 +328,7 @@ TEST(SetClearPixel, ZeroChangesNothing)
 TEST(SetFrameBuffer, FillsTheTargetFieldsAndReturnsTheOneBefore)
 {
     rs = RenderState{};
-    TexturePtr first = makeTexture(64, 32);
+    TexturePtr first = makeTexture(40, 20); // the fields are those of the whole texture
     TexturePtr second = makeTexture(8, 16);
     EXPECT_EQ(SetFrameBuffer(first.get()), nullptr);
     EXPECT_EQ(rs.frameBuffer, first.get());

@@ -39,7 +39,10 @@ public:
             _close(handle);
     }
 
-    int64_t read(uint8_t *to, size_t bytes) { return _read(handle, to, static_cast<unsigned>(std::min(bytes, maxRead))); }
+    int64_t read(uint8_t *to, size_t bytes)
+    {
+        return _read(handle, to, static_cast<unsigned>(std::min(bytes, maxRead)));
+    }
 #else
     explicit File(const char *path) : handle(open(path, O_RDONLY | O_CLOEXEC))
     {
@@ -69,8 +72,14 @@ public:
     }
 #endif
 
-    bool isOpen() const { return handle >= 0; }
-    size_t size() const { return static_cast<size_t>(std::max<int64_t>(length, 0)); }
+    bool isOpen() const
+    {
+        return handle >= 0;
+    }
+    size_t size() const
+    {
+        return static_cast<size_t>(std::max<int64_t>(length, 0));
+    }
 
 private:
     static constexpr size_t maxRead = size_t{1} << 30; // more than this in one call is not portable

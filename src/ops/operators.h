@@ -68,14 +68,13 @@ constexpr int opCount = static_cast<int>(Op::scaledOr) + 1;
 
 /* By bank and value of SetBlendModeMulti. Values 3, 15 and 19 are the same in both banks; 12 and 13 are 0. */
 constexpr Op multiOperators[2][20] = {
-    {Op::keepSrc, Op::keepAlpha, Op::constAlpha, Op::keepConstAlphaRgb, Op::keepAlphaFast,
-     Op::keepAdd, Op::keepSub, Op::keepMul, Op::keepMul2, Op::keepScreen,
-     Op::keepOverlay, Op::merge, Op::keepSrc, Op::keepSrc, Op::keepLumaSrc,
-     Op::keepLumaDst, Op::keepXor, Op::keepAnd, Op::keepOr, Op::dst},
-    {Op::scaledSrc, Op::scaledAlpha, Op::keepConstAlpha, Op::keepConstAlphaRgb, Op::scaledAlphaFast,
-     Op::scaledAdd, Op::scaledSub, Op::scaledMul, Op::scaledMul2, Op::scaledScreen,
-     Op::scaledOverlay, Op::scaledMerge, Op::scaledSrc, Op::scaledSrc, Op::scaledLumaSrc,
-     Op::keepLumaDst, Op::scaledXor, Op::scaledAnd, Op::scaledOr, Op::dst},
+    {Op::keepSrc,     Op::keepAlpha,   Op::constAlpha, Op::keepConstAlphaRgb, Op::keepAlphaFast, Op::keepAdd, Op::keepSub,
+     Op::keepMul,     Op::keepMul2,    Op::keepScreen, Op::keepOverlay,       Op::merge,         Op::keepSrc, Op::keepSrc,
+     Op::keepLumaSrc, Op::keepLumaDst, Op::keepXor,    Op::keepAnd,           Op::keepOr,        Op::dst},
+    {Op::scaledSrc,     Op::scaledAlpha, Op::keepConstAlpha, Op::keepConstAlphaRgb, Op::scaledAlphaFast,
+     Op::scaledAdd,     Op::scaledSub,   Op::scaledMul,      Op::scaledMul2,        Op::scaledScreen,
+     Op::scaledOverlay, Op::scaledMerge, Op::scaledSrc,      Op::scaledSrc,         Op::scaledLumaSrc,
+     Op::keepLumaDst,   Op::scaledXor,   Op::scaledAnd,      Op::scaledOr,          Op::dst},
 };
 
 /* What operators read beside their operands; the fields of rs of these names. */
