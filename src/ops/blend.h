@@ -35,7 +35,8 @@ NINEFOLD_INLINE uint32_t opAlphaFast(uint32_t dst, uint32_t src)
     return a == 255 ? src : a == 0 ? dst : opConstAlpha(dst, src, a);
 }
 
-/* d + s, up to 255; alpha 1. The low bit of red and green makes room for the carry from below: it takes no part and comes out set. */
+/* d + s, up to 255; alpha 1. The low bit of red and green is kept free for the carry from below: it takes no part and comes out
+ * set. */
 NINEFOLD_INLINE uint32_t opAdd(uint32_t dst, uint32_t src)
 {
     const uint32_t sum = (dst & 0xFEFEFF) + (src & 0xFEFEFF);

@@ -15,8 +15,8 @@
 
 namespace ninefold::ops {
 
-/* Each enumerator is one function with an address of its own. `keep...` takes alpha from the first operand; `scaled...` does so too
- * and scales the second operand by prescaleMulti first. */
+/* Each enumerator is one function with an address of its own. `keep...` takes alpha from the first operand; `scaled...` does so
+ * too and scales the second operand by prescaleMulti first. */
 enum class Op : int {
     // behind blendFunc
     src,
