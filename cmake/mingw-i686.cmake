@@ -10,8 +10,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # Programs carry the compiler's runtime, so they run from anywhere.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
-# Tests run under Wine where it is installed.
-find_program(WINE NAMES wine wine64 PATHS /usr/lib/wine)
-if(WINE)
-    set(CMAKE_CROSSCOMPILING_EMULATOR ${WINE})
-endif()
+# 64-bit Wine takes such a program, runs nothing and reports success: tests are run by hand where a 32-bit one is at hand.
