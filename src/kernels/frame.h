@@ -20,6 +20,19 @@ inline uint32_t divided(uint32_t a, uint32_t b)
     return int32_t(b) == -1 ? 0 - a : uint32_t(int32_t(a) / int32_t(b));
 }
 
+// The same by one divisor for many dividends, without a division each. A dividend is below 2^31 in size and so is the divisor, so a
+// quotient that is no whole number stays at least 1 / divisor short of the next one; raising the reciprocal by 2^-50 outweighs its
+// rounding and moves the quotient by less than that. Truncation then gives the exact quotient, 2^31 wraps.
+class Divider {
+public:
+    Divider() = default;
+    explicit Divider(uint32_t divisor) : reciprocal((1.0 + 0x1p-50) / double(int32_t(divisor))) {}
+    uint32_t operator()(uint32_t dividend) const { return uint32_t(int64_t(double(int32_t(dividend)) * reciprocal)); }
+
+private:
+    double reciprocal;
+};
+
 constexpr bool hasSecond(Multi m) { return m == Multi::second || m == Multi::secondUnused; }
 constexpr bool hasCorners(Multi m) { return m == Multi::corners || m == Multi::cornersUnused; }
 constexpr bool hasColour(Multi m) { return m == Multi::colour || m == Multi::colourUnused; }

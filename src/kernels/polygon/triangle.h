@@ -50,12 +50,11 @@ template <int count>
 struct Edge {
     uint32_t value[count], step[count];
 
-    void from(const uint32_t (&a)[count], const uint32_t (&b)[count], uint32_t height)
+    void from(const uint32_t (&a)[count], const uint32_t (&b)[count], const Divider& byHeight)
     {
         for (int k = 0; k < count; ++k) {
             value[k] = a[k];
-            // The difference of x is taken in pixels; it wraps by the shift either way.
-            step[k] = divided(b[k] - a[k], height);
+            step[k] = byHeight(b[k] - a[k]);
         }
     }
     void advance(uint32_t rows)
@@ -73,22 +72,23 @@ void scan(const Order& o, const uint32_t (&top)[count], const uint32_t (&mid)[co
     Edge<count> left, right;
     int32_t row = o.yT;
     const uint32_t whole = uint32_t(o.yB) - uint32_t(o.yT);
+    const Divider byWhole(whole);
     if (o.yT == o.yM) {
-        left.from(top, bot, whole);
-        right.from(mid, bot, whole);
+        left.from(top, bot, byWhole);
+        right.from(mid, bot, byWhole);
         walk(left, right, row, int32_t(whole));
     } else if (o.yM == o.yB) {
-        left.from(top, mid, whole);
-        right.from(top, bot, whole);
+        left.from(top, mid, byWhole);
+        right.from(top, bot, byWhole);
         walk(left, right, row, int32_t(whole));
     } else {
         const uint32_t upper = uint32_t(o.yM) - uint32_t(o.yT), lower = uint32_t(o.yB) - uint32_t(o.yM);
         const bool midLeft = o.cross() < 0;
         Edge<count>&short_ = midLeft ? left : right, &long_ = midLeft ? right : left;
-        short_.from(top, mid, upper);
-        long_.from(top, bot, whole);
+        short_.from(top, mid, Divider(upper));
+        long_.from(top, bot, byWhole);
         walk(left, right, row, int32_t(upper));
-        short_.from(mid, bot, lower);
+        short_.from(mid, bot, Divider(lower));
         walk(left, right, row, int32_t(lower));
     }
 }
@@ -156,18 +156,18 @@ void drawTriangle(PartIds ids)
     }
     const auto vertex = [&](int index, int32_t px, uint32_t (&a)[A::count]) __attribute__((always_inline)) {
         a[A::x] = (uint32_t(px) << 16) + (A::textured ? 0x8000 : 0); // colours alone take no rounding to the nearest pixel
-        const uint32_t depth = uint32_t(rs.vertex[index].z);
+        [[maybe_unused]] const Divider byDepth(uint32_t(rs.vertex[index].z));
         if constexpr (A::textured) {
             a[A::uv0] = uint32_t(rs.uv0[index].u), a[A::uv0 + 1] = uint32_t(rs.uv0[index].v);
             if constexpr (A::pers) {
-                a[A::uv0] = divided(a[A::uv0] << shiftU0, depth), a[A::uv0 + 1] = divided(a[A::uv0 + 1] << shiftV0, depth);
-                a[A::w] = divided(0x7FFFFFFF, depth);
+                a[A::uv0] = byDepth(a[A::uv0] << shiftU0), a[A::uv0 + 1] = byDepth(a[A::uv0 + 1] << shiftV0);
+                a[A::w] = byDepth(0x7FFFFFFF);
             }
         }
         if constexpr (A::second) {
             a[A::uv1] = uint32_t(rs.uv1[index].u), a[A::uv1 + 1] = uint32_t(rs.uv1[index].v);
             if constexpr (A::pers)
-                a[A::uv1] = divided(a[A::uv1] << shiftU1, depth), a[A::uv1 + 1] = divided(a[A::uv1 + 1] << shiftV1, depth);
+                a[A::uv1] = byDepth(a[A::uv1] << shiftU1), a[A::uv1 + 1] = byDepth(a[A::uv1 + 1] << shiftV1);
         }
         if constexpr (rule)
             a[A::uv2] = uint32_t(rs.uv2[index].u), a[A::uv2 + 1] = uint32_t(rs.uv2[index].v);
@@ -202,8 +202,9 @@ void drawTriangle(PartIds ids)
             if (end <= begin)
                 continue;
             const uint32_t cut = uint32_t(begin) - uint32_t(l);
+            [[maybe_unused]] const Divider byWidth(width);
             const auto across = [&](int k) __attribute__((always_inline)) {
-                const uint32_t step = divided(right.value[k] - left.value[k], width);
+                const uint32_t step = byWidth(right.value[k] - left.value[k]);
                 return Linear{left.value[k] + step * cut, step};
             };
             if constexpr (A::textured)

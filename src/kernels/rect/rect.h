@@ -11,7 +11,7 @@ namespace ninefold {
 // A rectangle after clipping, and what the clip cut off.
 struct Box {
     int32_t left, top, right, bottom;
-    uint32_t width, height; // unclipped
+    Divider byWidth, byHeight; // unclipped sizes
     uint32_t dx, dy;        // columns and rows cut off at the left and top
     bool flippedX, flippedY; // vertex[0] lies right of, below vertex[1]
 
@@ -26,7 +26,8 @@ struct Box {
         if (rs.clipRight <= left || rs.clipBottom <= top || rs.clipLeft >= right || rs.clipTop >= bottom || right == left ||
             bottom == top)
             return false;
-        width = uint32_t(right) - uint32_t(left), height = uint32_t(bottom) - uint32_t(top);
+        byWidth = Divider(uint32_t(right) - uint32_t(left));
+        byHeight = Divider(uint32_t(bottom) - uint32_t(top));
         dx = rs.clipLeft > left ? uint32_t(rs.clipLeft) - uint32_t(left) : 0;
         dy = rs.clipTop > top ? uint32_t(rs.clipTop) - uint32_t(top) : 0;
         left += int32_t(dx), top += int32_t(dy);
@@ -37,11 +38,11 @@ struct Box {
 };
 
 // A quantity along one axis of the unclipped rectangle, its end exclusive, from the first pixel that the clip leaves.
-inline Linear along(uint32_t from, uint32_t to, bool flipped, uint32_t size, uint32_t cut)
+inline Linear along(uint32_t from, uint32_t to, bool flipped, const Divider& bySize, uint32_t cut)
 {
     if (flipped)
         std::swap(from, to);
-    const uint32_t step = divided(to - from, size);
+    const uint32_t step = bySize(to - from);
     return {from + step * cut, step};
 }
 
@@ -55,12 +56,12 @@ struct Corners {
             std::swap(c0, c1), std::swap(c2, c3);
         if (flippedY)
             std::swap(c0, c2), std::swap(c1, c3);
-        left = along(c0, c2, false, box.height, box.dy);
-        right = along(c1, c3, false, box.height, box.dy);
+        left = along(c0, c2, false, box.byHeight, box.dy);
+        right = along(c1, c3, false, box.byHeight, box.dy);
     }
     Linear row(const Box& box) const
     {
-        const uint32_t step = divided(right.start - left.start, box.width);
+        const uint32_t step = box.byWidth(right.start - left.start);
         return {left.start + step * box.dx, step};
     }
     void nextRow() { left.start += left.step, right.start += right.step; }
@@ -129,8 +130,8 @@ struct StretchWalk {
     void start(const Box& box, Span& s)
     {
         const TexCoord* uv = t ? rs.uv1 : rs.uv0;
-        (t ? s.u1 : s.u0) = along(uint32_t(uv[0].u), uint32_t(uv[1].u), box.flippedX, box.width, box.dx);
-        const Linear v = along(uint32_t(uv[0].v), uint32_t(uv[1].v), box.flippedY, box.height, box.dy);
+        (t ? s.u1 : s.u0) = along(uint32_t(uv[0].u), uint32_t(uv[1].u), box.flippedX, box.byWidth, box.dx);
+        const Linear v = along(uint32_t(uv[0].v), uint32_t(uv[1].v), box.flippedY, box.byHeight, box.dy);
         (t ? s.v1 : s.v0) = {v.start, 0};
         stepV = v.step;
     }
@@ -164,7 +165,7 @@ void chooseLineLevel(const LineTableRecord& line, const Box& box, Span& s)
     const int32_t b = int32_t(uint32_t(line.endU) - uint32_t(line.startU)) / 65536;
     const int32_t aa = int32_t(uint32_t(a) * uint32_t(a));
     const int32_t length = int32_t(std::sqrt(double(aa) + double(b) * double(b)));
-    const int32_t step = int32_t(divided(uint32_t(length) << 16, box.width));
+    const int32_t step = int32_t(box.byWidth(uint32_t(length) << 16));
     uint32_t level = 0;
     for (uint32_t i = 0; i < 16; ++i) {
         if (step >= int32_t(0x10000u << i) && step < int32_t(0x10000u << (i + 1))) {
@@ -186,8 +187,8 @@ void chooseLineLevel(const LineTableRecord& line, const Box& box, Span& s)
         (t ? rs.mipTex1 : rs.mipTex) = next;
         (t ? s.next1 : s.next0) = sourceOf(*next);
     }
-    const uint32_t du = uint32_t(int32_t(divided(uint32_t(line.endU) - uint32_t(line.startU), box.width)) >> level);
-    const uint32_t dv = uint32_t(int32_t(divided(uint32_t(line.endV) - uint32_t(line.startV), box.width)) >> level);
+    const uint32_t du = uint32_t(int32_t(box.byWidth(uint32_t(line.endU) - uint32_t(line.startU))) >> level);
+    const uint32_t dv = uint32_t(int32_t(box.byWidth(uint32_t(line.endV) - uint32_t(line.startV))) >> level);
     (t ? s.u1 : s.u0) = {uint32_t(line.startU >> level) + du * box.dx, du};
     (t ? s.v1 : s.v0) = {uint32_t(line.startV >> level) + dv * box.dx, dv};
 }
@@ -204,8 +205,8 @@ struct TableWalk {
         if (t == 0 && line->startU == NINEFOLD_SKIP_ROW)
             return false;
         if constexpr (choice == LineLevel::none) {
-            const uint32_t du = divided(uint32_t(line->endU) - uint32_t(line->startU), box.width);
-            const uint32_t dv = divided(uint32_t(line->endV) - uint32_t(line->startV), box.width);
+            const uint32_t du = box.byWidth(uint32_t(line->endU) - uint32_t(line->startU));
+            const uint32_t dv = box.byWidth(uint32_t(line->endV) - uint32_t(line->startV));
             (t ? s.u1 : s.u0) = {uint32_t(line->startU) + du * box.dx, du};
             (t ? s.v1 : s.v0) = {uint32_t(line->startV) + dv * box.dx, dv};
         } else {
@@ -290,7 +291,7 @@ void drawRect(PartIds ids)
     Span s;
     Target target = targetOf(box.left, box.top, box.right, box.bottom, marks);
     if constexpr (f == Frame::rectRuns) // it may move back, by as much as the row is wide
-        target.pixels = static_cast<const uint32_t*>(target.pixels) - box.width - 128;
+        target.pixels = static_cast<const uint32_t*>(target.pixels) - (box.right - box.left) - 128;
     bool overlap = false;
     const auto check = [&](const Source& source) { overlap |= target.overlaps(source); };
     typename WalkOf<f, 0, marks>::type walk0;
@@ -315,8 +316,8 @@ void drawRect(PartIds ids)
     uint32_t ruleStepV = 0;
     if constexpr (rule) {
         check(s.rule = sourceOf(*rs.tex2));
-        s.u2 = along(uint32_t(rs.uv2[0].u), uint32_t(rs.uv2[1].u), box.flippedX, box.width, box.dx);
-        s.v2 = along(uint32_t(rs.uv2[0].v), uint32_t(rs.uv2[1].v), box.flippedY, box.height, box.dy);
+        s.u2 = along(uint32_t(rs.uv2[0].u), uint32_t(rs.uv2[1].u), box.flippedX, box.byWidth, box.dx);
+        s.v2 = along(uint32_t(rs.uv2[0].v), uint32_t(rs.uv2[1].v), box.flippedY, box.byHeight, box.dy);
         ruleStepV = s.v2.step;
         s.v2.step = 0;
     }

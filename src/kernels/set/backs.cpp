@@ -60,7 +60,7 @@ NINEFOLD_LANE V softWeight(V value)
 
 NINEFOLD_LANE V softEdge(V d, V result, V value)
 {
-    const V soft = (V)((S)splat(u32(rs.ruleThreshold) + u32(rs.ruleWidth)) > (S)value);
+    const M soft = greaterSigned(splat(u32(rs.ruleThreshold) + u32(rs.ruleWidth)), value);
     if (!any(soft))
         return result;
     const V w = softWeight(value);
@@ -112,7 +112,7 @@ void back(const Span& span, int first, int n, Chunk& c)
     }
     for (int k = 0; k < n; k += lanes) {
         const int left = n - k;
-        const V live = load(c.live + k);
+        const M live = asMask(load(c.live + k));
         V s = load(c.source + k);
         const V d = left >= lanes ? load(dst + k) : loadSome(dst + k, left);
         if constexpr (blend != 12) {

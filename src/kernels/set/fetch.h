@@ -79,7 +79,7 @@ NINEFOLD_LANE V fraction(V a, V w)
     D aLow = (D)a & 0xFFFFFFFFu, aHigh = (D)a >> 32;
     const D wLow = (D)w & 0xFFFFFFFFu, wHigh = (D)w >> 32;
     const F low = 4294967296.0 / toDouble(wLow), high = 4294967296.0 / toDouble(wHigh);
-    if (any((V)(a >= w))) { // only from coordinates that the division by depth was not made for
+    if (any(atLeast(a, w))) { // only from coordinates that the division by depth was not made for
         aLow = remainderOfPairs(aLow, wLow, low);
         aHigh = remainderOfPairs(aHigh, wHigh, high);
     }
@@ -320,8 +320,8 @@ struct Stipple : Tested {
         // Half a texel back, the pair is the texel of the position and the one to its right, and the row is that of the position.
         const V pair = u - 0x8000u, row = v - 0x8000u;
         const V fraction = pair >> 8 & 0xFFu;
-        const V left = (V)((S)fraction < (S)load(stippleSteps + (x & 15)));
-        return texel(level, whole(pair + (~left & 0x10000u)) & level.maskU, whole(row) & level.maskV);
+        const M left = greaterSigned(load(stippleSteps + (x & 15)), fraction);
+        return texel(level, whole(pair + select(left, V{}, splat(0x10000))) & level.maskU, whole(row) & level.maskV);
     }
     __attribute__((always_inline)) void advance() { position.advance(), x += lanes; }
 };

@@ -55,50 +55,37 @@ bool front(const Span& span, int first, int n, Chunk& c)
     constexpr bool marksRun = ninefold::marksRun({.frame = {}, .multi = {}, .fetch = f, .rule = r, .gate = g, .second = {},
                                                   .prescale = false, .blend = 0,
                                                   .marks = g == Gate::plane ? Marks::plane : Marks::none});
+    const u64 free = freePixels<g, Fetcher::mapped>(span, first, n);
+    if (g != Gate::none && free == 0)
+        return false;
     Fetcher fetch(span, first);
     RuleOf<r> rule(span, first);
-    Gates<g, Fetcher::mapped> gates(span, first);
     const V threshold = splat(u32(r == Rule::none ? 0 : rs.ruleThreshold));
-    V anyLive{};
-    u64 marks = 0;
+    u64 drawn = 0;
     for (int k = 0; k < n; k += lanes) {
-        const int left = n - k;
-        V live = firstLanes(left);
-        if constexpr (marksRun) {
-            live = gates.get(live, left);
-            marks |= u64(bitsOf(live)) << k;
+        M live = g == Gate::none ? firstLanes(n - k) : lanesOf(free >> k);
+        if constexpr (r != Rule::none) {
             const V value = rule.get();
             store(c.rule + k, value);
-            live &= (V)((S)value > (S)threshold);
-        } else {
-            if constexpr (r != Rule::none) {
-                const V value = rule.get();
-                store(c.rule + k, value);
-                live &= (V)((S)value > (S)threshold);
-            }
-            if constexpr (g != Gate::none)
-                live = gates.get(live, left);
+            live &= greaterSigned(value, threshold);
         }
-        if (r == Rule::none && g == Gate::none ? true : any(live)) {
+        if ((r == Rule::none && g == Gate::none) || any(live)) {
             V key;
-            const V source = fetch.get(left, key);
+            const V source = fetch.get(n - k, key);
             if constexpr (Fetcher::tests)
                 live &= isNotZero(key);
             store(c.source + k, source);
             if constexpr (isMipMix(f))
                 store(c.other + k, key);
-            anyLive |= live;
-            if constexpr (g == Gate::plane && !marksRun)
-                marks |= u64(bitsOf(live)) << k;
+            drawn |= u64(bitsOf(live)) << k;
         }
-        store(c.live + k, live);
+        store(c.live + k, asLanes(live));
         fetch.advance();
         rule.advance();
-        gates.advance();
     }
     if constexpr (g == Gate::plane)
-        c.marks = marks;
-    return marksRun ? marks != 0 : any(anyLive);
+        c.marks = marksRun ? free : drawn;
+    return marksRun || drawn != 0;
 }
 
 // The reading position moves on pixels that pass the rule test alone.
@@ -109,9 +96,9 @@ bool frontRunSlip(const Span& span, int first, int n, Chunk& c)
     u32 passed = 0;
     for (int k = 0; k < n; k += lanes) {
         const V value = rule.get();
-        const V live = firstLanes(n - k) & (V)((S)value > (S)threshold);
+        const M live = firstLanes(n - k) & greaterSigned(value, threshold);
         store(c.rule + k, value);
-        store(c.live + k, live);
+        store(c.live + k, asLanes(live));
         for (u32 bits = bitsOf(live); bits; bits &= bits - 1, ++passed)
             c.source[k + __builtin_ctz(bits)] = *c.slip++;
         rule.advance();

@@ -7,43 +7,79 @@
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
-// Lane k lives where bit 31 - k is clear.
-NINEFOLD_LANE V clearBits(u32 bits) { return (V)((S)(splat(bits) & (splat(0x80000000u) >> iota())) == S{}); }
-
-// Plane bits from bit `at` of `words` on, in the top of the result; only words that hold one of the n pixels are read.
-NINEFOLD_LANE u32 window(const u16* words, u32 at, int n)
+// Pixels 0 to n - 1 (n up to 64) from bit `at` of plane words on, pixel 0 in bit 63. Only words that hold one of them are read.
+NINEFOLD_LANE u64 planeBits(const u16* words, u32 at, int n)
 {
-    const u32 word = at >> 4, last = (at + u32(n < lanes ? n : lanes) - 1) >> 4;
-    u32 bits = u32(words[word]) << 16;
-    if (last != word)
-        bits |= words[last];
-    return bits << (at & 15);
+    words += at >> 4;
+    at &= 15;
+    const u32 last = (at + u32(n) - 1) >> 4;
+    u64 bits = u64(words[0]) << (48 + at);
+    for (u32 k = 1; k <= last; ++k) {
+        const int shift = 48 + int(at) - 16 * int(k);
+        bits |= shift >= 0 ? u64(words[k]) << shift : u64(words[k]) >> -shift;
+    }
+    return bits;
 }
 
-NINEFOLD_LANE u32 stippleWindow(u32 maskRow, u32 x) { return (maskRow << 16 | maskRow) << (x & 15); }
+// The stipple of pixels from column x on, in the same order.
+NINEFOLD_LANE u64 stippleBits(u32 maskRow, u32 x)
+{
+    const u64 bits = maskRow * 0x0001000100010001u;
+    return bits << (x & 15) | bits >> ((64 - (x & 15)) & 63);
+}
 
-template <Gate g, bool mapped>
-struct Gates {
-    const Span& span;
-    int index;
-    __attribute__((always_inline)) Gates(const Span& s, int first) : span(s), index(first) {}
-    __attribute__((always_inline)) V get(V live, int left) const
-    {
-        if constexpr (g == Gate::plane) {
-            const u32 at = (span.x & 15) + u32(index);
-            u32 bits = window(span.plane, at, left) | stippleWindow(span.maskRow, at);
-            if (mapped)
-                bits |= window(span.zeroMap, at, left);
-            live &= clearBits(bits);
-        }
-        if constexpr (g == Gate::z || g == Gate::zMask)
-            live &= (V)((S)loadBytes(span.z + index, left) >= (S)splat(rs.zRef & 255));
-        if constexpr (g == Gate::mask || g == Gate::zMask)
-            live &= clearBits(stippleWindow(span.maskRow, span.x + u32(index)));
-        return live;
+// Pixel 0 from bit 63 to bit 0, and so on.
+NINEFOLD_LANE u64 mirrored(u64 bits)
+{
+    bits = __builtin_bswap64(bits);
+    bits = (bits & 0x0F0F0F0F0F0F0F0F) << 4 | (bits >> 4 & 0x0F0F0F0F0F0F0F0F);
+    bits = (bits & 0x3333333333333333) << 2 | (bits >> 2 & 0x3333333333333333);
+    return (bits & 0x5555555555555555) << 1 | (bits >> 1 & 0x5555555555555555);
+}
+
+// Bit k: byte k, of n up to 64, is at least `limit`. No byte behind them is touched.
+NINEFOLD_LANE u64 zBits(const u8* z, int n, u8 limit)
+{
+#if defined(__AVX512BW__)
+    const __mmask64 all = n >= 64 ? ~0ull : (1ull << n) - 1;
+    return _mm512_mask_cmpge_epu8_mask(all, _mm512_maskz_loadu_epi8(all, z), _mm512_set1_epi8(char(limit)));
+#else
+    u64 bits = 0;
+    int k = 0;
+    for (; k + 16 <= n; k += 16)
+        bits |= u64(bytesAtLeast(z + k, limit)) << k;
+    if (k < n) {
+        alignas(16) u8 rest[16] = {};
+        const u8* from = z + k;
+        const int left = n - k;
+        if (left & 8)
+            __builtin_memcpy(rest, from, 8);
+        for (int j = left & 8; j < left; ++j)
+            rest[j] = from[j];
+        bits |= u64(bytesAtLeast(rest, limit) & ((1u << left) - 1)) << k;
     }
-    __attribute__((always_inline)) void advance() { index += lanes; }
-};
+    return bits;
+#endif
+}
+
+// Bit k: the planes and the stipple leave pixel first + k free, for n pixels up to 64. mapped: the zero-pixel map takes part.
+template <Gate g, bool mapped>
+NINEFOLD_LANE u64 freePixels(const Span& s, int first, int n)
+{
+    u64 bits = n >= 64 ? ~u64(0) : (u64(1) << n) - 1;
+    if constexpr (g == Gate::plane) {
+        const u32 at = (s.x & 15) + u32(first);
+        u64 taken = planeBits(s.plane, at, n) | stippleBits(s.maskRow, at);
+        if (mapped)
+            taken |= planeBits(s.zeroMap, at, n);
+        bits &= mirrored(~taken);
+    }
+    if constexpr (g == Gate::z || g == Gate::zMask)
+        bits &= zBits(s.z + first, n, u8(rs.zRef));
+    if constexpr (g == Gate::mask || g == Gate::zMask)
+        bits &= mirrored(~stippleBits(s.maskRow, s.x + u32(first)));
+    return bits;
+}
 
 } // namespace
 } // namespace ninefold::NINEFOLD_SET

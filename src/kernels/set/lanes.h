@@ -42,12 +42,19 @@ constexpr int lanes = 4;
 #endif
 constexpr int bytes = lanes * 4;
 
-typedef u32 V __attribute__((vector_size(bytes)));    // pixels, indices, lane masks (all ones or 0)
+typedef u32 V __attribute__((vector_size(bytes)));    // pixels, indices
 typedef i32 S __attribute__((vector_size(bytes)));    // the same, signed
 typedef u16 H __attribute__((vector_size(bytes)));    // 16-bit halves
 typedef u64 D __attribute__((vector_size(bytes)));    // pairs of lanes
 typedef double F __attribute__((vector_size(bytes))); // doubles over pairs of lanes
 typedef float R __attribute__((vector_size(bytes)));  // reals over lanes
+
+// Which lanes: a mask register, or all ones and 0 in the lanes.
+#if defined(__AVX512F__)
+typedef __mmask16 M;
+#else
+typedef V M;
+#endif
 
 NINEFOLD_LANE V splat(u32 x) { return x - V{}; }
 NINEFOLD_LANE V iota()
@@ -111,24 +118,31 @@ NINEFOLD_LANE void storeSome(u32* p, V v, int n)
 #endif
 }
 
-// mask ? a : b, lane by lane; mask lanes are all ones or 0.
-NINEFOLD_LANE V select(V mask, V a, V b)
-{
+// Comparisons.
 #if defined(__AVX512F__)
-    return (V)_mm512_mask_blend_epi32(_mm512_test_epi32_mask((__m512i)mask, (__m512i)mask), (__m512i)b, (__m512i)a);
-#elif defined(__AVX2__)
-    return (V)_mm256_blendv_epi8((__m256i)b, (__m256i)a, (__m256i)mask);
+NINEFOLD_LANE M isZero(V v) { return _mm512_testn_epi32_mask((__m512i)v, (__m512i)v); }
+NINEFOLD_LANE M isNotZero(V v) { return _mm512_test_epi32_mask((__m512i)v, (__m512i)v); }
+NINEFOLD_LANE M equal(V a, V b) { return _mm512_cmpeq_epi32_mask((__m512i)a, (__m512i)b); }
+NINEFOLD_LANE M greaterSigned(V a, V b) { return _mm512_cmpgt_epi32_mask((__m512i)a, (__m512i)b); }
+NINEFOLD_LANE M atLeast(V a, V b) { return _mm512_cmpge_epu32_mask((__m512i)a, (__m512i)b); }
+NINEFOLD_LANE M topBit(V v) { return _mm512_movepi32_mask((__m512i)v); }
+// Lanes whose bit is set; lane 0 is the lowest.
+NINEFOLD_LANE M lanesOf(u64 bits) { return __mmask16(bits); }
+NINEFOLD_LANE u32 bitsOf(M mask) { return mask; }
+// All ones and 0, and back.
+NINEFOLD_LANE V asLanes(M mask) { return (V)_mm512_movm_epi32(mask); }
+NINEFOLD_LANE M asMask(V lanesOfOnes) { return _mm512_movepi32_mask((__m512i)lanesOfOnes); }
 #else
-    return (mask & a) | (~mask & b);
-#endif
-}
-
-// One bit a lane, lane 0 lowest.
-NINEFOLD_LANE u32 bitsOf(V mask)
+NINEFOLD_LANE M isZero(V v) { return (M)(v == V{}); }
+NINEFOLD_LANE M isNotZero(V v) { return (M)(v != V{}); }
+NINEFOLD_LANE M equal(V a, V b) { return (M)(a == b); }
+NINEFOLD_LANE M greaterSigned(V a, V b) { return (M)((S)a > (S)b); }
+NINEFOLD_LANE M atLeast(V a, V b) { return (M)(a >= b); }
+NINEFOLD_LANE M topBit(V v) { return (M)((S)v >> 31); }
+NINEFOLD_LANE M lanesOf(u64 bits) { return isNotZero(splat(u32(bits)) & (splat(1) << iota())); }
+NINEFOLD_LANE u32 bitsOf(M mask)
 {
-#if defined(__AVX512F__)
-    return _mm512_test_epi32_mask((__m512i)mask, (__m512i)mask);
-#elif defined(__AVX2__)
+#if defined(__AVX2__)
     return u32(_mm256_movemask_ps((__m256)mask));
 #elif defined(NINEFOLD_X86)
     return u32(_mm_movemask_ps((__m128)mask));
@@ -139,13 +153,32 @@ NINEFOLD_LANE u32 bitsOf(V mask)
     return bits;
 #endif
 }
-NINEFOLD_LANE bool any(V mask) { return bitsOf(mask) != 0; }
+NINEFOLD_LANE V asLanes(M mask) { return mask; }
+NINEFOLD_LANE M asMask(V lanesOfOnes) { return lanesOfOnes; }
+#endif
+NINEFOLD_LANE bool any(M mask) { return bitsOf(mask) != 0; }
 
-// All ones in the first n lanes.
-NINEFOLD_LANE V firstLanes(int n) { return (V)((S)iota() < (S)splat(u32(n))); }
+// mask ? a : b, lane by lane.
+NINEFOLD_LANE V select(M mask, V a, V b)
+{
+#if defined(__AVX512F__)
+    return (V)_mm512_mask_blend_epi32(mask, (__m512i)b, (__m512i)a);
+#elif defined(__AVX2__)
+    return (V)_mm256_blendv_epi8((__m256i)b, (__m256i)a, (__m256i)mask);
+#else
+    return (mask & a) | (~mask & b);
+#endif
+}
 
-NINEFOLD_LANE V isZero(V v) { return (V)(v == V{}); }
-NINEFOLD_LANE V isNotZero(V v) { return (V)(v != V{}); }
+// The first n lanes; all of them where n is more.
+NINEFOLD_LANE M firstLanes(int n)
+{
+#if defined(__AVX512F__)
+    return n >= lanes ? __mmask16(0xFFFF) : __mmask16((1u << n) - 1);
+#else
+    return greaterSigned(splat(u32(n)), iota());
+#endif
+}
 
 // Shifts of all lanes by one count.
 #if defined(__AVX512F__)
@@ -190,28 +223,17 @@ NINEFOLD_LANE V gather(const u32* pixels, V index)
 #endif
 }
 
-// Bytes widened to lanes; with n < lanes only n bytes are touched and the other lanes are 0.
-NINEFOLD_LANE V loadBytes(const u8* p, int n)
+// Bit k: byte k of 16 is at least `limit`.
+NINEFOLD_LANE u32 bytesAtLeast(const u8* p, u8 limit)
 {
-#if defined(__AVX512F__)
-    const __m128i b = n >= lanes ? _mm_loadu_si128(reinterpret_cast<const __m128i*>(p))
-                                 : _mm_maskz_loadu_epi8(__mmask16((1u << n) - 1), p);
-    return (V)_mm512_cvtepu8_epi32(b);
+#if defined(NINEFOLD_X86)
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    return u32(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(b, _mm_set1_epi8(char(limit))), b)));
 #else
-    u64 b = 0;
-    if (n >= lanes)
-        __builtin_memcpy(&b, p, lanes);
-    else
-        for (int k = n; k-- > 0;)
-            b = b << 8 | p[k];
-#if defined(__AVX2__)
-    return (V)_mm256_cvtepu8_epi32(_mm_cvtsi64_si128(static_cast<long long>(b)));
-#elif defined(NINEFOLD_X86)
-    const __m128i zero = _mm_setzero_si128();
-    return (V)_mm_unpacklo_epi16(_mm_unpacklo_epi8(_mm_cvtsi32_si128(int(b)), zero), zero);
-#else
-    return V{u32(b & 255), u32(b >> 8 & 255), u32(b >> 16 & 255), u32(b >> 24 & 255)};
-#endif
+    u32 bits = 0;
+    for (int k = 0; k < 16; ++k)
+        bits |= u32(p[k] >= limit) << k;
+    return bits;
 #endif
 }
 

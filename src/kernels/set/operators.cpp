@@ -70,7 +70,7 @@ void rowOperator(PixelOperator, u32* out, const u32* first, const u32* second, c
 {
     for (int k = 0; k < n; k += lanes) {
         const V f = load(first + k);
-        store(out + k, select(load(pick + k), apply<op, wide>(f, load(second + k)), f));
+        store(out + k, select(asMask(load(pick + k)), apply<op, wide>(f, load(second + k)), f));
     }
 }
 

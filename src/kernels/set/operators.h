@@ -33,7 +33,7 @@ NINEFOLD_LANE V opAlpha(V d, V s)
 NINEFOLD_LANE V opAlphaFast(V d, V s)
 {
     const V a = s >> 24;
-    return select((V)(a == splat(255)), s, select(isZero(a), d, opAlpha(d, s)));
+    return select(equal(a, splat(255)), s, select(isZero(a), d, opAlpha(d, s)));
 }
 
 NINEFOLD_LANE V opConstAlpha(V d, V s, u32 alpha) // alpha up to 255

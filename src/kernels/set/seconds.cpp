@@ -45,8 +45,8 @@ void second(const Span& span, int first, int n, Chunk& c)
         V key;
         store(c.second + k, fetch.get(n - k, key));
         if constexpr (s != Second::corners) {
-            const V found = isNotZero(key);
-            store(c.valid + k, load(c.live + k) & found);
+            const M found = isNotZero(key);
+            store(c.valid + k, load(c.live + k) & asLanes(found));
             if constexpr (unmixes(s))
                 store(c.source + k, select(found, load(c.source + k), load(c.other + k)));
         }
