@@ -96,6 +96,10 @@ public:
             chunk.blendFunc = rs.blendFunc;
             chunk.blendRow = hostBlend ? set.hostOperator : set.operators[wide][op];
         }
+        fused = nullptr;
+        if constexpr (multi == Multi::none)
+            if (ids.fused() && !overlap && rs.blendAlpha <= 255)
+                fused = set.spans[ids.fused() - 1];
         step = overlap || (hostMulti && hostBlend) ? 1 : Chunk::size;
         literal = overlap && ids.marks() != Marks::none;
     }
@@ -103,6 +107,12 @@ public:
     // Pixels first to first + n - 1.
     void draw(const Span& s, int first, int n)
     {
+        if constexpr (multi == Multi::none) {
+            if (fused) {
+                fused(s, n);
+                return;
+            }
+        }
         if (literal) {
             drawWords(s, n);
             return;
@@ -179,6 +189,7 @@ private:
     Mid second;
     Back back;
     RowOperator multiRow;
+    FusedSpan fused;
     int step;
     bool callMulti;
     bool literal;

@@ -11,7 +11,7 @@ namespace ninefold {
 
 using FrameFunction = void (*)(PartIds);
 
-template <FrameFunction frame, uint32_t ids>
+template <FrameFunction frame, uint64_t ids>
 void kernel()
 {
     frame(PartIds{ids});

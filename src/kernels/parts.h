@@ -4,6 +4,7 @@
 #include "kernels/span.h"
 #include "ops/operators.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace ninefold {
@@ -94,6 +95,35 @@ constexpr int backIndex(bool prescale, int blend, bool soft, Marks m)
 }
 constexpr int backCount = int(Marks::count) * blendCount * 4;
 
+// Fused entries: one function from gate to write, for the combinations that are drawn most: no multi stage, no rule, no prescale, no
+// marks. A block draws the rows of a rectangle whose rows are alike; a fused span draws one row.
+struct Rows {
+    int count, columns;
+    uint32_t pitch; // of the frame buffer, pixels
+    uint32_t stepV; // of v0, row by row; unit-scale fetches step by a texel
+    uint32_t maskRow; // number of the first drawMask row
+};
+using Block = void (*)(const Span&, const Rows&);
+using FusedSpan = void (*)(const Span&, int n);
+
+constexpr Fetch blockFetches[] = {Fetch::unit, Fetch::pointRow, Fetch::bilinearRow3, Fetch::bilinearRow4, Fetch::flat};
+constexpr Fetch spanFetches[] = {Fetch::point,    Fetch::bilinear3, Fetch::bilinear4,     Fetch::flat,
+                                 Fetch::gouraud,  Fetch::stipple,   Fetch::pointPers,     Fetch::bilinearPers3,
+                                 Fetch::bilinearPers4};
+constexpr int fusedIndexAt(int fetch, Gate g, int blend) { return (fetch * int(Gate::count) + int(g)) * blendCount + blend + 1; }
+constexpr int blockCount = fusedIndexAt(sizeof blockFetches / sizeof *blockFetches, Gate::none, -1);
+constexpr int spanCount = fusedIndexAt(sizeof spanFetches / sizeof *spanFetches, Gate::none, -1);
+
+// 0: there is none.
+template <size_t n>
+constexpr int fusedIndex(const Fetch (&fetches)[n], Fetch f, Gate g, int blend)
+{
+    for (size_t k = 0; k < n; ++k)
+        if (fetches[k] == f && blend != 12)
+            return fusedIndexAt(int(k), g, blend);
+    return 0;
+}
+
 // What an instruction set exports. Entries that no kernel needs are null.
 struct SetTable {
     const Front* fronts; // by frontIndex
@@ -102,6 +132,8 @@ struct SetTable {
     const Back* backs[2];             // by backIndex
     const RowOperator* operators[2]; // by ops::Op
     RowOperator hostOperator;
+    const Block* blocks;     // by fusedIndex of blockFetches, less 1
+    const FusedSpan* spans;  // by fusedIndex of spanFetches, less 1
 };
 
 // The sets of this machine's architecture, baseline first.

@@ -50,13 +50,14 @@ struct Plan {
 
 // How a frame is told its parts, in one word.
 struct PartIds {
-    uint32_t word;
-    constexpr uint32_t front() const { return word & 511; }
-    constexpr uint32_t second() const { return word >> 9 & 31; }
-    constexpr uint32_t back() const { return word >> 14 & 255; }
+    uint64_t word;
+    constexpr uint32_t front() const { return uint32_t(word) & 511; }
+    constexpr uint32_t second() const { return uint32_t(word) >> 9 & 31; }
+    constexpr uint32_t back() const { return uint32_t(word) >> 14 & 255; }
     constexpr Marks marks() const { return Marks(word >> 22 & 3); }
     constexpr bool custom() const { return word >> 24 & 1; } // blend 12
     constexpr bool marksRun() const { return word >> 25 & 1; } // marks what the gate leaves, drawn or not
+    constexpr uint32_t fused() const { return uint32_t(word >> 32); } // block or span that does all of it, 0: none
     // The same parts with neither plane gate nor marks, for the walk that does both itself.
     constexpr uint32_t frontUngated() const { return front() - uint32_t(Gate::plane); }
     constexpr uint32_t backUnmarked() const { return back() - uint32_t(marks()) * blendCount * 4; }
@@ -68,11 +69,25 @@ constexpr bool marksRun(const Plan& p)
     return p.marksPlane() && p.rule == Rule::row && (p.fetch == Fetch::flat || p.fetch == Fetch::gouraud);
 }
 
+constexpr bool drawsBlocks(Frame f)
+{
+    return f == Frame::rectUnit || f == Frame::rectUnit16 || f == Frame::rectStretch || f == Frame::rectFlat;
+}
+
+constexpr int fusedIndex(const Plan& p)
+{
+    if (p.multi != Multi::none || p.rule != Rule::none || p.prescale || p.marksPlane() || p.frame == Frame::lineFlat ||
+        p.frame == Frame::lineGouraud)
+        return 0;
+    return drawsBlocks(p.frame) ? fusedIndex(blockFetches, p.fetch, p.gate, p.blend)
+                                : fusedIndex(spanFetches, p.fetch, p.gate, p.blend);
+}
+
 constexpr PartIds partIds(Plan p)
 {
     if (p.frame == Frame::lineFlat || p.frame == Frame::lineGouraud) // gates and marks are the frame's
         p.gate = Gate::none, p.marks = Marks::none;
-    return {uint32_t(frontIndex(p.fetch, p.rule, p.gate)) | uint32_t(p.second) << 9 |
+    return {uint64_t(fusedIndex(p)) << 32 | uint32_t(frontIndex(p.fetch, p.rule, p.gate)) | uint32_t(p.second) << 9 |
             uint32_t(backIndex(p.prescale, p.blend, p.rule != Rule::none, p.marks)) << 14 | uint32_t(p.marks) << 22 |
             uint32_t(p.blend == 12) << 24 | uint32_t(marksRun(p)) << 25};
 }
@@ -232,7 +247,7 @@ constexpr Axes ruleRectangle(uint8_t filter) { return {1, 0, 1, 0, filter, 2, 1,
 
 // Which parts some kernel needs.
 struct UsedParts {
-    bool front[frontCount], back[backCount];
+    bool front[frontCount], back[backCount], block[blockCount], span[spanCount];
 };
 constexpr UsedParts usedParts()
 {
@@ -243,6 +258,8 @@ constexpr UsedParts usedParts()
         const Plan p = planOf(a);
         const PartIds ids = partIds(p);
         used.front[ids.front()] = used.back[ids.back()] = true;
+        if (ids.fused())
+            (drawsBlocks(p.frame) ? used.block : used.span)[ids.fused() - 1] = true;
         if (ids.marks() != Marks::none)
             used.front[ids.frontUngated()] = used.back[ids.backUnmarked()] = true;
     };

@@ -282,6 +282,14 @@ void drawRuns(Painter<multi>& painter, Span& s, int32_t columns)
     }
 }
 
+// How far v0 moves from row to row, where that is all that moves.
+template <class Walk>
+uint32_t stepOf(const Walk&) { return 0; }
+template <>
+inline uint32_t stepOf(const Unit16Walk<0>&) { return 0x10000; }
+template <>
+inline uint32_t stepOf(const StretchWalk<0>& walk) { return walk.stepV; }
+
 template <Frame f, Multi multi, bool rule, bool marks>
 void drawRect(PartIds ids)
 {
@@ -326,7 +334,6 @@ void drawRect(PartIds ids)
     if constexpr (coloured)
         colours.make(coloursFollow(f) && box.flippedX, coloursFollow(f) && box.flippedY, box);
 
-    Painter<multi> painter(ids, overlap);
     const size_t first = (size_t(uint32_t(box.top)) << rs.dstShift) + uint32_t(box.left);
     const uint32_t pitch = rs.dstPitch;
     s.x = uint32_t(box.left);
@@ -338,6 +345,14 @@ void drawRect(PartIds ids)
         s.zeroMap = rs.tex0->zeroPixelMap + first / 16;
     const int32_t columns = box.right - box.left;
     uint32_t maskRow = uint32_t(box.top);
+    if constexpr (multi == Multi::none && !rule && !marks && drawsBlocks(f)) {
+        if (ids.fused() && !overlap && rs.blendAlpha <= 255) {
+            const Rows rows{box.bottom - box.top, columns, pitch, stepOf(walk0), maskRow};
+            activeSet->blocks[ids.fused() - 1](s, rows);
+            return;
+        }
+    }
+    Painter<multi> painter(ids, overlap);
     for (int32_t rows = box.bottom - box.top; rows > 0; --rows) {
         if (walk0.row(box, s)) {
             if constexpr (hasSecond(multi))

@@ -1,41 +1,12 @@
 // Backs: prescale, blend, soft edge, the masked write and the marks in the planes.
 #include "kernels/plan.h"
-#include "kernels/set/operators.h"
+#include "kernels/set/blend.h"
 #include "kernels/set/tables.h"
 
 #include <utility>
 
 namespace ninefold::NINEFOLD_SET {
 namespace {
-
-// Blends 1, 2 and 4 are weighed by alpha and prescale fades them; under any other it dims the colour.
-template <int blend, bool wide>
-NINEFOLD_LANE V prescaled(V source)
-{
-    const u32 factor = rs.prescale;
-    if (blend == 1 || blend == 2 || blend == 4)
-        return wide ? scaleAlphaWide(source, factor) : scaleAlpha(source, factor);
-    const V scaled = wide ? scaleRgbWide(source, factor) : scaleRgb(source, factor);
-    return blend == 5 ? scaled : scaled | (source & 0xFF000000u);
-}
-
-template <int blend, bool wide>
-NINEFOLD_LANE V blended(V d, V s)
-{
-    switch (blend) {
-    case 1: return opAlpha(d, s);
-    case 2: return wide ? opConstAlphaWide(d, s, rs.blendAlpha) : opConstAlpha(d, s, rs.blendAlpha);
-    case 4: return opAlphaFast(d, s);
-    case 5: return opAdd(d, s);
-    case 6: return opSub(d, s);
-    case 7: return opMul(d, s);
-    case 8: return opMul2(d, s);
-    case 9: return opScreen(d, s);
-    case 10: return opOverlay(d, s);
-    case 11: return opMerge(d, s, rs.writeMask);
-    default: return s;
-    }
-}
 
 // a / b for unsigned words, exact: the quotient of two such doubles, rounded once, cannot reach the next whole number.
 NINEFOLD_LANE D divided(D a, D b)
@@ -102,11 +73,12 @@ template <bool prescale, int blend, bool soft, Marks m, bool wide>
 void back(const Span& span, int first, int n, Chunk& c)
 {
     u32* dst = span.dst + first;
+    const BlendFactors factors;
     if constexpr (blend == 12) {
         for (int k = 0; k < n; k += lanes) {
             store(c.other + k, n - k >= lanes ? load(dst + k) : loadSome(dst + k, n - k));
             if constexpr (prescale)
-                store(c.source + k, prescaled<blend, wide>(load(c.source + k)));
+                store(c.source + k, prescaled<blend, wide>(load(c.source + k), factors.prescale));
         }
         c.blendRow(c.blendFunc, c.source, c.other, c.source, c.live, n);
     }
@@ -117,8 +89,8 @@ void back(const Span& span, int first, int n, Chunk& c)
         const V d = left >= lanes ? load(dst + k) : loadSome(dst + k, left);
         if constexpr (blend != 12) {
             if constexpr (prescale)
-                s = prescaled<blend, wide>(s);
-            s = blended<blend, wide>(d, s);
+                s = prescaled<blend, wide>(s, factors.prescale);
+            s = blended<blend, wide>(d, s, factors);
         }
         if constexpr (soft)
             s = softEdge(d, s, load(c.rule + k));

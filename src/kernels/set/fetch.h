@@ -12,7 +12,7 @@ namespace {
 // The values of a linear quantity at pixels first to first + lanes - 1, and on from there.
 struct Ramp {
     V value, step;
-    NINEFOLD_LANE Ramp make(Linear l, int first)
+    NINEFOLD_LANE Ramp make(const Linear& l, int first)
     {
         const u32 start = l.start + l.step * u32(first);
         return {splat(start) + iota() * splat(l.step), splat(l.step * lanes)};
@@ -25,8 +25,8 @@ template <int t>
 struct Texture01 {
     NINEFOLD_LANE const Source& level(const Span& s) { return t ? s.tex1 : s.tex0; }
     NINEFOLD_LANE const Source& next(const Span& s) { return t ? s.next1 : s.next0; }
-    NINEFOLD_LANE Linear u(const Span& s) { return t ? s.u1 : s.u0; }
-    NINEFOLD_LANE Linear v(const Span& s) { return t ? s.v1 : s.v0; }
+    NINEFOLD_LANE const Linear& u(const Span& s) { return t ? s.u1 : s.u0; }
+    NINEFOLD_LANE const Linear& v(const Span& s) { return t ? s.v1 : s.v0; }
     NINEFOLD_LANE u32 shiftU(const Span& s) { return t ? s.shiftU1 : s.shiftU0; }
     NINEFOLD_LANE u32 shiftV(const Span& s) { return t ? s.shiftV1 : s.shiftV0; }
     NINEFOLD_LANE u32 weight() { return u32(t ? rs.mipFrac1 : rs.mipFrac); }
@@ -128,10 +128,15 @@ struct Unit {
         column = Texture01<t>::u(s).start + u32(first);
         mask = level.maskU;
     }
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) V get(int left, V& key) const
     {
         const u32 at = column & mask;
-        key = mask - at >= u32(lanes - 1) && at <= mask ? load(row + at) : gather(row, (splat(column) + iota()) & mask);
+        if (mask - at >= u32(lanes - 1))
+            key = load(row + at);
+        else if (left < lanes && mask - at >= u32(left - 1))
+            key = loadSome(row + at, left);
+        else
+            key = gather(row, (splat(column) + iota()) & mask);
         return key;
     }
     __attribute__((always_inline)) void advance() { column += lanes; }
@@ -147,19 +152,60 @@ struct Run : Untested {
     __attribute__((always_inline)) void advance() { at += lanes; }
 };
 
-template <int t>
-struct PointRow : Tested {
+// Columns of one texture row at steps of up to two texels, read as one or two vectors of neighbours and sorted by a permutation.
+struct Window {
     const u32* row;
     u32 mask;
+    u32 position, step; // 16.16, of the first pixel of the next vector
+    bool one, two;      // a window of one, of two vectors holds all that a vector of pixels needs
+    __attribute__((always_inline)) Window(const u32* texels, u32 columnMask, const Linear& u, int first)
+        : row(texels), mask(columnMask), position(u.start + u.step * u32(first)), step(u.step)
+    {
+        const u32 size = i32(step) < 0 ? 0 - step : step;
+        one = size <= 0x10000 && mask >= u32(lanes - 1);
+        two = size <= 0x20000 && mask >= u32(2 * lanes - 1);
+    }
+    // The texels at the wrapped columns of whole(u); pixels from `left` on may get anything.
+    __attribute__((always_inline)) V get(V u, int left) const
+    {
+#if defined(__AVX2__)
+        if (one || two) {
+            const u32 last = u32(left < lanes ? left : lanes) - 1;
+            const i32 a = i32(position) >> 16, b = i32(position + step * last) >> 16;
+            const bool falling = i32(step) < 0;
+            const i32 lowest = falling ? b : a;
+            const u32 extent = u32(falling ? a - b : b - a); // huge where the position wraps within the vector
+            const u32 size = one ? lanes : 2 * lanes;
+            const u32 column = u32(lowest) & mask, latest = mask - (size - 1);
+            const u32 base = column < latest ? column : latest, offset = column - base;
+            if (extent <= mask - column && extent + offset < size) {
+                const V index = whole(u) - splat(u32(lowest) - offset);
+                return one ? permute(load(row + base), index) : permute2(load(row + base), load(row + base + lanes), index);
+            }
+        }
+#else
+        (void)left;
+#endif
+        return gather(row, whole(u) & mask);
+    }
+    __attribute__((always_inline)) void advance() { position += step * lanes; }
+};
+
+template <int t>
+struct PointRow : Tested {
+    Window window;
     Ramp u;
-    __attribute__((always_inline)) PointRow(const Span& s, int first) : u(Ramp::make(Texture01<t>::u(s), first))
+    __attribute__((always_inline)) static const u32* rowOf(const Span& s)
     {
         const Source& level = Texture01<t>::level(s);
-        row = level.pixels + (size_t(truncated(Texture01<t>::v(s).start) & level.maskV) << level.shift);
-        mask = level.maskU;
+        return level.pixels + (size_t(truncated(Texture01<t>::v(s).start) & level.maskV) << level.shift);
     }
-    __attribute__((always_inline)) V get(int, V& key) const { return key = gather(row, whole(u.value) & mask); }
-    __attribute__((always_inline)) void advance() { u.advance(); }
+    __attribute__((always_inline)) PointRow(const Span& s, int first)
+        : window(rowOf(s), Texture01<t>::level(s).maskU, Texture01<t>::u(s), first), u(Ramp::make(Texture01<t>::u(s), first))
+    {
+    }
+    __attribute__((always_inline)) V get(int left, V& key) const { return key = window.get(u.value, left); }
+    __attribute__((always_inline)) void advance() { u.advance(), window.advance(); }
 };
 
 template <template <int> class Position, int t>
@@ -177,16 +223,16 @@ struct Point : Tested {
 };
 
 // (x / size) * size, truncating, for |x| up to 2^24: a correctly rounded quotient of such a value cannot reach the next whole number.
-struct Block {
+struct BlockSize {
     R size;
-    __attribute__((always_inline)) explicit Block(i32 k) : size(float(k) - R{}) {}
+    __attribute__((always_inline)) explicit BlockSize(i32 k) : size(float(k) - R{}) {}
     __attribute__((always_inline)) V operator()(V x) const { return toWhole(toReal(toWhole(toReal(x) / size)) * size); }
 };
 
 template <int t>
 struct MosaicUnit : Tested {
     const u32* row;
-    Block block;
+    BlockSize block;
     u32 column, mask;
     __attribute__((always_inline)) MosaicUnit(const Span& s, int first) : block(rs.mosaicSize1)
     {
@@ -202,7 +248,7 @@ struct MosaicUnit : Tested {
 
 // Columns of tex0 are quantised by mosaicSize, then wrapped; those of tex1 the other way round and by mosaicSize1.
 template <int t>
-NINEFOLD_LANE V mosaicColumn(const Block& block, V u, u32 mask)
+NINEFOLD_LANE V mosaicColumn(const BlockSize& block, V u, u32 mask)
 {
     return t ? block(whole(u) & mask) : block(whole(u)) & mask;
 }
@@ -215,7 +261,7 @@ NINEFOLD_LANE i32 mosaicColumnSize()
 template <int t>
 struct MosaicRow : Tested {
     const u32* row;
-    Block block;
+    BlockSize block;
     u32 mask;
     Ramp u;
     __attribute__((always_inline)) MosaicRow(const Span& s, int first)
@@ -235,7 +281,7 @@ template <template <int> class Position, int t, bool triangle>
 struct Mosaic : Tested {
     Position<t> position;
     const Source level;
-    Block rows, columns;
+    BlockSize rows, columns;
     __attribute__((always_inline)) Mosaic(const Span& s, int first)
         : position(s, first), level(Texture01<t>::level(s)), rows(rs.mosaicSize), columns(mosaicColumnSize<t>())
     {
@@ -327,8 +373,9 @@ struct Stipple : Tested {
 };
 
 struct Flat : Untested {
-    __attribute__((always_inline)) Flat(const Span&, int) {}
-    __attribute__((always_inline)) V get(int, V& key) const { return key = splat(rs.color[0]); }
+    V colour;
+    __attribute__((always_inline)) Flat(const Span&, int) : colour(splat(rs.color[0])) {}
+    __attribute__((always_inline)) V get(int, V& key) const { return key = colour; }
     __attribute__((always_inline)) void advance() {}
 };
 

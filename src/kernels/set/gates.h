@@ -45,19 +45,8 @@ NINEFOLD_LANE u64 zBits(const u8* z, int n, u8 limit)
     return _mm512_mask_cmpge_epu8_mask(all, _mm512_maskz_loadu_epi8(all, z), _mm512_set1_epi8(char(limit)));
 #else
     u64 bits = 0;
-    int k = 0;
-    for (; k + 16 <= n; k += 16)
-        bits |= u64(bytesAtLeast(z + k, limit)) << k;
-    if (k < n) {
-        alignas(16) u8 rest[16] = {};
-        const u8* from = z + k;
-        const int left = n - k;
-        if (left & 8)
-            __builtin_memcpy(rest, from, 8);
-        for (int j = left & 8; j < left; ++j)
-            rest[j] = from[j];
-        bits |= u64(bytesAtLeast(rest, limit) & ((1u << left) - 1)) << k;
-    }
+    for (int k = 0; k < n; k += 16)
+        bits |= u64(bytesAtLeast(z + k, n - k < 16 ? n - k : 16, limit)) << k;
     return bits;
 #endif
 }

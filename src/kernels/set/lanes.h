@@ -118,6 +118,10 @@ NINEFOLD_LANE void storeSome(u32* p, V v, int n)
 #endif
 }
 
+#if defined(__AVX512F__)
+NINEFOLD_LANE void storeMasked(u32* p, V v, M mask) { _mm512_mask_storeu_epi32(p, mask, (__m512i)v); }
+#endif
+
 // Comparisons.
 #if defined(__AVX512F__)
 NINEFOLD_LANE M isZero(V v) { return _mm512_testn_epi32_mask((__m512i)v, (__m512i)v); }
@@ -223,15 +227,52 @@ NINEFOLD_LANE V gather(const u32* pixels, V index)
 #endif
 }
 
-// Bit k: byte k of 16 is at least `limit`.
-NINEFOLD_LANE u32 bytesAtLeast(const u8* p, u8 limit)
+#if defined(__AVX2__)
+// a[index] for indices below lanes, and (a, b)[index] for indices below twice that.
+NINEFOLD_LANE V permute(V a, V index)
+{
+#if defined(__AVX512F__)
+    return (V)_mm512_permutexvar_epi32((__m512i)index, (__m512i)a);
+#else
+    return (V)_mm256_permutevar8x32_epi32((__m256i)a, (__m256i)index);
+#endif
+}
+NINEFOLD_LANE V permute2(V a, V b, V index)
+{
+#if defined(__AVX512F__)
+    return (V)_mm512_permutex2var_epi32((__m512i)a, (__m512i)index, (__m512i)b);
+#else
+    return select(greaterSigned(index, splat(lanes - 1)), permute(b, index), permute(a, index));
+#endif
+}
+#endif
+
+// The first n bytes, 0 < n <= 8, in the low bytes of a word; no byte behind them is touched.
+NINEFOLD_LANE u64 loadBytes(const u8* p, int n)
+{
+    if (n >= 4) {
+        u32 low, high;
+        __builtin_memcpy(&low, p, 4);
+        __builtin_memcpy(&high, p + n - 4, 4);
+        return low | u64(high) << 8 * (n - 4);
+    }
+    return p[0] | u64(p[n >> 1]) << 8 * (n >> 1) | u64(p[n - 1]) << 8 * (n - 1);
+}
+
+// Bit k: byte k is at least `limit`, for n bytes, 0 < n <= 16.
+NINEFOLD_LANE u32 bytesAtLeast(const u8* p, int n, u8 limit)
 {
 #if defined(NINEFOLD_X86)
-    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    return u32(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(b, _mm_set1_epi8(char(limit))), b)));
+    __m128i b;
+    if (n == 16)
+        b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    else
+        b = _mm_set_epi64x(n > 8 ? static_cast<long long>(loadBytes(p + 8, n - 8)) : 0,
+                           static_cast<long long>(loadBytes(p, n < 8 ? n : 8)));
+    return u32(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(b, _mm_set1_epi8(char(limit))), b))) & ((1u << n) - 1);
 #else
     u32 bits = 0;
-    for (int k = 0; k < 16; ++k)
+    for (int k = 0; k < n; ++k)
         bits |= u32(p[k] >= limit) << k;
     return bits;
 #endif

@@ -17,10 +17,18 @@ struct Backs {
 struct Operators {
     RowOperator at[2][ops::opCount];
 };
+struct Blocks {
+    Block at[blockCount];
+};
+struct FusedSpans {
+    FusedSpan at[spanCount];
+};
 extern const Fronts fronts;
 extern const Seconds seconds;
 extern const Backs backs;
 extern const Operators operators;
+extern const Blocks blocks;
+extern const FusedSpans fusedSpans;
 // Calls the host's own operator for each picked pixel, left to right.
 void hostOperator(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, const uint32_t* pick, int n);
 
