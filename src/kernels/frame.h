@@ -109,7 +109,7 @@ public:
     {
         if constexpr (multi == Multi::none) {
             if (fused) {
-                fused(s, n);
+                fused(s, first, n);
                 return;
             }
         }

@@ -104,12 +104,11 @@ struct Rows {
     uint32_t maskRow; // number of the first drawMask row
 };
 using Block = void (*)(const Span&, const Rows&);
-using FusedSpan = void (*)(const Span&, int n);
+using FusedSpan = void (*)(const Span&, int first, int n);
 
 constexpr Fetch blockFetches[] = {Fetch::unit, Fetch::pointRow, Fetch::bilinearRow3, Fetch::bilinearRow4, Fetch::flat};
-constexpr Fetch spanFetches[] = {Fetch::point,    Fetch::bilinear3, Fetch::bilinear4,     Fetch::flat,
-                                 Fetch::gouraud,  Fetch::stipple,   Fetch::pointPers,     Fetch::bilinearPers3,
-                                 Fetch::bilinearPers4};
+constexpr Fetch spanFetches[] = {Fetch::run,     Fetch::point,   Fetch::bilinear3, Fetch::bilinear4,     Fetch::flat,
+                                 Fetch::gouraud, Fetch::stipple, Fetch::pointPers, Fetch::bilinearPers3, Fetch::bilinearPers4};
 constexpr int fusedIndexAt(int fetch, Gate g, int blend) { return (fetch * int(Gate::count) + int(g)) * blendCount + blend + 1; }
 constexpr int blockCount = fusedIndexAt(sizeof blockFetches / sizeof *blockFetches, Gate::none, -1);
 constexpr int spanCount = fusedIndexAt(sizeof spanFetches / sizeof *spanFetches, Gate::none, -1);
@@ -118,8 +117,10 @@ constexpr int spanCount = fusedIndexAt(sizeof spanFetches / sizeof *spanFetches,
 template <size_t n>
 constexpr int fusedIndex(const Fetch (&fetches)[n], Fetch f, Gate g, int blend)
 {
+    // Gates of their own only where fetches are cheap.
+    const bool gates = f == Fetch::unit || f == Fetch::pointRow || f == Fetch::point || f == Fetch::run;
     for (size_t k = 0; k < n; ++k)
-        if (fetches[k] == f && blend != 12)
+        if (fetches[k] == f && blend != 12 && (g == Gate::none || gates))
             return fusedIndexAt(int(k), g, blend);
     return 0;
 }

@@ -330,6 +330,20 @@ struct Sums {
 
 NINEFOLD_LANE Sums mixedTexels(const Source& level, const Taps& taps, V u, V v, V& centre)
 {
+#if defined(__AVX2__)
+    // Centre and side are neighbours in memory, unless the pair goes round the edge of the texture.
+    const V pair = whole(u - 0x8000u) & level.maskU;
+    if (!any(equal(pair, splat(level.maskU)))) {
+        const V upper = shiftLeft(whole(v) & level.maskV, level.shift);
+        const V lower = shiftLeft(whole(v + taps.moveV) & level.maskV, level.shift);
+        V left, right, left2, right2;
+        gatherPairs(level.pixels, upper + pair, left, right);
+        gatherPairs(level.pixels, lower + pair, left2, right2);
+        const M far = topBit(u << 16); // the centre is the left one
+        centre = select(far, left, right);
+        return Sums::of(taps, centre, select(far, right, left), select(far, left2, right2), select(far, right2, left2));
+    }
+#endif
     const V row = shiftLeft(whole(v) & level.maskV, level.shift), column = whole(u) & level.maskU;
     const V row2 = shiftLeft(whole(v + taps.moveV) & level.maskV, level.shift), column2 = whole(u + taps.moveU) & level.maskU;
     centre = gather(level.pixels, row + column);

@@ -210,7 +210,17 @@ NINEFOLD_LANE V mul16(V a, V b) { return (V)((H)a * (H)b); }
 NINEFOLD_LANE V high8(V a) { return (V)((H)a >> 8); }
 NINEFOLD_LANE V bothHalves(V a) { return a | a << 16; }
 
-// pixels[index] in each lane. Every index must lie inside the texture.
+// pixels[at[k]] in lane k, and with the indices in a vector. Every index must lie inside the texture.
+NINEFOLD_LANE V gatherAt(const u32* pixels, const u32* at)
+{
+#if defined(__AVX512F__)
+    return (V)_mm512_i32gather_epi32((__m512i)load(at), reinterpret_cast<const int*>(pixels), 4);
+#elif defined(__AVX2__)
+    return V{pixels[at[0]], pixels[at[1]], pixels[at[2]], pixels[at[3]], pixels[at[4]], pixels[at[5]], pixels[at[6]], pixels[at[7]]};
+#else
+    return V{pixels[at[0]], pixels[at[1]], pixels[at[2]], pixels[at[3]]};
+#endif
+}
 NINEFOLD_LANE V gather(const u32* pixels, V index)
 {
 #if defined(__AVX512F__)
@@ -219,15 +229,36 @@ NINEFOLD_LANE V gather(const u32* pixels, V index)
     // Scalar loads beat the hardware gather of 8 lanes. The indices go through memory: one store, then independent loads.
     alignas(bytes) u32 at[lanes];
     store(at, index);
-#if defined(__AVX2__)
-    return V{pixels[at[0]], pixels[at[1]], pixels[at[2]], pixels[at[3]], pixels[at[4]], pixels[at[5]], pixels[at[6]], pixels[at[7]]};
-#else
-    return V{pixels[at[0]], pixels[at[1]], pixels[at[2]], pixels[at[3]]};
-#endif
+    return gatherAt(pixels, at);
 #endif
 }
 
 #if defined(__AVX2__)
+// pixels[index] and pixels[index + 1] in each lane, by one load for both.
+NINEFOLD_LANE void gatherPairs(const u32* pixels, V index, V& first, V& second)
+{
+#if defined(__AVX512F__)
+    const __m512i low = _mm512_i32gather_epi64(_mm512_castsi512_si256((__m512i)index), pixels, 4);
+    const __m512i high = _mm512_i32gather_epi64(_mm512_extracti64x4_epi64((__m512i)index, 1), pixels, 4);
+    const __m512i even = _mm512_set_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);
+    first = (V)_mm512_permutex2var_epi32(low, even, high);
+    second = (V)_mm512_permutex2var_epi32(low, _mm512_or_si512(even, _mm512_set1_epi32(1)), high);
+#else
+    alignas(bytes) u32 at[lanes];
+    store(at, index);
+    const auto pair = [&](int a, int b) __attribute__((always_inline)) {
+        const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels + at[a]));
+        const __m128i y = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels + at[b]));
+        return _mm_unpacklo_epi64(x, y);
+    };
+    // Pairs 0, 1 with 4, 5 and 2, 3 with 6, 7: the shuffle of 128-bit halves then gives the lanes in order.
+    const __m256 a = (__m256)_mm256_inserti128_si256(_mm256_castsi128_si256(pair(0, 1)), pair(4, 5), 1);
+    const __m256 b = (__m256)_mm256_inserti128_si256(_mm256_castsi128_si256(pair(2, 3)), pair(6, 7), 1);
+    first = (V)_mm256_shuffle_ps(a, b, 0x88);
+    second = (V)_mm256_shuffle_ps(a, b, 0xDD);
+#endif
+}
+
 // a[index] for indices below lanes, and (a, b)[index] for indices below twice that.
 NINEFOLD_LANE V permute(V a, V index)
 {
