@@ -116,6 +116,8 @@ private:
     void planes();
 
     /* where */
+    void primitive();
+    bool visible() const;
     void rectangle();
     void range(int32_t low, int32_t high, int32_t size, int32_t &from, int32_t &to);
     void line();
@@ -187,12 +189,19 @@ void Builder::clipRange(int32_t size, int32_t &low, int32_t &high)
 {
     low = 0;
     high = size;
-    if (random.percent(45))
+    const uint32_t style = random.below(100);
+    if (style < 50)
         return;
-    low = random.between(0, size - 1);
-    high = random.percent(10) ? low + 1 : random.between(low, size);
+    if (style < 90) {
+        const int32_t trim = std::min(size / 3, 20);
+        low = random.between(0, trim);
+        high = size - random.between(0, trim);
+    } else {
+        low = random.between(0, size - 1);
+        high = random.percent(10) ? low + 1 : random.between(low, size);
+    }
     if (high == low && !random.percent(5))
-        ++high;
+        low < size ? ++high : --low;
 }
 
 void Builder::frame()
@@ -201,12 +210,12 @@ void Builder::frame()
     int log2Width, log2Height;
     if (big) {
         log2Width = random.pick({9, 10, 11, 11});
-        log2Height = random.between(0, 15 - log2Width);
+        log2Height = random.between(1, 15 - log2Width);
     } else {
         log2Width = random.pick({4, 4, 4, 5, 5, 5, 6, 6, 6, 7, 7, 8});
         if (!writesPlanes && random.percent(10))
             log2Width = random.between(0, 3);
-        log2Height = random.between(0, small ? 4 : std::min(6, 12 - log2Width));
+        log2Height = random.percent(10) ? 0 : random.between(2, small ? 4 : std::min(6, 12 - log2Width));
         if (small)
             log2Width = std::min(log2Width, 7);
     }
@@ -262,7 +271,7 @@ void Builder::frame()
 void Builder::planes()
 {
     RenderState &state = scene.state;
-    state.zRef = random.percent(40) ? random.below(256) : random.percent(50) ? random.word() : random.pick<uint32_t>({0, 1, 127, 128, 254, 255});
+    state.zRef = random.percent(60) ? random.below(160) : random.percent(50) ? random.word() : random.pick<uint32_t>({0, 1, 127, 128, 254, 255});
     if (scene.subject.is("DrawZbufferPolygon"))
         state.zRef &= 255;
     for (int i = 0; i < scene.written; ++i) {
@@ -273,7 +282,7 @@ void Builder::planes()
             fill(window, random.pick({noisePool, solidPool, extremePool, alphaPool}));
         } else if (window.slot == planeSlot) {
             fill(window, random.pick({noisePool, noisePool, solidPool, runPool}));
-            const uint32_t style = random.below(4);
+            const uint32_t style = random.below(10) < 5 ? 0 : random.below(5);
             if (style < 2) { /* free, or taken, but for some words */
                 Random words(random.bits());
                 for (uint32_t at = 0; at < size; at += 2)
@@ -293,10 +302,10 @@ void Builder::planes()
     const uint32_t style = random.below(10);
     for (uint16_t &row : state.drawMask) {
         const uint32_t noise = random.word();
-        row = static_cast<uint16_t>(style < 4 ? noise : style < 6 ? noise & noise >> 16 : style < 7 ? noise | noise >> 16 : 0);
+        row = static_cast<uint16_t>(style < 3 ? noise : style < 7 ? noise & noise >> 16 : style == 7 ? 0x5555 << (noise & 1) : 0);
     }
-    if (style == 8) {
-        const std::array<uint16_t, 16> rows = reference::stipple(random.between(0, 261));
+    if (style == 9) {
+        const std::array<uint16_t, 16> rows = reference::stipple(random.percent(90) ? random.between(60, 261) : random.between(0, 60));
         std::copy(rows.begin(), rows.end(), state.drawMask);
     }
 }
@@ -310,22 +319,22 @@ void Builder::range(int32_t low, int32_t high, int32_t size, int32_t &from, int3
 {
     const int32_t room = high - low;
     const uint32_t style = random.below(100);
-    if (style < 45 && size <= room)
+    if (style < 60 && size <= room)
         from = random.between(low, high - size);
-    else if (style < 60)
-        from = low - random.between(1, size);
-    else if (style < 75)
+    else if (style < 70)
+        from = low - random.between(1, size / 2 + 1);
+    else if (style < 80)
         from = high - random.between(0, size);
-    else if (style < 92)
+    else if (style < 95)
         from = low - random.between(0, 20);
-    else if (style < 93)
+    else if (style < 96)
         from = high; /* touches */
-    else if (style < 94)
+    else if (style < 97)
         from = low - size;
     else
         from = random.between(low - size, high);
     to = from + size;
-    if (style >= 75 && style < 92) /* wider than the clip rectangle */
+    if (style >= 80 && style < 95) /* wider than the clip rectangle */
         to = std::max(to, high + random.between(0, 20));
     if (random.percent(1))
         to = from;
@@ -344,7 +353,7 @@ void Builder::rectangle()
     const int32_t columns = state.clipRight - state.clipLeft, lines = state.clipBottom - state.clipTop;
     int32_t left, right, top, bottom;
     range(state.clipLeft, state.clipRight, length(columns), left, right);
-    range(state.clipTop, state.clipBottom, random.percent(50) ? random.between(1, lines + 3) : length(lines), top, bottom);
+    range(state.clipTop, state.clipBottom, random.percent(60) ? random.between(std::min(lines, 4), lines + 3) : length(lines), top, bottom);
     if (random.percent(2) && !forward) { /* far out */
         left -= random.between(0, 70000);
         right += random.between(0, 70000);
@@ -401,15 +410,21 @@ void Builder::triangle()
 {
     RenderState &state = scene.state;
     const int32_t width = state.clipRight - state.clipLeft, height = state.clipBottom - state.clipTop;
-    const int32_t reachX = random.pick({4, 10, width + 4, width + 4, 2 * width + 20});
-    const int32_t reachY = random.pick({3, 10, height + 3, height + 3, 2 * height + 10});
-    const int32_t centreX = state.clipLeft + random.between(-2, width + 2), centreY = state.clipTop + random.between(-2, height + 2);
+    const int32_t reachX = random.pick({8, width, width + 4, 2 * width + 20, 3 * width});
+    const int32_t reachY = random.pick({5, height, height + 3, 2 * height + 10, 3 * height});
+    const int32_t centreX = state.clipLeft + width / 2 + random.between(-width, width) / 4;
+    const int32_t centreY = state.clipTop + height / 2 + random.between(-height, height) / 4;
     Vertex *const vertex = state.vertex;
     for (int i = 0; i < 4; ++i) {
         vertex[i].x = centreX + random.between(-reachX, reachX) / 2;
         vertex[i].y = centreY + random.between(-reachY, reachY) / 2;
     }
-    switch (random.below(16)) {
+    if (random.percent(50)) { /* one corner left, one right, one below or above: of some area */
+        vertex[0].x = centreX - random.between(1, reachX) / 2 - 1;
+        vertex[1].x = centreX + random.between(1, reachX) / 2 + 1;
+        vertex[2].y = centreY + random.pick({-1, 1}) * (reachY / 2 + 2);
+    }
+    switch (random.below(20)) {
     case 0: /* flat top or bottom, as the third falls */
     case 1:
         vertex[1].y = vertex[0].y;
@@ -485,6 +500,45 @@ void Builder::triangle()
         vertex[0].z = vertex[2].z = 0;
 }
 
+void Builder::primitive()
+{
+    switch (axes().shape) {
+    case 0:
+        line();
+        break;
+    case 1:
+        rectangle();
+        break;
+    default:
+        triangle();
+        break;
+    }
+}
+
+/* Whether some of the primitive is likely to be seen. */
+bool Builder::visible() const
+{
+    const RenderState &state = scene.state;
+    const Vertex *const vertex = state.vertex;
+    const int count = scene.axes.shape == 2 ? 3 : 2;
+    int32_t left = vertex[0].x, right = left, top = vertex[0].y, bottom = top;
+    for (int i = 1; i < count; ++i) {
+        left = std::min(left, vertex[i].x);
+        right = std::max(right, vertex[i].x);
+        top = std::min(top, vertex[i].y);
+        bottom = std::max(bottom, vertex[i].y);
+    }
+    if (scene.axes.shape == 0)
+        ++right, ++bottom;
+    if (std::max(left, state.clipLeft) >= std::min(right, state.clipRight) || std::max(top, state.clipTop) >= std::min(bottom, state.clipBottom))
+        return false;
+    if (count == 2)
+        return true;
+    const int64_t cross = int64_t{vertex[1].x - vertex[0].x} * (vertex[2].y - vertex[0].y) -
+                          int64_t{vertex[2].x - vertex[0].x} * (vertex[1].y - vertex[0].y);
+    return std::abs(cross) >= 30;
+}
+
 void Builder::origin()
 {
     RenderState &state = scene.state;
@@ -558,7 +612,7 @@ int Builder::texture(int slot, Size size, int pool, bool chain)
 
 int Builder::source(int firstSlot)
 {
-    int pool = random.pick({noisePool, noisePool, solidPool, extremePool, runPool, alphaPool, stripePool});
+    int pool = random.percent(90) ? random.pick({noisePool, noisePool, solidPool, extremePool, alphaPool}) : random.pick({runPool, stripePool});
     if (axes().rectOpt == 5)
         pool = guard ? noisePool : random.pick({runPool, runPool, stripePool, noisePool, solidPool});
     return texture(firstSlot, textureSize(), pool, chains);
@@ -572,7 +626,7 @@ void Builder::textures()
     if (needsSecond || random.percent(30)) /* or one that an earlier draw left behind */
         scene.tex1 = source(tex1Slot);
     if (axes().rule || random.percent(10)) {
-        scene.tex2 = texture(ruleSlot, textureSize(), random.pick({noisePool, solidPool, extremePool, stripePool}), false);
+        scene.tex2 = texture(ruleSlot, textureSize(), random.pick({noisePool, solidPool, solidPool, extremePool}), false);
         const Window &window = scene.windows[static_cast<size_t>(scene.windowCount - 1)];
         if (random.percent(50)) { /* values around the ends of the soft edge */
             std::byte *const bytes = world.begin(window.slot) + window.begin;
@@ -765,7 +819,7 @@ void Builder::lineTable(Place &table, int slot, int textureIndex, bool skips)
     table = place(slot, static_cast<uint32_t>(height) * sizeof(LineTableRecord), 4, 64, 64);
     fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
     LineTableRecord *const records = world.at<LineTableRecord>(table);
-    const uint32_t skipped = !skips ? 3 : random.pick<uint32_t>({0, 0, 20, 20, 60, 95});
+    const uint32_t skipped = !skips ? 3 : random.pick<uint32_t>({0, 0, 0, 20, 20, 20, 50, 90});
     const bool alike = random.percent(40);
     Path u = path(width, spec.log2Width), v = path(width, spec.log2Height);
     for (int32_t line = 0; line < height; ++line) {
@@ -849,7 +903,7 @@ void Builder::factors()
 void Builder::rule()
 {
     RenderState &state = scene.state;
-    state.ruleThreshold = random.percent(50) ? random.between(-5, 200) : random.percent(80) ? random.pick({-1, 0, 1, 100, 127, 128, 253, 254, 255, 256}) : random.between(-1000000, 1000000);
+    state.ruleThreshold = random.percent(70) ? random.between(-5, 120) : random.percent(90) ? random.pick({-1, 0, 1, 100, 127, 128, 200, 253, 254, 255}) : random.between(-1000000, 1000000);
     state.ruleWidth = random.percent(50) ? random.between(2, 255) : random.percent(80) ? random.pick({-1000, -2, -1, 0, 1, 2, 3, 15, 16, 17, 255, 256, 257}) : random.between(256, 2000000);
     state.ruleCurve = random.pick({0, 1, 2, 1, 2, 3, -1, wrapping(random.word())});
 }
@@ -881,17 +935,9 @@ void Builder::build()
 
     frame();
     planes();
-    switch (axes().shape) {
-    case 0:
-        line();
-        break;
-    case 1:
-        rectangle();
-        break;
-    default:
-        triangle();
-        break;
-    }
+    do
+        primitive();
+    while (!visible() && !random.percent(15));
     origin();
     rule();
     textures();
