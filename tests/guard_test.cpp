@@ -8,7 +8,7 @@ using namespace support;
 
 TEST(Guard, NothingIsTouchedBesideTheBuffers)
 {
-    const std::vector<Subject> subjects = share(catalogueSubjects());
+    const std::vector<Subject> subjects = sharedCatalogue();
     const SweepResult result = sweep(subjects, {.kind = Kind::guard, .scenes = scenesWanted(6), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text << tableByAxis(subjects, result.failed);
 }

@@ -76,6 +76,7 @@ int32_t wrapping(int64_t value)
     return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(value)));
 }
 
+/* Sums of scenes are checked in, so no expression may draw two random numbers in an order that a compiler is free to choose. */
 class Builder {
 public:
     Builder(Scene &sceneToFill, World &worldToFill, uint64_t seed) : scene(sceneToFill), world(worldToFill), random(seed)
@@ -398,8 +399,10 @@ void Builder::line()
         to.x = from.x;
     if (style == 1)
         to.y = from.y;
-    if (style == 2) /* diagonal, or next to it */
-        to.y = from.y + random.pick({-1, 1}) * (to.x - from.x) + random.between(-1, 1);
+    if (style == 2) { /* diagonal, or next to it */
+        const int32_t direction = random.pick({-1, 1});
+        to.y = from.y + direction * (to.x - from.x) + random.between(-1, 1);
+    }
     if (style == 3 && random.percent(20))
         to = from;
     for (int i = 2; i < 4; ++i)
@@ -493,7 +496,8 @@ void Builder::triangle()
             vertex[i].z = near * random.between(1, 20);
             break;
         default:
-            vertex[i].z = static_cast<int32_t>(random.word() >> random.between(1, 30)) | 1;
+            vertex[i].z = static_cast<int32_t>(random.word() >> 1);
+            vertex[i].z = vertex[i].z >> random.between(0, 29) | 1;
             break;
         }
     if (!axes().pers && random.percent(30))
@@ -626,7 +630,8 @@ void Builder::textures()
     if (needsSecond || random.percent(30)) /* or one that an earlier draw left behind */
         scene.tex1 = source(tex1Slot);
     if (axes().rule || random.percent(10)) {
-        scene.tex2 = texture(ruleSlot, textureSize(), random.pick({noisePool, solidPool, solidPool, extremePool}), false);
+        const Size size = textureSize();
+        scene.tex2 = texture(ruleSlot, size, random.pick({noisePool, solidPool, solidPool, extremePool}), false);
         const Window &window = scene.windows[static_cast<size_t>(scene.windowCount - 1)];
         if (random.percent(50)) { /* values around the ends of the soft edge */
             std::byte *const bytes = world.begin(window.slot) + window.begin;
@@ -641,8 +646,9 @@ void Builder::textures()
     /* what an earlier draw of a mip filter left behind */
     const bool readsStale = scene.subject.is("DrawRectGradRule_GEN_RULE_TEST");
     if (readsStale || random.percent(50)) {
-        scene.mipTex = texture(stale0Slot, textureSize(), random.pick({noisePool, solidPool}), false);
-        scene.mipTex1 = texture(stale1Slot, textureSize(), random.pick({noisePool, solidPool}), false);
+        const Size size = textureSize(), size1 = textureSize();
+        scene.mipTex = texture(stale0Slot, size, noisePool, false);
+        scene.mipTex1 = texture(stale1Slot, size1, solidPool, false);
     }
     scene.state.mipFrac = random.between(0, 255);
     scene.state.mipFrac1 = random.between(0, 255);
@@ -736,7 +742,8 @@ Builder::Path Builder::path(int32_t count, int log2Size)
     const int32_t size = 1 << log2Size;
     const uint32_t style = random.below(100);
     Path result;
-    int64_t from = int64_t{random.between(-2 * size, 2 * size)} * 0x10000 + random.pick({0, 0x8000, random.between(0, 0xFFFF)});
+    int64_t from = int64_t{random.between(-2 * size, 2 * size)} * 0x10000;
+    from += random.pick({0, 0x8000, random.between(0, 0xFFFF)});
     int64_t to = from;
     if (style < (chains ? 8u : 25u))
         to = from + int64_t{count} * 0x10000 + (random.percent(30) ? random.between(-300, 300) : 0);

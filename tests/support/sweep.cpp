@@ -22,6 +22,7 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options)
 {
     const auto began = std::chrono::steady_clock::now();
     Workers workers(subjects.size(), processCount());
+    workers.stopAtFailure = options.stopAtFailure;
     running = &workers;
     std::unique_ptr<Checker> checker;
     const auto begin = [&] {
@@ -64,7 +65,7 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options)
     result.scenes = workers.scenes();
     result.seconds = seconds();
     for (size_t index = 0; index < subjects.size(); ++index)
-        if (workers.verdict(index) != Verdict::passed)
+        if (workers.verdict(index) == Verdict::failed || (workers.verdict(index) == Verdict::open && !options.stopAtFailure))
             result.failed.push_back(subjects[index]);
     if (!result.failed.empty())
         result.text = workers.reports() + std::to_string(result.failed.size()) + " of " + std::to_string(subjects.size()) + " failed\n";
@@ -119,15 +120,19 @@ uint64_t seedWanted()
     return text != nullptr ? std::strtoull(text, nullptr, 10) : 1;
 }
 
-std::vector<Subject> share(const std::vector<Subject> &subjects)
+bool inShare(size_t index)
 {
     const char *text = std::getenv("NINEFOLD_SHARE");
     unsigned part = 0, parts = 1;
-    if (text == nullptr || std::sscanf(text, "%u/%u", &part, &parts) != 2 || parts == 0)
-        return subjects;
+    return text == nullptr || std::sscanf(text, "%u/%u", &part, &parts) != 2 || parts == 0 || index % parts == part % parts;
+}
+
+std::vector<Subject> sharedCatalogue()
+{
     std::vector<Subject> result;
-    for (size_t index = part % parts; index < subjects.size(); index += parts)
-        result.push_back(subjects[index]);
+    for (size_t index = 0; index < catalogueSubjects().size(); ++index)
+        if (inShare(index))
+            result.push_back(catalogueSubjects()[index]);
     return result;
 }
 

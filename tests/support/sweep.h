@@ -16,6 +16,7 @@ struct Sweep {
     uint64_t seed = 1;
     uint32_t firstScene = 0;
     bool progress = false; /* printed now and then */
+    bool stopAtFailure = false;
 };
 
 struct SweepResult {
@@ -31,11 +32,12 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options);
 /* How many of the tried and the failed have each value of each axis. */
 std::string tableByAxis(const std::vector<Subject> &tried, const std::vector<Subject> &failed);
 
-/* A sweep as the environment asks for it: NINEFOLD_SCENES scenes from NINEFOLD_SEED; of the codes the part that NINEFOLD_SHARE=k/n
- * names. */
+/* A sweep as the environment asks for it: NINEFOLD_SCENES scenes from NINEFOLD_SEED; of the codes every nth, from the kth on, for
+ * NINEFOLD_SHARE=k/n. */
 uint32_t scenesWanted(uint32_t otherwise);
 uint64_t seedWanted();
-std::vector<Subject> share(const std::vector<Subject> &subjects);
+bool inShare(size_t index);
+std::vector<Subject> sharedCatalogue();
 
 } // namespace support
 

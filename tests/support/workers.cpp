@@ -30,6 +30,7 @@ constexpr int hangSeconds = 120; /* on one scene; a scene takes less than a mill
 struct Workers::Shared {
     std::atomic<size_t> next, done, reported;
     std::atomic<uint64_t> scenes;
+    std::atomic<bool> stop;
     struct Position {
         std::atomic<size_t> job;
         std::atomic<uint32_t> scene;
@@ -119,11 +120,14 @@ void Workers::work(const std::function<void()> &begin, const Job &job)
     Shared::Position &at = shared->at[self];
     for (;;) {
         const size_t index = shared->next++;
-        if (index >= count)
+        if (index >= count || shared->stop)
             return;
         at.job = index;
         at.busy = true;
-        shared->verdicts[index] = job(index) ? Verdict::passed : Verdict::failed;
+        const bool passed = job(index);
+        shared->verdicts[index] = passed ? Verdict::passed : Verdict::failed;
+        if (!passed && stopAtFailure)
+            shared->stop = true;
         at.busy = false;
         ++shared->done;
     }
@@ -196,7 +200,9 @@ void Workers::run(const std::function<void()> &begin, const Job &job, const std:
                     ++shared->done;
                 }
                 child.id = 0;
-                if (died && shared->next < count && failures() < 200)
+                if (died && stopAtFailure)
+                    shared->stop = true;
+                if (died && shared->next < count && !shared->stop && failures() < 200)
                     start(index);
                 else
                     --running;

@@ -20,6 +20,8 @@ public:
     Workers(const Workers &) = delete;
     Workers &operator=(const Workers &) = delete;
 
+    bool stopAtFailure = false; /* leave the jobs open that come after one */
+
     /* Of a child. The text of a failure is kept as long as there is room. */
     void report(const std::string &text);
     void doing(uint32_t scene, int set); /* named when the child dies */
@@ -39,7 +41,6 @@ public:
 
 private:
     struct Shared;
-    struct Process;
     Shared *shared = nullptr;
     size_t sharedSize = 0;
     size_t count;
