@@ -33,8 +33,9 @@ TEST(Golden, EveryCodeGivesItsSum)
                 continue;
             right = false;
             char text[256];
-            std::snprintf(text, sizeof text, "%s, code %X, set %s: sum %08x, golden %08x%s\n", subjects[index].name().c_str(), subjects[index].code,
-                          setName(set), sum, sums[index], goldenSum(*checker, subjects[index], -1) == sums[index] ? "" : " (and not the reference's either)");
+            std::snprintf(text, sizeof text, "%s, code %X, set %s: sum %08x, golden %08x%s\n", subjects[index].name().c_str(),
+                          subjects[index].code, setName(set), sum, sums[index],
+                          goldenSum(*checker, subjects[index], -1) == sums[index] ? "" : " (and not the reference's either)");
             workers.report(text);
         }
         return right;

@@ -15,6 +15,7 @@ TEST(Guard, NothingIsTouchedBesideTheBuffers)
 
 TEST(Guard, NamedFunctions)
 {
-    const SweepResult result = sweep(namedSubjects(), {.kind = Kind::guard, .scenes = 30 * scenesWanted(6), .seed = seedWanted()});
+    const SweepResult result =
+        sweep(namedSubjects(), {.kind = Kind::guard, .scenes = 30 * scenesWanted(6), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text;
 }

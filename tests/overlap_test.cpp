@@ -14,6 +14,7 @@ TEST(Overlap, SourcesOverTheFrameBufferAndThePlanes)
 
 TEST(Overlap, NamedFunctions)
 {
-    const SweepResult result = sweep(namedSubjects(), {.kind = Kind::overlap, .scenes = 30 * scenesWanted(6), .seed = seedWanted()});
+    const SweepResult result =
+        sweep(namedSubjects(), {.kind = Kind::overlap, .scenes = 30 * scenesWanted(6), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text;
 }

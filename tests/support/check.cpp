@@ -109,7 +109,8 @@ void Checker::drawLibrary(int set, bool restore)
     }
     DrawFunc kernel = scene.subject.function;
     if (kernel == nullptr)
-        kernel = std::lower_bound(kernels.begin(), kernels.end(), std::pair<uint32_t, DrawFunc>{scene.subject.code, nullptr})->second;
+        kernel =
+            std::lower_bound(kernels.begin(), kernels.end(), std::pair<uint32_t, DrawFunc>{scene.subject.code, nullptr})->second;
     SearchDrawFunc(scene.searchedBefore);
     std::memcpy(&rs, &libraryStart, sizeof rs);
     ninefold::useSet(set);
@@ -152,9 +153,11 @@ std::string Checker::pixelDifferences(const Window &window, size_t beforeOffset,
         const int64_t element = (at - start) / size;
         std::string place = format("slot %d, byte %u", window.slot, offset);
         if (drawn && (element < 0 || element >= elements || at < start))
-            place = format("outside the %s, element %lld", names[window.slot], static_cast<long long>((at - start) / static_cast<int64_t>(size)));
+            place = format("outside the %s, element %lld", names[window.slot],
+                           static_cast<long long>((at - start) / static_cast<int64_t>(size)));
         else if (drawn)
-            place = format(size == 2 ? "%s, word %lld of row %lld" : "%s, pixel %lld, %lld", names[window.slot], static_cast<long long>(element % std::max<int64_t>(pitch, 1)),
+            place = format(size == 2 ? "%s, word %lld of row %lld" : "%s, pixel %lld, %lld", names[window.slot],
+                           static_cast<long long>(element % std::max<int64_t>(pitch, 1)),
                            static_cast<long long>(element / std::max<int64_t>(pitch, 1)));
         text += format("  %s: library %08x, reference %08x", place.c_str(), values[0], values[1]);
         text += drawn ? format(", before %08x\n", values[2]) : std::string(" (a source was written)\n");
@@ -183,9 +186,10 @@ std::string Checker::differences(bool all) const
             const uint64_t library = fieldValue(field, libraryStart, rs, libraryWorld, at);
             const uint64_t expected = fieldValue(field, referenceStart, referenceEnd, referenceWorld, at);
             if (library != expected) {
-                text += format("  rs.%s, byte %u: library %llx, reference %llx, before %llx\n", field.name, static_cast<unsigned>(at),
-                               static_cast<unsigned long long>(library), static_cast<unsigned long long>(expected),
-                               static_cast<unsigned long long>(fieldValue(field, libraryStart, libraryStart, libraryWorld, at)));
+                text +=
+                    format("  rs.%s, byte %u: library %llx, reference %llx, before %llx\n", field.name, static_cast<unsigned>(at),
+                           static_cast<unsigned long long>(library), static_cast<unsigned long long>(expected),
+                           static_cast<unsigned long long>(fieldValue(field, libraryStart, libraryStart, libraryWorld, at)));
                 break;
             }
         }
@@ -214,10 +218,12 @@ std::optional<std::string> Checker::check(const Subject &subject, SceneId id, in
         wrong = true;
         char code[32] = "";
         std::snprintf(code, sizeof code, "--code 0x%X", subject.code);
-        text += format("%s, set %s, scene %u of seed %llu\n", subject.name().c_str(), setName(i), id.number, static_cast<unsigned long long>(id.seed)) +
+        text += format("%s, set %s, scene %u of seed %llu\n", subject.name().c_str(), setName(i), id.number,
+                       static_cast<unsigned long long>(id.seed)) +
                 found +
-                format("  replay %s%s --kind %s --seed %llu --scene %u --set %d\n", subject.exported ? "--named " : "", subject.exported ? subject.exported : code,
-                       kindName(id.kind), static_cast<unsigned long long>(id.seed), id.number, i);
+                format("  replay %s%s --kind %s --seed %llu --scene %u --set %d\n", subject.exported ? "--named " : "",
+                       subject.exported ? subject.exported : code, kindName(id.kind), static_cast<unsigned long long>(id.seed),
+                       id.number, i);
         if (!all)
             break;
     }

@@ -33,8 +33,8 @@ public:
 private:
     World libraryWorld, referenceWorld;
     std::vector<std::pair<uint32_t, DrawFunc>> kernels; /* by code */
-    std::vector<std::byte> before;        /* the windows that are written, as they were */
-    std::vector<std::byte> textureBytes;  /* the library's texture records */
+    std::vector<std::byte> before; /* the windows that are written, as they were */
+    std::vector<std::byte> textureBytes; /* the library's texture records */
     Scene scene;
     RenderState libraryStart, referenceStart, referenceEnd;
 

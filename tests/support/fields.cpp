@@ -4,7 +4,10 @@ namespace support {
 
 const std::vector<Field> &fields()
 {
-#define FIELD(name, kind) {#name, offsetof(RenderState, name), sizeof(RenderState::name), FieldKind::kind}
+#define FIELD(name, kind)                                                                                                        \
+    {                                                                                                                            \
+#name, offsetof(RenderState, name), sizeof(RenderState::name), FieldKind::kind                                           \
+    }
     static const std::vector<Field> all = {
         FIELD(dstPixels, memory),
         FIELD(dstShift, plain),

@@ -24,7 +24,7 @@ enum : int {
     hostMulti, /* what they return depends on all calls so far */
     hostBlend,
     libraryOperators, /* and up */
-    multiOperators = libraryOperators,    /* 20 values in each of two banks */
+    multiOperators = libraryOperators, /* 20 values in each of two banks */
     blendOperators = multiOperators + 40, /* values 13 to 20 */
     operatorCount = blendOperators + 8
 };

@@ -9,9 +9,7 @@ namespace support {
 
 class Random {
 public:
-    explicit Random(uint64_t seed) : state(seed)
-    {
-    }
+    explicit Random(uint64_t seed) : state(seed) {}
 
     uint64_t bits()
     {
@@ -21,16 +19,10 @@ public:
         return z ^ z >> 31;
     }
 
-    uint32_t word()
-    {
-        return static_cast<uint32_t>(bits() >> 32);
-    }
+    uint32_t word() { return static_cast<uint32_t>(bits() >> 32); }
 
     /* 0 to count - 1 */
-    uint32_t below(uint32_t count)
-    {
-        return static_cast<uint32_t>((bits() >> 32) * count >> 32);
-    }
+    uint32_t below(uint32_t count) { return static_cast<uint32_t>((bits() >> 32) * count >> 32); }
 
     /* low to high, both included */
     int32_t between(int32_t low, int32_t high)
@@ -38,10 +30,7 @@ public:
         return low + static_cast<int32_t>(below(static_cast<uint32_t>(high - low) + 1));
     }
 
-    bool percent(uint32_t share)
-    {
-        return below(100) < share;
-    }
+    bool percent(uint32_t share) { return below(100) < share; }
 
     template <class T>
     T pick(std::initializer_list<T> values)

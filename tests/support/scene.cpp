@@ -33,12 +33,8 @@ std::vector<uint32_t> makePool(int pool)
     for (uint32_t &word : words) {
         const uint32_t noise = random.word();
         switch (pool) {
-        case noisePool:
-            word = random.percent(30) ? 0 : noise;
-            break;
-        case solidPool:
-            word = noise | (noise == 0);
-            break;
+        case noisePool: word = random.percent(30) ? 0 : noise; break;
+        case solidPool: word = noise | (noise == 0); break;
         case extremePool: {
             static constexpr uint8_t edges[8] = {0x00, 0x01, 0x02, 0x7F, 0x80, 0x81, 0xFE, 0xFF};
             word = 0;
@@ -49,11 +45,15 @@ std::vector<uint32_t> makePool(int pool)
             break;
         }
         case alphaPool:
-            word = random.percent(10) ? 0 : random.percent(40) ? noise | 0xFF000000 : random.percent(50) ? noise & 0xFFFFFF : noise;
+            word = random.percent(10)   ? 0
+                   : random.percent(40) ? noise | 0xFF000000
+                   : random.percent(50) ? noise & 0xFFFFFF
+                                        : noise;
             break;
         default: /* runs, of noise or of one colour */
             if (left == 0) {
-                left = random.pick<uint32_t>({1, 2, 3, 5, 8, 15, 16, 17, 31, 32, 33, 63, 64, 65, 126, 127, 128, 129, 255, 256, 257, 300});
+                left = random.pick<uint32_t>(
+                    {1, 2, 3, 5, 8, 15, 16, 17, 31, 32, 33, 63, 64, 65, 126, 127, 128, 129, 255, 256, 257, 300});
                 empty = !empty;
                 colour = noise | 1;
             }
@@ -67,7 +67,8 @@ std::vector<uint32_t> makePool(int pool)
 
 const std::byte *poolBytes(int pool)
 {
-    static const std::vector<uint32_t> pools[poolCount] = {makePool(0), makePool(1), makePool(2), makePool(3), makePool(4), makePool(5)};
+    static const std::vector<uint32_t> pools[poolCount] = {makePool(0), makePool(1), makePool(2),
+                                                           makePool(3), makePool(4), makePool(5)};
     return reinterpret_cast<const std::byte *>(pools[pool].data());
 }
 
@@ -79,9 +80,7 @@ int32_t wrapping(int64_t value)
 /* Sums of scenes are checked in, so no expression may draw two random numbers in an order that a compiler is free to choose. */
 class Builder {
 public:
-    Builder(Scene &sceneToFill, World &worldToFill, uint64_t seed) : scene(sceneToFill), world(worldToFill), random(seed)
-    {
-    }
+    Builder(Scene &sceneToFill, World &worldToFill, uint64_t seed) : scene(sceneToFill), world(worldToFill), random(seed) {}
     void build();
 
 private:
@@ -90,21 +89,16 @@ private:
     Random random;
 
     bool big = false, small = false, overlap = false, guard = false;
-    bool atEnd = false;  /* of the slot, with guard */
-    bool tight = false;  /* with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle */
+    bool atEnd = false; /* of the slot, with guard */
+    bool tight =
+        false; /* with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle */
     bool chains = false; /* levels are walked */
     bool forward = false; /* texture positions must not be negative */
     bool writesPlanes = false, readsPriority = false;
     int64_t firstWord = 0, endWord = 0; /* of the Shahei plane */
 
-    ninefold::Axes &axes()
-    {
-        return scene.axes;
-    }
-    bool textured()
-    {
-        return axes().filter != 6 && axes().filter != 7 && !scene.subject.fillsPlanes();
-    }
+    ninefold::Axes &axes() { return scene.axes; }
+    bool textured() { return axes().filter != 6 && axes().filter != 7 && !scene.subject.fillsPlanes(); }
 
     /* memory */
     Place place(int slot, uint32_t bytes, uint32_t align, uint32_t roomBefore, uint32_t roomAfter);
@@ -157,7 +151,8 @@ Place Builder::place(int slot, uint32_t bytes, uint32_t align, uint32_t roomBefo
     if (guard) {
         if (atEnd)
             result.offset = (slotBytes(slot) - bytes) & ~(align - 1);
-        addWindow(slot, std::max<int64_t>(0, result.offset - 256), std::min<int64_t>(slotBytes(slot), result.offset + bytes + 256));
+        addWindow(slot, std::max<int64_t>(0, result.offset - 256),
+                  std::min<int64_t>(slotBytes(slot), result.offset + bytes + 256));
     } else {
         result.offset = (roomBefore + align - 1) / align * align + align * random.below(8);
         addWindow(slot, result.offset - roomBefore, result.offset + bytes + roomAfter);
@@ -253,7 +248,8 @@ void Builder::frame()
     firstWord = firstPixel >> 4;
     endWord = (endPixel + 15) >> 4;
     if (hasPlane || (log2Width >= 4 && random.percent(30))) {
-        scene.plane = place(planeSlot, static_cast<uint32_t>(2 * (endWord - firstWord)), 2, overlap ? 0x4400 : 64, overlap ? 0x4400 : 64);
+        scene.plane =
+            place(planeSlot, static_cast<uint32_t>(2 * (endWord - firstWord)), 2, overlap ? 0x4400 : 64, overlap ? 0x4400 : 64);
         scene.plane.offset -= 2 * firstWord;
     }
     if (readsPriority || axes().shahei == 2 || writesPlanes || random.percent(30)) {
@@ -272,7 +268,9 @@ void Builder::frame()
 void Builder::planes()
 {
     RenderState &state = scene.state;
-    state.zRef = random.percent(60) ? random.below(160) : random.percent(50) ? random.word() : random.pick<uint32_t>({0, 1, 127, 128, 254, 255});
+    state.zRef = random.percent(60)   ? random.below(160)
+                 : random.percent(50) ? random.word()
+                                      : random.pick<uint32_t>({0, 1, 127, 128, 254, 255});
     if (scene.subject.is("DrawZbufferPolygon"))
         state.zRef &= 255;
     for (int i = 0; i < scene.written; ++i) {
@@ -306,13 +304,14 @@ void Builder::planes()
         row = static_cast<uint16_t>(style < 3 ? noise : style < 7 ? noise & noise >> 16 : style == 7 ? 0x5555 << (noise & 1) : 0);
     }
     if (style == 9) {
-        const std::array<uint16_t, 16> rows = reference::stipple(random.percent(90) ? random.between(60, 261) : random.between(0, 60));
+        const std::array<uint16_t, 16> rows =
+            reference::stipple(random.percent(90) ? random.between(60, 261) : random.between(0, 60));
         std::copy(rows.begin(), rows.end(), state.drawMask);
     }
 }
 
 /* Lengths around the sizes of vectors, plane words and chunks. */
-constexpr int32_t lengths[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13,  14,  15,  16,  17,  18, 23,
+constexpr int32_t lengths[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,  16,  17,  18, 23,
                                24, 25, 31, 32, 33, 47, 48, 49, 63, 64, 65, 79, 80, 81, 127, 128, 129, 200};
 
 /* Ends of a primitive against the clip range low to high: inside, over either end or both, outside, touching, of no size. */
@@ -354,7 +353,8 @@ void Builder::rectangle()
     const int32_t columns = state.clipRight - state.clipLeft, lines = state.clipBottom - state.clipTop;
     int32_t left, right, top, bottom;
     range(state.clipLeft, state.clipRight, length(columns), left, right);
-    range(state.clipTop, state.clipBottom, random.percent(60) ? random.between(std::min(lines, 4), lines + 3) : length(lines), top, bottom);
+    range(state.clipTop, state.clipBottom, random.percent(60) ? random.between(std::min(lines, 4), lines + 3) : length(lines),
+          top, bottom);
     if (random.percent(2) && !forward) { /* far out */
         left -= random.between(0, 70000);
         right += random.between(0, 70000);
@@ -429,12 +429,8 @@ void Builder::triangle()
     }
     switch (random.below(20)) {
     case 0: /* flat top or bottom, as the third falls */
-    case 1:
-        vertex[1].y = vertex[0].y;
-        break;
-    case 2: /* upright edge */
-        vertex[1].x = vertex[0].x;
-        break;
+    case 1: vertex[1].y = vertex[0].y; break;
+    case 2: /* upright edge */ vertex[1].x = vertex[0].x; break;
     case 3: { /* on one line, or next to it */
         const int32_t dx = vertex[1].x - vertex[0].x, dy = vertex[1].y - vertex[0].y;
         const int32_t times = random.pick({-1, 2, 3});
@@ -450,7 +446,8 @@ void Builder::triangle()
         break;
     case 5: /* the middle vertex at an edge of the clip rectangle */
         vertex[0].y = state.clipTop - random.between(1, 20);
-        vertex[1].y = random.pick({state.clipTop - 1, state.clipTop, state.clipTop + 1, state.clipBottom - 1, state.clipBottom, state.clipBottom + 1});
+        vertex[1].y = random.pick(
+            {state.clipTop - 1, state.clipTop, state.clipTop + 1, state.clipBottom - 1, state.clipBottom, state.clipBottom + 1});
         vertex[2].y = state.clipBottom + random.between(-2, 20);
         break;
     case 6: /* touches from outside */
@@ -468,8 +465,7 @@ void Builder::triangle()
         vertex[1] = {state.clipRight + width + 4, state.clipTop - 3, 0};
         vertex[2] = {state.clipLeft + width / 2, state.clipBottom + height + 9, 0};
         break;
-    default:
-        break;
+    default: break;
     }
     const uint32_t order = random.below(6);
     if (order & 1)
@@ -483,18 +479,10 @@ void Builder::triangle()
     const int32_t near = random.between(1, 1000);
     for (int i = 0; i < 4; ++i)
         switch (depths) {
-        case 0:
-            vertex[i].z = near;
-            break;
-        case 1:
-            vertex[i].z = random.between(1, 8);
-            break;
-        case 2:
-            vertex[i].z = random.between(1, 0xFFFF);
-            break;
-        case 3:
-            vertex[i].z = near * random.between(1, 20);
-            break;
+        case 0: vertex[i].z = near; break;
+        case 1: vertex[i].z = random.between(1, 8); break;
+        case 2: vertex[i].z = random.between(1, 0xFFFF); break;
+        case 3: vertex[i].z = near * random.between(1, 20); break;
         default:
             vertex[i].z = static_cast<int32_t>(random.word() >> 1);
             vertex[i].z = vertex[i].z >> random.between(0, 29) | 1;
@@ -507,15 +495,9 @@ void Builder::triangle()
 void Builder::primitive()
 {
     switch (axes().shape) {
-    case 0:
-        line();
-        break;
-    case 1:
-        rectangle();
-        break;
-    default:
-        triangle();
-        break;
+    case 0: line(); break;
+    case 1: rectangle(); break;
+    default: triangle(); break;
     }
 }
 
@@ -534,7 +516,8 @@ bool Builder::visible() const
     }
     if (scene.axes.shape == 0)
         ++right, ++bottom;
-    if (std::max(left, state.clipLeft) >= std::min(right, state.clipRight) || std::max(top, state.clipTop) >= std::min(bottom, state.clipBottom))
+    if (std::max(left, state.clipLeft) >= std::min(right, state.clipRight) ||
+        std::max(top, state.clipTop) >= std::min(bottom, state.clipBottom))
         return false;
     if (count == 2)
         return true;
@@ -616,7 +599,8 @@ int Builder::texture(int slot, Size size, int pool, bool chain)
 
 int Builder::source(int firstSlot)
 {
-    int pool = random.percent(90) ? random.pick({noisePool, noisePool, solidPool, extremePool, alphaPool}) : random.pick({runPool, stripePool});
+    int pool = random.percent(90) ? random.pick({noisePool, noisePool, solidPool, extremePool, alphaPool})
+                                  : random.pick({runPool, stripePool});
     if (axes().rectOpt == 5)
         pool = guard ? noisePool : random.pick({runPool, runPool, stripePool, noisePool, solidPool});
     return texture(firstSlot, textureSize(), pool, chains);
@@ -684,10 +668,12 @@ void Builder::overlaps()
             const uint32_t where = random.below(10);
             if (where < 3) {
                 slot = planeSlot;
-                offset = (scene.plane.offset & ~3) + 4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 32));
+                offset = (scene.plane.offset & ~3) +
+                         4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 32));
             } else if (where < 5 && axes().shahei == 2) {
                 slot = prioritySlot;
-                offset = (scene.priority.offset & ~3) + 4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 4));
+                offset = (scene.priority.offset & ~3) +
+                         4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 4));
             }
         }
         for (int i = 0; i < scene.written; ++i) {
@@ -821,7 +807,8 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
 void Builder::lineTable(Place &table, int slot, int textureIndex, bool skips)
 {
     const RenderState &state = scene.state;
-    const int32_t width = std::abs(state.vertex[1].x - state.vertex[0].x), height = std::abs(state.vertex[1].y - state.vertex[0].y);
+    const int32_t width = std::abs(state.vertex[1].x - state.vertex[0].x),
+                  height = std::abs(state.vertex[1].y - state.vertex[0].y);
     const TextureSpec &spec = scene.textures[static_cast<size_t>(textureIndex)];
     table = place(slot, static_cast<uint32_t>(height) * sizeof(LineTableRecord), 4, 64, 64);
     fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
@@ -889,9 +876,12 @@ void Builder::factors()
     state.blendAlphaRgb = factor(255);
     state.prescale = factor(256);
     state.prescaleMulti = factor(256);
-    state.writeMask = random.percent(60) ? random.word() : random.pick<uint32_t>({0, 0xFFFFFFFF, 0x00FFFFFF, 0xFF000000, 0xFF00FF});
+    state.writeMask =
+        random.percent(60) ? random.word() : random.pick<uint32_t>({0, 0xFFFFFFFF, 0x00FFFFFF, 0xFF000000, 0xFF00FF});
     for (int32_t *size : {&state.mosaicSize, &state.mosaicSize1})
-        *size = random.percent(70) ? random.between(1, 9) : random.percent(80) ? random.pick({10, 16, 17, 32, 63, 100, 255, 256}) : random.pick({1000, 4096, 0x7FFF, 0x8000, 0x10001, 0x7FFFFFFF});
+        *size = random.percent(70)   ? random.between(1, 9)
+                : random.percent(80) ? random.pick({10, 16, 17, 32, 63, 100, 255, 256})
+                                     : random.pick({1000, 4096, 0x7FFF, 0x8000, 0x10001, 0x7FFFFFFF});
 
     const auto anyOperator = [this] {
         const uint32_t style = random.below(100);
@@ -901,25 +891,35 @@ void Builder::factors()
             return static_cast<int>(hostBlend);
         return random.between(libraryOperators, operatorCount - 1);
     };
-    scene.multiOperator = axes().multi != 3 ? (random.percent(80) ? random.between(0, 9) == 0 ? hostMulti : random.between(multiOperators, blendOperators - 1) : anyOperator())
-                                            : random.pick<int>({nullOperator, hostMulti});
-    scene.blendOperator = axes().blend == 12 ? (random.percent(50) ? random.between(blendOperators, operatorCount - 1) : random.percent(50) ? static_cast<int>(hostBlend) : anyOperator())
+    scene.multiOperator =
+        axes().multi != 3
+            ? (random.percent(80) ? random.between(0, 9) == 0 ? hostMulti : random.between(multiOperators, blendOperators - 1)
+                                  : anyOperator())
+            : random.pick<int>({nullOperator, hostMulti});
+    scene.blendOperator = axes().blend == 12 ? (random.percent(50)   ? random.between(blendOperators, operatorCount - 1)
+                                                : random.percent(50) ? static_cast<int>(hostBlend)
+                                                                     : anyOperator())
                                              : random.pick<int>({nullOperator, hostBlend});
 }
 
 void Builder::rule()
 {
     RenderState &state = scene.state;
-    state.ruleThreshold = random.percent(70) ? random.between(-5, 120) : random.percent(90) ? random.pick({-1, 0, 1, 100, 127, 128, 200, 253, 254, 255}) : random.between(-1000000, 1000000);
-    state.ruleWidth = random.percent(50) ? random.between(2, 255) : random.percent(80) ? random.pick({-1000, -2, -1, 0, 1, 2, 3, 15, 16, 17, 255, 256, 257}) : random.between(256, 2000000);
+    state.ruleThreshold = random.percent(70)   ? random.between(-5, 120)
+                          : random.percent(90) ? random.pick({-1, 0, 1, 100, 127, 128, 200, 253, 254, 255})
+                                               : random.between(-1000000, 1000000);
+    state.ruleWidth = random.percent(50)   ? random.between(2, 255)
+                      : random.percent(80) ? random.pick({-1000, -2, -1, 0, 1, 2, 3, 15, 16, 17, 255, 256, 257})
+                                           : random.between(256, 2000000);
     state.ruleCurve = random.pick({0, 1, 2, 1, 2, 3, -1, wrapping(random.word())});
 }
 
 void Builder::modes()
 {
     RenderState &state = scene.state;
-    for (int32_t *mode : {&state.prescaleMode, &state.prescaleMultiMode, &state.filterMode, &state.rectOptMode, &state.shaheiMode,
-                          &state.blendMode, &state.blendModeMulti, &state.multiMode, &state.shapeMode, &state.ruleAlphaMode, &state.persMode})
+    for (int32_t *mode :
+         {&state.prescaleMode, &state.prescaleMultiMode, &state.filterMode, &state.rectOptMode, &state.shaheiMode,
+          &state.blendMode, &state.blendModeMulti, &state.multiMode, &state.shapeMode, &state.ruleAlphaMode, &state.persMode})
         *mode = random.percent(90) ? random.between(0, 12) : wrapping(random.word());
     const std::vector<Subject> &all = catalogueSubjects();
     scene.searchedBefore = all[random.below(static_cast<uint32_t>(all.size()))].code;
@@ -1035,9 +1035,10 @@ std::string describeScene(const Scene &scene, const World &world)
     print("frame buffer %u x %u, clip %d..%d x %d..%d, origin %d %d\n", scene.frameWidth, scene.frameHeight, state.clipLeft,
           state.clipRight, state.clipTop, state.clipBottom, state.originX, state.originY);
     for (int i = 0; i < 4; ++i)
-        print("vertex %d: %d %d %d  uv0 %08x %08x  uv1 %08x %08x  uv2 %08x %08x  color %08x\n", i, state.vertex[i].x, state.vertex[i].y,
-              state.vertex[i].z, static_cast<unsigned>(state.uv0[i].u), static_cast<unsigned>(state.uv0[i].v), static_cast<unsigned>(state.uv1[i].u),
-              static_cast<unsigned>(state.uv1[i].v), static_cast<unsigned>(state.uv2[i].u), static_cast<unsigned>(state.uv2[i].v), state.color[i]);
+        print("vertex %d: %d %d %d  uv0 %08x %08x  uv1 %08x %08x  uv2 %08x %08x  color %08x\n", i, state.vertex[i].x,
+              state.vertex[i].y, state.vertex[i].z, static_cast<unsigned>(state.uv0[i].u), static_cast<unsigned>(state.uv0[i].v),
+              static_cast<unsigned>(state.uv1[i].u), static_cast<unsigned>(state.uv1[i].v), static_cast<unsigned>(state.uv2[i].u),
+              static_cast<unsigned>(state.uv2[i].v), state.color[i]);
     const auto printTexture = [&](const char *name, int index) {
         if (index < 0)
             return;
@@ -1058,10 +1059,10 @@ std::string describeScene(const Scene &scene, const World &world)
     printTexture("tex2", scene.tex2);
     printTexture("mipTex", scene.mipTex);
     printTexture("mipTex1", scene.mipTex1);
-    print("blendAlpha %x, blendAlphaRgb %x, prescale %x, prescaleMulti %x, writeMask %08x, zRef %x\n", state.blendAlpha, state.blendAlphaRgb,
-          state.prescale, state.prescaleMulti, state.writeMask, state.zRef);
-    print("rule: threshold %d, width %d, curve %d; mosaic %d, %d; mipFrac %d, %d\n", state.ruleThreshold, state.ruleWidth, state.ruleCurve,
-          state.mosaicSize, state.mosaicSize1, state.mipFrac, state.mipFrac1);
+    print("blendAlpha %x, blendAlphaRgb %x, prescale %x, prescaleMulti %x, writeMask %08x, zRef %x\n", state.blendAlpha,
+          state.blendAlphaRgb, state.prescale, state.prescaleMulti, state.writeMask, state.zRef);
+    print("rule: threshold %d, width %d, curve %d; mosaic %d, %d; mipFrac %d, %d\n", state.ruleThreshold, state.ruleWidth,
+          state.ruleCurve, state.mosaicSize, state.mosaicSize1, state.mipFrac, state.mipFrac1);
     print("multiFunc: %s; blendFunc: %s\n", operatorName(scene.multiOperator).c_str(), operatorName(scene.blendOperator).c_str());
     text += "drawMask:";
     for (const uint16_t row : state.drawMask)
@@ -1075,8 +1076,9 @@ std::string describeScene(const Scene &scene, const World &world)
     }
     if (const LineTableRecord *table = world.at<LineTableRecord>(scene.lines0))
         for (int line = 0; line < std::min(64, std::abs(state.vertex[1].y - state.vertex[0].y)); ++line)
-            print("line %d: %08x %08x to %08x %08x\n", line, static_cast<unsigned>(table[line].startU), static_cast<unsigned>(table[line].startV),
-                  static_cast<unsigned>(table[line].endU), static_cast<unsigned>(table[line].endV));
+            print("line %d: %08x %08x to %08x %08x\n", line, static_cast<unsigned>(table[line].startU),
+                  static_cast<unsigned>(table[line].startV), static_cast<unsigned>(table[line].endU),
+                  static_cast<unsigned>(table[line].endV));
     return text;
 }
 

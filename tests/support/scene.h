@@ -18,10 +18,10 @@ namespace support {
 
 enum class Kind {
     plain,
-    big,     /* frame buffers and spans up to 2048 pixels */
-    small,   /* none larger than 128 pixels: for sums that are checked in */
+    big, /* frame buffers and spans up to 2048 pixels */
+    small, /* none larger than 128 pixels: for sums that are checked in */
     overlap, /* sources share memory with what is written */
-    guard    /* buffers end, or begin, at a page without access */
+    guard /* buffers end, or begin, at a page without access */
 };
 constexpr int kindCount = 5;
 const char *kindName(Kind kind);
@@ -39,14 +39,8 @@ struct TextureSpec {
     uint8_t levels = 0; /* mipCount */
     std::array<int8_t, levelLimit> level{};
     bool runs = false, zeros = false; /* has maps */
-    uint32_t width() const
-    {
-        return 1u << log2Width;
-    }
-    uint32_t height() const
-    {
-        return 1u << log2Height;
-    }
+    uint32_t width() const { return 1u << log2Width; }
+    uint32_t height() const { return 1u << log2Height; }
 };
 
 /* Bytes of a slot that are copied and compared. */

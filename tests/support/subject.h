@@ -12,9 +12,9 @@
 namespace support {
 
 struct Subject {
-    uint32_t code = 0;            /* of a named one: a stand-in that seeds its scenes */
+    uint32_t code = 0; /* of a named one: a stand-in that seeds its scenes */
     const char *exported = nullptr; /* name of the exported function; null: found by code */
-    DrawFunc function = nullptr;  /* of a named one */
+    DrawFunc function = nullptr; /* of a named one */
 
     ninefold::Axes axes() const; /* of a named one: those of the kernel that it resembles */
     std::string name() const;

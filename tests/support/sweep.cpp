@@ -45,10 +45,12 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options)
     const auto describe = [&](size_t index, uint32_t scene, int set) {
         const Subject &subject = subjects[index];
         char text[256];
-        std::snprintf(text, sizeof text, "%s, set %s, scene %u of seed %llu\n  replay %s%.0X%s --kind %s --seed %llu --scene %u --set %d\n  it",
-                      subject.name().c_str(), set < 0 ? "none" : setName(set), scene, static_cast<unsigned long long>(options.seed),
-                      subject.exported ? "--named " : "--code 0x", subject.exported ? 0 : subject.code, subject.exported ? subject.exported : "",
-                      kindName(options.kind), static_cast<unsigned long long>(options.seed), scene, set);
+        std::snprintf(text, sizeof text,
+                      "%s, set %s, scene %u of seed %llu\n  replay %s%.0X%s --kind %s --seed %llu --scene %u --set %d\n  it",
+                      subject.name().c_str(), set < 0 ? "none" : setName(set), scene,
+                      static_cast<unsigned long long>(options.seed), subject.exported ? "--named " : "--code 0x",
+                      subject.exported ? 0 : subject.code, subject.exported ? subject.exported : "", kindName(options.kind),
+                      static_cast<unsigned long long>(options.seed), scene, set);
         return std::string(text);
     };
     const auto seconds = [&began] { return std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count(); };
@@ -68,7 +70,8 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options)
         if (workers.verdict(index) == Verdict::failed || (workers.verdict(index) == Verdict::open && !options.stopAtFailure))
             result.failed.push_back(subjects[index]);
     if (!result.failed.empty())
-        result.text = workers.reports() + std::to_string(result.failed.size()) + " of " + std::to_string(subjects.size()) + " failed\n";
+        result.text =
+            workers.reports() + std::to_string(result.failed.size()) + " of " + std::to_string(subjects.size()) + " failed\n";
     return result;
 }
 
@@ -100,7 +103,8 @@ std::string tableByAxis(const std::vector<Subject> &tried, const std::vector<Sub
         std::snprintf(part, sizeof part, "%-12s", axis.name);
         text += part;
         for (const auto &[value, pair] : counts) {
-            std::snprintf(part, sizeof part, pair.second != 0 ? " %d: %zu of %zu failed;" : " %d: %.0zu%zu;", value, pair.second, pair.first);
+            std::snprintf(part, sizeof part, pair.second != 0 ? " %d: %zu of %zu failed;" : " %d: %.0zu%zu;", value, pair.second,
+                          pair.first);
             text += part;
         }
         text.back() = '\n';

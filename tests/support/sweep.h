@@ -12,7 +12,7 @@ namespace support {
 
 struct Sweep {
     Kind kind = Kind::plain;
-    uint32_t scenes = 8;   /* of each code */
+    uint32_t scenes = 8; /* of each code */
     uint64_t seed = 1;
     uint32_t firstScene = 0;
     bool progress = false; /* printed now and then */

@@ -96,8 +96,8 @@ Verdict Workers::verdict(size_t job) const
 
 size_t Workers::failures() const
 {
-    return static_cast<size_t>(
-        std::count_if(shared->verdicts, shared->verdicts + count, [](const std::atomic<Verdict> &verdict) { return verdict == Verdict::failed; }));
+    return static_cast<size_t>(std::count_if(shared->verdicts, shared->verdicts + count,
+                                             [](const std::atomic<Verdict> &verdict) { return verdict == Verdict::failed; }));
 }
 
 uint64_t Workers::scenes() const
@@ -154,7 +154,8 @@ std::string endOf(int status)
 
 } // namespace
 
-void Workers::run(const std::function<void()> &begin, const Job &job, const std::function<std::string(size_t, uint32_t, int)> &describe,
+void Workers::run(const std::function<void()> &begin, const Job &job,
+                  const std::function<std::string(size_t, uint32_t, int)> &describe,
                   const std::function<void(size_t, uint64_t)> &progress)
 {
     using Clock = std::chrono::steady_clock;

@@ -31,7 +31,8 @@ public:
     /* Runs all jobs; `begin` once in each child, ahead of its first. `describe` names a job, its scene and set for a child that died;
      * `progress` is called from time to time. */
     using Job = std::function<bool(size_t job)>;
-    void run(const std::function<void()> &begin, const Job &job, const std::function<std::string(size_t, uint32_t, int)> &describe,
+    void run(const std::function<void()> &begin, const Job &job,
+             const std::function<std::string(size_t, uint32_t, int)> &describe,
              const std::function<void(size_t done, uint64_t scenes)> &progress = nullptr);
 
     Verdict verdict(size_t job) const;

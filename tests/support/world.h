@@ -18,18 +18,18 @@ constexpr int levelLimit = 16;
 enum Slot : int {
     noSlot = -1,
     frameSlot,
-    planeSlot,    /* Shahei plane */
+    planeSlot, /* Shahei plane */
     prioritySlot, /* zBuffer */
     lines0Slot,
     lines1Slot,
     shiftsSlot, /* scanShift */
-    runsSlot,   /* maps of tex0 */
+    runsSlot, /* maps of tex0 */
     zerosSlot,
     ruleSlot,
     stale0Slot,
     stale1Slot,
-    tex0Slot,                            /* and its levels */
-    tex1Slot = tex0Slot + levelLimit,    /* and its levels */
+    tex0Slot, /* and its levels */
+    tex1Slot = tex0Slot + levelLimit, /* and its levels */
     slotCount = tex1Slot + levelLimit
 };
 
@@ -38,18 +38,13 @@ enum Slot : int {
 constexpr uint32_t slotBytes(int slot)
 {
     switch (slot) {
-    case frameSlot:
-        return 0xA0000;
-    case planeSlot:
-        return 0x20000;
-    case prioritySlot:
-        return 0x40000;
+    case frameSlot: return 0xA0000;
+    case planeSlot: return 0x20000;
+    case prioritySlot: return 0x40000;
     case lines0Slot:
     case lines1Slot:
-    case shiftsSlot:
-        return 0x10000;
-    default:
-        return 0x50000;
+    case shiftsSlot: return 0x10000;
+    default: return 0x50000;
     }
 }
 
@@ -68,10 +63,7 @@ public:
     World(const World &) = delete;
     World &operator=(const World &) = delete;
 
-    std::byte *begin(int slot) const
-    {
-        return slots[slot];
-    }
+    std::byte *begin(int slot) const { return slots[slot]; }
 
     template <class T>
     T *at(Place place) const

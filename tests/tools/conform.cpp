@@ -47,7 +47,11 @@ int main(int count, char **arguments)
         const Kind kind = static_cast<Kind>(number);
         if (("," + kinds + ",").find(std::string(",") + kindName(kind) + ",") == std::string::npos)
             continue;
-        Sweep options{.kind = kind, .scenes = kind == Kind::plain ? scenes : (scenes + 1) / 2, .seed = seed, .progress = true, .stopAtFailure = stop};
+        Sweep options{.kind = kind,
+                      .scenes = kind == Kind::plain ? scenes : (scenes + 1) / 2,
+                      .seed = seed,
+                      .progress = true,
+                      .stopAtFailure = stop};
         const SweepResult codes = sweep(subjects, options);
         options.progress = false;
         options.scenes *= 50;
@@ -66,6 +70,7 @@ int main(int count, char **arguments)
     }
     std::printf("%s", tableByAxis(subjects, failed).c_str());
     std::printf("%zu codes, %llu scenes, each with %d instruction sets, in %.0f s: %zu codes failed%s\n", subjects.size(),
-                static_cast<unsigned long long>(drawn), setCount(), seconds, failed.size(), namedFailed ? ", and named functions" : "");
+                static_cast<unsigned long long>(drawn), setCount(), seconds, failed.size(),
+                namedFailed ? ", and named functions" : "");
     return failed.empty() && !namedFailed ? 0 : 1;
 }
