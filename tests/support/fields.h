@@ -1,0 +1,24 @@
+/* The fields of the render state by name. */
+#ifndef SUPPORT_FIELDS_H
+#define SUPPORT_FIELDS_H
+
+#include <cstddef>
+#include <vector>
+
+#include <ninefold/render_state.h>
+
+namespace support {
+
+enum class FieldKind { plain, memory, texture, function };
+
+struct Field {
+    const char *name;
+    size_t offset, size;
+    FieldKind kind;
+};
+
+const std::vector<Field> &fields();
+
+} // namespace support
+
+#endif

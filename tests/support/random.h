@@ -1,0 +1,47 @@
+/* Numbers that are the same on every platform: scenes are made with them. */
+#ifndef SUPPORT_RANDOM_H
+#define SUPPORT_RANDOM_H
+
+#include <cstdint>
+#include <initializer_list>
+
+namespace support {
+
+class Random {
+public:
+    explicit Random(uint64_t seed) : state(seed) {}
+
+    uint64_t bits()
+    {
+        uint64_t z = state += 0x9E3779B97F4A7C15;
+        z = (z ^ z >> 30) * 0xBF58476D1CE4E5B9;
+        z = (z ^ z >> 27) * 0x94D049BB133111EB;
+        return z ^ z >> 31;
+    }
+
+    uint32_t word() { return static_cast<uint32_t>(bits() >> 32); }
+
+    /* 0 to count - 1 */
+    uint32_t below(uint32_t count) { return static_cast<uint32_t>((bits() >> 32) * count >> 32); }
+
+    /* low to high, both included */
+    int32_t between(int32_t low, int32_t high)
+    {
+        return low + static_cast<int32_t>(below(static_cast<uint32_t>(high - low) + 1));
+    }
+
+    bool percent(uint32_t share) { return below(100) < share; }
+
+    template <class T>
+    T pick(std::initializer_list<T> values)
+    {
+        return values.begin()[below(static_cast<uint32_t>(values.size()))];
+    }
+
+private:
+    uint64_t state;
+};
+
+} // namespace support
+
+#endif

@@ -1,0 +1,93 @@
+/*
+ * The memory of one scene. Every buffer that a draw may touch has a slot of its own, and there is no access to the pages on either
+ * side of a slot. Two worlds have the same layout: the library draws in one, the reference in the other.
+ */
+#ifndef SUPPORT_WORLD_H
+#define SUPPORT_WORLD_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <ninefold/texture.h>
+
+namespace support {
+
+constexpr int levelLimit = 16;
+
+enum Slot : int {
+    noSlot = -1,
+    frameSlot,
+    planeSlot, /* Shahei plane */
+    prioritySlot, /* zBuffer */
+    lines0Slot,
+    lines1Slot,
+    shiftsSlot, /* scanShift */
+    runsSlot, /* maps of tex0 */
+    zerosSlot,
+    ruleSlot,
+    stale0Slot,
+    stale1Slot,
+    tex0Slot, /* and its levels */
+    tex1Slot = tex0Slot + levelLimit, /* and its levels */
+    slotCount = tex1Slot + levelLimit
+};
+
+/* What lies outside a buffer is part of its slot and compared too. Of the frame buffer and the planes it is large enough for a source
+ * that hangs over their ends. */
+constexpr uint32_t slotBytes(int slot)
+{
+    switch (slot) {
+    case frameSlot: return 0xA0000;
+    case planeSlot: return 0x20000;
+    case prioritySlot: return 0x40000;
+    case lines0Slot:
+    case lines1Slot:
+    case shiftsSlot: return 0x10000;
+    default: return 0x50000;
+    }
+}
+
+/* A byte position in a slot. It may lie outside of it where only what is reached from it lies inside. */
+struct Place {
+    int slot = noSlot;
+    int64_t offset = 0;
+};
+
+class World {
+public:
+    static constexpr int textureLimit = 2 * levelLimit + 4;
+
+    World();
+    ~World();
+    World(const World &) = delete;
+    World &operator=(const World &) = delete;
+
+    std::byte *begin(int slot) const { return slots[slot]; }
+
+    template <class T>
+    T *at(Place place) const
+    {
+        if (place.slot == noSlot)
+            return nullptr;
+        return reinterpret_cast<T *>(reinterpret_cast<uintptr_t>(slots[place.slot]) + static_cast<uintptr_t>(place.offset));
+    }
+
+    /* Whether an address lies in the memory, guard pages included. */
+    bool holds(const void *address) const
+    {
+        const uintptr_t distance = reinterpret_cast<uintptr_t>(address) - reinterpret_cast<uintptr_t>(memory);
+        return distance < size;
+    }
+
+    std::byte *memory = nullptr;
+    std::vector<Texture> textures; /* the records that rs points to */
+
+private:
+    std::byte *slots[slotCount] = {};
+    size_t size = 0;
+};
+
+} // namespace support
+
+#endif

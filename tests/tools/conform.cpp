@@ -1,0 +1,76 @@
+/*
+ * The library against the reference at depth: plain and big scenes, shared memory, guard pages, named functions.
+ *
+ *     conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard] [--stop]
+ *
+ * N scenes of each code (NINEFOLD_SCENES, or 60), half as many of the other kinds. --stop: at the first failure.
+ */
+#include "support/check.h"
+#include "support/sweep.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+using namespace support;
+
+int main(int count, char **arguments)
+{
+    uint32_t scenes = scenesWanted(60);
+    uint64_t seed = seedWanted();
+    std::string kinds = "plain,big,overlap,guard";
+    bool stop = false;
+    for (int i = 1; i < count; ++i) {
+        const auto is = [&](const char *option) { return std::strcmp(arguments[i], option) == 0; };
+        const bool valued = i + 1 < count;
+        if (is("--stop")) {
+            stop = true;
+        } else if (is("--scenes") && valued) {
+            scenes = static_cast<uint32_t>(std::strtoul(arguments[++i], nullptr, 10));
+        } else if (is("--seed") && valued) {
+            seed = std::strtoull(arguments[++i], nullptr, 10);
+        } else if (is("--kinds") && valued) {
+            kinds = arguments[++i];
+        } else {
+            std::puts("conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard] [--stop]");
+            return 2;
+        }
+    }
+
+    const std::vector<Subject> subjects = sharedCatalogue();
+    std::vector<Subject> failed;
+    uint64_t drawn = 0;
+    double seconds = 0;
+    bool namedFailed = false;
+    for (int number = 0; number < kindCount; ++number) {
+        const Kind kind = static_cast<Kind>(number);
+        if (("," + kinds + ",").find(std::string(",") + kindName(kind) + ",") == std::string::npos)
+            continue;
+        Sweep options{.kind = kind,
+                      .scenes = kind == Kind::plain ? scenes : (scenes + 1) / 2,
+                      .seed = seed,
+                      .progress = true,
+                      .stopAtFailure = stop};
+        const SweepResult codes = sweep(subjects, options);
+        options.progress = false;
+        options.scenes *= 50;
+        const SweepResult named = sweep(namedSubjects(), options);
+        for (const SweepResult *result : {&codes, &named}) {
+            std::fputs(result->text.c_str(), stdout);
+            drawn += result->scenes;
+            seconds += result->seconds;
+        }
+        for (const Subject &subject : codes.failed)
+            if (std::none_of(failed.begin(), failed.end(), [&subject](const Subject &one) { return one.code == subject.code; }))
+                failed.push_back(subject);
+        namedFailed = namedFailed || !named.failed.empty();
+        if (stop && (namedFailed || !failed.empty()))
+            break;
+    }
+    std::printf("%s", tableByAxis(subjects, failed).c_str());
+    std::printf("%zu codes, %llu scenes, each with %d instruction sets, in %.0f s: %zu codes failed%s\n", subjects.size(),
+                static_cast<unsigned long long>(drawn), setCount(), seconds, failed.size(),
+                namedFailed ? ", and named functions" : "");
+    return failed.empty() && !namedFailed ? 0 : 1;
+}
