@@ -116,6 +116,14 @@ protected:
 
     void clear() { std::fill_n(frame->pixels, size_t{width} * height, ground); }
 
+    // The planes, too.
+    void wipe()
+    {
+        clear();
+        std::fill(plane.begin(), plane.end(), uint16_t{0});
+        std::fill(z.begin(), z.end(), uint8_t{0});
+    }
+
     // Textures live as long as the test.
     Texture *texture(unsigned w, unsigned h)
     {
@@ -168,6 +176,101 @@ protected:
     }
 
     static void stipple(std::initializer_list<uint16_t> rows) { std::copy(rows.begin(), rows.end(), rs.drawMask); }
+
+    // A chain and both maps, so that every filter and rect option can read the texture. The zero-pixel map is read by the frame
+    // buffer's words: use it with a texture of the frame buffer's size.
+    static Texture *equipped(Texture *t)
+    {
+        CreateMipmapTexture(t);
+        CreateRunlengthMap(t);
+        CreateZeroPixelMap(t);
+        return t;
+    }
+
+    // Lays every texture over the frame buffer texel for pixel, and the shape over this rectangle: a triangle with legs of one length
+    // whose diagonal passes the rectangle by, cut out by the clip.
+    void place(const Modes &m, int left, int top, int right, int bottom)
+    {
+        int right2 = right, bottom2 = bottom;
+        clip(0, 0, static_cast<int>(width), static_cast<int>(height));
+        if (m.shape == 2) {
+            const int leg = right - left + bottom - top;
+            right2 = left + leg, bottom2 = top + leg;
+            triangle(left, top, right2, top, left, bottom2);
+            clip(left, top, right, bottom);
+        } else {
+            corners(left, top, right, bottom);
+        }
+        const TexCoord topLeft{texels(left), texels(top)}, topRight{texels(right2), texels(top)},
+            bottomLeft{texels(left), texels(bottom2)}, bottomRight{texels(right2), texels(bottom2)};
+        for (TexCoord *uv : {rs.uv0, rs.uv1}) {
+            uv[0] = topLeft;
+            uv[1] = m.shape == 1 && m.rectOpt == 1 ? bottomRight : topRight;
+            uv[2] = bottomLeft;
+            uv[3] = bottomRight;
+        }
+        rs.uv2[0] = topLeft;
+        rs.uv2[1] = m.shape == 1 ? bottomRight : topRight;
+        rs.uv2[2] = bottomLeft;
+        lines.clear();
+        for (int y = top; y < bottom; ++y)
+            lines.push_back({texels(left), texels(y), texels(right), texels(y)});
+        rs.lineTable0 = rs.lineTable1 = lines.data();
+    }
+
+    // Forms that sample a texel as it is, under `place` and with equipped textures.
+    static std::vector<Modes> pointForms(int shahei = 0, int blend = 0, int multi = 3)
+    {
+        const bool walk = shahei == 1 || shahei == 2;
+        std::vector<Modes> forms;
+        const auto add = [&](Modes m) {
+            m.shahei = shahei, m.blend = blend, m.multi = multi;
+            forms.push_back(m);
+        };
+        for (int rectOpt = 0; rectOpt < 4; ++rectOpt)
+            for (int filter : {0, 8})
+                add({.filter = filter, .rectOpt = rectOpt});
+        add({.rectOpt = walk ? 6 : 5});
+        for (int rectOpt : {1, 2})
+            add({.filter = 2, .rectOpt = rectOpt});
+        add({.filter = 3, .rectOpt = 3});
+        for (int filter : {0, 8, 2})
+            for (int pers : {0, 1})
+                add({.shape = 2, .pers = pers, .filter = filter});
+        return forms;
+    }
+
+    // And those that mix texels.
+    static std::vector<Modes> mixingForms(int shahei = 0, int blend = 0, int multi = 3)
+    {
+        std::vector<Modes> forms;
+        const auto add = [&](Modes m) {
+            m.shahei = shahei, m.blend = blend, m.multi = multi;
+            forms.push_back(m);
+        };
+        for (int rectOpt = 0; rectOpt < 4; ++rectOpt)
+            add({.filter = 1, .rectOpt = rectOpt});
+        for (int rectOpt : {1, 2})
+            add({.filter = 5, .rectOpt = rectOpt});
+        for (int filter : {4, 2})
+            add({.filter = filter, .rectOpt = 3});
+        if (shahei == 1 || shahei == 2)
+            add({.filter = 5, .rectOpt = 3});
+        for (int filter : {1, 5})
+            for (int pers : {0, 1})
+                add({.shape = 2, .pers = pers, .filter = filter});
+        return forms;
+    }
+
+    // Colours alone.
+    static std::vector<Modes> colourForms(int shahei = 0, int blend = 0)
+    {
+        std::vector<Modes> forms;
+        for (int shape : {0, 1, 2})
+            for (int filter : {6, 7})
+                forms.push_back({.shape = shape, .filter = filter, .shahei = shahei, .blend = blend});
+        return forms;
+    }
 
     // The kernel of exactly these modes, never a default.
     static DrawFunc kernel(const Modes &m)
@@ -308,6 +411,7 @@ protected:
     Texture *frame = nullptr;
     std::vector<uint16_t> plane;
     std::vector<uint8_t> z;
+    std::vector<LineTableRecord> lines; // of `place`
 
 private:
     std::vector<Texture *> textures;
