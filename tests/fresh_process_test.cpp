@@ -153,4 +153,81 @@ TEST_F(FreshLibrary, StartUpLeavesTheRestOfTheStateAlone)
     EXPECT_TRUE(std::all_of(bytes, bytes + sizeof *state, [](unsigned char byte) { return byte == 0; }));
 }
 
+TEST_F(FreshLibrary, LookUpsBeforeTheTableIsMadeGiveNullAndLeaveTheCache)
+{
+    const auto search = OWN(SearchDrawFunc);
+    // Known codes, misses of every shape, the defaults themselves, no shape at all.
+    for (unsigned long code : {0x40769ul, 0x1C0368ul, 0x1C0369ul, 0x1C0F6Aul, 0xDC0368ul, 0x369ul, 0x1C036Aul, 0x6Bul, 0ul, 1ul})
+        for (int repeat = 0; repeat < 2; ++repeat)
+            EXPECT_EQ(search(code), nullptr) << std::hex << code;
+    OWN(MakeDrawFuncTable)();
+    EXPECT_EQ(search(0), nullptr) << "nothing was found yet that could have taken the place of code 0";
+    EXPECT_NE(search(0x40769), nullptr);
+}
+
+TEST_F(FreshLibrary, CodeZeroIsNullUntilSomethingIsFound)
+{
+    const auto search = OWN(SearchDrawFunc);
+    OWN(MakeDrawFuncTable)();
+    EXPECT_EQ(search(0), nullptr);
+    EXPECT_EQ(search(0), nullptr);
+    EXPECT_EQ(search(0x6B), nullptr); // low bits 3: leaves the cache
+    EXPECT_EQ(search(0), nullptr);
+    const DrawFunc unitCopy = search(0x369);
+    EXPECT_NE(unitCopy, nullptr);
+    EXPECT_NE(search(0), unitCopy);
+    EXPECT_EQ(search(0), search(0xDC0368)) << "now a miss of a line";
+}
+
+TEST_F(FreshLibrary, AMissIsEnoughForCodeZeroToBeNoLongerCached)
+{
+    const auto search = OWN(SearchDrawFunc);
+    OWN(MakeDrawFuncTable)();
+    const DrawFunc unitCopy = search(0x100369); // no such rect option
+    EXPECT_NE(unitCopy, nullptr);
+    EXPECT_EQ(search(0), search(0xDC0368));
+    EXPECT_EQ(unitCopy, search(0x369));
+}
+
+TEST_F(FreshLibrary, NamedKernelsStandInTheTable)
+{
+    const auto search = OWN(SearchDrawFunc);
+    OWN(MakeDrawFuncTable)();
+    EXPECT_EQ(search(0x188369), OWN(DrawRectTexRunlen_TEST));
+    EXPECT_EQ(search(0xFDA768), OWN(DrawLineTest));
+    EXPECT_EQ(search(0x81C036A), OWN(DrawPolygon_PERS_TEST));
+}
+
+/*
+ * u = 5.5 texels at depth 100,000, on all vertices. Without shifts u / z is 0x58000 / 100000 = 3 and 1 / z is 0x7FFFFFFF / 100000 =
+ * 21474: the quotient 3 * 2^32 / 21474 = 600023, halved, is 4.57 texels. Shifted left by 7 it is 461 * 2^32 / 21474, shifted back
+ * by 8: 5.49.
+ */
+TEST_F(FreshLibrary, PerspectiveWithoutShiftTableIsCoarserButSound)
+{
+    OWN(MakeDrawFuncTable)();
+    Texture *frame = OWN(CreateTexture)(8, 8), *source = OWN(CreateTexture)(8, 1);
+    OWN(ClearTexture)(frame);
+    for (uint32_t u = 0; u < 8; ++u)
+        source->pixels[u] = 0xFF000000 + u;
+    OWN(SetFrameBuffer)(frame);
+    state->clipRight = state->clipBottom = 8;
+    state->tex0 = source;
+    state->vertex[0] = {0, 0, 100000};
+    state->vertex[1] = {8, 0, 100000};
+    state->vertex[2] = {0, 8, 100000};
+    for (int k = 0; k < 3; ++k)
+        state->uv0[k] = {0x58000, 0};
+    const DrawFunc kernel = OWN(SearchDrawFunc)(0x81C036A);
+    kernel();
+    EXPECT_EQ(frame->pixels[0], 0xFF000004u);
+    EXPECT_EQ(frame->pixels[8 * 3 + 3], 0xFF000004u);
+    OWN(MakeUVLShiftTable)();
+    kernel();
+    EXPECT_EQ(frame->pixels[0], 0xFF000005u);
+    EXPECT_EQ(frame->pixels[8 * 3 + 3], 0xFF000005u);
+    OWN(DeleteTexture)(frame);
+    OWN(DeleteTexture)(source);
+}
+
 }
