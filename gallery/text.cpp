@@ -17,7 +17,7 @@ int Text::write(const Font& font, Bytes bytes, int x, int y, const Modes& modes)
     static char face[] = "VL Gothic";
     rs.fontName = face;
     rs.fontHeight = font.height;
-    rs.fontWeight = 400;
+    rs.fontWeight = font.weight;
     rs.fontQuality = font.quality;
     rs.fontItalic = font.italic;
     rs.tex0 = atlas_.get();

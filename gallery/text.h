@@ -7,6 +7,7 @@ namespace gallery {
 
 struct Font {
     int32_t height = -24; // em height in pixels
+    int32_t weight = 400; // 700 is bold
     int32_t quality = 3;  // 0 mono, 1 to 3: 4, 16, 64 grey levels
     bool italic = false;
     bool rimmed = false;

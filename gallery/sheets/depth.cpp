@@ -24,13 +24,13 @@ void perspective(Sheet& sheet)
             Canvas canvas(width, height);
             cover(canvas, stars.get());
             rs.tex0 = bricks.get();
-            floorStrips(view, 1.0, 1.4, 6, 1, modes);
+            floorStrips({128, 40, 220}, 0.8, 70, height, 1, modes);
             sheet.add(canvas, "A floor of two triangles", modes);
         }
         for (const double turn : {0.35, 0.75, 1.15}) {
             Canvas canvas(width, height);
             cover(canvas, stars.get());
-            cube(view, {0, 0, 2.6}, 0.72, turn, 0.45, {coffee.get(), cat.get(), bricks.get()}, modes);
+            cube(view, {0, 0.02, 3.1}, 0.72, turn, 0.45, {coffee.get(), cat.get(), bricks.get()}, modes);
             sheet.add(canvas, "A cube with a photograph on each face", modes);
         }
     }
@@ -45,7 +45,7 @@ void mipFloors(Sheet& sheet)
         cover(canvas, stars.get());
         rs.tex0 = bricks.get();
         const Modes modes{.shape = 2, .filter = filter, .pers = 1};
-        floorStrips({128, 50, 220}, 0.5, 0.8, 14, 24, modes);
+        floorStrips({128, 46, 220}, 0.6, 56, height, 34, modes);
         sheet.add(canvas, std::string("Filter ") + names[filter], modes);
     }
     names[2] = "2: nearest in the chosen level";

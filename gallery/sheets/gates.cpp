@@ -19,14 +19,13 @@ void occlude(void (*fill)(), Vertex a, Vertex b, Vertex c)
 // A star of `points` triangles around a middle, by any of the occlusion fills.
 void star(void (*fill)(), int x, int y, int points, double inner, double outer, double turn = 0)
 {
-    const auto at = [&](double angle, double radius) {
-        return Vertex{x + int(std::lround(radius * std::cos(angle))), y + int(std::lround(radius * std::sin(angle))), 1};
+    // Even places are tips, odd ones notches; neighbours share a place to the pixel.
+    const auto place = [&](int i) {
+        const double angle = turn + std::numbers::pi * (i % (2 * points)) / points, radius = i % 2 ? inner : outer;
+        return at(x + int(std::lround(radius * std::cos(angle))), y + int(std::lround(radius * std::sin(angle))));
     };
-    for (int i = 0; i < points; ++i) {
-        const double angle = turn + 2 * std::numbers::pi * i / points, half = std::numbers::pi / points;
-        occlude(fill, at(angle, outer), at(angle + half, inner), {x, y, 1});
-        occlude(fill, at(angle, outer), {x, y, 1}, at(angle - half, inner));
-    }
+    for (int i = 0; i < 2 * points; ++i)
+        occlude(fill, place(i), place(i + 1), at(x, y));
 }
 
 } // namespace

@@ -25,7 +25,7 @@ void poster(Sheet& sheet)
     SetBlendModeMulti(8);
     rs.color[0] = argb({235, 130, 90});
     rs.tex0 = bricks.get();
-    floorStrips(view, 0.62, 1.5, 16, 48, {.shape = 2, .filter = 5, .multi = 2, .pers = 1});
+    floorStrips(view, 0.62, 104, height, 76, {.shape = 2, .filter = 5, .multi = 2, .pers = 1});
     // It fades into the dark towards the horizon.
     rs.color[0] = rs.color[1] = argb({5, 5, 12}, 255);
     rs.color[2] = rs.color[3] = argb({5, 5, 12}, 0);
@@ -60,14 +60,14 @@ void poster(Sheet& sheet)
     canvas.use();
     rs.tex0 = cat.get();
     rs.tex2 = slope.pixels();
-    rs.ruleThreshold = 70, rs.ruleWidth = 110;
+    rs.ruleThreshold = 50, rs.ruleWidth = 80;
     corners(352, 128, 512, 248);
     source(rs.uv0, 0.8, 0.8, 256, 192);
     source(rs.uv2, 0, 0, 64, 64);
     draw({.filter = 1, .rectOpt = 1, .rule = 1});
 
-    Text text(256, 64);
-    text.write({.height = -44, .rimmed = true}, "Ninefold", 14, 52, {.blend = 4});
+    Text text(256, 128);
+    text.write({.height = -60, .weight = 700, .rimmed = true}, "Ninefold", 14, 62, {.blend = 4});
     sheet.add(canvas, "Everything at once", "a hundred triangles and rectangles of eleven draw codes");
 }
 

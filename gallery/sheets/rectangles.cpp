@@ -332,7 +332,7 @@ void runLengths(Sheet& sheet)
     // The zero-pixel map lies on the frame buffer position for position: a layer of the canvas's own width.
     TexturePtr layer(CreateTexture(width, height));
     ClearTexture(layer.get());
-    for (const auto& [x, y] : {std::pair{10, 20}, {120, 60}})
+    for (const auto& [x, y] : {std::pair{0, 14}, {128, 60}})
         CopyTexture(layer.get(), cup.get(), x, y, 0, 0, 128, 118);
     CreateZeroPixelMap(layer.get());
     const Modes mapped{.rectOpt = 6, .shahei = 1};

@@ -97,7 +97,7 @@ void wipeShapes(Sheet& sheet)
         rs.tex0 = cat.get();
         rs.tex2 = clock.pixels();
         const Modes modes{.shape = 2, .filter = 1, .rule = 1};
-        const Corner a{20, 10, 1, 0, 0}, b{236, 10, 1, 255, 0}, c{20, 182, 1, 0, 191}, d{236, 182, 1, 255, 191};
+        const Corner a{20, 10, 1, 0.5, 0.5}, b{236, 10, 1, 255.5, 0.5}, c{20, 182, 1, 0.5, 191.5}, d{236, 182, 1, 255.5, 191.5};
         rs.uv2[0] = texel(0, 0), rs.uv2[1] = texel(127, 0), rs.uv2[2] = texel(0, 127);
         triangle(a, b, c, modes);
         rs.uv2[0] = texel(127, 0), rs.uv2[1] = texel(127, 127), rs.uv2[2] = texel(0, 127);

@@ -34,7 +34,8 @@ void mesh(const Bend& bend, Cell&& cell)
     const auto corner = [&](int column, int row) {
         const double u = 32 * column, v = 32 * row;
         const Place p = bend(u, v);
-        return Corner{p.x, p.y, 1, u, v};
+        // Half a texel inside, where a bilinear filter stays within the picture.
+        return Corner{p.x, p.y, 1, std::clamp(u, 0.5, 255.5), std::clamp(v, 0.5, 191.5)};
     };
     for (int row = 0; row < 6; ++row)
         for (int column = 0; column < 8; ++column) {
@@ -139,7 +140,7 @@ void scanShifts(Sheet& sheet)
             shifts[size_t(y)] = int32_t(std::lround(shift(y)));
         rs.scanShift = shifts.data();
         rs.tex0 = coffee.get();
-        quad({24, 10, 1, 0, 0}, {232, 10, 1, 255, 0}, {24, 182, 1, 0, 191}, {232, 182, 1, 255, 191}, modes);
+        quad({24, 10, 1, 0.5, 0.5}, {232, 10, 1, 255.5, 0.5}, {24, 182, 1, 0.5, 191.5}, {232, 182, 1, 255.5, 191.5}, modes);
         sheet.add(canvas, caption, modes);
     };
     displaced("No displacement", [](int) { return 0.0; });
