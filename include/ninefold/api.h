@@ -1,4 +1,4 @@
-/* How the interface's names are exported. */
+/* How the interface's names are exported. A Windows program that links the library statically defines NINEFOLD_STATIC. */
 #ifndef NINEFOLD_API_H
 #define NINEFOLD_API_H
 

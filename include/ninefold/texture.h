@@ -41,7 +41,7 @@ extern "C" {
 #endif
 
 /* A new texture. Both sizes (pixels) round up to powers of two; 0 gives 1. The pixels are left as allocated. Throws
- * std::bad_alloc when the record cannot be allocated; a failed pixel allocation leaves `pixels` null. */
+ * std::bad_alloc when the record cannot be allocated; where the pixels cannot be (4 GiB and more never can), `pixels` is null. */
 NINEFOLD_API Texture *CreateTexture(unsigned long width, unsigned long height);
 
 /* Adds 1 to refCount. Because creation leaves 0, the first call changes nothing: a texture dies at its nth DeleteTexture
@@ -52,49 +52,59 @@ NINEFOLD_API void AddRefTexture(Texture *texture);
  * levels 1 and up, and the record. */
 NINEFOLD_API void DeleteTexture(Texture *texture);
 
-/* Sets all width * height words to 0. */
+/* Sets all width * height words to 0, the transparent pixel. */
 NINEFOLD_API void ClearTexture(Texture *texture);
 
-/* Copies a block of pixels from `src` to `dst`. The four offsets wrap once into their texture, then the block is clipped to both
- * textures; a width or height below 1 copies nothing. Rows go top to bottom and pixels left to right, also when both are one
- * texture. */
+/* Copies a block of pixels from `src` to `dst`. The four offsets wrap once into their texture, then the block is clipped to
+ * both textures; a width or height below 1 copies nothing. Zeros are copied like any other word. Rows go top to bottom and
+ * pixels left to right, also when both are one texture: a block that overlaps its source to the right or below repeats what was
+ * just written. */
 NINEFOLD_API void CopyTexture(Texture *dst, Texture *src, long dstX, long dstY, long srcX, long srcY, long width, long height);
 
-/* Every word equal to `color` becomes 0, the transparent pixel. Alpha takes part in the comparison. */
+/* Every word equal to `color` becomes 0, the transparent pixel: a colour key. Alpha takes part in the comparison, and is 255 in
+ * loaded pictures. */
 NINEFOLD_API void SetClearPixel(Texture *texture, unsigned long color);
 
 /* Every word equal to `oldColor` becomes `newColor`. Mind the order: new before old. */
 NINEFOLD_API void ReplacePixel(Texture *texture, unsigned long newColor, unsigned long oldColor);
 
 /*
- * Loads an uncompressed 24-bit Windows bitmap into a new texture, top row first, every pixel with alpha 255; the area outside the
- * picture is the word 0. The signature, depth and compression in the header are not looked at. Null when the file cannot be
- * opened, or when its width or height is more than any pixel store can hold. Bytes that the file lacks read as 0.
+ * Loads an uncompressed 24-bit Windows bitmap into a new texture, top row first, every pixel with alpha 255; the area outside
+ * the picture is the word 0. origWidth and origHeight hold the picture's size. The signature, depth and compression in the
+ * header are not looked at. Null when the file cannot be opened, or when its width or height is negative or more than any pixel
+ * store can hold. Bytes that the file lacks read as 0. `path` goes to the system as it is.
  */
 NINEFOLD_API Texture *LoadTexture(char *path);
 
 /*
  * As LoadTexture, with the picture placed inside the power-of-two texture: `alignX`, `alignY` 1 centre it, 2 put it at the
- * right or bottom edge, any other value at the left or top. The out-parameters, each of which may be null, receive the position of
- * the picture's top-left pixel and its size as read from the file (pixels); when the result is null they are not written.
+ * right or bottom edge, any other value at the left or top. The out-parameters, each of which may be null, receive the position
+ * of the picture's top-left pixel and its size as read from the file (pixels); when the result is null they are not written.
  */
 NINEFOLD_API Texture *LoadTextureAdjust(char *path, unsigned long alignX, unsigned long alignY, long *outX, long *outY,
                                         long *outWidth, long *outHeight);
 
 /* Gives a texture its chain of half-size levels (a truncating 2 by 2 box over all four channels), down to where the smaller
- * dimension is 1. Does nothing when the chain is already whole: after changing the pixels call DeleteMipmapTexture first. */
+ * dimension is 1. Does nothing when the chain is already whole: after changing the pixels call DeleteMipmapTexture first.
+ * Transparent pixels count as black with alpha 0. Filters 2 to 5 need a chain of at least two levels, so a texture of at least
+ * 2 by 2. */
 NINEFOLD_API void CreateMipmapTexture(Texture *texture);
 
-/* Releases mip levels 1 and up and sets mipCount to 0. */
+/* Releases mip levels 1 and up and sets mipCount to 0. DeleteTexture does the same. */
 NINEFOLD_API void DeleteMipmapTexture(Texture *texture);
 
 /* Makes the run-length map that rect option 5 reads: one signed byte a pixel, n for n non-zero pixels from here to the right
- * within the row, -n for n zero pixels, limited to 127 and -128. Replaces an older map. Nothing keeps it current. */
+ * within the row, -n for n zero pixels, limited to 127 and -128. Replaces an older map. Nothing keeps it current.
+ *
+ * Mind holes of 128 zero pixels and more: at one, rect option 5 goes on 128 pixels further left instead of right, also to the
+ * left of the clip rectangle, and draws on from there. A sprite with such a hole needs 128 pixels of frame buffer before it (one
+ * with several, as many as it is wide), or is drawn with rect option 0. */
 NINEFOLD_API void CreateRunlengthMap(Texture *texture);
 
-/* Makes the zero-pixel map that rect option 6 reads: 16-bit words, bit 15 leftmost, a set bit for a pixel whose word is 0. The word
- * of a pixel is its index divided by 16, its bit 15 - (x & 15), so rows of textures narrower than 16 share bits. Replaces an older
- * map. Nothing keeps it current. */
+/* Makes the zero-pixel map that rect option 6 reads: 16-bit words, bit 15 leftmost, a set bit for a pixel whose word is 0. The
+ * word of a pixel is its index divided by 16, its bit 15 - (x & 15), so rows of textures narrower than 16 share bits. Replaces
+ * an older map. Nothing keeps it current. Rect option 6 reads it at the frame-buffer position of the pixel, whatever uv0 says:
+ * the texture must be as wide as the frame buffer, reach as far down as what is drawn, and lie on it position for position. */
 NINEFOLD_API void CreateZeroPixelMap(Texture *texture);
 
 #ifdef __cplusplus

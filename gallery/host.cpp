@@ -1,0 +1,258 @@
+#include "host.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <utility>
+
+namespace gallery {
+namespace {
+
+std::string pictureFolder;
+
+std::string pathOf(const std::string& name)
+{
+    return pictureFolder + "/" + name + ".bmp";
+}
+
+TexturePtr checked(Texture* texture, const std::string& name)
+{
+    if (!texture || !texture->pixels)
+        throw std::runtime_error("cannot load " + pathOf(name));
+    return TexturePtr(texture);
+}
+
+constexpr uint32_t keyColour = 0xFFFF00FF;
+
+} // namespace
+
+void startUp()
+{
+    MakeUVLShiftTable();
+    MakeShaheiRunlengthTbl();
+    MakeDrawMaskTable();
+    MakeDrawFuncTable();
+}
+
+void setPictureFolder(std::string folder)
+{
+    pictureFolder = std::move(folder);
+}
+
+TexturePtr load(const std::string& name)
+{
+    return checked(LoadTexture(pathOf(name).data()), name);
+}
+
+TexturePtr loadKeyed(const std::string& name)
+{
+    TexturePtr picture = load(name);
+    SetClearPixel(picture.get(), keyColour);
+    return picture;
+}
+
+TexturePtr loadAdjusted(const std::string& name, unsigned long alignX, unsigned long alignY)
+{
+    return checked(LoadTextureAdjust(pathOf(name).data(), alignX, alignY, nullptr, nullptr, nullptr, nullptr), name);
+}
+
+TexturePtr loadMipped(const std::string& name)
+{
+    TexturePtr picture = load(name);
+    CreateMipmapTexture(picture.get());
+    return picture;
+}
+
+void addMatte(Texture& picture)
+{
+    const double centreX = picture.origWidth / 2.0, centreY = picture.origHeight / 2.0;
+    for (uint32_t y = 0; y < picture.origHeight; ++y)
+        for (uint32_t x = 0; x < picture.origWidth; ++x) {
+            const double distance = std::hypot((x - centreX) / centreX, (y - centreY) / centreY);
+            const double alpha = std::clamp((1.05 - distance) / 0.45, 0.0, 1.0);
+            uint32_t& word = picture.pixels[(size_t(y) << picture.log2Width) + x];
+            word = (word & 0xFFFFFF) | uint32_t(1 + std::lround(254 * alpha)) << 24;
+        }
+}
+
+Canvas::Canvas(int canvasWidth, int canvasHeight)
+    : width(canvasWidth), height(canvasHeight),
+      pixels_(CreateTexture(static_cast<unsigned long>(canvasWidth), static_cast<unsigned long>(canvasHeight)))
+{
+    if (!pixels_->pixels)
+        throw std::runtime_error("no memory for a frame buffer");
+    ClearTexture(pixels_.get());
+    const size_t count = size_t(pixels_->width) * pixels_->height;
+    // Where a row ends at a multiple of 16 the walk of the Shahei plane looks at the word behind it.
+    shahei_.assign(count / 16 + 1, 0);
+    priorities_.assign(count, 255);
+
+    use();
+}
+
+void Canvas::use()
+{
+    rs = RenderState{};
+    SetFrameBuffer(pixels_.get());
+    rs.clipRight = width;
+    rs.clipBottom = height;
+    rs.shaheiPlane = shahei_.data();
+    rs.zBuffer = priorities_.data();
+    rs.prescale = rs.prescaleMulti = 256;
+    rs.mosaicSize = rs.mosaicSize1 = 1;
+    SetBlendModeMulti(0);
+}
+
+bool Canvas::taken(int x, int y) const
+{
+    return shahei_[index(x, y) >> 4] >> (15 - (x & 15)) & 1;
+}
+
+uint8_t Canvas::priority(int x, int y) const
+{
+    return priorities_[index(x, y)];
+}
+
+void Canvas::fillPriority(uint8_t value)
+{
+    std::fill(priorities_.begin(), priorities_.end(), value);
+}
+
+void Canvas::paintShahei(const Canvas& from)
+{
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            word(x, y) = from.taken(x, y) ? 0xFFFFFFFF : 0xFF202020;
+}
+
+void Canvas::paintPriorities(const Canvas& from)
+{
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            word(x, y) = 0xFF000000 | from.priority(x, y) * 0x10101u;
+}
+
+TexCoord texel(double u, double v)
+{
+    return {int32_t(std::lround(u * 65536)), int32_t(std::lround(v * 65536))};
+}
+
+void corners(int x0, int y0, int x1, int y1)
+{
+    rs.vertex[0] = at(x0, y0);
+    rs.vertex[1] = at(x1, y1);
+}
+
+void source(TexCoord (&uv)[4], double u, double v, double width, double height)
+{
+    uv[0] = texel(u, v);
+    uv[1] = texel(u + width, v + height);
+}
+
+uint32_t codeOf(const Modes& modes)
+{
+    SetShapeMode(modes.shape);
+    SetFilterMode(modes.filter);
+    SetRectOptMode(modes.rectOpt);
+    SetShaheiMode(modes.shahei);
+    SetMultiMode(modes.multi);
+    SetRuleAlphaMode(modes.rule);
+    SetPrescaleMode(modes.prescale);
+    SetPersMode(modes.pers);
+    SetBlendMode(modes.blend);
+    return uint32_t(CreateDrawCode());
+}
+
+void draw(const Modes& modes)
+{
+    const uint32_t code = codeOf(modes);
+    const DrawFunc kernel = SearchDrawFunc(code);
+    // A code without a kernel gets the default of its shape, without a word.
+    constexpr uint32_t defaults[] = {0xDC0368, 0x369, 0x1C036A};
+    if (!kernel || (code != defaults[modes.shape] && kernel == SearchDrawFunc(defaults[modes.shape])))
+        throw std::runtime_error("there is no kernel for " + describe(modes));
+    kernel();
+}
+
+void cover(const Canvas& canvas, Texture* picture)
+{
+    const double width = picture->origWidth, height = picture->origHeight;
+    rs.tex0 = picture;
+    corners(0, 0, canvas.width, canvas.height);
+    source(rs.uv0, width / canvas.width / 2, height / canvas.height / 2, width, height);
+    draw({.filter = 1, .rectOpt = 1});
+}
+
+void sprite(Texture* picture, int x, int y, const Modes& modes)
+{
+    rs.tex0 = picture;
+    corners(x, y, x + int(picture->width), y + int(picture->height));
+    source(rs.uv0, 0, 0, picture->width, picture->height);
+    draw(modes);
+}
+
+void triangle(const Corner& a, const Corner& b, const Corner& c, const Modes& modes)
+{
+    int i = 0;
+    for (const Corner* corner : {&a, &b, &c}) {
+        rs.vertex[i] = at(int(std::lround(corner->x)), int(std::lround(corner->y)), int(std::lround(corner->z)));
+        rs.uv0[i++] = texel(corner->u, corner->v);
+    }
+    Modes triangular = modes;
+    triangular.shape = 2;
+    draw(triangular);
+}
+
+void quad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Modes& modes)
+{
+    triangle(a, b, c, modes);
+    triangle(b, d, c, modes);
+}
+
+const char* multiOperatorName(int32_t value)
+{
+    static constexpr const char* names[] = {"second",  "alpha",       "constant alpha",      "constant alpha (rgb)", "alpha with early outs",
+                                            "add",     "subtract",    "multiply",            "multiply by two",      "screen",
+                                            "overlay", "merge",       "second",              "second",               "luma of second",
+                                            "luma of first", "xor",   "and",                 "or",                   "first"};
+    return names[value >= 0 && value < 20 ? value : 0];
+}
+
+std::string describe(const Modes& m)
+{
+    static constexpr const char* shapes[] = {"line", "rectangle", "triangle"};
+    static constexpr const char* rectOpts[] = {"unit scale", "stretched", "four corners", "line table", "?", "run-length map",
+                                               "zero-pixel map"};
+    static constexpr const char* filters[] = {"nearest",      "bilinear",  "mip levels", "mip level per line", "bilinear mip level per line",
+                                              "bilinear mip levels", "flat", "Gouraud",    "mosaic"};
+    static constexpr const char* shaheis[] = {"",           "Shahei plane", "Shahei plane and priorities written", "priority test",
+                                              "draw mask", "priority test and draw mask"};
+    static constexpr const char* blends[] = {
+        "copy",    "alpha", "constant alpha", "?", "alpha with early outs", "add", "subtract", "multiply", "multiply by two", "screen",
+        "overlay", "merge", "host's operator", "copy", "luma of source", "luma of destination", "xor", "and", "or", "destination"};
+    static constexpr const char* multis[] = {"second texture", "corner colours", "one colour"};
+
+    std::string words = shapes[m.shape];
+    const auto add = [&words](const std::string& word) {
+        if (!word.empty())
+            words += ", " + word;
+    };
+    const bool colours = m.filter == 6 || m.filter == 7;
+    if (m.shape == 1 && !colours)
+        add(rectOpts[m.rectOpt]);
+    if (m.pers)
+        add("perspective");
+    add(filters[m.filter]);
+    add(blends[m.blend]);
+    add(shaheis[m.shahei]);
+    if (m.multi != 3 && !colours)
+        add(std::string(multis[m.multi]) + " by \"" + multiOperatorName(rs.blendModeMulti) + "\"" +
+            (rs.prescaleMultiMode ? " (second bank)" : ""));
+    if (m.rule)
+        add("rule");
+    if (m.prescale)
+        add("prescale");
+    return words;
+}
+
+} // namespace gallery

@@ -1,0 +1,131 @@
+// gallery: draws sheets of pictures through the library and puts them on one page.
+
+#include "sheet.h"
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace gallery;
+
+constexpr const char* usage =
+    "usage: gallery [--out DIR] [--pictures DIR] [NAME...]\n"
+    "       gallery --list\n"
+    "Draws the named sheets, or all, to DIR/NAME.png, and DIR/index.html with a caption for each picture.\n"
+    "--list prints the name, size in pixels and title of every sheet.\n";
+
+struct Options {
+    std::string out = GALLERY_OUT;
+    std::string pictures = GALLERY_PICTURES;
+    bool list = false, help = false;
+    std::vector<const SheetInfo*> sheets;
+};
+
+struct UsageError : std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+const SheetInfo& sheetNamed(const std::string& name)
+{
+    for (const SheetInfo& info : allSheets())
+        if (name == info.name)
+            return info;
+    throw UsageError("no sheet '" + name + "'; --list names them all");
+}
+
+Options parse(int argc, char** argv)
+{
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--out" || argument == "--pictures") {
+            if (++i == argc || !*argv[i])
+                throw UsageError(argument + " needs a folder");
+            (argument == "--out" ? options.out : options.pictures) = argv[i];
+        } else if (argument == "--list") {
+            options.list = true;
+        } else if (argument == "--help" || argument == "-h") {
+            options.help = true;
+        } else if (argument.rfind('-', 0) == 0) {
+            throw UsageError("no option '" + argument + "'");
+        } else {
+            options.sheets.push_back(&sheetNamed(argument));
+        }
+    }
+    if (options.sheets.empty())
+        for (const SheetInfo& info : allSheets())
+            options.sheets.push_back(&info);
+    return options;
+}
+
+constexpr const char* pageHead = R"(<!DOCTYPE html>
+<html lang="en">
+<meta charset="utf-8">
+<title>Ninefold gallery</title>
+<style>
+body { font: 14px/1.4 sans-serif; margin: 2em; color: #222; background: #f4f4f4; }
+nav a { margin-right: 0.8em; }
+.sheet { display: flex; flex-wrap: wrap; gap: 12px; }
+figure { margin: 0; }
+figcaption { font-size: 11px; padding: 4px 0 8px; }
+code { color: #06c; }
+</style>
+<h1>Ninefold gallery</h1>
+)";
+
+void run(const Options& options)
+{
+    std::filesystem::create_directories(options.out);
+    setPictureFolder(options.pictures);
+    startUp();
+
+    std::string page = pageHead, sections;
+    page += "<nav>";
+    for (const SheetInfo* info : options.sheets) {
+        Sheet sheet(*info);
+        info->fill(sheet);
+        if (!sheet.full())
+            throw std::logic_error(std::string("sheet ") + info->name + " has empty cells");
+        sheet.writePng(options.out + "/" + info->name + ".png");
+        page += std::string("<a href=\"#") + info->name + "\">" + info->title + "</a>";
+        sections += sheet.html();
+    }
+    page += "</nav>\n" + sections + "</html>\n";
+
+    const std::string path = options.out + "/index.html";
+    std::ofstream file(path, std::ios::binary);
+    file << page;
+    file.close();
+    if (!file)
+        throw std::runtime_error("cannot write " + path);
+    std::printf("%zu sheets, %s\n", options.sheets.size(), path.c_str());
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        const Options options = parse(argc, argv);
+        if (options.help)
+            std::fputs(usage, stdout);
+        else if (options.list)
+            for (const SheetInfo& info : allSheets())
+                std::printf("%s %d %d %s\n", info.name, info.width(), info.height(), info.title);
+        else
+            run(options);
+        return 0;
+    } catch (const UsageError& error) {
+        std::fprintf(stderr, "gallery: %s\n%s", error.what(), usage);
+        return 2;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "gallery: %s\n", error.what());
+        return 1;
+    }
+}
