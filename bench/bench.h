@@ -1,0 +1,116 @@
+// The benchmark's vocabulary: a job is one kind of work, a contender one implementation of it.
+#pragma once
+
+#include <ninefold/ninefold.h>
+
+#include "core/catalogue.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+constexpr int frameSize = 1024; // the frame buffer is square
+
+// What a texture holds. All are noise; only peers that want premultiplied sources read a copy.
+enum class Content : uint8_t {
+    opaque, // alpha 255
+    key,    // 30 % of the words are 0, the rest has alpha 255
+    sprite, // 30 % zeros, 20 % alpha 255 or 0, the rest all alphas
+    soft,   // alphas 1 to 254
+    count
+};
+
+// What is drawn. The primitive's fields are those that the library reads for it; peers translate.
+enum class Kind : uint8_t {
+    fill,      // rectangle vertex[0..1] of color[0]
+    blit,      // unit scale from the whole texel uv[0]
+    stretch,   // uv[0] to uv[1] over the rectangle
+    corners,   // uv[0..3] at the corners top left, top right, bottom left, bottom right; affine
+    table,     // a floor in perspective by a line table
+    triangle,  // vertex[0..2] at uv[0..2]
+    perspective,
+    flatTriangle,
+    gouraudTriangle, // color[0..2]
+    gouraudRect,     // color[0..3] at the corners
+    line,            // vertex[0] to vertex[1] of color[0]
+    other            // the job brings its contenders itself
+};
+
+struct Primitive {
+    Vertex vertex[4];
+    TexCoord uv[4];
+    uint32_t color[4];
+};
+
+struct Work {
+    Kind kind = Kind::other;
+    int blend = 0; // as the library's blend axis
+    bool bilinear = false;
+    bool mipmapped = false;
+    Content content = Content::sprite;
+    int textureSize = frameSize;
+    int width = frameSize, height = frameSize; // the largest box of a primitive
+    std::vector<Primitive> primitives;         // drawn in turn; their number is a power of two
+};
+
+enum class Role : uint8_t {
+    memcpy,    // the same bytes copied
+    ours,      // one of the library's instruction sets
+    scalar,    // the same kernel as a plain loop
+    yardstick, // something else of ours or of the language that the job is to be measured by
+    peer
+};
+
+struct Contender {
+    std::string name;
+    Role role;
+    std::string note;                    // where the work is only near, in what
+    std::function<void()> prepare;       // untimed, before each of its turns; may be empty
+    std::function<void(long calls)> run; // timed; when it returns all pixels are in the frame buffer
+};
+using Contenders = std::vector<Contender>;
+
+struct Job {
+    std::string name;
+    Work work;
+    double pixels = 0;       // drawn per call, on average
+    bool perCall = false;    // report nanoseconds per call instead of per pixel
+    double goal = 1;         // at most this ratio to the best peer (or to the yardstick where there is one)
+    double scalarGoal = 1;   // the same to the scalar loop
+    double memcpyBytes = 0;  // 0: four per pixel
+    ninefold::Axes axes{};   // of the library's kernel
+    DrawFunc scalar = nullptr;
+    std::function<void(Contenders&)> more; // contenders beside the common ones
+};
+
+// A contender that draws one primitive a call, by index.
+template <class Draw>
+Contender contender(std::string name, Role role, std::string note, const Work& work, Draw draw)
+{
+    const long mask = long(work.primitives.empty() ? 1 : work.primitives.size()) - 1;
+    return {std::move(name), role, std::move(note), {}, [draw, mask](long calls) {
+                for (long i = 0; i < calls; ++i)
+                    draw(size_t(i & mask));
+            }};
+}
+
+// Peers register themselves: a maker adds its contenders for a work, none if it has no such operation.
+using Maker = void (*)(const Work&, Contenders&);
+struct Peer {
+    Peer(const char* name, Maker make);
+};
+const std::vector<std::pair<std::string, Maker>>& peers();
+
+// The library's contenders (one for each set that the machine has) and the scalar loop.
+void addOurs(const Job& job, Contenders& contenders);
+void addMemcpy(const Job& job, Contenders& contenders);
+
+// Fills rs for a work: frame buffer, clip, textures, planes, factors.
+void prepareState(const Work& work);
+
+std::vector<Job> allJobs();
+
+} // namespace bench

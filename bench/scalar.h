@@ -1,0 +1,30 @@
+// Plain loops, one pixel at a time with everything inlined, for combinations that hosts use most. They read rs as kernels do and give
+// the same bits.
+#pragma once
+
+#include <ninefold/ninefold.h>
+
+namespace bench::scalar {
+
+// unit scale, by blend
+void unitCopy();
+void unitAlpha();
+void unitConstAlpha();
+void unitAdd();
+void unitMul();
+void unitScreen();
+void unitOverlay();
+
+// stretched
+void pointCopy();
+void pointAlpha();
+void bilinearCopy();
+void bilinearAlpha();
+
+void triangleCopy();
+void triangleAlpha();
+void gouraudTriangle();
+void flatRect();
+void flatLine();
+
+} // namespace bench::scalar
