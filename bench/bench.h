@@ -4,6 +4,7 @@
 #include <ninefold/ninefold.h>
 
 #include "core/catalogue.h"
+#include "map.h"
 
 #include <cstdint>
 #include <functional>
@@ -29,9 +30,9 @@ enum class Kind : uint8_t {
     blit,      // unit scale from the whole texel uv[0]
     stretch,   // uv[0] to uv[1] over the rectangle
     corners,   // uv[0..3] at the corners top left, top right, bottom left, bottom right; affine
-    table,     // a floor in perspective by a line table
+    table,     // rows of a line table, a floor in perspective
     triangle,  // vertex[0..2] at uv[0..2]
-    perspective,
+    perspective, // a rectangle as two triangles in perspective, depths in vertex[].z; corners as above
     flatTriangle,
     gouraudTriangle, // color[0..2]
     gouraudRect,     // color[0..3] at the corners
@@ -39,21 +40,34 @@ enum class Kind : uint8_t {
     other            // the job brings its contenders itself
 };
 
+enum Blend : uint8_t { // the library's blend axis
+    copy = 0, alpha = 1, constAlpha = 2, alphaFast = 4, add = 5, subtract = 6, multiply = 7, multiply2 = 8, screen = 9, overlay = 10,
+    merge = 11
+};
+
 struct Primitive {
     Vertex vertex[4];
     TexCoord uv[4];
     uint32_t color[4];
+
+    int width() const { return vertex[1].x - vertex[0].x; } // of rectangles
+    int height() const { return vertex[1].y - vertex[0].y; }
+    int texelU() const { return uv[0].u >> 16; }
+    int texelV() const { return uv[0].v >> 16; }
+    // The size of a stretch's source, in whole texels.
+    int sourceWidth() const { return (uv[1].u - uv[0].u + 0x8000) >> 16; }
+    int sourceHeight() const { return (uv[1].v - uv[0].v + 0x8000) >> 16; }
 };
 
 struct Work {
     Kind kind = Kind::other;
-    int blend = 0; // as the library's blend axis
+    Blend blend = copy;
     bool bilinear = false;
     bool mipmapped = false;
     Content content = Content::sprite;
     int textureSize = frameSize;
-    int width = frameSize, height = frameSize; // the largest box of a primitive
-    std::vector<Primitive> primitives;         // drawn in turn; their number is a power of two
+    std::vector<Primitive> primitives; // drawn in turn; their number is a power of two
+    std::vector<Map> maps;             // of each primitive, where textured
 };
 
 enum class Role : uint8_t {
@@ -75,26 +89,32 @@ using Contenders = std::vector<Contender>;
 
 struct Job {
     std::string name;
+    std::string note; // on the library's way of doing it
     Work work;
     double pixels = 0;       // drawn per call, on average
     bool perCall = false;    // report nanoseconds per call instead of per pixel
     double goal = 1;         // at most this ratio to the best peer (or to the yardstick where there is one)
     double scalarGoal = 1;   // the same to the scalar loop
-    double memcpyBytes = 0;  // 0: four per pixel
     ninefold::Axes axes{};   // of the library's kernel
     DrawFunc scalar = nullptr;
     std::function<void(Contenders&)> more; // contenders beside the common ones
 };
 
-// A contender that draws one primitive a call, by index.
+// A contender that draws one primitive a call, by index; `finish` ends a turn, for those that queue.
+template <class Draw, class Finish>
+Contender contender(std::string name, Role role, std::string note, const Work& work, Draw draw, Finish finish)
+{
+    const long mask = long(work.primitives.empty() ? 1 : work.primitives.size()) - 1;
+    return {std::move(name), role, std::move(note), {}, [draw, finish, mask](long calls) {
+                for (long i = 0; i < calls; ++i)
+                    draw(size_t(i & mask));
+                finish();
+            }};
+}
 template <class Draw>
 Contender contender(std::string name, Role role, std::string note, const Work& work, Draw draw)
 {
-    const long mask = long(work.primitives.empty() ? 1 : work.primitives.size()) - 1;
-    return {std::move(name), role, std::move(note), {}, [draw, mask](long calls) {
-                for (long i = 0; i < calls; ++i)
-                    draw(size_t(i & mask));
-            }};
+    return contender(std::move(name), role, std::move(note), work, draw, [] {});
 }
 
 // Peers register themselves: a maker adds its contenders for a work, none if it has no such operation.

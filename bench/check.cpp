@@ -30,12 +30,44 @@ void write(const Picture& picture, const std::filesystem::path& path)
         out.put(char(pixel >> 16)).put(char(pixel >> 8)).put(char(pixel));
 }
 
-double differenceOf(uint32_t a, uint32_t b)
+int differenceOf(uint32_t a, uint32_t b)
 {
     int sum = 0;
     for (int shift : {0, 8, 16})
         sum += std::abs(int(a >> shift & 255) - int(b >> shift & 255));
-    return sum / 3.0;
+    return sum;
+}
+
+// Of a pixel from the most alike around its place in the other picture, as the mean of the channels: coverage rules differ by a
+// pixel.
+double nearestDifference(const Picture& picture, const Picture& other, int x, int y)
+{
+    int least = 765;
+    for (int v = std::max(y - 1, 0); v <= std::min(y + 1, frameSize - 1); ++v)
+        for (int u = std::max(x - 1, 0); u <= std::min(x + 1, frameSize - 1); ++u)
+            least = std::min(least, differenceOf(picture[size_t(y * frameSize + x)], other[size_t(v * frameSize + u)]));
+    return least / 3.0;
+}
+
+struct Comparison {
+    size_t drawn = 0, drawnByOurs = 0, unequal = 0;
+    double difference = 0; // mean over what either has drawn
+};
+
+Comparison compare(const Picture& picture, const Picture& ours, const Picture& before)
+{
+    Comparison result;
+    size_t either = 0;
+    for (size_t i = 0; i < picture.size(); ++i) {
+        const bool drawn = picture[i] != before[i], drawnByOurs = ours[i] != before[i];
+        result.drawn += drawn;
+        result.drawnByOurs += drawnByOurs;
+        result.unequal += picture[i] != ours[i];
+        if (drawn || drawnByOurs)
+            ++either, result.difference += nearestDifference(picture, ours, int(i) % frameSize, int(i) / frameSize);
+    }
+    result.difference = either ? result.difference / double(either) : 0;
+    return result;
 }
 
 } // namespace
@@ -75,21 +107,13 @@ int checkContenders(const std::vector<Job>& jobs, const std::filesystem::path& p
                 std::replace(name.begin(), name.end(), '/', '-');
                 write(picture, pictures / (name + ".ppm"));
             }
-            // Where either has drawn. Edges of shapes may differ by a pixel, which weighs most in the smallest ones.
-            size_t drawn = 0, either = 0, unequal = 0;
-            double difference = 0;
-            for (size_t i = 0; i < picture.size(); ++i) {
-                drawn += picture[i] != before[i];
-                unequal += picture[i] != ours[i];
-                if (picture[i] != before[i] || ours[i] != before[i])
-                    ++either, difference += differenceOf(picture[i], ours[i]);
-            }
-            difference = either ? difference / double(either) : 255;
+            const Comparison found = compare(picture, ours, before);
+            const double share = double(found.drawn) / double(std::max(found.drawnByOurs, size_t(1)));
             const bool exact = contender.role != Role::peer;
-            const bool bad = drawn == 0 || (exact ? unequal > 0 : difference > 10);
+            const bool bad = found.drawn == 0 || (exact ? found.unequal > 0 : found.difference > 4 || share < 0.85 || share > 1.15);
             wrong += bad;
             if (!exact || bad)
-                std::printf("%-32s %-16s %10zu %10.2f%s\n", job.name.c_str(), contender.name.c_str(), drawn, difference,
+                std::printf("%-32s %-16s %9.0f%% %10.2f%s\n", job.name.c_str(), contender.name.c_str(), share * 100, found.difference,
                             bad ? "  WRONG" : "");
         }
     }

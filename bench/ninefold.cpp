@@ -2,6 +2,7 @@
 #include "kernels/parts.h"
 #include "scene.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace bench {
@@ -10,25 +11,43 @@ namespace {
 
 constexpr const char* setNames[] = {"v1", "v3", "v4"};
 
-std::vector<LineTableRecord> floorTable()
+bool isTriangle(Kind kind) { return kind == Kind::triangle || kind == Kind::flatTriangle || kind == Kind::gouraudTriangle; }
+
+// A map that has depth along y alone has straight rows at an even pace, which is what a line table holds.
+void fillTable(std::vector<LineTableRecord>& table, const Map& map)
 {
-    std::vector<LineTableRecord> table;
-    for (int y = 0; y < frameSize; ++y) {
-        const double depth = 4096.0 / (y + 1024);
-        const int32_t half = int32_t(frameSize / 4 * depth * 65536), v = int32_t(512 * depth * 65536);
-        table.push_back({(frameSize / 2 << 16) - half, v, (frameSize / 2 << 16) + half, v});
-    }
-    return table;
+    const auto fixed = [&](int i, int x, int y) {
+        const double weight = map.m[2][0] * x + map.m[2][1] * y + map.m[2][2];
+        return int32_t((map.m[i][0] * x + map.m[i][1] * y + map.m[i][2]) / weight * 65536);
+    };
+    for (int y = 0; y < frameSize; ++y)
+        table[size_t(y)] = {fixed(0, 0, y), fixed(1, 0, y), fixed(0, frameSize, y), fixed(1, frameSize, y)};
 }
 
 // Calls a kernel with what a host stores for each primitive of that kind, and nothing more.
-Contender caller(std::string name, Role role, const Work& work, DrawFunc kernel)
+Contender caller(std::string name, Role role, const Work& work, bool triangles, DrawFunc kernel)
 {
     const auto* const primitives = work.primitives.data();
     const auto make = [&](auto store) {
         return contender(std::move(name), role, "", work, [=](size_t i) {
             store(primitives[i]);
             kernel();
+        });
+    };
+    // A rectangle by its four corners as two triangles.
+    const auto halves = [&] {
+        return contender(std::move(name), role, "", work, [=](size_t i) {
+            const Primitive& p = primitives[i];
+            const Vertex corner[4] = {p.vertex[0],
+                                      {p.vertex[1].x, p.vertex[0].y, p.vertex[2].z},
+                                      {p.vertex[0].x, p.vertex[1].y, p.vertex[3].z},
+                                      p.vertex[1]};
+            for (int first : {0, 1}) {
+                const int order[3] = {first, first ? 3 : 1, 2};
+                for (int v = 0; v < 3; ++v)
+                    rs.vertex[v] = corner[order[v]], rs.uv0[v] = p.uv[order[v]];
+                kernel();
+            }
         });
     };
     const auto corners = [](const Primitive& p) { rs.vertex[0] = p.vertex[0], rs.vertex[1] = p.vertex[1]; };
@@ -38,9 +57,12 @@ Contender caller(std::string name, Role role, const Work& work, DrawFunc kernel)
         return make([=](const Primitive& p) { corners(p), rs.color[0] = p.color[0]; });
     case Kind::blit: return make([=](const Primitive& p) { corners(p), rs.uv0[0] = p.uv[0]; });
     case Kind::stretch: return make([=](const Primitive& p) { corners(p), rs.uv0[0] = p.uv[0], rs.uv0[1] = p.uv[1]; });
-    case Kind::corners: return make([=](const Primitive& p) { corners(p), std::memcpy(rs.uv0, p.uv, sizeof rs.uv0); });
+    case Kind::corners:
+        if (triangles)
+            return halves();
+        return make([=](const Primitive& p) { corners(p), std::memcpy(rs.uv0, p.uv, sizeof rs.uv0); });
+    case Kind::perspective: return halves();
     case Kind::triangle:
-    case Kind::perspective:
         return make([](const Primitive& p) {
             for (int v = 0; v < 3; ++v)
                 rs.vertex[v] = p.vertex[v], rs.uv0[v] = p.uv[v];
@@ -66,12 +88,14 @@ void prepareState(const Work& work)
 {
     static std::vector<uint16_t> plane(frameSize * frameSize / 16 + 64);
     static std::vector<uint8_t> zBuffer(frameSize * frameSize, 128);
-    static std::vector<LineTableRecord> table = floorTable();
+    static std::vector<LineTableRecord> table(frameSize);
     SetFrameBuffer(frameBuffer());
     rs.clipLeft = rs.clipTop = 0;
     rs.clipRight = rs.clipBottom = frameSize;
     rs.tex0 = texture(work.content, work.textureSize);
-    rs.lineTable0 = table.data();
+    rs.lineTable0 = rs.lineTable1 = table.data();
+    if (work.kind == Kind::table)
+        fillTable(table, work.maps[0]);
     rs.shaheiPlane = plane.data();
     rs.zBuffer = zBuffer.data();
     rs.zRef = 100;
@@ -96,13 +120,14 @@ void addOurs(const Job& job, Contenders& contenders)
         for (int set = 0; set < ninefold::setCount; ++set) {
             if (!ninefold::useSet(set))
                 continue;
-            Contender ours = caller(std::string("ninefold/") + setNames[set], Role::ours, *work, kernel);
+            Contender ours = caller(std::string("ninefold/") + setNames[set], Role::ours, *work, job.axes.shape == 2, kernel);
+            ours.note = job.note;
             ours.prepare = [work, set] { prepareState(*work), ninefold::useSet(set); };
             contenders.push_back(std::move(ours));
         }
     }
     if (job.scalar) {
-        Contender scalar = caller("scalar", Role::scalar, *work, job.scalar);
+        Contender scalar = caller("scalar", Role::scalar, *work, job.axes.shape == 2, job.scalar);
         scalar.prepare = [work] { prepareState(*work); };
         contenders.push_back(std::move(scalar));
     }
@@ -112,27 +137,32 @@ void addMemcpy(const Job& job, Contenders& contenders)
 {
     const Work& work = job.work;
     const Surface target = frame(), source = straight(work.content, work.textureSize);
-    const double bytes = job.memcpyBytes > 0 ? job.memcpyBytes : job.pixels * 4;
-    // Rows as wide as the box (half of it for triangles, the whole length for lines), as many as make the bytes.
-    size_t width = size_t(work.kind == Kind::line ? job.pixels : work.width) * 4;
-    size_t rows = size_t(bytes / double(width) + 0.5);
-    if (rows < 1)
-        rows = 1, width = size_t(bytes);
-    if (width == frameSize * 4)
-        width *= rows, rows = 1;
-    const auto* const primitives = work.primitives.data();
-    const bool single = work.primitives.size() < 2, wide = width >= frameSize * 4;
-    contenders.push_back(contender("memcpy", Role::memcpy, "", work, [=](size_t i) {
-        size_t x = 0, y = 0;
-        if (!single) {
-            x = std::min(size_t(primitives[i].vertex[0].x), frameSize - width / 4);
-            y = std::min(size_t(primitives[i].vertex[0].y), frameSize - rows);
+    struct Block {
+        uint32_t* to;
+        size_t bytes, rows;
+    };
+    // Rectangles as they are, by rows; of other shapes half of the box; lines stretched out.
+    std::vector<Block> blocks;
+    for (const Primitive& p : work.primitives) {
+        const bool line = work.kind == Kind::line;
+        const int points = isTriangle(work.kind) ? 3 : 2;
+        int left = frameSize, top = frameSize, right = 0, bottom = 0;
+        for (int v = 0; v < points; ++v) {
+            left = std::min(left, p.vertex[v].x), right = std::max(right, p.vertex[v].x);
+            top = std::min(top, p.vertex[v].y), bottom = std::max(bottom, p.vertex[v].y);
         }
-        uint32_t* to = target.pixels + y * frameSize + x;
+        int width = right - left, rows = points == 3 ? (bottom - top + 1) / 2 : bottom - top;
+        if (line)
+            width = std::max(width, rows), rows = 1, left = std::min(left, frameSize - width);
+        uint32_t* const to = target.pixels + top * frameSize + left;
+        blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1} : Block{to, size_t(width) * 4, size_t(rows)});
+    }
+    contenders.push_back(contender("memcpy", Role::memcpy, "", work, [=](size_t i) {
+        const Block& block = blocks[i];
+        uint32_t* to = block.to;
         const uint32_t* from = source.pixels;
-        const size_t step = wide ? 0 : size_t(source.width);
-        for (size_t row = 0; row < rows; ++row, to += frameSize, from += step)
-            std::memcpy(to, from, width);
+        for (size_t row = 0; row < block.rows; ++row, to += frameSize, from += source.width)
+            std::memcpy(to, from, block.bytes);
     }));
 }
 

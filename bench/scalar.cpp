@@ -13,6 +13,7 @@ using ninefold::ops::opConstAlpha;
 struct Copy { uint32_t operator()(uint32_t, uint32_t s) const { return s; } };
 struct Alpha { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAlpha(d, s); } };
 struct ConstAlpha { uint32_t operator()(uint32_t d, uint32_t s) const { return opConstAlpha(d, s, rs.blendAlpha); } };
+struct AlphaFast { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAlphaFast(d, s); } };
 struct Add { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAdd(d, s); } };
 struct Mul { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opMul(d, s); } };
 struct Screen { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opScreen(d, s); } };
@@ -127,7 +128,7 @@ template <bool bilinear, bool fourChannels, class Blend>
 // Triangles: attributes run down both edges and then along the row. `bias` is what an edge adds to reach its pixel.
 template <int count>
 struct Attributes {
-    uint32_t value[count];
+    uint32_t value[count + (count == 0)];
 };
 
 template <int count>
@@ -224,7 +225,7 @@ template <int count, class Load, class Pixel>
     walk(left, right, y, yB - yM, pixel);
 }
 
-template <class Blend>
+template <bool bilinear, bool fourChannels, class Blend>
 [[gnu::always_inline]] inline void texturedTriangle(Blend blend)
 {
     const Texture& texture = *rs.tex0;
@@ -232,8 +233,12 @@ template <class Blend>
     triangle<2>(
         0x8000, [](int i) { return Attributes<2>{{uint32_t(rs.uv0[i].u), uint32_t(rs.uv0[i].v)}}; },
         [&](uint32_t* d, const Attributes<2>& a) {
-            if (const uint32_t texel = texture.pixels[((a.value[1] >> 16 & maskV) << shift) + (a.value[0] >> 16 & maskU)])
-                *d = blend(*d, texel);
+            uint32_t texel = texture.pixels[((a.value[1] >> 16 & maskV) << shift) + (a.value[0] >> 16 & maskU)];
+            if (!texel)
+                return;
+            if constexpr (bilinear)
+                texel = mixed<fourChannels>(texture, a.value[0], a.value[1], texel);
+            *d = blend(*d, texel);
         });
 }
 
@@ -242,6 +247,7 @@ template <class Blend>
 void unitCopy() { unit(Copy()); }
 void unitAlpha() { unit(Alpha()); }
 void unitConstAlpha() { unit(ConstAlpha()); }
+void unitAlphaFast() { unit(AlphaFast()); }
 void unitAdd() { unit(Add()); }
 void unitMul() { unit(Mul()); }
 void unitScreen() { unit(Screen()); }
@@ -252,8 +258,10 @@ void pointAlpha() { stretch<false, false>(Alpha()); }
 void bilinearCopy() { stretch<true, false>(Copy()); }
 void bilinearAlpha() { stretch<true, true>(Alpha()); }
 
-void triangleCopy() { texturedTriangle(Copy()); }
-void triangleAlpha() { texturedTriangle(Alpha()); }
+void triangleCopy() { texturedTriangle<false, false>(Copy()); }
+void triangleAlpha() { texturedTriangle<false, false>(Alpha()); }
+void triangleBilinearCopy() { texturedTriangle<true, false>(Copy()); }
+void triangleBilinearAlpha() { texturedTriangle<true, true>(Alpha()); }
 
 void gouraudTriangle()
 {
@@ -267,6 +275,12 @@ void gouraudTriangle()
             const uint32_t low = ((a.value[2] & 0xFFFF00FF) | a.value[3] >> 8) >> 8;
             *d = low | ((((a.value[0] & 0xFFFF00FF) << 8) | a.value[1]) & 0xFFFF0000);
         });
+}
+
+void flatTriangle()
+{
+    triangle<0>(
+        0, [](int) { return Attributes<0>(); }, [colour = rs.color[0]](uint32_t* d, const Attributes<0>&) { *d = colour; });
 }
 
 void flatRect()

@@ -10,6 +10,7 @@ namespace bench::scalar {
 void unitCopy();
 void unitAlpha();
 void unitConstAlpha();
+void unitAlphaFast();
 void unitAdd();
 void unitMul();
 void unitScreen();
@@ -23,7 +24,10 @@ void bilinearAlpha();
 
 void triangleCopy();
 void triangleAlpha();
+void triangleBilinearCopy();
+void triangleBilinearAlpha();
 void gouraudTriangle();
+void flatTriangle();
 void flatRect();
 void flatLine();
 

@@ -23,7 +23,7 @@ Surface premultiplied(Content content, int size); // the same picture with colou
 
 Texture* ruleTexture(int value); // every rule value the same
 
-void seed(); // for every job anew
+void seed(); // anew for every job, so that jobs do not hang on each other
 int random(int bound); // 0 to bound - 1
 
 } // namespace bench
