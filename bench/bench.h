@@ -21,6 +21,7 @@ enum class Content : uint8_t {
     key,    // 30 % of the words are 0, the rest has alpha 255
     sprite, // 30 % zeros, 20 % alpha 255 or 0, the rest all alphas
     soft,   // alphas 1 to 254
+    sparse, // 70 % zeros, in runs
     count
 };
 
@@ -75,7 +76,8 @@ enum class Role : uint8_t {
     ours,      // one of the library's instruction sets
     scalar,    // the same kernel as a plain loop
     yardstick, // something else of ours or of the language that the job is to be measured by
-    peer
+    peer,
+    less // a peer that leaves work out: shown, not a rival
 };
 
 struct Contender {
@@ -91,13 +93,18 @@ struct Job {
     std::string name;
     std::string note; // on the library's way of doing it
     Work work;
-    double pixels = 0;       // drawn per call, on average
-    bool perCall = false;    // report nanoseconds per call instead of per pixel
-    double goal = 1;         // at most this ratio to the best peer (or to the yardstick where there is one)
-    double scalarGoal = 1;   // the same to the scalar loop
-    ninefold::Axes axes{};   // of the library's kernel
+    double pixels = 0;         // drawn per call, on average
+    bool perCall = false;      // report nanoseconds per call instead of per pixel
+    double goal = 1;           // at most this ratio to the best peer, or to the yardstick where there is one; 0: none
+    double scalarGoal = 1;     // the same to the scalar loop
+    double budget = 0;         // nanoseconds of a call, as the yardstick
+    ninefold::Axes axes{};     // of the library's kernel
+    DrawFunc kernel = nullptr; // in place of one with a draw code
     DrawFunc scalar = nullptr;
+    std::function<void()> setup;           // what rs needs beyond prepareState
     std::function<void(Contenders&)> more; // contenders beside the common ones
+    bool ownOnly = false;                  // no peer has it
+    bool refused = false;                  // draws nothing, which is the point
 };
 
 // A contender that draws one primitive a call, by index; `finish` ends a turn, for those that queue.
@@ -124,11 +131,17 @@ struct Peer {
 };
 const std::vector<std::pair<std::string, Maker>>& peers();
 
+// All contenders of a job. It must outlive them.
+Contenders contendersOf(const Job& job);
+
 // The library's contenders (one for each set that the machine has) and the scalar loop.
 void addOurs(const Job& job, Contenders& contenders);
 void addMemcpy(const Job& job, Contenders& contenders);
 
-// Fills rs for a work: frame buffer, clip, textures, planes, factors.
+// A kernel of ours in the best set, in another role.
+Contender kernelAs(std::string name, Role role, const Job& job, const ninefold::Axes& axes, std::function<void()> setup);
+
+// Fills rs for a work: frame buffer, clip, textures, planes, factors. The planes keep what they hold.
 void prepareState(const Work& work);
 
 std::vector<Job> allJobs();

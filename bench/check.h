@@ -11,6 +11,4 @@ namespace bench {
 // `pictures` is not empty. Returns the number of contenders that draw nothing or something else.
 int checkContenders(const std::vector<Job>& jobs, const std::filesystem::path& pictures);
 
-Contenders contendersOf(const Job& job);
-
 } // namespace bench

@@ -181,6 +181,9 @@ void addColours(std::vector<Job>& jobs)
         seed();
         Job gouraud = rectangleJob("gouraud", Kind::gouraudRect, axesOf(1, 7, 7, copy), Content::opaque, size);
         gouraud.goal = 0.5;
+        // Colours of a plane, which peers draw alike as two triangles.
+        for (Primitive& p : gouraud.work.primitives)
+            p.color[0] = 0xFF204060, p.color[1] = 0xFFE05080, p.color[2] = 0xFF30D070, p.color[3] = 0xFFF0E090;
         jobs.push_back(gouraud);
     }
 }

@@ -1,5 +1,6 @@
 // bench [OPTION] [FILTER...]: see usage.
 #include "check.h"
+#include "families.h"
 #include "report.h"
 #include "scene.h"
 
@@ -17,10 +18,12 @@ constexpr const char* usage =
     "all), and writes bench.csv and bench.html beside the program.\n"
     "  --quick        shorter turns, fewer rounds\n"
     "  --list         name the jobs and their contenders\n"
+    "  --families     every draw code on 64 by 64 pixels; filters are parts of the codes' names\n"
+    "  --scale        some kernels from 64 by 64 to 4096 by 4096 pixels\n"
     "  --check[=DIR]  draw each job once by every contender and compare; write the frames into DIR\n";
 
 struct Options {
-    bool quick = false, list = false, check = false;
+    bool quick = false, list = false, check = false, families = false, scale = false;
     std::filesystem::path pictures;
     std::vector<std::string> filters;
 };
@@ -37,6 +40,11 @@ std::vector<std::pair<std::string, Maker>>& registered()
     return all;
 }
 
+std::filesystem::path besideProgram(const char* name)
+{
+    return std::filesystem::canonical("/proc/self/exe").parent_path() / name;
+}
+
 int timeJobs(const std::vector<Job>& jobs, const Effort& effort)
 {
     std::vector<Row> rows;
@@ -44,13 +52,14 @@ int timeJobs(const std::vector<Job>& jobs, const Effort& effort)
     for (const Job& job : jobs) {
         fillFrame();
         rows.push_back({job, measure(contendersOf(job), effort)});
+        if (job.budget > 0)
+            rows.back().contenders.push_back({"budget", "", Role::yardstick, std::vector<double>(size_t(effort.rounds), job.budget)});
         printRow(rows.back());
     }
     printSummary(rows);
-    const auto directory = std::filesystem::canonical("/proc/self/exe").parent_path();
-    writeCsv(rows, directory / "bench.csv");
-    writePage(rows, directory / "bench.html");
-    std::printf("written: %s\n", (directory / "bench.html").c_str());
+    writeCsv(rows, besideProgram("bench.csv"));
+    writePage(rows, besideProgram("bench.html"));
+    std::printf("written: %s\n", besideProgram("bench.html").c_str());
     return 0;
 }
 
@@ -61,6 +70,11 @@ int run(const Options& options)
     MakeDrawFuncTable();
     MakeDrawMaskTable();
     std::sort(registered().begin(), registered().end());
+    const Effort& effort = options.quick ? quick : thorough;
+    if (options.families)
+        return timeFamilies(options.filters, effort, besideProgram("families.csv"));
+    if (options.scale)
+        return timeScale(options.filters, effort);
     if (options.check)
         useSmoothPictures();
 
@@ -88,7 +102,7 @@ int run(const Options& options)
             std::printf("%d contenders draw nothing or something else\n", wrong);
         return wrong ? 1 : 0;
     }
-    return timeJobs(jobs, options.quick ? quick : thorough);
+    return timeJobs(jobs, effort);
 }
 
 int parse(int argc, char** argv)
@@ -100,6 +114,10 @@ int parse(int argc, char** argv)
             options.quick = true;
         else if (argument == "--list")
             options.list = true;
+        else if (argument == "--families")
+            options.families = true;
+        else if (argument == "--scale")
+            options.scale = true;
         else if (argument == "--check" || argument.rfind("--check=", 0) == 0) {
             options.check = true;
             options.pictures = argument.substr(std::min(argument.size(), std::strlen("--check=")));
@@ -111,6 +129,8 @@ int parse(int argc, char** argv)
         else
             options.filters.push_back(argument);
     }
+    if (options.list + options.check + options.families + options.scale > 1)
+        return fail("--list, --check, --families and --scale exclude each other");
     return run(options);
 }
 

@@ -25,16 +25,16 @@ void fillTable(std::vector<LineTableRecord>& table, const Map& map)
 }
 
 // Calls a kernel with what a host stores for each primitive of that kind, and nothing more.
-Contender caller(std::string name, Role role, const Work& work, bool triangles, DrawFunc kernel)
+Contender storesOf(std::string name, Role role, const Work& work, bool triangles, DrawFunc kernel)
 {
-    const auto* const primitives = work.primitives.data();
+    const Primitive* const primitives = work.primitives.data();
     const auto make = [&](auto store) {
         return contender(std::move(name), role, "", work, [=](size_t i) {
             store(primitives[i]);
             kernel();
         });
     };
-    // A rectangle by its four corners as two triangles.
+    // A rectangle by its four corners as two triangles, the rule texture upright at one texel a pixel.
     const auto halves = [&] {
         return contender(std::move(name), role, "", work, [=](size_t i) {
             const Primitive& p = primitives[i];
@@ -44,8 +44,10 @@ Contender caller(std::string name, Role role, const Work& work, bool triangles, 
                                       p.vertex[1]};
             for (int first : {0, 1}) {
                 const int order[3] = {first, first ? 3 : 1, 2};
-                for (int v = 0; v < 3; ++v)
+                for (int v = 0; v < 3; ++v) {
                     rs.vertex[v] = corner[order[v]], rs.uv0[v] = p.uv[order[v]];
+                    rs.uv2[v] = {rs.vertex[v].x << 16, rs.vertex[v].y << 16};
+                }
                 kernel();
             }
         });
@@ -82,6 +84,18 @@ Contender caller(std::string name, Role role, const Work& work, bool triangles, 
     }
 }
 
+Contender caller(std::string name, Role role, const Job& job, DrawFunc kernel, int set, std::function<void()> setup)
+{
+    Contender made = storesOf(std::move(name), role, job.work, job.axes.shape == 2, kernel);
+    made.prepare = [work = &job.work, set, setup = std::move(setup)] {
+        prepareState(*work);
+        if (setup)
+            setup();
+        ninefold::useSet(set);
+    };
+    return made;
+}
+
 } // namespace
 
 void prepareState(const Work& work)
@@ -92,7 +106,7 @@ void prepareState(const Work& work)
     SetFrameBuffer(frameBuffer());
     rs.clipLeft = rs.clipTop = 0;
     rs.clipRight = rs.clipBottom = frameSize;
-    rs.tex0 = texture(work.content, work.textureSize);
+    rs.tex0 = rs.tex1 = texture(work.content, work.textureSize);
     rs.lineTable0 = rs.lineTable1 = table.data();
     if (work.kind == Kind::table)
         fillTable(table, work.maps[0]);
@@ -106,31 +120,47 @@ void prepareState(const Work& work)
     rs.mosaicSize = rs.mosaicSize1 = 4;
     rs.scanShift = nullptr;
     if (!work.primitives.empty()) {
-        std::memcpy(rs.vertex, work.primitives[0].vertex, sizeof rs.vertex);
-        std::memcpy(rs.uv0, work.primitives[0].uv, sizeof rs.uv0);
-        std::memcpy(rs.color, work.primitives[0].color, sizeof rs.color);
+        const Primitive& p = work.primitives[0];
+        std::memcpy(rs.vertex, p.vertex, sizeof rs.vertex);
+        std::memcpy(rs.uv0, p.uv, sizeof rs.uv0);
+        std::memcpy(rs.uv1, p.uv, sizeof rs.uv1);
+        std::memcpy(rs.color, p.color, sizeof rs.color);
     }
 }
 
 void addOurs(const Job& job, Contenders& contenders)
 {
-    const Work* const work = &job.work;
-    if (ninefold::exists(job.axes)) {
-        const DrawFunc kernel = SearchDrawFunc(ninefold::codeOf(job.axes));
-        for (int set = 0; set < ninefold::setCount; ++set) {
-            if (!ninefold::useSet(set))
-                continue;
-            Contender ours = caller(std::string("ninefold/") + setNames[set], Role::ours, *work, job.axes.shape == 2, kernel);
-            ours.note = job.note;
-            ours.prepare = [work, set] { prepareState(*work), ninefold::useSet(set); };
-            contenders.push_back(std::move(ours));
-        }
+    const DrawFunc kernel = job.kernel                    ? job.kernel
+                            : ninefold::exists(job.axes) ? SearchDrawFunc(ninefold::codeOf(job.axes))
+                                                         : nullptr;
+    for (int set = 0; kernel && set < ninefold::setCount; ++set) {
+        if (!ninefold::useSet(set))
+            continue;
+        contenders.push_back(caller(std::string("ninefold/") + setNames[set], Role::ours, job, kernel, set, job.setup));
+        contenders.back().note = job.note;
     }
-    if (job.scalar) {
-        Contender scalar = caller("scalar", Role::scalar, *work, job.axes.shape == 2, job.scalar);
-        scalar.prepare = [work] { prepareState(*work); };
-        contenders.push_back(std::move(scalar));
-    }
+    if (job.scalar)
+        contenders.push_back(caller("scalar", Role::scalar, job, job.scalar, 0, job.setup));
+}
+
+Contender kernelAs(std::string name, Role role, const Job& job, const ninefold::Axes& axes, std::function<void()> setup)
+{
+    return caller(std::move(name), role, job, SearchDrawFunc(ninefold::codeOf(axes)), ninefold::bestSet(), std::move(setup));
+}
+
+Contenders contendersOf(const Job& job)
+{
+    Contenders contenders;
+    if (!job.work.primitives.empty())
+        addMemcpy(job, contenders);
+    addOurs(job, contenders);
+    if (!job.ownOnly)
+        for (const auto& [name, make] : peers())
+            if (!job.work.mipmapped || name == "osmesa") // the others have no mip levels
+                make(job.work, contenders);
+    if (job.more)
+        job.more(contenders);
+    return contenders;
 }
 
 void addMemcpy(const Job& job, Contenders& contenders)

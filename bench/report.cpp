@@ -11,7 +11,7 @@ namespace {
 
 const char* roleName(Role role)
 {
-    static constexpr const char* names[] = {"memcpy", "ours", "scalar", "yardstick", "peer"};
+    static constexpr const char* names[] = {"memcpy", "ours", "scalar", "yardstick", "peer", "less"};
     return names[int(role)];
 }
 
@@ -36,7 +36,10 @@ std::string ratioTo(const Row& row, const Measured* other)
     return ours && other ? figure(ratio(*ours, *other)) : "-";
 }
 
-bool misses(const Measured* ours, const Measured* rival, double goal) { return ours && rival && ratio(*ours, *rival) > goal; }
+bool misses(const Measured* ours, const Measured* rival, double goal)
+{
+    return goal > 0 && ours && rival && ratio(*ours, *rival) > goal;
+}
 
 struct Tally {
     int measured = 0, missed = 0;
@@ -156,11 +159,12 @@ void writePage(const std::vector<Row>& rows, const std::filesystem::path& path)
     out << "<!doctype html><meta charset=utf-8><title>Ninefold: benchmark</title>\n<style>\n"
            "body{font:14px sans-serif;max-width:60em;margin:2em auto;padding:0 1em}h2{font-size:1em;margin:1.5em 0 .3em}\n"
            ".r{display:grid;grid-template-columns:9em 1fr;align-items:center;gap:.5em}.b{height:.9em;display:inline-block;margin-right:.4em}\n"
-           ".memcpy{background:#bbb}.ours{background:#2a7}.scalar{background:#cb8}.yardstick{background:#86b}.peer{background:#58c}\n"
+           ".memcpy{background:#bbb}.ours{background:#2a7}.scalar{background:#cb8}.yardstick{background:#86b}.peer{background:#58c}.less{background:#ace}\n"
            "small{color:#777}.miss{color:#b22}</style>\n<h1>Ninefold: benchmark</h1>\n"
            "<p>Nanoseconds per pixel or per call on one thread; each bar is the median of interleaved turns, shorter is faster.\n"
            "<span class=\"b ours\">&emsp;</span>Ninefold by instruction set <span class=\"b scalar\">&emsp;</span>its scalar loop\n"
-           "<span class=\"b peer\">&emsp;</span>peers <span class=\"b yardstick\">&emsp;</span>yardsticks <span class=\"b memcpy\">&emsp;</span>"
+           "<span class=\"b peer\">&emsp;</span>peers <span class=\"b less\">&emsp;</span>peers that leave work out\n"
+           "<span class=\"b yardstick\">&emsp;</span>yardsticks <span class=\"b memcpy\">&emsp;</span>"
            "memcpy of the same bytes</p>\n";
     for (const Row& row : rows) {
         double longest = 0;

@@ -21,7 +21,7 @@ Texture* texture(Content content, int size);
 Surface straight(Content content, int size);
 Surface premultiplied(Content content, int size); // the same picture with colours times alpha
 
-Texture* ruleTexture(int value); // every rule value the same
+Texture* ruleTexture(int value); // of the frame's size, every rule value the same
 
 void seed(); // anew for every job, so that jobs do not hang on each other
 int random(int bound); // 0 to bound - 1

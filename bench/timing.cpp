@@ -1,18 +1,20 @@
 #include "timing.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
+#include <ctime>
 
 namespace bench {
 
 namespace {
 
-double secondsOf(const Contender& contender, long calls)
+// Processor time of all threads together: what others run meanwhile does not count, and a peer that took a second thread would not
+// gain by it.
+double now()
 {
-    const auto start = std::chrono::steady_clock::now();
-    contender.run(calls);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    timespec time;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
 }
 
 void prepare(const Contender& contender)
@@ -40,6 +42,13 @@ long callsFor(const Contender& contender, double batchSeconds)
 }
 
 } // namespace
+
+double secondsOf(const Contender& contender, long calls)
+{
+    const double start = now();
+    contender.run(calls);
+    return now() - start;
+}
 
 double Measured::median() const { return medianOf(nanoseconds); }
 double Measured::least() const { return *std::min_element(nanoseconds.begin(), nanoseconds.end()); }

@@ -23,6 +23,8 @@ struct Measured {
 // Median over the rounds of a's time against b's in the same round.
 double ratio(const Measured& a, const Measured& b);
 
+double secondsOf(const Contender& contender, long calls);
+
 std::vector<Measured> measure(const Contenders& contenders, const Effort& effort);
 
 } // namespace bench

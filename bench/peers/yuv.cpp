@@ -77,7 +77,7 @@ void make(const Work& work, Contenders& contenders)
         const auto& m = work.maps[0].m;
         const float stepU = float(m[0][0]), stepV = float(m[1][0]), downU = float(m[0][1]), downV = float(m[1][1]);
         const float startU = float(m[0][2]), startV = float(m[1][2]);
-        contenders.push_back(contender("libyuv", Role::peer, "ARGBAffineRow on each row", work, [=](size_t) {
+        contenders.push_back(contender("libyuv", Role::less, "a row at a time, no bounds, no wrap, no transparent test", work, [=](size_t) {
             for (int y = 0; y < frameSize; ++y) {
                 const float uv[4] = {startU + downU * float(y), startV + downV * float(y), stepU, stepV};
 #if defined(__x86_64__)
