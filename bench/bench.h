@@ -95,6 +95,7 @@ struct Job {
     Work work;
     double pixels = 0;         // drawn per call, on average
     bool perCall = false;      // report nanoseconds per call instead of per pixel
+    const char* unit = nullptr; // what a pixel is called, if it is none
     double goal = 1;           // at most this ratio to the best peer, or to the yardstick where there is one; 0: none
     double scalarGoal = 1;     // the same to the scalar loop
     double budget = 0;         // nanoseconds of a call, as the yardstick
@@ -105,7 +106,13 @@ struct Job {
     std::function<void(Contenders&)> more; // contenders beside the common ones
     bool ownOnly = false;                  // no peer has it
     bool refused = false;                  // draws nothing, which is the point
+    std::vector<double> samples;           // nanoseconds of a call, taken before; in place of contenders
+
+    const char* unitName() const { return unit ? unit : perCall ? "call" : "pixel"; }
 };
+
+// Takes the time of the start-up calls in processes that have not called anything yet: to be called first of all.
+void recordStartUp(int samples);
 
 // A contender that draws one primitive a call, by index; `finish` ends a turn, for those that queue.
 template <class Draw, class Finish>

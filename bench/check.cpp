@@ -77,7 +77,7 @@ int checkContenders(const std::vector<Job>& jobs, const std::filesystem::path& p
     int wrong = 0;
     if (!pictures.empty())
         std::filesystem::create_directories(pictures);
-    std::printf("%-32s %-16s %10s %10s\n", "job", "contender", "drawn", "difference");
+    std::printf("%-40s %-16s %10s %10s\n", "job", "contender", "drawn", "difference");
     for (const Job& job : jobs) {
         if (job.kernel || job.work.primitives.empty())
             continue; // nothing in the frame buffer
@@ -102,7 +102,7 @@ int checkContenders(const std::vector<Job>& jobs, const std::filesystem::path& p
             const bool bad = (found.drawn == 0) != job.refused || (exact ? found.unequal > 0 : found.difference > 4 || share < 0.8 || share > 1.2);
             wrong += bad;
             if (!exact || bad)
-                std::printf("%-32s %-16s %9.0f%% %10.2f%s\n", job.name.c_str(), contender.name.c_str(), share * 100, found.difference,
+                std::printf("%-40s %-16s %9.0f%% %10.2f%s\n", job.name.c_str(), contender.name.c_str(), share * 100, found.difference,
                             bad ? "  WRONG" : "");
         }
     }

@@ -60,6 +60,7 @@ std::vector<Job> allJobs()
     addSpriteJobs(jobs);
     addShapeJobs(jobs);
     addOwnJobs(jobs);
+    addGlyphJobs(jobs);
     return jobs;
 }
 

@@ -20,5 +20,6 @@ Job rectangleJob(const std::string& name, Kind kind, const ninefold::Axes& axes,
 void addSpriteJobs(std::vector<Job>& jobs); // unit scale and stretched rectangles
 void addShapeJobs(std::vector<Job>& jobs);  // quads, triangles, lines, colours
 void addOwnJobs(std::vector<Job>& jobs);    // what no peer has, against yardsticks
+void addGlyphJobs(std::vector<Job>& jobs);
 
 } // namespace bench

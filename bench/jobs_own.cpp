@@ -5,8 +5,12 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <memory>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace bench {
 
@@ -352,7 +356,48 @@ void addLookUp(std::vector<Job>& jobs)
     }
 }
 
+std::vector<double> startUpSamples;
+
+void addStartUp(std::vector<Job>& jobs)
+{
+    Job job;
+    job.name = "startup";
+    job.note = "the four calls in a fresh process";
+    job.perCall = true;
+    job.budget = 2e6;
+    job.ownOnly = true;
+    job.samples = startUpSamples;
+    jobs.push_back(job);
+}
+
 } // namespace
+
+void recordStartUp(int samples)
+{
+    for (int i = 0; i < samples; ++i) {
+        int ends[2];
+        if (pipe(ends) != 0)
+            return;
+        const pid_t child = fork();
+        if (child == 0) {
+            const auto start = std::chrono::steady_clock::now();
+            MakeUVLShiftTable();
+            MakeShaheiRunlengthTbl();
+            MakeDrawFuncTable();
+            MakeDrawMaskTable();
+            const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - start;
+            const double nanoseconds = time.count();
+            _exit(write(ends[1], &nanoseconds, sizeof nanoseconds) == sizeof nanoseconds ? 0 : 1);
+        }
+        close(ends[1]);
+        double nanoseconds;
+        if (child > 0 && read(ends[0], &nanoseconds, sizeof nanoseconds) == sizeof nanoseconds)
+            startUpSamples.push_back(nanoseconds);
+        close(ends[0]);
+        if (child > 0)
+            waitpid(child, nullptr, 0);
+    }
+}
 
 void addOwnJobs(std::vector<Job>& jobs)
 {
@@ -365,6 +410,7 @@ void addOwnJobs(std::vector<Job>& jobs)
     addRuns(jobs);
     addOcclusion(jobs);
     addLookUp(jobs);
+    addStartUp(jobs);
 }
 
 } // namespace bench

@@ -51,9 +51,12 @@ int timeJobs(const std::vector<Job>& jobs, const Effort& effort)
     printHeading();
     for (const Job& job : jobs) {
         fillFrame();
-        rows.push_back({job, measure(contendersOf(job), effort)});
+        std::vector<Measured> measured =
+            job.samples.empty() ? measure(contendersOf(job), effort)
+                                : std::vector<Measured>{{"ninefold/v1", job.note, Role::ours, job.samples}};
         if (job.budget > 0)
-            rows.back().contenders.push_back({"budget", "", Role::yardstick, std::vector<double>(size_t(effort.rounds), job.budget)});
+            measured.push_back({"budget", "", Role::yardstick, std::vector<double>(measured[0].nanoseconds.size(), job.budget)});
+        rows.push_back({job, std::move(measured)});
         printRow(rows.back());
     }
     printSummary(rows);
@@ -65,12 +68,13 @@ int timeJobs(const std::vector<Job>& jobs, const Effort& effort)
 
 int run(const Options& options)
 {
+    const Effort& effort = options.quick ? quick : thorough;
+    recordStartUp(options.list || options.check ? 0 : effort.rounds);
     MakeUVLShiftTable();
     MakeShaheiRunlengthTbl();
     MakeDrawFuncTable();
     MakeDrawMaskTable();
     std::sort(registered().begin(), registered().end());
-    const Effort& effort = options.quick ? quick : thorough;
     if (options.families)
         return timeFamilies(options.filters, effort, besideProgram("families.csv"));
     if (options.scale)

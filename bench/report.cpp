@@ -110,14 +110,14 @@ double Row::unit(const Measured& measured) const { return measured.median() / (j
 
 void printHeading()
 {
-    std::printf("%-32s %-4s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s %8s\n", "job", "ns/", "memcpy", "v1", "v3", "v4", "scalar", "rival",
+    std::printf("%-40s %-5s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s %8s\n", "job", "ns/", "memcpy", "v1", "v3", "v4", "scalar", "rival",
                 "", "/memcpy", "/rival", "/scalar");
 }
 
 void printRow(const Row& row)
 {
     const Measured *memcpy = row.find(Role::memcpy), *scalar = row.find(Role::scalar), *rival = row.rival();
-    std::printf("%-32s %-4s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s%s %7s%s\n", row.job.name.c_str(), row.job.perCall ? "call" : "px",
+    std::printf("%-40s %-5s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s%s %7s%s\n", row.job.name.c_str(), row.job.unitName(),
                 figure(row, memcpy).c_str(), figure(row, row.find(Role::ours, "ninefold/v1")).c_str(),
                 figure(row, row.find(Role::ours, "ninefold/v3")).c_str(), figure(row, row.find(Role::ours, "ninefold/v4")).c_str(),
                 figure(row, scalar).c_str(), figure(row, rival).c_str(), rival ? rival->name.c_str() : "", ratioTo(row, memcpy).c_str(),
@@ -147,7 +147,7 @@ void writeCsv(const std::vector<Row>& rows, const std::filesystem::path& path)
         for (const Measured& each : row.contenders) {
             const double scale = row.job.perCall ? 1 : row.job.pixels;
             const Measured *memcpy = row.find(Role::memcpy), *rival = row.rival();
-            out << row.job.name << ',' << each.name << ',' << roleName(each.role) << ',' << (row.job.perCall ? "call" : "pixel") << ','
+            out << row.job.name << ',' << each.name << ',' << roleName(each.role) << ',' << row.job.unitName() << ','
                 << row.unit(each) << ',' << each.least() / scale << ',' << (memcpy ? figure(ratio(each, *memcpy)) : "") << ','
                 << (rival ? figure(ratio(each, *rival)) : "") << ',' << row.job.goal << ",\"" << escaped(each.note, true) << "\"\n";
         }
@@ -171,7 +171,7 @@ void writePage(const std::vector<Row>& rows, const std::filesystem::path& path)
         for (const Measured& each : row.contenders)
             longest = std::max(longest, row.unit(each));
         const Measured* rival = row.rival();
-        out << "<h2>" << row.job.name << " <small>ns per " << (row.job.perCall ? "call" : "pixel");
+        out << "<h2>" << row.job.name << " <small>ns per " << row.job.unitName();
         if (row.ours() && rival)
             out << ", " << ratioTo(row, rival) << " of " << rival->name
                 << (misses(row.ours(), rival, row.job.goal) ? " <span class=miss>above " + figure(row.job.goal) + "</span>" : "");
