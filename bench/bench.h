@@ -86,6 +86,7 @@ struct Contender {
     std::string note;                    // where the work is only near, in what
     std::function<void()> prepare;       // untimed, before each of its turns; may be empty
     std::function<void(long calls)> run; // timed; when it returns all pixels are in the frame buffer
+    double patience = 1;                 // how much longer its turns are, so that what each costs at its end is spread
 };
 using Contenders = std::vector<Contender>;
 
@@ -123,7 +124,8 @@ Contender contender(std::string name, Role role, std::string note, const Work& w
                 for (long i = 0; i < calls; ++i)
                     draw(size_t(i & mask));
                 finish();
-            }};
+            },
+            1};
 }
 template <class Draw>
 Contender contender(std::string name, Role role, std::string note, const Work& work, Draw draw)

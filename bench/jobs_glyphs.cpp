@@ -9,6 +9,7 @@
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include FT_OUTLINE_H
 #endif
 
 namespace bench {
@@ -29,12 +30,17 @@ struct Font {
     bool italic;
 };
 
+Texture* atlas()
+{
+    static Texture* const made = CreateTexture(1024, 1024);
+    return made;
+}
+
 void prepareFont(const Font& font)
 {
     static char name[sizeof fontName];
-    static Texture* const atlas = CreateTexture(1024, 1024);
     std::memcpy(name, fontName, sizeof fontName);
-    rs.tex0 = atlas;
+    rs.tex0 = atlas();
     rs.fontName = name;
     rs.fontHeight = -font.em;
     rs.fontWeight = font.weight;
@@ -51,7 +57,7 @@ void drawText(char* (*draw)(char*))
         next = draw(next);
 }
 
-// A face that stays open, at its size; neither emboldened nor slanted, nor copied anywhere.
+// A face that stays open, at its size.
 struct Face {
     FT_Library library = nullptr;
     FT_Face face = nullptr;
@@ -75,20 +81,47 @@ struct Face {
     ~Face() { FT_Done_FreeType(library); }
 };
 
-void addFreeType(const Font& font, Contenders& contenders)
+// White with the coverage as alpha, row by row.
+void expand(const FT_Bitmap& bitmap, uint32_t* to)
+{
+    for (unsigned y = 0; y < bitmap.rows; ++y, to += atlas()->width) {
+        const uint8_t* const row = bitmap.buffer + long(y) * bitmap.pitch;
+        for (unsigned x = 0; x < bitmap.width; ++x) {
+            const uint32_t alpha = bitmap.pixel_mode == FT_PIXEL_MODE_MONO ? (row[x >> 3] >> (7 - (x & 7)) & 1 ? 255 : 0) : row[x];
+            to[x] = alpha ? alpha << 24 | 0xFFFFFF : 0;
+        }
+    }
+}
+
+void draw(FT_Face face, const Font& font, FT_ULong character, unsigned& x)
+{
+    const bool mono = font.quality == 0;
+    FT_Load_Char(face, character, mono ? FT_LOAD_TARGET_MONO : FT_LOAD_TARGET_NORMAL);
+    FT_GlyphSlot const slot = face->glyph;
+    if (slot->format == FT_GLYPH_FORMAT_OUTLINE && font.weight > 550)
+        FT_Outline_Embolden(&slot->outline, font.em * 64 / 24);
+    if (slot->format == FT_GLYPH_FORMAT_OUTLINE && font.italic) {
+        const FT_Matrix slant{0x10000, 0x4000, 0, 0x10000};
+        FT_Outline_Transform(&slot->outline, &slant);
+    }
+    FT_Render_Glyph(slot, mono ? FT_RENDER_MODE_MONO : FT_RENDER_MODE_NORMAL);
+    expand(slot->bitmap, atlas()->pixels + x);
+    x += slot->bitmap.width;
+}
+
+void addFreeType(const Font& font, bool rimmed, Contenders& contenders)
 {
     const auto held = std::make_shared<Face>();
     if (!held->face)
         return;
     FT_Set_Pixel_Sizes(held->face, 0, FT_UInt(font.em));
-    const bool mono = font.quality == 0;
-    const char* const note = font.weight > 400 || font.italic ? "face held open; neither bold nor slanted" : "face held open";
-    contenders.push_back({"freetype", Role::peer, note, {}, [=](long calls) {
-                              for (long i = 0; i < calls; ++i)
-                                  for (const FT_ULong character : characters) {
-                                      FT_Load_Char(held->face, character, mono ? FT_LOAD_TARGET_MONO : FT_LOAD_TARGET_NORMAL);
-                                      FT_Render_Glyph(held->face->glyph, mono ? FT_RENDER_MODE_MONO : FT_RENDER_MODE_NORMAL);
-                                  }
+    contenders.push_back({"freetype", rimmed ? Role::less : Role::peer, rimmed ? "face held open; no rim" : "face held open", {},
+                          [=](long calls) {
+                              for (long i = 0; i < calls; ++i) {
+                                  unsigned x = 0;
+                                  for (const FT_ULong character : characters)
+                                      draw(held->face, font, character, x);
+                              }
                           }});
 }
 
@@ -112,7 +145,7 @@ void addGlyphJobs(std::vector<Job>& jobs)
                                           for (long i = 0; i < calls; ++i)
                                               drawText(rimmed ? CreateFontTextureFuchi : CreateFontTexture);
                                       }});
-                addFreeType(font, contenders);
+                addFreeType(font, rimmed, contenders);
             };
             jobs.push_back(job);
         }

@@ -152,7 +152,7 @@ void addTriangles(std::vector<Job>& jobs)
             job.name = std::string(row.name) + "/" + size.name;
             job.axes = axesOf(2, 7, row.filter, row.blend);
             job.scalar = row.scalar;
-            job.goal = 0.5;
+            job.goal = row.kind == Kind::flatTriangle ? 1 : 0.5; // peers fill as fast as memory goes
             job.perCall = !large;
             Work& work = job.work;
             work.kind = row.kind;

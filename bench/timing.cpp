@@ -72,7 +72,7 @@ std::vector<Measured> measure(const Contenders& contenders, const Effort& effort
         all.push_back({contender.name, contender.note, contender.role, {}});
         prepare(contender);
         contender.run(1); // first calls compile, allocate, fault pages in
-        calls.push_back(callsFor(contender, effort.batchSeconds));
+        calls.push_back(callsFor(contender, effort.batchSeconds * contender.patience));
     }
     for (int round = 0; round < effort.rounds; ++round)
         for (size_t turn = 0; turn < contenders.size(); ++turn) {

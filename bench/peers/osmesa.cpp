@@ -81,6 +81,7 @@ void make(const Work& work, Contenders& contenders)
     const TextureName name = textured ? textureOf(work) : nullptr;
     const auto add = [&](auto draw) {
         contenders.push_back(contender("osmesa", Role::peer, "queued; its own picture, copied at the end of a turn", work, draw, glFinish));
+        contenders.back().patience = 8;
         contenders.back().prepare = [name, blended = work.blend == alpha] {
             bind();
             upload();
