@@ -42,7 +42,16 @@ enum class Kind : uint8_t {
 };
 
 enum Blend : uint8_t { // the library's blend axis
-    copy = 0, alpha = 1, constAlpha = 2, alphaFast = 4, add = 5, subtract = 6, multiply = 7, multiply2 = 8, screen = 9, overlay = 10,
+    copy = 0,
+    alpha = 1,
+    constAlpha = 2,
+    alphaFast = 4,
+    add = 5,
+    subtract = 6,
+    multiply = 7,
+    multiply2 = 8,
+    screen = 9,
+    overlay = 10,
     merge = 11
 };
 

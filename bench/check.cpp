@@ -86,7 +86,8 @@ int checkContenders(const std::vector<Job>& jobs, const std::filesystem::path& p
         const Picture before(frame().pixels, frame().pixels + frameSize * frameSize);
         Picture ours;
         for (const Contender& contender : contenders) {
-            if (contender.role == Role::memcpy || contender.role == Role::yardstick || (job.ownOnly && contender.role != Role::ours))
+            if (contender.role == Role::memcpy || contender.role == Role::yardstick ||
+                (job.ownOnly && contender.role != Role::ours))
                 continue;
             const Picture picture = draw(contender, std::max(1L, long(job.work.primitives.size())));
             if (ours.empty())
@@ -99,11 +100,12 @@ int checkContenders(const std::vector<Job>& jobs, const std::filesystem::path& p
             const Comparison found = compare(picture, ours, before);
             const double share = double(found.drawn) / double(std::max(found.drawnByOurs, size_t(1)));
             const bool exact = contender.role < Role::yardstick;
-            const bool bad = (found.drawn == 0) != job.refused || (exact ? found.unequal > 0 : found.difference > 4 || share < 0.8 || share > 1.2);
+            const bool bad = (found.drawn == 0) != job.refused ||
+                             (exact ? found.unequal > 0 : found.difference > 4 || share < 0.8 || share > 1.2);
             wrong += bad;
             if (!exact || bad)
-                std::printf("%-40s %-16s %9.0f%% %10.2f%s\n", job.name.c_str(), contender.name.c_str(), share * 100, found.difference,
-                            bad ? "  WRONG" : "");
+                std::printf("%-40s %-16s %9.0f%% %10.2f%s\n", job.name.c_str(), contender.name.c_str(), share * 100,
+                            found.difference, bad ? "  WRONG" : "");
         }
     }
     return wrong;

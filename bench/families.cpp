@@ -102,13 +102,15 @@ double timed(const Code& code)
     }();
     Contender draws{"", Role::ours, "", {}, [&](long calls) {
                         for (long i = 0; i < calls; ++i) {
-                            const int x = places[size_t(i)] % (frameSize / cell) * cell, y = places[size_t(i)] / (frameSize / cell) * cell;
+                            const int x = places[size_t(i)] % (frameSize / cell) * cell,
+                                      y = places[size_t(i)] / (frameSize / cell) * cell;
                             if (code.axes.shape == 1) {
                                 rs.vertex[0] = {x, y, 0}, rs.vertex[1] = {x + cell, y + cell, 0};
                                 if (code.axes.rectOpt == 6)
                                     rs.uv0[0] = {x << 16, y << 16};
                             } else if (code.axes.shape == 2) {
-                                rs.vertex[0] = {x, y, 1000}, rs.vertex[1] = {x + 63, y + 13, 1400}, rs.vertex[2] = {x + 8, y + 63, 2000};
+                                rs.vertex[0] = {x, y, 1000}, rs.vertex[1] = {x + 63, y + 13, 1400},
+                                rs.vertex[2] = {x + 8, y + 63, 2000};
                             } else {
                                 rs.vertex[0] = {x, y + 10, 0}, rs.vertex[1] = {x + 63, y + 50, 0};
                             }
@@ -136,7 +138,9 @@ int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, 
             codes.push_back({axes, SearchDrawFunc(ninefold::codeOf(axes)), name});
     });
     if (codes.empty()) {
-        std::fprintf(stderr, "bench: no code's name contains that; names read like rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale\n");
+        std::fprintf(
+            stderr,
+            "bench: no code's name contains that; names read like rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale\n");
         return 2;
     }
     ninefold::useSet(ninefold::bestSet());
@@ -163,14 +167,15 @@ int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, 
 
     std::printf("%-28s %7s %12s %10s %10s\n", "family, 64x64", "codes", "median ns", "ns/px", "slowest");
     for (auto& [name, times] : families) {
-        const auto of = std::find_if(codes.begin(), codes.end(), [&, family = name](const Code& c) { return familyOf(c.axes) == family; });
+        const auto of =
+            std::find_if(codes.begin(), codes.end(), [&, family = name](const Code& c) { return familyOf(c.axes) == family; });
         std::printf("%-28s %7zu %12.0f %10.3f %9.2fx\n", name.c_str(), times.size(), medianOf(times),
                     medianOf(times) / pixelsOf(of->axes), of->toFamily);
     }
     std::printf("\nthe slowest against the median of their family\n");
     for (size_t i = 0; i < std::min<size_t>(codes.size(), 20); ++i)
-        std::printf("%-56s 0x%07X %10.0f ns %6.2fx\n", codes[i].name.c_str(), ninefold::codeOf(codes[i].axes), codes[i].nanoseconds,
-                    codes[i].toFamily);
+        std::printf("%-56s 0x%07X %10.0f ns %6.2fx\n", codes[i].name.c_str(), ninefold::codeOf(codes[i].axes),
+                    codes[i].nanoseconds, codes[i].toFamily);
 
     std::ofstream out(csv);
     out << "code,name,ns_per_call,to_family\n";

@@ -9,7 +9,8 @@ namespace bench {
 ninefold::Axes axesOf(int shape, int rectOpt, int filter, Blend blend)
 {
     ninefold::Axes axes{};
-    axes.shape = uint8_t(shape), axes.rectOpt = uint8_t(rectOpt), axes.filter = uint8_t(filter), axes.blend = blend, axes.multi = 3;
+    axes.shape = uint8_t(shape), axes.rectOpt = uint8_t(rectOpt), axes.filter = uint8_t(filter), axes.blend = blend,
+    axes.multi = 3;
     return axes;
 }
 

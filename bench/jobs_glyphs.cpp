@@ -87,7 +87,8 @@ void expand(const FT_Bitmap& bitmap, uint32_t* to)
     for (unsigned y = 0; y < bitmap.rows; ++y, to += atlas()->width) {
         const uint8_t* const row = bitmap.buffer + long(y) * bitmap.pitch;
         for (unsigned x = 0; x < bitmap.width; ++x) {
-            const uint32_t alpha = bitmap.pixel_mode == FT_PIXEL_MODE_MONO ? (row[x >> 3] >> (7 - (x & 7)) & 1 ? 255 : 0) : row[x];
+            const uint32_t alpha =
+                bitmap.pixel_mode == FT_PIXEL_MODE_MONO ? (row[x >> 3] >> (7 - (x & 7)) & 1 ? 255 : 0) : row[x];
             to[x] = alpha ? alpha << 24 | 0xFFFFFF : 0;
         }
     }
@@ -140,7 +141,8 @@ void addGlyphJobs(std::vector<Job>& jobs)
             job.unit = "glyph";
             job.pixels = double(std::size(characters));
             job.more = [font, rimmed](Contenders& contenders) {
-                contenders.push_back({"ninefold/v1", Role::ours, "finds its face anew for each glyph", [font] { prepareFont(font); },
+                contenders.push_back({"ninefold/v1", Role::ours, "finds its face anew for each glyph",
+                                      [font] { prepareFont(font); },
                                       [rimmed](long calls) {
                                           for (long i = 0; i < calls; ++i)
                                               drawText(rimmed ? CreateFontTextureFuchi : CreateFontTexture);

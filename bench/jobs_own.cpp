@@ -55,6 +55,15 @@ Job shapeJob(const std::string& prefix, const Shape& shape)
     return job;
 }
 
+// The same work by another kernel, for yardsticks.
+std::shared_ptr<Job> besides(const Job& job, const Axes& axes)
+{
+    const auto other = std::make_shared<Job>();
+    other->work = job.work;
+    other->axes = axes;
+    return other;
+}
+
 std::vector<Span> frameSpans()
 {
     std::vector<Span> spans;
@@ -87,16 +96,11 @@ void addRules(std::vector<Job>& jobs)
             job.refused = place.value == 50;
             job.goal = job.refused ? 1.3 : 0;
             // Outside nothing but the rule needs to be read; elsewhere the kernel without a rule is drawn as well.
-            const bool drawn = place.value > 100;
-            const Axes plainAxes = shape.axes;
-            job.more = [drawn, plainAxes, value = place.value, axes = job.axes, work = job.work](Contenders& contenders) {
-                Job plain;
-                plain.work = work;
-                const auto held = std::make_shared<Job>(plain);
-                held->axes = plainAxes;
-                const Contender kernel = kernelAs("", Role::yardstick, *held, plainAxes, {});
+            job.more = [plain = besides(job, shape.axes), value = place.value](Contenders& contenders) {
+                const bool drawn = value > 100;
+                const Contender kernel = kernelAs("", Role::yardstick, *plain, plain->axes, {});
                 contenders.push_back({drawn ? "no rule + read" : "read rule", Role::yardstick, "", kernel.prepare,
-                                      [=, spans = frameSpans(), keep = held](long calls) {
+                                      [=, spans = frameSpans()](long calls) {
                                           for (long i = 0; i < calls; ++i) {
                                               sink = readRuleValues(ruleTexture(value)->pixels, spans, 100);
                                               if (drawn)
@@ -117,7 +121,8 @@ void addGates(std::vector<Job>& jobs)
         plane.goal = 1.3;
         plane.refused = true;
         plane.more = [](Contenders& contenders) {
-            contenders.push_back({"read plane", Role::yardstick, "", [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); },
+            contenders.push_back({"read plane", Role::yardstick, "",
+                                  [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); },
                                   [spans = frameSpans()](long calls) {
                                       for (long i = 0; i < calls; ++i)
                                           sink = readPlane(rs.shaheiPlane, spans);
@@ -133,7 +138,8 @@ void addGates(std::vector<Job>& jobs)
         priority.goal = 1.3;
         priority.refused = true;
         priority.more = [](Contenders& contenders) {
-            contenders.push_back({"read priorities", Role::yardstick, "", [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); },
+            contenders.push_back({"read priorities", Role::yardstick, "",
+                                  [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); },
                                   [spans = frameSpans()](long calls) {
                                       for (long i = 0; i < calls; ++i)
                                           sink = readPriorities(rs.zBuffer, spans, 100);
@@ -151,10 +157,11 @@ void addMulti(std::vector<Job>& jobs)
         int operation; // of SetBlendModeMulti and of the blend axis alike
         int multi, bank;
     };
-    constexpr Row rows[] = {{"tex1.alpha", 1, 0, 0},     {"tex1.constalpha", 2, 0, 0}, {"tex1.alphafast", 4, 0, 0}, {"tex1.add", 5, 0, 0},
-                            {"tex1.sub", 6, 0, 0},       {"tex1.mul", 7, 0, 0},        {"tex1.mul2", 8, 0, 0},      {"tex1.screen", 9, 0, 0},
-                            {"tex1.overlay", 10, 0, 0},  {"tex1.merge", 11, 0, 0},     {"tex1.scaled.alpha", 1, 0, 1},
-                            {"tex1.scaled.mul", 7, 0, 1}, {"corners.mul", 7, 1, 0},    {"colour.alpha", 1, 2, 0},   {"colour.mul", 7, 2, 0}};
+    constexpr Row rows[] = {{"tex1.alpha", 1, 0, 0},  {"tex1.constalpha", 2, 0, 0},   {"tex1.alphafast", 4, 0, 0},
+                            {"tex1.add", 5, 0, 0},    {"tex1.sub", 6, 0, 0},          {"tex1.mul", 7, 0, 0},
+                            {"tex1.mul2", 8, 0, 0},   {"tex1.screen", 9, 0, 0},       {"tex1.overlay", 10, 0, 0},
+                            {"tex1.merge", 11, 0, 0}, {"tex1.scaled.alpha", 1, 0, 1}, {"tex1.scaled.mul", 7, 0, 1},
+                            {"corners.mul", 7, 1, 0}, {"colour.alpha", 1, 2, 0},      {"colour.mul", 7, 2, 0}};
     for (const Row& row : rows) {
         Job job = rectangleJob(std::string("multi.") + row.name, Kind::blit, axesOf(1, 0, 0, copy), Content::opaque, frameSize);
         job.axes.multi = uint8_t(row.multi);
@@ -165,13 +172,10 @@ void addMulti(std::vector<Job>& jobs)
             SetPrescaleMultiMode(row.bank);
             SetBlendModeMulti(row.operation);
         };
-        job.more = [row, work = job.work](Contenders& contenders) {
-            const auto blend = std::make_shared<Job>();
-            blend->work = work;
-            blend->work.content = Content::soft;
-            Contender alone = kernelAs("blend alone", Role::yardstick, *blend, axesOf(1, 0, 0, Blend(row.operation)), {});
-            alone.run = [run = alone.run, blend](long calls) { run(calls); };
-            contenders.push_back(std::move(alone));
+        const auto blend = besides(job, axesOf(1, 0, 0, Blend(row.operation)));
+        blend->work.content = Content::soft;
+        job.more = [blend](Contenders& contenders) {
+            contenders.push_back(kernelAs("blend alone", Role::yardstick, *blend, blend->axes, {}));
         };
         jobs.push_back(job);
     }
@@ -200,7 +204,8 @@ void addCustom(std::vector<Job>& jobs)
                     spans.push_back({y, 0, size});
                 contenders.push_back({"calls", Role::yardstick, "", {}, [spans](long calls) {
                                           for (long i = 0; i < calls; ++i)
-                                              callPerPixel(frame().pixels, straight(Content::opaque, frameSize).pixels, spans, hostPointer);
+                                              callPerPixel(frame().pixels, straight(Content::opaque, frameSize).pixels, spans,
+                                                           hostPointer);
                                       }});
             };
             jobs.push_back(job);
@@ -219,8 +224,8 @@ void addMip(std::vector<Job>& jobs)
                             {"mip.bilinear.stretch", 1, 1, 5, 1, 3},  {"mip.point.triangles", 2, 7, 2, 0, 3},
                             {"mip.point.mixed.triangles", 2, 7, 2, 0, 2}, {"mip.bilinear.triangles", 2, 7, 5, 1, 3}};
     for (const Row& row : rows) {
-        Job job = rectangleJob(row.name, row.shape == 2 ? Kind::corners : Kind::stretch, axesOf(row.shape, row.rectOpt, row.filter, copy),
-                               Content::opaque, frameSize, 3);
+        Job job = rectangleJob(row.name, row.shape == 2 ? Kind::corners : Kind::stretch,
+                               axesOf(row.shape, row.rectOpt, row.filter, copy), Content::opaque, frameSize, 3);
         Primitive& p = job.work.primitives[0];
         if (row.shape == 2)
             p.uv[3] = p.uv[1], p.uv[1].v = p.uv[0].v, p.uv[2] = {p.uv[0].u, p.uv[3].v};
@@ -231,24 +236,23 @@ void addMip(std::vector<Job>& jobs)
         job.work.maps = {{{{3, 0, double(p.texelU())}, {0, 3, double(p.texelV())}, {0, 0, 1}}}};
         job.goal = 1.3;
         job.setup = [] { rs.tex1 = nullptr, SetPrescaleMultiMode(0), SetBlendModeMulti(7); };
-        job.more = [row, work = job.work](Contenders& contenders) {
-            const auto held = std::make_shared<std::array<Job, 2>>();
+        std::array<std::shared_ptr<Job>, 2> levels;
+        for (size_t i : {0, 1}) {
+            levels[i] = besides(job, axesOf(row.shape, row.rectOpt, row.plainFilter, copy));
+            levels[i]->axes.multi = uint8_t(i == 0 ? row.multi : 3);
+            for (TexCoord& uv : levels[i]->work.primitives[0].uv)
+                uv = {uv.u >> (i + 1), uv.v >> (i + 1)};
+        }
+        job.more = [levels, setup = job.setup](Contenders& contenders) {
             std::array<Contender, 2> plain;
-            for (size_t level : {0, 1}) {
-                Job& each = (*held)[level];
-                each.work = work;
-                each.axes = axesOf(row.shape, row.rectOpt, row.plainFilter, copy);
-                each.axes.multi = uint8_t(level == 0 ? row.multi : 3);
-                for (TexCoord& uv : each.work.primitives[0].uv)
-                    uv = {uv.u >> (level + 1), uv.v >> (level + 1)};
-                plain[level] = kernelAs("", Role::yardstick, each, each.axes, [] { SetPrescaleMultiMode(0), SetBlendModeMulti(7); });
-            }
-            contenders.push_back({"two plain draws", Role::yardstick, "", plain[0].prepare, [plain, held, work](long calls) {
-                                      const Texture* const base = texture(work.content, work.textureSize);
-                                      for (long i = 0; i < calls; ++i)
-                                          for (size_t level : {0, 1}) {
-                                              rs.tex0 = base->mip[level + 1];
-                                              plain[level].run(1);
+            for (size_t i : {0, 1})
+                plain[i] = kernelAs("", Role::yardstick, *levels[i], levels[i]->axes, setup);
+            contenders.push_back({"two plain draws", Role::yardstick, "", plain[0].prepare, [=](long calls) {
+                                      const Texture* const base = texture(levels[0]->work.content, levels[0]->work.textureSize);
+                                      for (long n = 0; n < calls; ++n)
+                                          for (size_t i : {0, 1}) {
+                                              rs.tex0 = base->mip[i + 1];
+                                              plain[i].run(1);
                                           }
                                   }});
         };
@@ -260,17 +264,14 @@ void addRuns(std::vector<Job>& jobs)
 {
     for (const Blend blend : {copy, alpha})
         for (int size : {frameSize, 64}) {
-            Job job = rectangleJob(blend == copy ? "runs.copy" : "runs.alpha", Kind::blit, axesOf(1, 5, 0, blend), Content::sparse, size);
+            Job job = rectangleJob(blend == copy ? "runs.copy" : "runs.alpha", Kind::blit, axesOf(1, 5, 0, blend),
+                                   Content::sparse, size);
             for (Primitive& p : job.work.primitives)
                 p.vertex[0].x = std::max(p.vertex[0].x, size == frameSize ? 0 : 128), p.vertex[1].x = p.vertex[0].x + size;
             job.note = "70 % transparent";
             job.ownOnly = true;
-            job.more = [blend, work = job.work](Contenders& contenders) {
-                const auto plain = std::make_shared<Job>();
-                plain->work = work;
-                Contender tested = kernelAs("no map", Role::yardstick, *plain, axesOf(1, 0, 0, blend), {});
-                tested.run = [run = tested.run, plain](long calls) { run(calls); };
-                contenders.push_back(std::move(tested));
+            job.more = [plain = besides(job, axesOf(1, 0, 0, blend))](Contenders& contenders) {
+                contenders.push_back(kernelAs("no map", Role::yardstick, *plain, plain->axes, {}));
             };
             jobs.push_back(job);
         }

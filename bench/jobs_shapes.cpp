@@ -56,7 +56,8 @@ Map perspectiveMap()
 void addQuads(std::vector<Job>& jobs)
 {
     const Map turned = rotation();
-    const auto add = [&](const char* name, Kind kind, const ninefold::Axes& axes, Content content, const Map& map, const char* note) {
+    const auto add = [&](const char* name, Kind kind, const ninefold::Axes& axes, Content content, const Map& map,
+                         const char* note) {
         jobs.push_back(quadJob(name, kind, axes, content, map));
         jobs.back().note = note;
     };
@@ -65,8 +66,10 @@ void addQuads(std::vector<Job>& jobs)
     // Four corners mix four texels only where they draw through the Shahei plane; elsewhere they choose one of two by a stipple.
     add("rotated.bilinear.copy", Kind::corners, axesOf(2, 7, 1, copy), Content::opaque, turned, "two triangles");
     add("rotated.bilinear.alpha", Kind::corners, axesOf(2, 7, 1, alpha), Content::sprite, turned, "two triangles");
-    add("rotated.stippled.copy", Kind::corners, axesOf(1, 2, 1, copy), Content::opaque, turned, "one of two texels; peers mix four");
-    add("rotated.stippled.alpha", Kind::corners, axesOf(1, 2, 1, alpha), Content::sprite, turned, "one of two texels; peers mix four");
+    add("rotated.stippled.copy", Kind::corners, axesOf(1, 2, 1, copy), Content::opaque, turned,
+        "one of two texels; peers mix four");
+    add("rotated.stippled.alpha", Kind::corners, axesOf(1, 2, 1, alpha), Content::sprite, turned,
+        "one of two texels; peers mix four");
     jobs[jobs.size() - 2].work.bilinear = jobs.back().work.bilinear = true;
     add("floor.point.copy", Kind::table, axesOf(1, 3, 0, copy), Content::opaque, floorMap(), "a row each by a line table");
 
@@ -97,13 +100,15 @@ std::vector<Primitive> triangles(bool large, double least, double most, int text
             const int x = margin + random(frameSize - 2 * margin), y = margin + random(frameSize - 2 * margin);
             for (int v = 0; v < 3; ++v) {
                 const double angle = turn + v * 6.283185307179586 / 3;
-                p.vertex[v] = {int32_t(std::lround(x + radius * std::cos(angle))), int32_t(std::lround(y + radius * std::sin(angle))), 0};
+                p.vertex[v] = {int32_t(std::lround(x + radius * std::cos(angle))),
+                               int32_t(std::lround(y + radius * std::sin(angle))), 0};
             }
         }
         // The texture is turned a little against the frame, 0.75 texels a pixel.
         const int u = large ? 60 : 20 + random(textureSize / 2), v = large ? 5 : 20 + random(textureSize / 2);
         for (int k = 0; k < 3; ++k) {
-            const double dx = p.vertex[k].x - (large ? 0 : p.vertex[0].x - 20), dy = p.vertex[k].y - (large ? 0 : p.vertex[0].y - 20);
+            const double dx = p.vertex[k].x - (large ? 0 : p.vertex[0].x - 20),
+                         dy = p.vertex[k].y - (large ? 0 : p.vertex[0].y - 20);
             p.uv[k] = {fixed(u + 0.74 * dx + 0.1 * dy), fixed(v - 0.1 * dx + 0.74 * dy + (large ? 110 : 0))};
             p.color[k] = 0xFF000000 | uint32_t(random(1 << 24));
         }

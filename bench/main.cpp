@@ -14,8 +14,8 @@ namespace {
 
 constexpr const char* usage =
     "usage: bench [OPTION...] [FILTER...]\n"
-    "Times the library against other libraries, a plain loop and memcpy, on the jobs whose name contains one of the filters (default:\n"
-    "all), and writes bench.csv and bench.html beside the program.\n"
+    "Times the library against other libraries, a plain loop and memcpy on the jobs whose name contains one of the filters\n"
+    "(default: all), and writes bench.csv and bench.html beside the program.\n"
     "  --quick        shorter turns, fewer rounds\n"
     "  --list         name the jobs and their contenders\n"
     "  --families     every draw code on 64 by 64 pixels; filters are parts of the codes' names\n"

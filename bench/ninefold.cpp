@@ -185,7 +185,8 @@ void addMemcpy(const Job& job, Contenders& contenders)
         if (line)
             width = std::max(width, rows), rows = 1, left = std::min(left, frameSize - width);
         uint32_t* const to = target.pixels + top * frameSize + left;
-        blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1} : Block{to, size_t(width) * 4, size_t(rows)});
+        blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1}
+                                            : Block{to, size_t(width) * 4, size_t(rows)});
     }
     contenders.push_back(contender("memcpy", Role::memcpy, "", work, [=](size_t i) {
         const Block& block = blocks[i];

@@ -110,8 +110,8 @@ double Row::unit(const Measured& measured) const { return measured.median() / (j
 
 void printHeading()
 {
-    std::printf("%-40s %-5s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s %8s\n", "job", "ns/", "memcpy", "v1", "v3", "v4", "scalar", "rival",
-                "", "/memcpy", "/rival", "/scalar");
+    std::printf("%-40s %-5s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s %8s\n", "job", "ns/", "memcpy", "v1", "v3", "v4", "scalar",
+                "rival", "", "/memcpy", "/rival", "/scalar");
 }
 
 void printRow(const Row& row)
@@ -119,22 +119,25 @@ void printRow(const Row& row)
     const Measured *memcpy = row.find(Role::memcpy), *scalar = row.find(Role::scalar), *rival = row.rival();
     std::printf("%-40s %-5s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s%s %7s%s\n", row.job.name.c_str(), row.job.unitName(),
                 figure(row, memcpy).c_str(), figure(row, row.find(Role::ours, "ninefold/v1")).c_str(),
-                figure(row, row.find(Role::ours, "ninefold/v3")).c_str(), figure(row, row.find(Role::ours, "ninefold/v4")).c_str(),
-                figure(row, scalar).c_str(), figure(row, rival).c_str(), rival ? rival->name.c_str() : "", ratioTo(row, memcpy).c_str(),
-                ratioTo(row, rival).c_str(), misses(row.ours(), rival, row.job.goal) ? "*" : " ", ratioTo(row, scalar).c_str(),
+                figure(row, row.find(Role::ours, "ninefold/v3")).c_str(),
+                figure(row, row.find(Role::ours, "ninefold/v4")).c_str(), figure(row, scalar).c_str(), figure(row, rival).c_str(),
+                rival ? rival->name.c_str() : "", ratioTo(row, memcpy).c_str(), ratioTo(row, rival).c_str(),
+                misses(row.ours(), rival, row.job.goal) ? "*" : " ", ratioTo(row, scalar).c_str(),
                 misses(row.ours(), scalar, row.job.scalarGoal) ? "*" : " ");
     std::fflush(stdout);
 }
 
 void printSummary(const std::vector<Row>& rows)
 {
-    Tally peers, yardsticks, scalars;
+    Tally peers, sprites, yardsticks, scalars;
     for (const Row& row : rows) {
-        (row.best(Role::yardstick) ? yardsticks : peers).add(row.ours(), row.rival(), row.job.goal);
+        const bool sprite = row.job.perCall && row.job.axes.shape == 1;
+        (row.best(Role::yardstick) ? yardsticks : sprite ? sprites : peers).add(row.ours(), row.rival(), row.job.goal);
         scalars.add(row.ours(), row.find(Role::scalar), row.job.scalarGoal);
     }
     std::printf("\n* above the row's goal\n");
     peers.print("the best peer");
+    sprites.print("the best peer, small rectangles");
     yardsticks.print("yardsticks");
     scalars.print("the scalar loop");
 }
@@ -149,7 +152,8 @@ void writeCsv(const std::vector<Row>& rows, const std::filesystem::path& path)
             const Measured *memcpy = row.find(Role::memcpy), *rival = row.rival();
             out << row.job.name << ',' << each.name << ',' << roleName(each.role) << ',' << row.job.unitName() << ','
                 << row.unit(each) << ',' << each.least() / scale << ',' << (memcpy ? figure(ratio(each, *memcpy)) : "") << ','
-                << (rival ? figure(ratio(each, *rival)) : "") << ',' << row.job.goal << ",\"" << escaped(each.note, true) << "\"\n";
+                << (rival ? figure(ratio(each, *rival)) : "") << ',' << row.job.goal << ",\"" << escaped(each.note, true)
+                << "\"\n";
         }
 }
 
@@ -158,11 +162,14 @@ void writePage(const std::vector<Row>& rows, const std::filesystem::path& path)
     std::ofstream out(path);
     out << "<!doctype html><meta charset=utf-8><title>Ninefold: benchmark</title>\n<style>\n"
            "body{font:14px sans-serif;max-width:60em;margin:2em auto;padding:0 1em}h2{font-size:1em;margin:1.5em 0 .3em}\n"
-           ".r{display:grid;grid-template-columns:9em 1fr;align-items:center;gap:.5em}.b{height:.9em;display:inline-block;margin-right:.4em}\n"
-           ".memcpy{background:#bbb}.ours{background:#2a7}.scalar{background:#cb8}.yardstick{background:#86b}.peer{background:#58c}.less{background:#ace}\n"
+           ".r{display:grid;grid-template-columns:9em "
+           "1fr;align-items:center;gap:.5em}.b{height:.9em;display:inline-block;margin-right:.4em}\n"
+           ".memcpy{background:#bbb}.ours{background:#2a7}.scalar{background:#cb8}.yardstick{background:#86b}.peer{background:#"
+           "58c}.less{background:#ace}\n"
            "small{color:#777}.miss{color:#b22}</style>\n<h1>Ninefold: benchmark</h1>\n"
            "<p>Nanoseconds per pixel or per call on one thread; each bar is the median of interleaved turns, shorter is faster.\n"
-           "<span class=\"b ours\">&emsp;</span>Ninefold by instruction set <span class=\"b scalar\">&emsp;</span>its scalar loop\n"
+           "<span class=\"b ours\">&emsp;</span>Ninefold by instruction set <span class=\"b scalar\">&emsp;</span>its scalar "
+           "loop\n"
            "<span class=\"b peer\">&emsp;</span>peers <span class=\"b less\">&emsp;</span>peers that leave work out\n"
            "<span class=\"b yardstick\">&emsp;</span>yardsticks <span class=\"b memcpy\">&emsp;</span>"
            "memcpy of the same bytes</p>\n";
@@ -177,9 +184,9 @@ void writePage(const std::vector<Row>& rows, const std::filesystem::path& path)
                 << (misses(row.ours(), rival, row.job.goal) ? " <span class=miss>above " + figure(row.job.goal) + "</span>" : "");
         out << "</small></h2>\n";
         for (const Measured& each : row.contenders)
-            out << "<div class=r><span>" << each.name << "</span><span><span class=\"b " << roleName(each.role) << "\" style=\"width:"
-                << number("%.1f", 55 * row.unit(each) / longest) << "%\"></span>" << figure(row.unit(each)) << " <small>"
-                << escaped(each.note, false) << "</small></span></div>\n";
+            out << "<div class=r><span>" << each.name << "</span><span><span class=\"b " << roleName(each.role)
+                << "\" style=\"width:" << number("%.1f", 55 * row.unit(each) / longest) << "%\"></span>" << figure(row.unit(each))
+                << " <small>" << escaped(each.note, false) << "</small></span></div>\n";
     }
 }
 

@@ -72,7 +72,8 @@ template <bool fourChannels>
     const uint32_t maskU = texture.width - 1, maskV = texture.height - 1, shift = texture.log2Width;
     const uint32_t fx = u >> 8 & 255, fy = v >> 8 & 255;
     const uint32_t column = u >> 16 & maskU, row = (v >> 16 & maskV) << shift;
-    const uint32_t column2 = ((u >> 16) + (fx < 128 ? ~0u : 1u)) & maskU, row2 = (((v >> 16) + (fy < 128 ? ~0u : 1u)) & maskV) << shift;
+    const uint32_t column2 = ((u >> 16) + (fx < 128 ? ~0u : 1u)) & maskU, row2 = (((v >> 16) + (fy < 128 ? ~0u : 1u)) & maskV)
+                                                                                 << shift;
     const uint32_t wx = fx < 128 ? fx + 128 : 383 - fx, wy = fy < 128 ? fy + 128 : 383 - fy, p = wx * wy >> 8;
     const uint32_t h = texture.pixels[row + column2], w = texture.pixels[row2 + column], d = texture.pixels[row2 + column2];
     const auto sum = [&](auto part) {

@@ -1,5 +1,5 @@
-// Plain loops, one pixel at a time with everything inlined, for combinations that hosts use most. They read rs as kernels do and give
-// the same bits.
+// Plain loops, one pixel at a time with everything inlined, for combinations that hosts use most. They read rs as kernels do and
+// give the same bits.
 #pragma once
 
 #include <ninefold/ninefold.h>

@@ -8,8 +8,8 @@ namespace bench {
 
 namespace {
 
-// Processor time of all threads together: what others run meanwhile does not count, and a peer that took a second thread would not
-// gain by it.
+// Processor time of all threads together: what others run meanwhile does not count, and a peer that took a second thread would
+// not gain by it.
 double now()
 {
     timespec time;

@@ -82,8 +82,8 @@ void make(const Work& work, Contenders& contenders)
         add("renderer_primitives", [](Canvas& c, const Primitive& p, size_t) {
             using Primitives = agg::renderer_primitives<Renderer>;
             c.primitives.line_color(colourOf(p.color[0]));
-            c.primitives.line(Primitives::coord(p.vertex[0].x), Primitives::coord(p.vertex[0].y), Primitives::coord(p.vertex[1].x),
-                              Primitives::coord(p.vertex[1].y));
+            c.primitives.line(Primitives::coord(p.vertex[0].x), Primitives::coord(p.vertex[0].y),
+                              Primitives::coord(p.vertex[1].x), Primitives::coord(p.vertex[1].y));
         });
         return;
     case Kind::flatTriangle:
@@ -95,8 +95,8 @@ void make(const Work& work, Contenders& contenders)
     case Kind::gouraudTriangle:
         add("binary scanlines", [](Canvas& c, const Primitive& p, size_t) {
             const Vertex* const v = p.vertex;
-            agg::span_gouraud_rgba<agg::rgba8> span(colourOf(p.color[0]), colourOf(p.color[1]), colourOf(p.color[2]), v[0].x, v[0].y,
-                                                    v[1].x, v[1].y, v[2].x, v[2].y);
+            agg::span_gouraud_rgba<agg::rgba8> span(colourOf(p.color[0]), colourOf(p.color[1]), colourOf(p.color[2]), v[0].x,
+                                                    v[0].y, v[1].x, v[1].y, v[2].x, v[2].y);
             c.polygon(v, 3);
             c.fill(span);
         });
@@ -140,7 +140,8 @@ void make(const Work& work, Contenders& contenders)
             transforms->emplace_back(m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]);
         }
         add("binary scanlines; premultiplied source",
-            [transforms, bilinear = work.bilinear, triangle = work.kind == Kind::triangle](Canvas& c, const Primitive& p, size_t i) {
+            [transforms, bilinear = work.bilinear, triangle = work.kind == Kind::triangle](Canvas& c, const Primitive& p,
+                                                                                           size_t i) {
                 using Accessor = agg::image_accessor_clone<Format>;
                 Interpolator interpolator((*transforms)[i]);
                 Accessor accessor(c.sourceFormat);

@@ -30,8 +30,9 @@ Operation operationOf(const Work& work)
 {
     switch (work.blend) {
     case copy:
-        return work.content == Content::key ? Operation{true, CAIRO_OPERATOR_OVER, "OVER, premultiplied alpha 0 or 255 for the key"}
-                                            : Operation{true, CAIRO_OPERATOR_SOURCE, "no transparent test"};
+        return work.content == Content::key
+                   ? Operation{true, CAIRO_OPERATOR_OVER, "OVER, premultiplied alpha 0 or 255 for the key"}
+                   : Operation{true, CAIRO_OPERATOR_SOURCE, "no transparent test"};
     case alpha: return {true, CAIRO_OPERATOR_OVER, "premultiplied source"};
     case constAlpha: return {true, CAIRO_OPERATOR_OVER, "no transparent test"};
     case add: return {true, CAIRO_OPERATOR_ADD, "no transparent test"};

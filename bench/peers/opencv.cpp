@@ -20,7 +20,9 @@ void make(const Work& work, Contenders& contenders)
     cv::setNumThreads(1);
     const cv::Mat target = wrap(frame());
     const Primitive* const primitives = work.primitives.data();
-    const auto add = [&](const char* note, auto draw) { contenders.push_back(contender("opencv", Role::peer, note, work, draw)); };
+    const auto add = [&](const char* note, auto draw) {
+        contenders.push_back(contender("opencv", Role::peer, note, work, draw));
+    };
     const auto boxOf = [](const Primitive& p) { return cv::Rect(p.vertex[0].x, p.vertex[0].y, p.width(), p.height()); };
     switch (work.kind) {
     case Kind::fill:
@@ -66,8 +68,12 @@ void make(const Work& work, Contenders& contenders)
             break;
         case Blend::add: blend("", [=](cv::Mat& to, const cv::Rect& from) { cv::add(to, source(from), to); }); break;
         case subtract: blend("", [=](cv::Mat& to, const cv::Rect& from) { cv::subtract(to, source(from), to); }); break;
-        case multiply: blend("", [=](cv::Mat& to, const cv::Rect& from) { cv::multiply(to, source(from), to, 1 / 255.0); }); break;
-        case multiply2: blend("", [=](cv::Mat& to, const cv::Rect& from) { cv::multiply(to, source(from), to, 2 / 255.0); }); break;
+        case multiply:
+            blend("", [=](cv::Mat& to, const cv::Rect& from) { cv::multiply(to, source(from), to, 1 / 255.0); });
+            break;
+        case multiply2:
+            blend("", [=](cv::Mat& to, const cv::Rect& from) { cv::multiply(to, source(from), to, 2 / 255.0); });
+            break;
         default: break;
         }
         return;
@@ -82,7 +88,8 @@ void make(const Work& work, Contenders& contenders)
         });
     if (work.kind == Kind::corners || work.kind == Kind::table || work.kind == Kind::perspective) {
         const auto& m = work.maps[0].m;
-        const cv::Mat map = (cv::Mat_<double>(3, 3) << m[0][0], m[0][1], m[0][2], m[1][0], m[1][1], m[1][2], m[2][0], m[2][1], m[2][2]);
+        const cv::Mat map =
+            (cv::Mat_<double>(3, 3) << m[0][0], m[0][1], m[0][2], m[1][0], m[1][1], m[1][2], m[2][0], m[2][1], m[2][2]);
         const int flags = filter | cv::WARP_INVERSE_MAP;
         if (work.kind == Kind::corners)
             add("no transparent test", [=](size_t) {

@@ -1,5 +1,5 @@
-// Mesa's software rasteriser, off screen and on one thread: OpenGL 2 with immediate vertices. It keeps a picture of its own and copies
-// it into the frame buffer at the end of a turn.
+// Mesa's software rasteriser, off screen and on one thread: OpenGL 2 with immediate vertices. It keeps a picture of its own and
+// copies it into the frame buffer at the end of a turn.
 #include "../scene.h"
 
 #include <GL/gl.h>
@@ -71,8 +71,8 @@ void make(const Work& work, Contenders& contenders)
 {
     const bool textured = work.kind == Kind::stretch || work.kind == Kind::corners || work.kind == Kind::triangle ||
                           work.kind == Kind::perspective || work.kind == Kind::table;
-    const bool colours = work.kind == Kind::flatTriangle || work.kind == Kind::gouraudTriangle || work.kind == Kind::gouraudRect ||
-                         work.kind == Kind::line || work.kind == Kind::fill;
+    const bool colours = work.kind == Kind::flatTriangle || work.kind == Kind::gouraudTriangle ||
+                         work.kind == Kind::gouraudRect || work.kind == Kind::line || work.kind == Kind::fill;
     if (!(textured && (work.blend == copy || work.blend == alpha)) && !colours)
         return;
     if (!context())
@@ -80,7 +80,8 @@ void make(const Work& work, Contenders& contenders)
     bind();
     const TextureName name = textured ? textureOf(work) : nullptr;
     const auto add = [&](auto draw) {
-        contenders.push_back(contender("osmesa", Role::peer, "queued; its own picture, copied at the end of a turn", work, draw, glFinish));
+        contenders.push_back(
+            contender("osmesa", Role::peer, "queued; its own picture, copied at the end of a turn", work, draw, glFinish));
         contenders.back().patience = 8;
         contenders.back().prepare = [name, blended = work.blend == alpha] {
             bind();

@@ -64,7 +64,9 @@ void make(const Work& work, Contenders& contenders)
     if (work.kind == Kind::flatTriangle) {
         std::vector<pixman_triangle_t> triangles;
         std::vector<Image> colours;
-        const auto point = [](const Vertex& v) { return pixman_point_fixed_t{pixman_int_to_fixed(v.x), pixman_int_to_fixed(v.y)}; };
+        const auto point = [](const Vertex& v) {
+            return pixman_point_fixed_t{pixman_int_to_fixed(v.x), pixman_int_to_fixed(v.y)};
+        };
         for (const Primitive& p : work.primitives) {
             triangles.push_back({point(p.vertex[0]), point(p.vertex[1]), point(p.vertex[2])});
             const auto channel = [c = p.color[0]](int shift) { return uint16_t((c >> shift & 255) * 257); };
@@ -79,7 +81,8 @@ void make(const Work& work, Contenders& contenders)
     const Operation operation = operationOf(work);
     if (!operation.known)
         return;
-    const bool opaque = work.blend == constAlpha || work.blend >= multiply || (work.blend == copy && work.content != Content::key);
+    const bool opaque =
+        work.blend == constAlpha || work.blend >= multiply || (work.blend == copy && work.content != Content::key);
     const Image source = opaque ? image(PIXMAN_x8r8g8b8, straight(work.content, work.textureSize))
                                 : image(PIXMAN_a8r8g8b8, premultiplied(work.content, work.textureSize));
     Image mask;

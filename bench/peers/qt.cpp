@@ -101,7 +101,8 @@ void make(const Work& work, Contenders& contenders)
     case Kind::blit:
         add(operation.note, [=](size_t i) {
             const Primitive& p = primitives[i];
-            painter->drawImage(QPoint(p.vertex[0].x, p.vertex[0].y), source, QRect(p.texelU(), p.texelV(), p.width(), p.height()));
+            painter->drawImage(QPoint(p.vertex[0].x, p.vertex[0].y), source,
+                               QRect(p.texelU(), p.texelV(), p.width(), p.height()));
         });
         break;
     case Kind::stretch:

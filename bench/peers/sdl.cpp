@@ -39,8 +39,8 @@ SDL_Rect rectOf(const Primitive& p) { return {p.vertex[0].x, p.vertex[0].y, p.wi
 
 SDL_Color colourOf(uint32_t c) { return {uint8_t(c >> 16), uint8_t(c >> 8), uint8_t(c), uint8_t(c >> 24)}; }
 
-// What the software renderer can: triangles, textured without filter or of colours, and lines. It queues; the queue is drawn at the
-// end of a turn.
+// What the software renderer can: triangles, textured without filter or of colours, and lines. It queues; the queue is drawn at
+// the end of a turn.
 void makeRenderer(const Work& work, const SurfacePointer& target, Contenders& contenders)
 {
     const std::shared_ptr<SDL_Renderer> renderer(SDL_CreateSoftwareRenderer(target.get()), SDL_DestroyRenderer);
@@ -70,7 +70,8 @@ void makeRenderer(const Work& work, const SurfacePointer& target, Contenders& co
         for (int v = 0; v < (rectangle ? 4 : 3); ++v) {
             const Vertex place = rectangle ? Vertex{p.vertex[v & 1].x, p.vertex[v >> 1].y, 0} : p.vertex[v];
             corner[v].position = {float(place.x), float(place.y)};
-            corner[v].color = textured ? SDL_Color{255, 255, 255, 255} : colourOf(p.color[work.kind == Kind::flatTriangle ? 0 : v]);
+            corner[v].color =
+                textured ? SDL_Color{255, 255, 255, 255} : colourOf(p.color[work.kind == Kind::flatTriangle ? 0 : v]);
             const float size = 65536.0f * float(work.textureSize);
             corner[v].tex_coord = {float(p.uv[v].u) / size, float(p.uv[v].v) / size};
         }

@@ -9,7 +9,10 @@ namespace bench {
 
 namespace {
 
-uint8_t* bytes(const Surface& surface, int x, int y) { return reinterpret_cast<uint8_t*>(surface.pixels + y * surface.width + x); }
+uint8_t* bytes(const Surface& surface, int x, int y)
+{
+    return reinterpret_cast<uint8_t*>(surface.pixels + y * surface.width + x);
+}
 
 void make(const Work& work, Contenders& contenders)
 {
@@ -59,34 +62,36 @@ void make(const Work& work, Contenders& contenders)
         if (work.blend == copy) {
             contenders.push_back(contender("libyuv", Role::peer, "no transparent test", work, [=](size_t i) {
                 const Primitive& p = primitives[i];
-                libyuv::ARGBScale(from(p), sourcePitch, p.sourceWidth(), p.sourceHeight(), to(p), targetPitch, p.width(), p.height(),
-                                  filter);
+                libyuv::ARGBScale(from(p), sourcePitch, p.sourceWidth(), p.sourceHeight(), to(p), targetPitch, p.width(),
+                                  p.height(), filter);
             }));
         } else if (work.blend == alpha) {
             const auto scaled = std::make_shared<std::vector<uint8_t>>(size_t(targetPitch) * frameSize);
-            contenders.push_back(contender("libyuv", Role::peer, "scaled, then blended; premultiplied source", work, [=](size_t i) {
-                const Primitive& p = primitives[i];
-                const int pitch = p.width() * 4;
-                libyuv::ARGBScale(from(p), sourcePitch, p.sourceWidth(), p.sourceHeight(), scaled->data(), pitch, p.width(),
-                                  p.height(), filter);
-                libyuv::ARGBBlend(scaled->data(), pitch, to(p), targetPitch, to(p), targetPitch, p.width(), p.height());
-            }));
+            contenders.push_back(
+                contender("libyuv", Role::peer, "scaled, then blended; premultiplied source", work, [=](size_t i) {
+                    const Primitive& p = primitives[i];
+                    const int pitch = p.width() * 4;
+                    libyuv::ARGBScale(from(p), sourcePitch, p.sourceWidth(), p.sourceHeight(), scaled->data(), pitch, p.width(),
+                                      p.height(), filter);
+                    libyuv::ARGBBlend(scaled->data(), pitch, to(p), targetPitch, to(p), targetPitch, p.width(), p.height());
+                }));
         }
     }
     if (work.kind == Kind::corners && work.blend == copy && !work.bilinear) {
         const auto& m = work.maps[0].m;
         const float stepU = float(m[0][0]), stepV = float(m[1][0]), downU = float(m[0][1]), downV = float(m[1][1]);
         const float startU = float(m[0][2]), startV = float(m[1][2]);
-        contenders.push_back(contender("libyuv", Role::less, "a row at a time, no bounds, no wrap, no transparent test", work, [=](size_t) {
-            for (int y = 0; y < frameSize; ++y) {
-                const float uv[4] = {startU + downU * float(y), startV + downV * float(y), stepU, stepV};
+        contenders.push_back(
+            contender("libyuv", Role::less, "a row at a time, no bounds, no wrap, no transparent test", work, [=](size_t) {
+                for (int y = 0; y < frameSize; ++y) {
+                    const float uv[4] = {startU + downU * float(y), startV + downV * float(y), stepU, stepV};
 #if defined(__x86_64__)
-                libyuv::ARGBAffineRow_SSE2(bytes(source, 0, 0), sourcePitch, bytes(target, 0, y), uv, frameSize);
+                    libyuv::ARGBAffineRow_SSE2(bytes(source, 0, 0), sourcePitch, bytes(target, 0, y), uv, frameSize);
 #else
                 libyuv::ARGBAffineRow_C(bytes(source, 0, 0), sourcePitch, bytes(target, 0, y), uv, frameSize);
 #endif
-            }
-        }));
+                }
+            }));
     }
 }
 
