@@ -1,0 +1,293 @@
+#include "families.h"
+
+#include "kernels/parts.h"
+#include "scene.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <numeric>
+
+namespace bench {
+
+namespace {
+
+using ninefold::Axes;
+
+constexpr int cell = 64;
+constexpr int cells = 64; // drawn in turn, so that the Shahei plane is free wherever a call draws
+
+struct Code {
+    Axes axes;
+    DrawFunc kernel;
+    std::string name;
+    double nanoseconds = 1e30; // the least of all rounds
+    double toFamily = 0;
+};
+
+// Codes that differ only in what happens to a pixel once its source is there.
+std::string familyOf(const Axes& axes)
+{
+    Axes family{};
+    family.shape = axes.shape, family.pers = axes.pers, family.filter = axes.filter, family.rectOpt = axes.rectOpt;
+    family.multi = 3;
+    std::string name = ninefold::nameOf(family);
+    const size_t blend = name.find(".copy");
+    return name.erase(blend, std::strlen(".copy"));
+}
+
+double pixelsOf(const Axes& axes) { return axes.shape == 0 ? cell - 1 : axes.shape == 1 ? cell * cell : cell * cell * 0.45; }
+
+Texture* mixedRule()
+{
+    static Texture* const rule = [] {
+        Texture* const made = CreateTexture(256, 256);
+        seed();
+        for (int i = 0; i < 256 * 256; ++i) // with the edge at 100 to 150, 30 % are outside and 30 % in it
+            made->pixels[i] = uint32_t(i % 10 < 3 ? random(101) : i % 10 < 6 ? 101 + random(49) : 150 + random(106));
+        return made;
+    }();
+    return rule;
+}
+
+void prepareFor(const Axes& axes)
+{
+    static Work work;
+    static std::vector<LineTableRecord> table(cell);
+    static std::vector<uint8_t> priorities;
+    work.content = Content::sprite;
+    work.textureSize = axes.rectOpt == 6 ? frameSize : 256; // whose zero-pixel map lies under the whole frame
+    prepareState(work);
+    if (priorities.empty())
+        for (int i = 0; i < frameSize * frameSize; ++i)
+            priorities.push_back(uint8_t(random(10) < 6 ? 128 : 50));
+    rs.zBuffer = priorities.data();
+    std::memset(rs.shaheiPlane, 0, frameSize * frameSize / 8);
+    SetPresetDrawMask(127);
+    rs.tex1 = texture(Content::soft, 256);
+    rs.tex2 = mixedRule();
+    rs.ruleThreshold = 100, rs.ruleWidth = 50, rs.ruleCurve = 0;
+    SetPrescaleMultiMode(0);
+    SetBlendModeMulti(7);
+    SetBlendMode(16); // what blend 12 calls
+    // 0.75 texels a pixel, 2.5 where there are levels to choose.
+    const bool levels = axes.filter >= 2 && axes.filter <= 5;
+    const int32_t across = int32_t((levels ? 2.5 : 0.75) * cell * 65536);
+    const TexCoord corner[4] = {{3 << 16, 5 << 16}, {(3 << 16) + across, 9 << 16}, {7 << 16, (5 << 16) + across},
+                                {(3 << 16) + across, (5 << 16) + across}};
+    for (int i = 0; i < 4; ++i) {
+        const bool diagonal = axes.shape == 1 && axes.rectOpt != 2;
+        rs.uv0[i] = rs.uv1[i] = corner[diagonal && i == 1 ? 3 : i];
+        rs.color[i] = 0xFF204060u + uint32_t(i) * 0x302010u;
+    }
+    rs.uv2[0] = {0, 0}, rs.uv2[1] = {cell << 16, cell << 16}, rs.uv2[2] = {0, cell << 16};
+    for (int y = 0; y < cell; ++y)
+        table[size_t(y)] = {3 << 16, y << 16, (3 << 16) + across, (y + 4) << 16};
+    rs.lineTable0 = rs.lineTable1 = table.data();
+}
+
+double timed(const Code& code)
+{
+    prepareFor(code.axes);
+    static const std::vector<int> places = [] {
+        std::vector<int> all(frameSize / cell * (frameSize / cell));
+        std::iota(all.begin(), all.end(), 0);
+        seed();
+        for (size_t i = all.size() - 1; i > 0; --i)
+            std::swap(all[i], all[size_t(random(int(i + 1)))]);
+        all.resize(cells);
+        return all;
+    }();
+    Contender draws{"", Role::ours, "", {}, [&](long calls) {
+                        for (long i = 0; i < calls; ++i) {
+                            const int x = places[size_t(i)] % (frameSize / cell) * cell,
+                                      y = places[size_t(i)] / (frameSize / cell) * cell;
+                            if (code.axes.shape == 1) {
+                                rs.vertex[0] = {x, y, 0}, rs.vertex[1] = {x + cell, y + cell, 0};
+                                if (code.axes.rectOpt == 6)
+                                    rs.uv0[0] = {x << 16, y << 16};
+                            } else if (code.axes.shape == 2) {
+                                rs.vertex[0] = {x, y, 1000}, rs.vertex[1] = {x + 63, y + 13, 1400},
+                                rs.vertex[2] = {x + 8, y + 63, 2000};
+                            } else {
+                                rs.vertex[0] = {x, y + 10, 0}, rs.vertex[1] = {x + 63, y + 50, 0};
+                            }
+                            code.kernel();
+                        }
+                    }};
+    return secondsOf(draws, cells) * 1e9 / cells;
+}
+
+double medianOf(std::vector<double> values)
+{
+    std::nth_element(values.begin(), values.begin() + long(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace
+
+int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, const std::filesystem::path& csv)
+{
+    std::vector<Code> codes;
+    ninefold::forEachCombination([&](const Axes& axes) {
+        const std::string name = ninefold::nameOf(axes);
+        const auto matches = [&](const std::string& filter) { return name.find(filter) != std::string::npos; };
+        if (filters.empty() || std::any_of(filters.begin(), filters.end(), matches))
+            codes.push_back({axes, SearchDrawFunc(ninefold::codeOf(axes)), name});
+    });
+    if (codes.empty()) {
+        std::fprintf(
+            stderr,
+            "bench: no code's name contains that; names read like rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale\n");
+        return 2;
+    }
+    ninefold::useSet(ninefold::bestSet());
+    fillFrame();
+    const int rounds = std::max(effort.rounds / 5, 2);
+    for (int round = 0; round < rounds; ++round)
+        for (Code& code : codes)
+            code.nanoseconds = std::min(code.nanoseconds, timed(code));
+
+    std::map<std::string, std::vector<double>> families;
+    for (const Code& code : codes)
+        families[familyOf(code.axes)].push_back(code.nanoseconds);
+    const auto rank = [&] {
+        for (Code& code : codes)
+            code.toFamily = code.nanoseconds / medianOf(families[familyOf(code.axes)]);
+        std::sort(codes.begin(), codes.end(), [](const Code& a, const Code& b) { return a.toFamily > b.toFamily; });
+    };
+    rank();
+    // What stands far out may have met something else on the machine: once more, longer.
+    for (int round = 0; round < 4 * rounds; ++round)
+        for (size_t i = 0; i < std::min<size_t>(codes.size(), 200); ++i)
+            codes[i].nanoseconds = std::min(codes[i].nanoseconds, timed(codes[i]));
+    rank();
+
+    std::printf("%-28s %7s %12s %10s %10s\n", "family, 64x64", "codes", "median ns", "ns/px", "slowest");
+    for (auto& [name, times] : families) {
+        const auto of =
+            std::find_if(codes.begin(), codes.end(), [&, family = name](const Code& c) { return familyOf(c.axes) == family; });
+        std::printf("%-28s %7zu %12.0f %10.3f %9.2fx\n", name.c_str(), times.size(), medianOf(times),
+                    medianOf(times) / pixelsOf(of->axes), of->toFamily);
+    }
+    std::printf("\nthe slowest against the median of their family\n");
+    for (size_t i = 0; i < std::min<size_t>(codes.size(), 20); ++i)
+        std::printf("%-56s 0x%07X %10.0f ns %6.2fx\n", codes[i].name.c_str(), ninefold::codeOf(codes[i].axes),
+                    codes[i].nanoseconds, codes[i].toFamily);
+
+    std::ofstream out(csv);
+    out << "code,name,ns_per_call,to_family\n";
+    for (const Code& code : codes)
+        out << ninefold::codeOf(code.axes) << ',' << code.name << ',' << code.nanoseconds << ',' << code.toFamily << '\n';
+    std::printf("written: %s\n", csv.c_str());
+    return 0;
+}
+
+int timeScale(const std::vector<std::string>& filters, const Effort& effort)
+{
+    struct Row {
+        const char* name;
+        Axes axes;
+    };
+    const auto axes = [](int shape, int rectOpt, int filter, Blend blend) {
+        Axes a{};
+        a.shape = uint8_t(shape), a.rectOpt = uint8_t(rectOpt), a.filter = uint8_t(filter), a.blend = blend, a.multi = 3;
+        return a;
+    };
+    Axes perspective = axes(2, 7, 0, copy), gated = axes(1, 0, 0, alpha), rule = axes(1, 0, 0, copy);
+    perspective.pers = 1, gated.shahei = 5, rule.rule = 1;
+    const Row rows[] = {{"flat", axes(1, 7, 6, copy)},
+                        {"unit.copy", axes(1, 0, 0, copy)},
+                        {"unit.alpha", axes(1, 0, 0, alpha)},
+                        {"unit.alpha.z+mask", gated},
+                        {"unit.copy.rule", rule},
+                        {"stretch.point.alpha", axes(1, 1, 0, alpha)},
+                        {"stretch.bilinear.alpha", axes(1, 1, 1, alpha)},
+                        {"corners.point.alpha", axes(1, 2, 0, alpha)},
+                        {"gouraud", axes(1, 7, 7, copy)},
+                        {"triangle.flat", axes(2, 7, 6, copy)},
+                        {"triangle.point.copy", axes(2, 7, 0, copy)},
+                        {"triangle.bilinear.alpha", axes(2, 7, 1, alpha)},
+                        {"triangle.gouraud", axes(2, 7, 7, copy)},
+                        {"perspective.point.copy", perspective}};
+    constexpr int sizes[] = {64, 128, 256, 512, 1024, 2048, 4096};
+    std::vector<Texture*> frames;
+    for (int size : sizes) {
+        frames.push_back(CreateTexture(unsigned(size), unsigned(size)));
+        ClearTexture(frames.back());
+    }
+    std::vector<uint8_t> priorities(size_t(sizes[6]) * sizes[6], 128);
+
+    const auto prepare = [&](const Row* row, size_t frame) {
+        if (row)
+            prepareFor(row->axes);
+        SetFrameBuffer(frames[frame]);
+        SetPresetDrawMask(127);
+        const int size = sizes[frame];
+        rs.clipRight = rs.clipBottom = size;
+        rs.zBuffer = priorities.data();
+        // 0.75 texels a pixel at every size; the texture wraps.
+        const int32_t across = size * 49152, whole = size << 16;
+        const bool triangle = row && row->axes.shape == 2;
+        rs.vertex[0] = {0, 0, 1000}, rs.vertex[2] = {size / 5, size, 2000};
+        rs.vertex[1] = triangle ? Vertex{size, size / 4, 1400} : Vertex{size, size, 0};
+        rs.uv0[0] = {0, 0}, rs.uv0[1] = {across, row && row->axes.rectOpt == 1 ? across : 0}, rs.uv0[2] = {0, across};
+        rs.uv0[3] = {across, across};
+        rs.uv2[0] = {0, 0}, rs.uv2[1] = {whole, whole}, rs.uv2[2] = {0, whole};
+        ninefold::useSet(ninefold::bestSet());
+    };
+    std::printf("%-26s", "ns/px");
+    for (int size : sizes)
+        std::printf(" %8d", size);
+    std::printf("  worst/best\n");
+    const auto print = [&](const std::string& name, double share, const Contenders& contenders) {
+        const std::vector<Measured> all = measure(contenders, effort);
+        std::printf("%-26s", name.c_str());
+        double least = 1e30, most = 0;
+        for (size_t i = 0; i < all.size(); ++i) {
+            const double cost = all[i].median() / (double(sizes[i]) * sizes[i] * share);
+            std::printf(" %8.4f", cost);
+            least = std::min(least, cost), most = std::max(most, cost);
+        }
+        std::printf(" %8.2f\n", most / least);
+        std::fflush(stdout);
+    };
+    bool any = false;
+    for (const Row& row : rows) {
+        const auto matches = [&](const std::string& filter) { return std::string(row.name).find(filter) != std::string::npos; };
+        if (!filters.empty() && std::none_of(filters.begin(), filters.end(), matches))
+            continue;
+        any = true;
+        Contenders contenders;
+        for (size_t i = 0; i < frames.size(); ++i)
+            contenders.push_back({row.name, Role::ours, "", [=, &row] { prepare(&row, i); },
+                                  [kernel = SearchDrawFunc(ninefold::codeOf(row.axes))](long calls) {
+                                      for (long n = 0; n < calls; ++n)
+                                          kernel();
+                                  }});
+        print(row.name, row.axes.shape == 2 ? 0.475 : 1, contenders);
+    }
+    if (!any) {
+        std::fprintf(stderr, "bench: no kernel of --scale has a name that contains that\n");
+        return 2;
+    }
+    // Caches alone.
+    Contenders contenders;
+    for (size_t i = 0; i < frames.size(); ++i)
+        contenders.push_back({"memcpy", Role::memcpy, "", {}, [=](long calls) {
+                                  const Surface source = straight(Content::sprite, 256);
+                                  for (long n = 0; n < calls; ++n)
+                                      for (int at = 0; at < sizes[i] * sizes[i]; at += 64 * 256)
+                                          std::memcpy(frames[i]->pixels + at, source.pixels + at % (256 * 256),
+                                                      std::min(64 * 256, sizes[i] * sizes[i]) * 4);
+                              }});
+    print("memcpy", 1, contenders);
+    for (Texture* frame : frames)
+        DeleteTexture(frame);
+    SetFrameBuffer(frameBuffer());
+    return 0;
+}
+
+} // namespace bench

@@ -1,0 +1,25 @@
+// What the files of jobs share.
+#pragma once
+
+#include "bench.h"
+
+namespace bench {
+
+constexpr int smallTexture = 256;
+constexpr int smallPrimitives = 64; // drawing positions of small primitives, in turn
+
+ninefold::Axes axesOf(int shape, int rectOpt, int filter, Blend blend);
+
+// `count` rectangles of that size at random places of the frame (one that is as large lies at 0, 0), from random places of a
+// texture, `scale` texels a pixel.
+std::vector<Primitive> rectangles(int count, int width, int height, int textureSize, double scale);
+
+// Work and size of a rectangle of size by size pixels: one over the whole frame, else small ones in turn, per call.
+Job rectangleJob(const std::string& name, Kind kind, const ninefold::Axes& axes, Content content, int size, double scale = 1);
+
+void addSpriteJobs(std::vector<Job>& jobs); // unit scale and stretched rectangles
+void addShapeJobs(std::vector<Job>& jobs);  // quads, triangles, lines, colours
+void addOwnJobs(std::vector<Job>& jobs);    // what no peer has, against yardsticks
+void addGlyphJobs(std::vector<Job>& jobs);
+
+} // namespace bench

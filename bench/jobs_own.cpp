@@ -1,0 +1,417 @@
+// What no peer has, against yardsticks: the least it can cost, or another kernel of ours.
+#include "jobs.h"
+#include "scene.h"
+#include "yardsticks.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstring>
+#include <memory>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace bench {
+
+namespace {
+
+using ninefold::Axes;
+
+volatile uint32_t sink;  // what yardsticks have read
+DrawFunc volatile found; // what look-ups have given
+
+// The shapes over the whole frame that gates and rules are tried on.
+struct Shape {
+    const char* name;
+    Kind kind;
+    Axes axes;
+    Content content;
+    double scale;
+};
+
+std::vector<Shape> shapes()
+{
+    Axes perspective = axesOf(2, 7, 1, copy);
+    perspective.pers = 1;
+    return {{"unit.copy", Kind::blit, axesOf(1, 0, 0, copy), Content::opaque, 1},
+            {"flat", Kind::fill, axesOf(1, 7, 6, copy), Content::opaque, 1},
+            {"bilinear.copy", Kind::stretch, axesOf(1, 1, 1, copy), Content::opaque, 2 / 3.0},
+            {"rotated.point.copy", Kind::corners, axesOf(1, 2, 0, copy), Content::opaque, 1},
+            {"perspective.bilinear.copy", Kind::perspective, perspective, Content::opaque, 1}};
+}
+
+Job shapeJob(const std::string& prefix, const Shape& shape)
+{
+    Job job = rectangleJob(prefix + shape.name, shape.kind, shape.axes, shape.content, frameSize, shape.scale);
+    Primitive& p = job.work.primitives[0];
+    if (shape.kind == Kind::corners || shape.kind == Kind::perspective) {
+        // Turned a little, depths from near to far.
+        p.uv[0] = {100 << 16, 20 << 16}, p.uv[1] = {900 << 16, 120 << 16}, p.uv[2] = {20 << 16, 800 << 16};
+        p.uv[3] = {820 << 16, 900 << 16};
+        p.vertex[0].z = 10000, p.vertex[2].z = 12000, p.vertex[3].z = 15000, p.vertex[1].z = 20000;
+    }
+    job.ownOnly = true;
+    return job;
+}
+
+// The same work by another kernel, for yardsticks.
+std::shared_ptr<Job> besides(const Job& job, const Axes& axes)
+{
+    const auto other = std::make_shared<Job>();
+    other->work = job.work;
+    other->axes = axes;
+    return other;
+}
+
+std::vector<Span> frameSpans()
+{
+    std::vector<Span> spans;
+    for (int y = 0; y < frameSize; ++y)
+        spans.push_back({y, 0, frameSize});
+    return spans;
+}
+
+// The rule texture of one value over the whole frame, at one texel a pixel.
+std::function<void()> ruleSetup(int value)
+{
+    return [value] {
+        rs.tex2 = ruleTexture(value);
+        rs.uv2[0] = {0, 0}, rs.uv2[1] = {frameSize << 16, frameSize << 16};
+        rs.ruleThreshold = 100, rs.ruleWidth = 50, rs.ruleCurve = 0;
+    };
+}
+
+void addRules(std::vector<Job>& jobs)
+{
+    struct Place {
+        const char* name;
+        int value;
+    };
+    for (const Place& place : {Place{"outside", 50}, Place{"edge", 125}, Place{"inside", 200}})
+        for (const Shape& shape : shapes()) {
+            Job job = shapeJob(std::string("rule.") + place.name + ".", shape);
+            job.axes.rule = 1;
+            job.setup = ruleSetup(place.value);
+            job.refused = place.value == 50;
+            job.goal = job.refused ? 1.3 : 0;
+            // Outside nothing but the rule needs to be read; elsewhere the kernel without a rule is drawn as well.
+            job.more = [plain = besides(job, shape.axes), value = place.value](Contenders& contenders) {
+                const bool drawn = value > 100;
+                const Contender kernel = kernelAs("", Role::yardstick, *plain, plain->axes, {});
+                contenders.push_back({drawn ? "no rule + read" : "read rule", Role::yardstick, "", kernel.prepare,
+                                      [=, spans = frameSpans()](long calls) {
+                                          for (long i = 0; i < calls; ++i) {
+                                              sink = readRuleValues(ruleTexture(value)->pixels, spans, 100);
+                                              if (drawn)
+                                                  kernel.run(1);
+                                          }
+                                      }});
+            };
+            jobs.push_back(job);
+        }
+}
+
+void addGates(std::vector<Job>& jobs)
+{
+    for (const Shape& shape : shapes()) {
+        Job plane = shapeJob("taken.", shape);
+        plane.axes.shahei = 1;
+        plane.setup = [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); };
+        plane.goal = 1.3;
+        plane.refused = true;
+        plane.more = [](Contenders& contenders) {
+            contenders.push_back({"read plane", Role::yardstick, "",
+                                  [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); },
+                                  [spans = frameSpans()](long calls) {
+                                      for (long i = 0; i < calls; ++i)
+                                          sink = readPlane(rs.shaheiPlane, spans);
+                                  }});
+        };
+        jobs.push_back(plane);
+    }
+    for (const Shape& shape : shapes()) {
+        Job priority = shapeJob("behind.", shape);
+        priority.axes.shahei = 3;
+        priority.axes.blend = alpha;
+        priority.setup = [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); };
+        priority.goal = 1.3;
+        priority.refused = true;
+        priority.more = [](Contenders& contenders) {
+            contenders.push_back({"read priorities", Role::yardstick, "",
+                                  [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); },
+                                  [spans = frameSpans()](long calls) {
+                                      for (long i = 0; i < calls; ++i)
+                                          sink = readPriorities(rs.zBuffer, spans, 100);
+                                  }});
+        };
+        jobs.push_back(priority);
+    }
+}
+
+// A second texture or a colour through a multi operator, in place of the frame buffer through the blend of that name.
+void addMulti(std::vector<Job>& jobs)
+{
+    struct Row {
+        const char* name;
+        int operation; // of SetBlendModeMulti and of the blend axis alike
+        int multi, bank;
+    };
+    constexpr Row rows[] = {{"tex1.alpha", 1, 0, 0},  {"tex1.constalpha", 2, 0, 0},   {"tex1.alphafast", 4, 0, 0},
+                            {"tex1.add", 5, 0, 0},    {"tex1.sub", 6, 0, 0},          {"tex1.mul", 7, 0, 0},
+                            {"tex1.mul2", 8, 0, 0},   {"tex1.screen", 9, 0, 0},       {"tex1.overlay", 10, 0, 0},
+                            {"tex1.merge", 11, 0, 0}, {"tex1.scaled.alpha", 1, 0, 1}, {"tex1.scaled.mul", 7, 0, 1},
+                            {"corners.mul", 7, 1, 0}, {"colour.alpha", 1, 2, 0},      {"colour.mul", 7, 2, 0}};
+    for (const Row& row : rows) {
+        Job job = rectangleJob(std::string("multi.") + row.name, Kind::blit, axesOf(1, 0, 0, copy), Content::opaque, frameSize);
+        job.axes.multi = uint8_t(row.multi);
+        job.ownOnly = true;
+        job.goal = 1.5;
+        job.setup = [row] {
+            rs.tex1 = texture(Content::soft, frameSize);
+            SetPrescaleMultiMode(row.bank);
+            SetBlendModeMulti(row.operation);
+        };
+        const auto blend = besides(job, axesOf(1, 0, 0, Blend(row.operation)));
+        blend->work.content = Content::soft;
+        job.more = [blend](Contenders& contenders) {
+            contenders.push_back(kernelAs("blend alone", Role::yardstick, *blend, blend->axes, {}));
+        };
+        jobs.push_back(job);
+    }
+}
+
+uint32_t hostOperator(uint32_t first, uint32_t second) { return first ^ (second & 0x00FFFFFF) ^ 0x5A; }
+PixelOperator volatile hostPointer = hostOperator; // so that the call stays a call
+
+void addCustom(std::vector<Job>& jobs)
+{
+    for (const bool multi : {false, true})
+        for (int size : {frameSize, 8}) {
+            Job job = rectangleJob(multi ? "custom.multi" : "custom.blend", Kind::blit, axesOf(1, 0, 0, multi ? copy : Blend(12)),
+                                   Content::opaque, size);
+            if (multi)
+                job.axes.multi = 0;
+            job.ownOnly = true;
+            job.goal = 1.1;
+            job.setup = [] {
+                rs.tex1 = rs.tex0;
+                rs.blendFunc = rs.multiFunc = hostOperator;
+            };
+            job.more = [size](Contenders& contenders) {
+                std::vector<Span> spans;
+                for (int y = 0; y < size; ++y)
+                    spans.push_back({y, 0, size});
+                contenders.push_back({"calls", Role::yardstick, "", {}, [spans](long calls) {
+                                          for (long i = 0; i < calls; ++i)
+                                              callPerPixel(frame().pixels, straight(Content::opaque, frameSize).pixels, spans,
+                                                           hostPointer);
+                                      }});
+            };
+            jobs.push_back(job);
+        }
+}
+
+// Against the same kernel without mip levels drawn twice, on the level and on the next.
+void addMip(std::vector<Job>& jobs)
+{
+    struct Row {
+        const char* name;
+        int shape, rectOpt, filter, plainFilter;
+        int multi;
+    };
+    constexpr Row rows[] = {{"mip.point.stretch", 1, 1, 2, 0, 3},     {"mip.point.mixed.stretch", 1, 1, 2, 0, 2},
+                            {"mip.bilinear.stretch", 1, 1, 5, 1, 3},  {"mip.point.triangles", 2, 7, 2, 0, 3},
+                            {"mip.point.mixed.triangles", 2, 7, 2, 0, 2}, {"mip.bilinear.triangles", 2, 7, 5, 1, 3}};
+    for (const Row& row : rows) {
+        Job job = rectangleJob(row.name, row.shape == 2 ? Kind::corners : Kind::stretch,
+                               axesOf(row.shape, row.rectOpt, row.filter, copy), Content::opaque, frameSize, 3);
+        Primitive& p = job.work.primitives[0];
+        if (row.shape == 2)
+            p.uv[3] = p.uv[1], p.uv[1].v = p.uv[0].v, p.uv[2] = {p.uv[0].u, p.uv[3].v};
+        job.axes.multi = uint8_t(row.multi);
+        job.work.bilinear = row.filter == 5;
+        job.work.mipmapped = true;
+        job.ownOnly = row.multi != 3;
+        job.work.maps = {{{{3, 0, double(p.texelU())}, {0, 3, double(p.texelV())}, {0, 0, 1}}}};
+        job.goal = 1.3;
+        job.setup = [] { rs.tex1 = nullptr, SetPrescaleMultiMode(0), SetBlendModeMulti(7); };
+        std::array<std::shared_ptr<Job>, 2> levels;
+        for (size_t i : {0, 1}) {
+            levels[i] = besides(job, axesOf(row.shape, row.rectOpt, row.plainFilter, copy));
+            levels[i]->axes.multi = uint8_t(i == 0 ? row.multi : 3);
+            for (TexCoord& uv : levels[i]->work.primitives[0].uv)
+                uv = {uv.u >> (i + 1), uv.v >> (i + 1)};
+        }
+        job.more = [levels, setup = job.setup](Contenders& contenders) {
+            std::array<Contender, 2> plain;
+            for (size_t i : {0, 1})
+                plain[i] = kernelAs("", Role::yardstick, *levels[i], levels[i]->axes, setup);
+            contenders.push_back({"two plain draws", Role::yardstick, "", plain[0].prepare, [=](long calls) {
+                                      const Texture* const base = texture(levels[0]->work.content, levels[0]->work.textureSize);
+                                      for (long n = 0; n < calls; ++n)
+                                          for (size_t i : {0, 1}) {
+                                              rs.tex0 = base->mip[i + 1];
+                                              plain[i].run(1);
+                                          }
+                                  }});
+        };
+        jobs.push_back(job);
+    }
+}
+
+void addRuns(std::vector<Job>& jobs)
+{
+    for (const Blend blend : {copy, alpha})
+        for (int size : {frameSize, 64}) {
+            Job job = rectangleJob(blend == copy ? "runs.copy" : "runs.alpha", Kind::blit, axesOf(1, 5, 0, blend),
+                                   Content::sparse, size);
+            for (Primitive& p : job.work.primitives)
+                p.vertex[0].x = std::max(p.vertex[0].x, size == frameSize ? 0 : 128), p.vertex[1].x = p.vertex[0].x + size;
+            job.note = "70 % transparent";
+            job.ownOnly = true;
+            job.more = [plain = besides(job, axesOf(1, 0, 0, blend))](Contenders& contenders) {
+                contenders.push_back(kernelAs("no map", Role::yardstick, *plain, plain->axes, {}));
+            };
+            jobs.push_back(job);
+        }
+}
+
+void addOcclusion(std::vector<Job>& jobs)
+{
+    struct Row {
+        const char* name;
+        DrawFunc kernel;
+        int pixelsPerByte;
+    };
+    constexpr Row rows[] = {{"occlusion.bytes", DrawZbufferPolygon, 1}, {"occlusion.bits", DrawShaheiPolygonSet, 8}};
+    for (const Row& row : rows)
+        for (const bool large : {true, false}) {
+            Job job;
+            job.name = std::string(row.name) + (large ? "/large" : "/30px");
+            job.kernel = row.kernel;
+            job.axes = axesOf(2, 7, 6, copy);
+            job.work.kind = Kind::flatTriangle;
+            job.perCall = !large;
+            job.ownOnly = true;
+            job.goal = 0;
+            Primitive p{};
+            if (large)
+                p.vertex[0] = {10, 5, 0}, p.vertex[1] = {1015, 240, 0}, p.vertex[2] = {230, 1018, 0};
+            else
+                p.vertex[0] = {300, 300, 0}, p.vertex[1] = {331, 308, 0}, p.vertex[2] = {309, 330, 0};
+            job.work.primitives = {p};
+            job.pixels = (double(p.vertex[1].x - p.vertex[0].x) * (p.vertex[2].y - p.vertex[0].y) -
+                          double(p.vertex[2].x - p.vertex[0].x) * (p.vertex[1].y - p.vertex[0].y)) /
+                         2;
+            job.more = [row, p, pixels = job.pixels](Contenders& contenders) {
+                const int rowsDrawn = p.vertex[2].y - p.vertex[0].y;
+                const size_t bytes = size_t(pixels) / size_t(rowsDrawn * row.pixelsPerByte);
+                contenders.push_back({"memset", Role::yardstick, "of as many bytes in as many rows", {}, [=](long calls) {
+                                          for (long i = 0; i < calls; ++i)
+                                              for (int y = 0; y < rowsDrawn; ++y)
+                                                  std::memset(rs.zBuffer + (p.vertex[0].y + y) * frameSize / row.pixelsPerByte +
+                                                                  p.vertex[0].x / row.pixelsPerByte,
+                                                              int(i), bytes);
+                                      }});
+            };
+            jobs.push_back(job);
+        }
+}
+
+void addLookUp(std::vector<Job>& jobs)
+{
+    for (const bool hit : {true, false}) {
+        Job job;
+        job.name = hit ? "lookup.hit" : "lookup.miss";
+        job.perCall = true;
+        job.budget = hit ? 5 : 25;
+        job.ownOnly = true;
+        job.more = [hit](Contenders& contenders) {
+            // Codes all over the catalogue, in random order, each unlike the one before.
+            std::vector<Axes> modes;
+            int n = 0;
+            ninefold::forEachCombination([&](const Axes& a) {
+                if (n++ % 480 == 0)
+                    modes.push_back(a);
+            });
+            seed();
+            for (size_t i = modes.size() - 1; i > 0; --i)
+                std::swap(modes[i], modes[size_t(random(int(i)))]);
+            modes.resize(64);
+            contenders.push_back({"ninefold/v1", Role::ours, "CreateDrawCode and SearchDrawFunc", {}, [modes, hit](long calls) {
+                                      for (long i = 0; i < calls; ++i) {
+                                          if (hit) { // nothing changes
+                                              found = SearchDrawFunc(CreateDrawCode());
+                                              continue;
+                                          }
+                                          const Axes& a = modes[size_t(i & 63)];
+                                          rs.persMode = a.pers, rs.ruleAlphaMode = a.rule, rs.prescaleMode = a.prescale;
+                                          rs.filterMode = a.filter, rs.rectOptMode = a.rectOpt, rs.shaheiMode = a.shahei;
+                                          rs.blendMode = a.blend, rs.multiMode = a.multi, rs.shapeMode = a.shape;
+                                          found = SearchDrawFunc(CreateDrawCode());
+                                      }
+                                  }});
+        };
+        jobs.push_back(job);
+    }
+}
+
+std::vector<double> startUpSamples;
+
+void addStartUp(std::vector<Job>& jobs)
+{
+    Job job;
+    job.name = "startup";
+    job.note = "the four calls in a fresh process";
+    job.perCall = true;
+    job.budget = 2e6;
+    job.ownOnly = true;
+    job.samples = startUpSamples;
+    jobs.push_back(job);
+}
+
+} // namespace
+
+void recordStartUp(int samples)
+{
+    for (int i = 0; i < samples; ++i) {
+        int ends[2];
+        if (pipe(ends) != 0)
+            return;
+        const pid_t child = fork();
+        if (child == 0) {
+            const auto start = std::chrono::steady_clock::now();
+            MakeUVLShiftTable();
+            MakeShaheiRunlengthTbl();
+            MakeDrawFuncTable();
+            MakeDrawMaskTable();
+            const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - start;
+            const double nanoseconds = time.count();
+            _exit(write(ends[1], &nanoseconds, sizeof nanoseconds) == sizeof nanoseconds ? 0 : 1);
+        }
+        close(ends[1]);
+        double nanoseconds;
+        if (child > 0 && read(ends[0], &nanoseconds, sizeof nanoseconds) == sizeof nanoseconds)
+            startUpSamples.push_back(nanoseconds);
+        close(ends[0]);
+        if (child > 0)
+            waitpid(child, nullptr, 0);
+    }
+}
+
+void addOwnJobs(std::vector<Job>& jobs)
+{
+    seed();
+    addRules(jobs);
+    addGates(jobs);
+    addMulti(jobs);
+    addCustom(jobs);
+    addMip(jobs);
+    addRuns(jobs);
+    addOcclusion(jobs);
+    addLookUp(jobs);
+    addStartUp(jobs);
+}
+
+} // namespace bench

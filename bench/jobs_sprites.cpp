@@ -1,0 +1,96 @@
+// Rectangles from a texture, at unit scale and stretched.
+#include "jobs.h"
+#include "scalar.h"
+#include "scene.h"
+
+namespace bench {
+
+namespace {
+
+struct UnitRow {
+    const char* name;
+    Blend blend;
+    Content content;
+    double goal;
+    DrawFunc scalar;
+};
+
+constexpr UnitRow unitRows[] = {
+    {"copy", copy, Content::key, 1, scalar::unitCopy},
+    {"alpha", alpha, Content::sprite, 1, scalar::unitAlpha},
+    {"alpha.soft", alpha, Content::soft, 1, scalar::unitAlpha},
+    {"constalpha", constAlpha, Content::opaque, 1, scalar::unitConstAlpha},
+    {"alphafast", alphaFast, Content::sprite, 1, scalar::unitAlphaFast},
+    {"add", add, Content::opaque, 1, scalar::unitAdd},
+    {"sub", subtract, Content::opaque, 1, nullptr},
+    {"mul", multiply, Content::opaque, 1, scalar::unitMul},
+    {"mul2", multiply2, Content::opaque, 1, nullptr},
+    {"screen", screen, Content::opaque, 0.5, scalar::unitScreen},
+    {"overlay", overlay, Content::opaque, 0.5, scalar::unitOverlay},
+    {"merge", merge, Content::opaque, 1, nullptr},
+};
+
+struct StretchRow {
+    const char* name;
+    int filter;
+    Blend blend;
+    double magnification;
+    DrawFunc scalar;
+    bool small; // also as sprites
+};
+
+constexpr StretchRow stretchRows[] = {
+    {"point.copy.x1.5", 0, copy, 1.5, scalar::pointCopy, true},
+    {"point.alpha.x1.5", 0, alpha, 1.5, scalar::pointAlpha, true},
+    {"bilinear.copy.x1.5", 1, copy, 1.5, scalar::bilinearCopy, true},
+    {"bilinear.alpha.x1.5", 1, alpha, 1.5, scalar::bilinearAlpha, true},
+    {"bilinear.copy.x0.7", 1, copy, 0.7, scalar::bilinearCopy, false},
+    {"bilinear.alpha.x0.7", 1, alpha, 0.7, scalar::bilinearAlpha, false},
+    {"bilinear.copy.x4", 1, copy, 4, scalar::bilinearCopy, false},
+    {"bilinear.alpha.x4", 1, alpha, 4, scalar::bilinearAlpha, false},
+};
+
+// Boxes as letters have them, out of an atlas.
+Job glyphJob()
+{
+    Job job = rectangleJob("unit.alpha", Kind::blit, axesOf(1, 0, 0, alpha), Content::soft, 16);
+    job.name = "unit.alpha/glyphs";
+    job.pixels = 0;
+    for (Primitive& p : job.work.primitives) {
+        const int width = 4 + random(11), height = 8 + random(11);
+        p = rectangles(1, width, height, smallTexture, 1)[0];
+        job.pixels += double(width) * height / smallPrimitives;
+    }
+    job.scalar = scalar::unitAlpha;
+    return job;
+}
+
+} // namespace
+
+void addSpriteJobs(std::vector<Job>& jobs)
+{
+    Job fill = rectangleJob("fill", Kind::fill, axesOf(1, 7, 6, copy), Content::opaque, frameSize);
+    fill.scalar = scalar::flatRect;
+    jobs.push_back(fill);
+    for (int size : {frameSize, 8, 16, 32})
+        for (const UnitRow& row : unitRows) {
+            seed();
+            Job job = rectangleJob(std::string("unit.") + row.name, Kind::blit, axesOf(1, 0, 0, row.blend), row.content, size);
+            job.goal = row.goal;
+            job.scalar = row.scalar;
+            jobs.push_back(job);
+        }
+    jobs.push_back(glyphJob());
+    for (int size : {frameSize, 8, 16, 32})
+        for (const StretchRow& row : stretchRows) {
+            if (size < frameSize && !row.small)
+                continue;
+            seed();
+            Job job = rectangleJob(row.name, Kind::stretch, axesOf(1, 1, row.filter, row.blend),
+                                   row.blend == copy ? Content::opaque : Content::sprite, size, 1 / row.magnification);
+            job.scalar = row.scalar;
+            jobs.push_back(job);
+        }
+}
+
+} // namespace bench

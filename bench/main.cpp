@@ -1,0 +1,149 @@
+// bench [OPTION] [FILTER...]: see usage.
+#include "check.h"
+#include "families.h"
+#include "report.h"
+#include "scene.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace bench {
+
+namespace {
+
+constexpr const char* usage =
+    "usage: bench [OPTION...] [FILTER...]\n"
+    "Times the library against other libraries, a plain loop and memcpy on the jobs whose name contains one of the filters\n"
+    "(default: all), and writes bench.csv and bench.html beside the program.\n"
+    "  --quick        shorter turns, fewer rounds\n"
+    "  --list         name the jobs and their contenders\n"
+    "  --families     every draw code on 64 by 64 pixels; filters are parts of the codes' names\n"
+    "  --scale        some kernels from 64 by 64 to 4096 by 4096 pixels\n"
+    "  --check[=DIR]  draw each job once by every contender and compare; write the frames into DIR\n";
+
+struct Options {
+    bool quick = false, list = false, check = false, families = false, scale = false;
+    std::filesystem::path pictures;
+    std::vector<std::string> filters;
+};
+
+int fail(const std::string& message)
+{
+    std::fprintf(stderr, "bench: %s\n%s", message.c_str(), usage);
+    return 2;
+}
+
+std::vector<std::pair<std::string, Maker>>& registered()
+{
+    static std::vector<std::pair<std::string, Maker>> all;
+    return all;
+}
+
+std::filesystem::path besideProgram(const char* name)
+{
+    return std::filesystem::canonical("/proc/self/exe").parent_path() / name;
+}
+
+int timeJobs(const std::vector<Job>& jobs, const Effort& effort)
+{
+    std::vector<Row> rows;
+    printHeading();
+    for (const Job& job : jobs) {
+        fillFrame();
+        std::vector<Measured> measured =
+            job.samples.empty() ? measure(contendersOf(job), effort)
+                                : std::vector<Measured>{{"ninefold/v1", job.note, Role::ours, job.samples}};
+        if (job.budget > 0)
+            measured.push_back({"budget", "", Role::yardstick, std::vector<double>(measured[0].nanoseconds.size(), job.budget)});
+        rows.push_back({job, std::move(measured)});
+        printRow(rows.back());
+    }
+    printSummary(rows);
+    writeCsv(rows, besideProgram("bench.csv"));
+    writePage(rows, besideProgram("bench.html"));
+    std::printf("written: %s\n", besideProgram("bench.html").c_str());
+    return 0;
+}
+
+int run(const Options& options)
+{
+    const Effort& effort = options.quick ? quick : thorough;
+    recordStartUp(options.list || options.check ? 0 : effort.rounds);
+    MakeUVLShiftTable();
+    MakeShaheiRunlengthTbl();
+    MakeDrawFuncTable();
+    MakeDrawMaskTable();
+    std::sort(registered().begin(), registered().end());
+    if (options.families)
+        return timeFamilies(options.filters, effort, besideProgram("families.csv"));
+    if (options.scale)
+        return timeScale(options.filters, effort);
+    if (options.check)
+        useSmoothPictures();
+
+    std::vector<Job> jobs;
+    for (Job& job : allJobs()) {
+        const auto matches = [&](const std::string& filter) { return job.name.find(filter) != std::string::npos; };
+        if (options.filters.empty() || std::any_of(options.filters.begin(), options.filters.end(), matches))
+            jobs.push_back(std::move(job));
+    }
+    if (jobs.empty())
+        return fail("no job's name contains that; see bench --list");
+
+    if (options.list) {
+        for (const Job& job : jobs) {
+            std::printf("%s:", job.name.c_str());
+            for (const Contender& contender : contendersOf(job))
+                std::printf(" %s", contender.name.c_str());
+            std::printf("\n");
+        }
+        return 0;
+    }
+    if (options.check) {
+        const int wrong = checkContenders(jobs, options.pictures);
+        if (wrong)
+            std::printf("%d contenders draw nothing or something else\n", wrong);
+        return wrong ? 1 : 0;
+    }
+    return timeJobs(jobs, effort);
+}
+
+int parse(int argc, char** argv)
+{
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--quick")
+            options.quick = true;
+        else if (argument == "--list")
+            options.list = true;
+        else if (argument == "--families")
+            options.families = true;
+        else if (argument == "--scale")
+            options.scale = true;
+        else if (argument == "--check" || argument.rfind("--check=", 0) == 0) {
+            options.check = true;
+            options.pictures = argument.substr(std::min(argument.size(), std::strlen("--check=")));
+        } else if (argument == "--help") {
+            std::fputs(usage, stdout);
+            return 0;
+        } else if (argument.empty() || argument[0] == '-')
+            return fail("unknown option '" + argument + "'");
+        else
+            options.filters.push_back(argument);
+    }
+    if (options.list + options.check + options.families + options.scale > 1)
+        return fail("--list, --check, --families and --scale exclude each other");
+    return run(options);
+}
+
+} // namespace
+
+Peer::Peer(const char* name, Maker make) { registered().emplace_back(name, make); }
+
+const std::vector<std::pair<std::string, Maker>>& peers() { return registered(); }
+
+} // namespace bench
+
+int main(int argc, char** argv) { return bench::parse(argc, argv); }

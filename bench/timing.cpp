@@ -1,0 +1,89 @@
+#include "timing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ctime>
+
+namespace bench {
+
+namespace {
+
+// Processor time of all threads together: what others run meanwhile does not count, and a peer that took a second thread would
+// not gain by it.
+double now()
+{
+    timespec time;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
+}
+
+void prepare(const Contender& contender)
+{
+    if (contender.prepare)
+        contender.prepare();
+}
+
+double medianOf(std::vector<double> values)
+{
+    const auto middle = values.begin() + long(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+// Calls that fill a turn, a multiple of 64 where there are that many, so that each turn draws every primitive alike.
+long callsFor(const Contender& contender, double batchSeconds)
+{
+    long calls = 1;
+    double seconds = secondsOf(contender, calls);
+    for (; seconds < batchSeconds / 4 && calls < 1L << 40; seconds = secondsOf(contender, calls))
+        calls *= seconds < batchSeconds / 64 ? 16 : 2;
+    calls = std::max(1L, long(double(calls) * batchSeconds / seconds));
+    return calls < 64 ? calls : (calls + 63) / 64 * 64;
+}
+
+} // namespace
+
+double secondsOf(const Contender& contender, long calls)
+{
+    const double start = now();
+    contender.run(calls);
+    return now() - start;
+}
+
+double Measured::median() const { return medianOf(nanoseconds); }
+double Measured::least() const { return *std::min_element(nanoseconds.begin(), nanoseconds.end()); }
+
+double ratio(const Measured& a, const Measured& b)
+{
+    std::vector<double> ratios(a.nanoseconds.size());
+    for (size_t i = 0; i < ratios.size(); ++i)
+        ratios[i] = a.nanoseconds[i] / b.nanoseconds[i];
+    return medianOf(std::move(ratios));
+}
+
+// A loop of our own and no benchmark library: those measure one contender to its end before the next, or shuffle whole
+// repetitions of seconds. Clocks and neighbours change faster than that, so here every contender has a turn of a millisecond in
+// every round, and what counts is the ratio of two turns of the same round.
+std::vector<Measured> measure(const Contenders& contenders, const Effort& effort)
+{
+    std::vector<Measured> all;
+    std::vector<long> calls;
+    for (const Contender& contender : contenders) {
+        all.push_back({contender.name, contender.note, contender.role, {}});
+        prepare(contender);
+        contender.run(1); // first calls compile, allocate, fault pages in
+        calls.push_back(callsFor(contender, effort.batchSeconds * contender.patience));
+    }
+    for (int round = 0; round < effort.rounds; ++round)
+        for (size_t turn = 0; turn < contenders.size(); ++turn) {
+            // Another one begins each round, and the direction changes, so that nobody always runs after the same neighbour.
+            const size_t step = round % 2 ? contenders.size() - 1 - turn : turn;
+            const size_t i = (step + size_t(round)) % contenders.size();
+            prepare(contenders[i]);
+            contenders[i].run(std::clamp(calls[i] / 8, 1L, 64L)); // caches and predictors
+            all[i].nanoseconds.push_back(secondsOf(contenders[i], calls[i]) * 1e9 / double(calls[i]));
+        }
+    return all;
+}
+
+} // namespace bench
