@@ -22,6 +22,27 @@ bool crcTableMade;
 uint32_t cachedCode;
 DrawFunc cachedFunc;
 
+[[gnu::always_inline]] inline uint32_t packed(uint32_t pers, uint32_t rule, uint32_t prescale, uint32_t filter, uint32_t rectOpt,
+                                              uint32_t shahei, uint32_t blend, uint32_t multi, uint32_t shape)
+{
+    const bool colours = filter == 6 || filter == 7;
+    if (shape == 0 || shape == 2 || (shape == 1 && colours))
+        rectOpt = 7;
+    if (shape == 0 || colours)
+        multi = 3, pers = 0;
+    if (shape != 2)
+        pers = 0;
+    // Values too wide for their field spill to the left.
+    uint32_t code = pers << 1 | rule;
+    code = code << 1 | prescale;
+    code = code << 4 | filter;
+    code = code << 3 | rectOpt;
+    code = code << 3 | shahei;
+    code = code << 5 | blend;
+    code = code << 2 | multi;
+    return code << 8 | shape | 0x68;
+}
+
 uint32_t hashOf(uint32_t code)
 {
     uint32_t crc = ~0u;
@@ -58,30 +79,15 @@ using namespace ninefold;
 unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei, long blend, long multi,
                                 long shape)
 {
-    const uint32_t f = uint32_t(filter), s = uint32_t(shape);
-    const bool colours = f == 6 || f == 7;
-    if (s == 0 || s == 2 || (s == 1 && colours))
-        rectOpt = 7;
-    if (s == 0 || colours)
-        multi = 3, pers = 0;
-    if (s != 2)
-        pers = 0;
-    // Values too wide for their field spill to the left.
-    uint32_t code = uint32_t(pers);
-    code = code << 1 | uint32_t(rule);
-    code = code << 1 | uint32_t(prescale);
-    code = code << 4 | f;
-    code = code << 3 | uint32_t(rectOpt);
-    code = code << 3 | uint32_t(shahei);
-    code = code << 5 | uint32_t(blend);
-    code = code << 2 | uint32_t(multi);
-    return code << 8 | s | 0x68;
+    return packed(uint32_t(pers), uint32_t(rule), uint32_t(prescale), uint32_t(filter), uint32_t(rectOpt), uint32_t(shahei),
+                  uint32_t(blend), uint32_t(multi), uint32_t(shape));
 }
 
 unsigned long CreateDrawCode(void)
 {
-    return CreateDrawCodeSub(rs.persMode, rs.ruleAlphaMode, rs.prescaleMode, rs.filterMode, rs.rectOptMode, rs.shaheiMode,
-                             rs.blendMode, rs.multiMode, rs.shapeMode);
+    return packed(uint32_t(rs.persMode), uint32_t(rs.ruleAlphaMode), uint32_t(rs.prescaleMode), uint32_t(rs.filterMode),
+                  uint32_t(rs.rectOptMode), uint32_t(rs.shaheiMode), uint32_t(rs.blendMode), uint32_t(rs.multiMode),
+                  uint32_t(rs.shapeMode));
 }
 
 void MakeDrawFuncTable(void)
@@ -107,6 +113,8 @@ DrawFunc SearchDrawFunc(unsigned long drawCode)
     // By the two low bits: the flat line, the unit-scale copy, the plain textured triangle.
     static constexpr uint32_t defaults[] = {0xDC0368, 0x369, 0x1C036A};
     uint32_t code = uint32_t(drawCode);
+    if (code == cachedCode)
+        return cachedFunc;
     for (bool isDefault = false;; isDefault = true) {
         if (code == cachedCode)
             return cachedFunc;

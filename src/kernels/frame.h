@@ -87,8 +87,8 @@ public:
             if constexpr (!hasColour(multi))
                 second = set.seconds[ids.second()];
             if constexpr (hasColour(multi))
-                for (uint32_t& word : chunk.second)
-                    word = rs.color[0];
+                for (int k = 0; k < 16; ++k)
+                    chunk.second[k] = rs.color[0];
         }
         if (ids.custom()) {
             const int op = ops::operatorIndex(rs.blendFunc);
@@ -96,10 +96,14 @@ public:
             chunk.blendFunc = rs.blendFunc;
             chunk.blendRow = hostBlend ? set.hostOperator : set.operators[wide][op];
         }
-        fused = nullptr;
-        if constexpr (multi == Multi::none)
-            if (ids.fused() && !overlap && rs.blendAlpha <= 255)
-                fused = set.spans[ids.fused() - 1];
+        refused = set.refused[ids.front() % uint32_t(Gate::count)];
+        fused[0] = nullptr;
+        if constexpr (multi == Multi::none) {
+            if (ids.fused() && !overlap && rs.blendAlpha <= 255) {
+                const uint32_t index = ids.fused() - 1;
+                fused[0] = set.upTo4->spans[index], fused[1] = set.upTo8->spans[index], fused[2] = set.spans[index];
+            }
+        }
         step = overlap || (hostMulti && hostBlend) ? 1 : Chunk::size;
         literal = overlap && ids.marks() != Marks::none;
     }
@@ -108,8 +112,8 @@ public:
     void draw(const Span& s, int first, int n)
     {
         if constexpr (multi == Multi::none) {
-            if (fused) {
-                fused(s, first, n);
+            if (fused[0]) {
+                fused[(n > 4) + (n > 8)](s, first, n);
                 return;
             }
         }
@@ -117,12 +121,15 @@ public:
             drawWords(s, n);
             return;
         }
-        for (; n > 0; first += step, n -= step) {
-            const int count = n < step ? n : step;
+        while (n > 0) {
+            int count = n < step ? n : step;
             if (front(s, first, count, chunk)) {
                 combine(s, first, count);
                 back(s, first, count, chunk);
+            } else if (refused && count < n) { // what a gate refuses comes in long runs
+                count += refused(s, first + count, n - count);
             }
+            first += count, n -= count;
         }
     }
 
@@ -138,7 +145,7 @@ private:
                 second(s, first, n, chunk);
             // A host's operator is called even where nothing of it is kept.
             multiRow(rs.multiFunc, isUnused(multi) ? chunk.other : chunk.source, chunk.source, chunk.second,
-                     hasSecond(multi) ? chunk.valid : chunk.live, n);
+                     hasColour(multi) ? 0 : -1, hasSecond(multi) ? chunk.valid : chunk.live, n);
         }
     }
 
@@ -189,7 +196,8 @@ private:
     Mid second;
     Back back;
     RowOperator multiRow;
-    FusedSpan fused;
+    FusedSpan fused[3]; // for spans of up to 4, up to 8 and more pixels
+    Refused refused;
     int step;
     bool callMulti;
     bool literal;

@@ -31,17 +31,18 @@ template <uint32_t code>
 constexpr FrameFunction frameOf()
 {
     constexpr Plan p = planOfCode(code);
-    if constexpr (p.frame == Frame::lineFlat || p.frame == Frame::lineGouraud)
-        return drawLine<p.frame == Frame::lineGouraud, p.gate, p.marks>;
-    else
-        return drawFrame<p.frame, p.multi, p.rule != Rule::none, p.marksPlane()>;
+    return drawFrame<p.frame, p.multi, p.rule != Rule::none, p.marksPlane()>;
 }
 
 // The kernel that draws a combination by itself; for driven ones the kernel that draws from mip levels.
 template <uint32_t code>
 constexpr DrawFunc ownKernel()
 {
-    return kernel<frameOf<code>(), partIds(planOfCode(code)).word>;
+    constexpr Axes a = axesOf(code);
+    if constexpr (a.shape == 0) // constant alpha does not read what prescale changes
+        return drawLine<a.filter == 7, a.shahei, a.blend, a.prescale && a.blend != 2>;
+    else
+        return kernel<frameOf<code>(), partIds(planOfCode(code)).word>;
 }
 
 // The kernel that the table names for a code of the catalogue.

@@ -135,6 +135,9 @@ struct SetTable {
     RowOperator hostOperator;
     const Block* blocks;     // by fusedIndex of blockFetches, less 1
     const FusedSpan* spans;  // by fusedIndex of spanFetches, less 1
+    Refused refused[int(Gate::count)];
+    // The sets with which spans of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are gathered.
+    const SetTable *upTo8, *upTo4;
 };
 
 // The sets of this machine's architecture, baseline first.

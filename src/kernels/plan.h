@@ -27,8 +27,6 @@ enum class Frame : uint8_t {
     trianglePersLevels,
     triangleFlat,
     triangleGouraud,
-    lineFlat,
-    lineGouraud,
 };
 
 // The multi stage. "Unused": the operator is called and its result dropped.
@@ -76,17 +74,14 @@ constexpr bool drawsBlocks(Frame f)
 
 constexpr int fusedIndex(const Plan& p)
 {
-    if (p.multi != Multi::none || p.rule != Rule::none || p.prescale || p.marksPlane() || p.frame == Frame::lineFlat ||
-        p.frame == Frame::lineGouraud)
+    if (p.multi != Multi::none || p.rule != Rule::none || p.prescale || p.marksPlane())
         return 0;
     return drawsBlocks(p.frame) ? fusedIndex(blockFetches, p.fetch, p.gate, p.blend)
                                 : fusedIndex(spanFetches, p.fetch, p.gate, p.blend);
 }
 
-constexpr PartIds partIds(Plan p)
+constexpr PartIds partIds(const Plan& p)
 {
-    if (p.frame == Frame::lineFlat || p.frame == Frame::lineGouraud) // gates and marks are the frame's
-        p.gate = Gate::none, p.marks = Marks::none;
     return {uint64_t(fusedIndex(p)) << 32 | uint32_t(frontIndex(p.fetch, p.rule, p.gate)) | uint32_t(p.second) << 9 |
             uint32_t(backIndex(p.prescale, p.blend, p.rule != Rule::none, p.marks)) << 14 | uint32_t(p.marks) << 22 |
             uint32_t(p.blend == 12) << 24 | uint32_t(marksRun(p)) << 25};
@@ -218,7 +213,7 @@ constexpr Plan planOfTriangle(const Axes& a, Plan p)
     return p;
 }
 
-// The kernel of a combination; for driven ones the kernel that draws from mip levels.
+// The kernel of a rectangle or triangle; for driven ones the kernel that draws from mip levels. Lines have no parts.
 constexpr Plan planOf(const Axes& a)
 {
     constexpr Gate gates[] = {Gate::none, Gate::plane, Gate::plane, Gate::z, Gate::mask, Gate::zMask};
@@ -228,14 +223,7 @@ constexpr Plan planOf(const Axes& a)
     p.marks = a.shahei == 1 ? Marks::plane : a.shahei == 2 ? Marks::planeZ : Marks::none;
     p.blend = a.blend;
     p.prescale = a.prescale && a.blend != 2; // constant alpha does not read what prescale changes
-    if (a.shape == 1)
-        p = planOfRect(a, p);
-    else if (a.shape == 2)
-        p = planOfTriangle(a, p);
-    else { // lines gate and mark pixel by pixel themselves
-        p.frame = a.filter == 6 ? Frame::lineFlat : Frame::lineGouraud;
-        p.fetch = a.filter == 6 ? Fetch::flat : Fetch::gouraud;
-    }
+    p = a.shape == 1 ? planOfRect(a, p) : planOfTriangle(a, p);
     p.second = p.multi == Multi::corners || p.multi == Multi::cornersUnused  ? Second::corners
                : p.multi == Multi::second || p.multi == Multi::secondUnused ? p.second
                                                                             : Second{};
@@ -253,7 +241,7 @@ constexpr UsedParts usedParts()
 {
     UsedParts used{};
     const auto use = [&used](const Axes& a) {
-        if (isEmpty(a))
+        if (a.shape == 0 || isEmpty(a))
             return;
         const Plan p = planOf(a);
         const PartIds ids = partIds(p);

@@ -40,9 +40,9 @@ struct Span {
     Linear colour[4];    // alpha, red, green, blue; 8 bits over 16 fraction bits
 };
 
-// Up to 64 pixels on their way through the parts. Arrays are padded so that a vector may run over the end.
+// Up to 256 pixels on their way through the parts. Arrays are padded so that a vector may run over the end.
 struct Chunk {
-    static constexpr int size = 64;
+    static constexpr int size = 256;
     static constexpr int padded = size + 16;
     alignas(64) uint32_t source[padded];
     alignas(64) uint32_t live[padded];   // all ones: goes on; 0: dead
@@ -50,17 +50,20 @@ struct Chunk {
     alignas(64) uint32_t valid[padded];  // all ones where tex1 has a second operand
     alignas(64) uint32_t other[padded];  // unmixed texel of the mip forms; destination of a custom blend
     alignas(64) uint32_t rule[padded];   // rule values
-    uint64_t marks;                      // bit k: pixel k is marked in the planes
+    uint64_t marks[size / 64];           // bit k of word j: pixel 64 j + k is marked in the planes
     const uint32_t* slip;                // reading position of the rule slip (rect option 5)
     PixelOperator blendFunc;             // the custom blend, and how a chunk of it is run
-    void (*blendRow)(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, const uint32_t* pick, int n);
+    void (*blendRow)(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, int secondMask,
+                     const uint32_t* pick, int n);
 };
 
 // A part works on pixels first to first + n - 1 of a span, n at most Chunk::size.
 using Front = bool (*)(const Span&, int first, int n, Chunk&); // gates and fetch; false: nothing lives
 using Mid = void (*)(const Span&, int first, int n, Chunk&);   // makes the second operand
 using Back = void (*)(const Span&, int first, int n, Chunk&);  // prescale, blend, soft edge, write
-// out = pick ? op(first, second) : first. `func` is called by the form that serves a host's own operator, left to right.
+using Refused = int (*)(const Span&, int first, int n); // how many pixels from the first on a gate surely refuses, at most n
+// out = pick ? op(first, second) : first, where pixel k has second[k & secondMask]: -1, or 0 for one word repeated (sixteen of them are
+// read). The function is called by the form that serves a host's own operator, left to right.
 using RowOperator = decltype(Chunk::blendRow);
 
 } // namespace ninefold

@@ -3,6 +3,7 @@
 #include "core/tables.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace ninefold {
 
@@ -47,19 +48,39 @@ void CreateZeroPixelMap(Texture *texture)
 
 void MakeShaheiRunlengthTbl(void)
 {
+    // The list of a word is that of its high byte, then that of its low byte, the two runs in the middle joined where they are alike.
+    struct {
+        int8_t runs[8];
+        int count;
+    } bytes[256];
+    for (int byte = 0; byte < 256; ++byte) {
+        auto &list = bytes[byte];
+        list.count = 0;
+        for (int bit = 7; bit >= 0; --bit) {
+            const int8_t one = byte >> bit & 1 ? -1 : 1;
+            if (list.count > 0 && (list.runs[list.count - 1] < 0) == (one < 0))
+                list.runs[list.count - 1] = static_cast<int8_t>(list.runs[list.count - 1] + one);
+            else
+                list.runs[list.count++] = one;
+        }
+    }
     int8_t *next = ninefold::runBytes;
     for (uint32_t word = 0; word < 65536; ++word) {
+        const auto &high = bytes[word >> 8], &low = bytes[word & 255];
         ninefold::runLists[word] = next;
-        int run = 0;
-        for (int bit = 15; bit >= 0; --bit) {
-            const bool set = word >> bit & 1;
-            if (run != 0 && set != (run < 0)) {
-                *next++ = static_cast<int8_t>(run);
-                run = 0;
-            }
-            run += set ? -1 : 1;
-        }
-        *next++ = static_cast<int8_t>(run);
+        int8_t list[16];
+        std::memcpy(list, high.runs, 8);
+        const bool joined = !((word >> 8 ^ word >> 7) & 1);
+        int count = high.count - joined;
+        const int8_t last = joined ? list[count] : int8_t{0};
+        std::memcpy(list + count, low.runs, 8);
+        list[count] = static_cast<int8_t>(list[count] + last);
+        count += low.count;
+        if (next + 16 <= ninefold::runBytes + sizeof ninefold::runBytes)
+            std::memcpy(next, list, 16); // what is too much goes when the next list is written
+        else
+            std::memcpy(next, list, static_cast<size_t>(count));
+        next += count;
     }
 }
 

@@ -2,8 +2,11 @@
 #include "kernels/flat/line.h"
 
 #include "kernels/frame.h"
+#include "ops/blend.h"
+#include "ops/prescale.h"
 
-#include <utility>
+#include <cstddef>
+#include <type_traits>
 
 namespace ninefold {
 namespace {
@@ -95,86 +98,122 @@ struct Line {
     }
 };
 
+// Pixels lie scattered and most lines are short, so they are drawn one by one with the scalar operators.
+template <int blend>
+inline uint32_t blended(uint32_t d, uint32_t s)
+{
+    using namespace ops;
+    switch (blend) {
+    case 1: return opAlpha(d, s);
+    case 2: return opConstAlpha(d, s, rs.blendAlpha);
+    case 4: return opAlphaFast(d, s);
+    case 5: return opAdd(d, s);
+    case 6: return opSub(d, s);
+    case 7: return opMul(d, s);
+    case 8: return opMul2(d, s);
+    case 9: return opScreen(d, s);
+    case 10: return opOverlay(d, s);
+    case 11: return opMerge(d, s, rs.writeMask);
+    case 12: return rs.blendFunc(d, s);
+    default: return s;
+    }
+}
+
+// The running colour of a Gouraud line, packed with what lies above bit 23 of green and red leaking into the channel above.
+struct RunningColour {
+    uint32_t value[4], step[4]; // alpha, red, green, blue
+    explicit RunningColour(const Line& line)
+    {
+        const Divider byLength(line.length);
+        for (int k = 0; k < 4; ++k) {
+            const uint32_t from = (rs.color[0] >> (24 - 8 * k) & 0xFF) << 16, to = (rs.color[1] >> (24 - 8 * k) & 0xFF) << 16;
+            step[k] = byLength(to - from);
+            value[k] = from + step[k] * line.skipped;
+        }
+    }
+    uint32_t packed() const
+    {
+        const uint32_t low = ((value[2] & 0xFFFF00FF) | value[3] >> 8) >> 8;
+        return low | (((value[0] & 0xFFFF00FF) << 8 | value[1]) & 0xFFFF0000);
+    }
+    void advance()
+    {
+        for (int k = 0; k < 4; ++k)
+            value[k] += step[k];
+    }
+};
+struct FlatColour {
+    uint32_t colour = rs.color[0];
+    explicit FlatColour(const Line&) {}
+    uint32_t packed() const { return colour; }
+    void advance() {}
+};
+
 } // namespace
 
-template <bool gouraud, Gate gate, Marks marks>
-void drawLine(PartIds ids)
+template <bool gouraud, uint8_t shahei, uint8_t blend, bool prescale>
+void drawLine()
 {
     Line line;
     if (!line.make())
         return;
-    const SetTable& set = *activeSet;
-    const Front front = set.fronts[ids.front()];
-    const Back back = set.backs[rs.prescale > 256 || rs.blendAlpha > 255][ids.back()];
-    Chunk chunk;
-    if (ids.custom()) {
-        const int op = ops::operatorIndex(rs.blendFunc);
-        const bool wide = rs.blendAlpha > 255 || rs.blendAlphaRgb > 255 || rs.prescaleMulti > 256;
-        chunk.blendFunc = rs.blendFunc;
-        chunk.blendRow = op < 0 ? set.hostOperator : set.operators[wide][op];
-    }
-    Span s, written;
-    if constexpr (gouraud) {
-        for (int k = 0; k < 4; ++k) {
-            const uint32_t from = (rs.color[0] >> (24 - 8 * k) & 0xFF) << 16, to = (rs.color[1] >> (24 - 8 * k) & 0xFF) << 16;
-            const uint32_t step = divided(to - from, line.length);
-            s.colour[k] = {from + step * line.skipped, step};
-        }
-    }
+    std::conditional_t<gouraud, RunningColour, FlatColour> colour(line);
+    constexpr bool plane = shahei == 1 || shahei == 2, z = shahei == 3 || shahei == 5, mask = shahei == 4 || shahei == 5;
+    uint32_t* const pixels = rs.dstPixels;
+    const uint32_t shift = rs.dstShift;
     const uint8_t zRef = uint8_t(rs.zRef);
-    uint32_t pixels[Chunk::padded];
-    ptrdiff_t offsets[Chunk::size];
-    written.dst = pixels;
-    for (int32_t first = 0; line.count > 0; first += Chunk::size) {
-        const int most = line.count < Chunk::size ? line.count : Chunk::size;
-        front(s, first, most, chunk);
-        int n = 0;
-        for (; n < most; ++n, line.minorPosition += line.minorStep, line.major += line.direction) {
-            const int32_t minor = line.minor();
-            if (line.testMinor && (minor < line.minorLow || minor >= line.minorHigh)) {
-                line.count = 0;
-                break;
-            }
-            const int32_t x = line.steep ? minor : line.major, y = line.steep ? line.major : minor;
-            const ptrdiff_t offset = (ptrdiff_t(y) << rs.dstShift) + x;
-            offsets[n] = offset;
-            pixels[n] = rs.dstPixels[offset];
-            bool live = true;
-            if constexpr (gate == Gate::plane) { // bit by bit: rows of a narrow frame buffer share them
-                uint16_t& word = rs.shaheiPlane[offset / 16];
-                const uint32_t bit = 0x8000u >> (x & 15);
-                live = !((word | rs.drawMask[y & 15]) & bit);
-                if (live) {
-                    word = uint16_t(word | bit);
-                    if constexpr (marks == Marks::planeZ)
-                        rs.zBuffer[offset] = zRef;
-                }
-            }
-            if constexpr (gate == Gate::z || gate == Gate::zMask)
-                live = zRef <= rs.zBuffer[offset];
-            if constexpr (gate == Gate::mask || gate == Gate::zMask)
-                live = live && !(rs.drawMask[y & 15] & 0x8000u >> (x & 15));
-            if constexpr (gate != Gate::none)
-                chunk.live[n] = live ? ~0u : 0u;
-        }
-        line.count -= most;
-        if (n == 0)
+    for (; line.count > 0; --line.count, line.minorPosition += line.minorStep, line.major += line.direction, colour.advance()) {
+        const int32_t minor = line.minor();
+        if (line.testMinor && (minor < line.minorLow || minor >= line.minorHigh))
             return;
-        back(written, 0, n, chunk);
-        for (int k = 0; k < n; ++k)
-            if (gate == Gate::none || chunk.live[k])
-                rs.dstPixels[offsets[k]] = pixels[k];
+        const int32_t x = line.steep ? minor : line.major, y = line.steep ? line.major : minor;
+        const ptrdiff_t offset = (ptrdiff_t(y) << shift) + x;
+        const uint32_t bit = 0x8000u >> (x & 15);
+        // Bit by bit: the rows of a narrow frame buffer share the plane's.
+        if constexpr (plane)
+            if ((rs.shaheiPlane[offset / 16] | rs.drawMask[y & 15]) & bit)
+                continue;
+        if constexpr (z)
+            if (zRef > rs.zBuffer[offset])
+                continue;
+        if constexpr (mask)
+            if (rs.drawMask[y & 15] & bit)
+                continue;
+        uint32_t source = colour.packed();
+        if constexpr (prescale)
+            source = ops::prescaleSource(blend, source, rs.prescale);
+        pixels[offset] = blended<blend>(pixels[offset], source);
+        if constexpr (shahei == 2)
+            rs.zBuffer[offset] = zRef;
+        if constexpr (plane)
+            rs.shaheiPlane[offset / 16] = uint16_t(rs.shaheiPlane[offset / 16] | bit);
     }
 }
 
-#define NINEFOLD_LINE(gate, marks)                                                                                                   \
-    template void drawLine<false, Gate::gate, Marks::marks>(PartIds);                                                                \
-    template void drawLine<true, Gate::gate, Marks::marks>(PartIds);
-NINEFOLD_LINE(none, none)
-NINEFOLD_LINE(plane, plane)
-NINEFOLD_LINE(plane, planeZ)
-NINEFOLD_LINE(z, none)
-NINEFOLD_LINE(mask, none)
-NINEFOLD_LINE(zMask, none)
+#define NINEFOLD_LINE_BLEND(shahei, blend)                                                                                           \
+    template void drawLine<false, shahei, blend, false>();                                                                           \
+    template void drawLine<false, shahei, blend, true>();                                                                            \
+    template void drawLine<true, shahei, blend, false>();                                                                            \
+    template void drawLine<true, shahei, blend, true>();
+#define NINEFOLD_LINE_BLENDS(shahei)                                                                                                 \
+    NINEFOLD_LINE_BLEND(shahei, 1)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 2)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 4)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 5)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 6)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 7)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 8)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 9)                                                                                                   \
+    NINEFOLD_LINE_BLEND(shahei, 10)                                                                                                  \
+    NINEFOLD_LINE_BLEND(shahei, 11)                                                                                                  \
+    NINEFOLD_LINE_BLEND(shahei, 12)
+NINEFOLD_LINE_BLEND(0, 0)
+NINEFOLD_LINE_BLEND(1, 0)
+NINEFOLD_LINE_BLEND(2, 0)
+NINEFOLD_LINE_BLEND(4, 0)
+NINEFOLD_LINE_BLENDS(0)
+NINEFOLD_LINE_BLENDS(3)
+NINEFOLD_LINE_BLENDS(4)
+NINEFOLD_LINE_BLENDS(5)
 
 } // namespace ninefold

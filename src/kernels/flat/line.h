@@ -1,11 +1,11 @@
 #pragma once
 
-#include "kernels/plan.h"
+#include <cstdint>
 
 namespace ninefold {
 
-// The frame of lines. It gates and marks by itself; the parts that `ids` names do neither.
-template <bool gouraud, Gate gate, Marks marks>
-void drawLine(PartIds ids);
+// The kernel of a line. Axes are those of the catalogue.
+template <bool gouraud, uint8_t shahei, uint8_t blend, bool prescale>
+void drawLine();
 
 } // namespace ninefold

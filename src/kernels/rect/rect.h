@@ -117,8 +117,8 @@ struct Unit16Walk {
     void start(const Box& box, Span& s)
     {
         const TexCoord& at = t ? rs.uv1[0] : rs.uv0[0];
-        (t ? s.u1 : s.u0) = {uint32_t(at.u) + (box.dx << 16), 0x10000};
-        (t ? s.v1 : s.v0) = {uint32_t(at.v) + (box.dy << 16), 0};
+        (t ? s.u1 : s.u0) = Linear{uint32_t(at.u) + (box.dx << 16), 0x10000};
+        (t ? s.v1 : s.v0) = Linear{uint32_t(at.v) + (box.dy << 16), 0};
     }
     bool row(const Box&, Span&) { return true; }
     void nextRow(const Box&, Span& s) { (t ? s.v1 : s.v0).start += 0x10000; }
@@ -132,7 +132,7 @@ struct StretchWalk {
         const TexCoord* uv = t ? rs.uv1 : rs.uv0;
         (t ? s.u1 : s.u0) = along(uint32_t(uv[0].u), uint32_t(uv[1].u), box.flippedX, box.byWidth, box.dx);
         const Linear v = along(uint32_t(uv[0].v), uint32_t(uv[1].v), box.flippedY, box.byHeight, box.dy);
-        (t ? s.v1 : s.v0) = {v.start, 0};
+        (t ? s.v1 : s.v0) = Linear{v.start, 0};
         stepV = v.step;
     }
     bool row(const Box&, Span&) { return true; }
@@ -189,8 +189,8 @@ void chooseLineLevel(const LineTableRecord& line, const Box& box, Span& s)
     }
     const uint32_t du = uint32_t(int32_t(box.byWidth(uint32_t(line.endU) - uint32_t(line.startU))) >> level);
     const uint32_t dv = uint32_t(int32_t(box.byWidth(uint32_t(line.endV) - uint32_t(line.startV))) >> level);
-    (t ? s.u1 : s.u0) = {uint32_t(line.startU >> level) + du * box.dx, du};
-    (t ? s.v1 : s.v0) = {uint32_t(line.startV >> level) + dv * box.dx, dv};
+    (t ? s.u1 : s.u0) = Linear{uint32_t(line.startU >> level) + du * box.dx, du};
+    (t ? s.v1 : s.v0) = Linear{uint32_t(line.startV >> level) + dv * box.dx, dv};
 }
 
 enum class LineLevel { none, own, ownAndNext };
@@ -207,8 +207,8 @@ struct TableWalk {
         if constexpr (choice == LineLevel::none) {
             const uint32_t du = box.byWidth(uint32_t(line->endU) - uint32_t(line->startU));
             const uint32_t dv = box.byWidth(uint32_t(line->endV) - uint32_t(line->startV));
-            (t ? s.u1 : s.u0) = {uint32_t(line->startU) + du * box.dx, du};
-            (t ? s.v1 : s.v0) = {uint32_t(line->startV) + dv * box.dx, dv};
+            (t ? s.u1 : s.u0) = Linear{uint32_t(line->startU) + du * box.dx, du};
+            (t ? s.v1 : s.v0) = Linear{uint32_t(line->startV) + dv * box.dx, dv};
         } else {
             chooseLineLevel<t, choice == LineLevel::ownAndNext, marks>(*line, box, s);
         }

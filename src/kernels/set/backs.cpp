@@ -80,7 +80,7 @@ void back(const Span& span, int first, int n, Chunk& c)
             if constexpr (prescale)
                 store(c.source + k, prescaled<blend, wide>(load(c.source + k), factors.prescale));
         }
-        c.blendRow(c.blendFunc, c.source, c.other, c.source, c.live, n);
+        c.blendRow(c.blendFunc, c.source, c.other, c.source, -1, c.live, n);
     }
     for (int k = 0; k < n; k += lanes) {
         const int left = n - k;
@@ -100,10 +100,14 @@ void back(const Span& span, int first, int n, Chunk& c)
         else
             storeSome(dst + k, s, left);
     }
-    if constexpr (m != Marks::none)
-        markPlane(span.plane, (span.x & 15) + u32(first), c.marks);
-    if constexpr (m == Marks::planeZ)
-        markZ(span.z + first, c.marks);
+    if constexpr (m != Marks::none) {
+        for (int k = 0; k < n; k += 64) {
+            const u64 marks = c.marks[k / 64];
+            markPlane(span.plane, (span.x & 15) + u32(first + k), marks);
+            if constexpr (m == Marks::planeZ)
+                markZ(span.z + first + k, marks);
+        }
+    }
 }
 
 constexpr UsedParts used = usedParts();

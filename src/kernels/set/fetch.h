@@ -152,35 +152,59 @@ struct Run : Untested {
     __attribute__((always_inline)) void advance() { at += lanes; }
 };
 
+// Where a vector of pixels finds all its columns of a texture row in one or two vectors of neighbours. lowest: the first of the
+// columns before wrapping, extent: how far the last lies behind it.
+struct WindowFit {
+    int vectors; // 0: they do not fit
+    u32 base;    // first column of the window
+    NINEFOLD_LANE WindowFit of(i32 lowest, u32 extent, u32 mask, int most)
+    {
+        const u32 column = u32(lowest) & mask;
+        for (int vectors = 1; vectors <= most; ++vectors) {
+            const u32 size = u32(vectors * lanes);
+            if (mask < size - 1 || extent > mask - column)
+                continue;
+            const u32 latest = mask - (size - 1), base = column < latest ? column : latest;
+            if (extent + (column - base) < size)
+                return {vectors, base};
+        }
+        return {0, 0};
+    }
+};
+
 // Columns of one texture row at steps of up to two texels, read as one or two vectors of neighbours and sorted by a permutation.
 struct Window {
     const u32* row;
     u32 mask;
     u32 position, step; // 16.16, of the first pixel of the next vector
-    bool one, two;      // a window of one, of two vectors holds all that a vector of pixels needs
+    int most;           // vectors that are worth a try
+    bool unit;          // one texel a pixel
     __attribute__((always_inline)) Window(const u32* texels, u32 columnMask, const Linear& u, int first)
         : row(texels), mask(columnMask), position(u.start + u.step * u32(first)), step(u.step)
     {
         const u32 size = i32(step) < 0 ? 0 - step : step;
-        one = size <= 0x10000 && mask >= u32(lanes - 1);
-        two = size <= 0x20000 && mask >= u32(2 * lanes - 1);
+        most = size <= 0x10000 ? 1 : size <= 0x20000 ? 2 : 0;
+        unit = step == 0x10000 && mask <= 0xFFFF;
     }
     // The texels at the wrapped columns of whole(u); pixels from `left` on may get anything.
     __attribute__((always_inline)) V get(V u, int left) const
     {
+        if (unit) {
+            const u32 column = (position >> 16) & mask;
+            if (mask - column >= u32(lanes - 1))
+                return load(row + column);
+        }
 #if defined(__AVX2__)
-        if (one || two) {
+        if (most) {
             const u32 last = u32(left < lanes ? left : lanes) - 1;
             const i32 a = i32(position) >> 16, b = i32(position + step * last) >> 16;
             const bool falling = i32(step) < 0;
-            const i32 lowest = falling ? b : a;
-            const u32 extent = u32(falling ? a - b : b - a); // huge where the position wraps within the vector
-            const u32 size = one ? lanes : 2 * lanes;
-            const u32 column = u32(lowest) & mask, latest = mask - (size - 1);
-            const u32 base = column < latest ? column : latest, offset = column - base;
-            if (extent <= mask - column && extent + offset < size) {
-                const V index = whole(u) - splat(u32(lowest) - offset);
-                return one ? permute(load(row + base), index) : permute2(load(row + base), load(row + base + lanes), index);
+            const i32 lowest = falling ? b : a; // the extent is huge where the position wraps within the vector
+            const WindowFit fit = WindowFit::of(lowest, u32(falling ? a - b : b - a), mask, most);
+            if (fit.vectors) {
+                const V index = whole(u) - splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
+                return fit.vectors == 1 ? permute(load(row + fit.base), index)
+                                        : permute2(load(row + fit.base), load(row + fit.base + lanes), index);
             }
         }
 #else
@@ -542,21 +566,27 @@ struct MipBilinear : Tested {
 // Rule values: the low byte of the rule texel. Positions truncate toward zero.
 struct NoRule {
     __attribute__((always_inline)) NoRule(const Span&, int) {}
-    __attribute__((always_inline)) V get() const { return V{}; }
+    __attribute__((always_inline)) V get(int) const { return V{}; }
     __attribute__((always_inline)) void advance() {}
 };
 
 struct RuleRow {
-    const u32* row;
-    u32 mask;
+    Window window;
     Ramp u;
-    __attribute__((always_inline)) RuleRow(const Span& s, int first) : u(Ramp::make(s.u2, first))
+    __attribute__((always_inline)) RuleRow(const Span& s, int first)
+        : window(s.rule.pixels + (size_t(truncated(s.v2.start) & s.rule.maskV) << s.rule.shift), s.rule.maskU, s.u2, first),
+          u(Ramp::make(s.u2, first))
     {
-        row = s.rule.pixels + (size_t(truncated(s.v2.start) & s.rule.maskV) << s.rule.shift);
-        mask = s.rule.maskU;
     }
-    __attribute__((always_inline)) V get() const { return gather(row, wholeTruncated(u.value) & mask) & 0xFFu; }
-    __attribute__((always_inline)) void advance() { u.advance(); }
+    __attribute__((always_inline)) V get(int left) const
+    {
+        // Only what is not negative floors as it truncates. A step too wide for the vector's last position to tell has no window.
+        const i32 last = i32(window.position + window.step * u32(lanes - 1));
+        if (window.most && (i32(window.position) | last) >= 0)
+            return window.get(u.value, left) & 0xFFu;
+        return gather(window.row, wholeTruncated(u.value) & window.mask) & 0xFFu;
+    }
+    __attribute__((always_inline)) void advance() { u.advance(), window.advance(); }
 };
 
 struct RuleFree {
@@ -566,7 +596,7 @@ struct RuleFree {
         : u(Ramp::make(s.u2, first)), v(Ramp::make(s.v2, first)), level(s.rule)
     {
     }
-    __attribute__((always_inline)) V get() const
+    __attribute__((always_inline)) V get(int) const
     {
         return texel(level, wholeTruncated(u.value) & level.maskU, wholeTruncated(v.value) & level.maskV) & 0xFFu;
     }

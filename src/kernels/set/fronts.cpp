@@ -23,37 +23,52 @@ bool front(const Span& span, int first, int n, Chunk& c)
     constexpr bool marksRun = ninefold::marksRun({.frame = {}, .multi = {}, .fetch = f, .rule = r, .gate = g, .second = {},
                                                   .prescale = false, .blend = 0,
                                                   .marks = g == Gate::plane ? Marks::plane : Marks::none});
-    const u64 free = freePixels<g, Fetcher::mapped>(span, first, n);
-    if (g != Gate::none && free == 0)
-        return false;
-    Fetcher fetch(span, first);
-    RuleOf<r> rule(span, first);
     const V threshold = splat(u32(r == Rule::none ? 0 : rs.ruleThreshold));
+    // Gates speak of 64 pixels at a time.
+    constexpr int blockSize = g == Gate::none ? Chunk::size : 64;
     u64 drawn = 0;
-    for (int k = 0; k < n; k += lanes) {
-        M live = g == Gate::none ? firstLanes(n - k) : lanesOf(free >> k);
-        if constexpr (r != Rule::none) {
-            const V value = rule.get();
-            store(c.rule + k, value);
-            live &= greaterSigned(value, threshold);
+    for (int begin = 0; begin < n; begin += blockSize) {
+        const int count = n - begin < blockSize ? n - begin : blockSize;
+        const u64 free = freePixels<g, Fetcher::mapped>(span, first + begin, count);
+        u64 marks = 0;
+        if (g != Gate::none && free == 0) {
+            for (int k = begin; k < begin + count; k += lanes)
+                store(c.live + k, V{});
+        } else {
+            Fetcher fetch(span, first + begin);
+            RuleOf<r> rule(span, first + begin);
+            for (int k = 0; k < count; k += lanes, fetch.advance(), rule.advance()) {
+                M live = g == Gate::none ? firstLanes(count - k) : lanesOf(free >> k);
+                V value{};
+                if constexpr (r != Rule::none) {
+                    value = rule.get(count - k);
+                    live &= greaterSigned(value, threshold);
+                }
+                const int at = begin + k;
+                if ((r == Rule::none && g == Gate::none) || any(live)) {
+                    V key;
+                    const V source = fetch.get(count - k, key);
+                    if constexpr (Fetcher::tests)
+                        live &= isNotZero(key);
+                    store(c.source + at, source);
+                    if constexpr (isMipMix(f))
+                        store(c.other + at, key);
+                    if constexpr (r != Rule::none)
+                        store(c.rule + at, value);
+                    if constexpr (g == Gate::plane)
+                        marks |= u64(bitsOf(live)) << k;
+                    drawn |= bitsOf(live);
+                }
+                store(c.live + at, asLanes(live));
+            }
         }
-        if ((r == Rule::none && g == Gate::none) || any(live)) {
-            V key;
-            const V source = fetch.get(n - k, key);
-            if constexpr (Fetcher::tests)
-                live &= isNotZero(key);
-            store(c.source + k, source);
-            if constexpr (isMipMix(f))
-                store(c.other + k, key);
-            drawn |= u64(bitsOf(live)) << k;
+        if constexpr (g == Gate::plane) {
+            c.marks[begin / 64] = marksRun ? free : marks;
+            if constexpr (marksRun)
+                drawn |= free;
         }
-        store(c.live + k, asLanes(live));
-        fetch.advance();
-        rule.advance();
     }
-    if constexpr (g == Gate::plane)
-        c.marks = marksRun ? free : drawn;
-    return marksRun || drawn != 0;
+    return drawn != 0;
 }
 
 // The reading position moves on pixels that pass the rule test alone.
@@ -63,7 +78,7 @@ bool frontRunSlip(const Span& span, int first, int n, Chunk& c)
     const V threshold = splat(u32(rs.ruleThreshold));
     u32 passed = 0;
     for (int k = 0; k < n; k += lanes) {
-        const V value = rule.get();
+        const V value = rule.get(n - k);
         const M live = firstLanes(n - k) & greaterSigned(value, threshold);
         store(c.rule + k, value);
         store(c.live + k, asLanes(live));

@@ -38,147 +38,179 @@ NINEFOLD_LANE void drawVector(u32* dst, int left, M free, const Fetcher& fetch, 
     whole ? store(dst, kept) : storeSome(dst, kept, left);
 }
 
-// Pixels first to first + n - 1; the fetch stands at the first.
-template <Gate g, int blend, class Fetcher>
-NINEFOLD_LANE void drawRow(const Span& s, int first, int n, Fetcher& fetch, const BlendFactors& factors)
+// n pixels from dst on; the fetch stands at the first.
+template <int blend, class Fetcher>
+NINEFOLD_LANE void drawPixels(u32* dst, int n, Fetcher& fetch, const BlendFactors& factors)
 {
-    constexpr bool gated = g != Gate::none;
-    u32* dst = s.dst + first;
-    for (const int end = first + n; first < end; first += gated ? Chunk::size : n) {
-        const int count = gated && end - first > Chunk::size ? Chunk::size : end - first;
-        const u64 free = gated ? freePixels<g, false>(s, first, count) : 0;
-        int k = 0;
-        for (; k + lanes <= count; k += lanes, dst += lanes, fetch.advance())
-            drawVector<gated, blend, true>(dst, lanes, gated ? lanesOf(free >> k) : M{}, fetch, factors);
-        if (k < count)
-            drawVector<gated, blend, false>(dst, count - k, gated ? lanesOf(free >> k) : M{}, fetch, factors);
+    int k = 0;
+    for (; k + lanes <= n; k += lanes, fetch.advance())
+        drawVector<false, blend, true>(dst + k, lanes, M{}, fetch, factors);
+    if (k < n)
+        drawVector<false, blend, false>(dst + k, n - k, M{}, fetch, factors);
+}
+
+// Pixels first to first + n - 1 of a span.
+template <Fetch f, Gate g, int blend>
+NINEFOLD_LANE void drawSpan(const Span& s, int first, int n, const BlendFactors& factors)
+{
+    if constexpr (g == Gate::none) {
+        FetchOf<f> fetch(s, first);
+        drawPixels<blend>(s.dst + first, n, fetch, factors);
+    } else {
+        for (const int end = first + n; first < end;) {
+            const int count = end - first < 64 ? end - first : 64;
+            const u64 free = freePixels<g, false>(s, first, count);
+            if (free == 0) {
+                first += count;
+                first += refusedPixels<g>(s, first, end - first);
+                continue;
+            }
+            FetchOf<f> fetch(s, first);
+            u32* const dst = s.dst + first;
+            int k = 0;
+            for (; k + lanes <= count; k += lanes, fetch.advance())
+                drawVector<true, blend, true>(dst + k, lanes, lanesOf(free >> k), fetch, factors);
+            if (k < count)
+                drawVector<true, blend, false>(dst + k, count - k, lanesOf(free >> k), fetch, factors);
+            first += count;
+        }
     }
 }
 
 // n words of one colour. Stores overlap rather than split cache lines: a fill does nothing else.
 NINEFOLD_LANE void fillRow(u32* dst, int n, u32 colour)
 {
-    const V v = splat(colour);
-#if defined(__AVX512F__)
-    u32* line = reinterpret_cast<u32*>(reinterpret_cast<uintptr_t>(dst) & ~uintptr_t(63));
-    const int head = int(dst - line), end = head + n;
-    if (end <= lanes) {
-        storeMasked(line, v, M(((1u << n) - 1) << head));
-        return;
-    }
-    storeMasked(line, v, M(0xFFFFu << head));
-    int k = lanes;
-    for (; k + lanes <= end; k += lanes)
-        store(line + k, v);
-    if (k < end)
-        storeSome(line + k, v, end - k);
-#else
     constexpr int quarter = 4;
-    const auto store4 = [](u32* p, u32 c) __attribute__((always_inline)) {
+    const auto store4 = [colour](u32* p) __attribute__((always_inline)) {
         typedef u32 Four __attribute__((vector_size(16)));
-        const Four four = c - Four{};
+        const Four four = colour - Four{};
         __builtin_memcpy(p, &four, sizeof four);
     };
+#if defined(NINEFOLD_X86)
+    if (n >= 512) { // the processor's own fill does not read what it overwrites
+        size_t count = size_t(n);
+        __asm__ volatile("rep stosl" : "+D"(dst), "+c"(count) : "a"(colour) : "memory");
+        return;
+    }
+#endif
     if (n < quarter) {
         for (int k = 0; k < n; ++k)
             dst[k] = colour;
         return;
     }
-    store4(dst, colour);
-    store4(dst + n - quarter, colour);
-    u32* at = reinterpret_cast<u32*>((reinterpret_cast<uintptr_t>(dst) + 16) & ~uintptr_t(15));
     u32* const end = dst + n;
+    store4(dst);
+    store4(end - quarter);
+    u32* at = reinterpret_cast<u32*>((reinterpret_cast<uintptr_t>(dst) + 16) & ~uintptr_t(15));
     if constexpr (lanes > quarter) {
-        if (end - at >= 2 * lanes) {
-            store4(at, colour);
-            at = reinterpret_cast<u32*>((reinterpret_cast<uintptr_t>(at) + bytes - 1) & ~uintptr_t(bytes - 1));
-            for (; at + lanes <= end; at += lanes)
+        if (end - at >= 4 * lanes) {
+            const u32* const line = reinterpret_cast<u32*>((reinterpret_cast<uintptr_t>(at) + bytes - 1) & ~uintptr_t(bytes - 1));
+            for (; at < line; at += quarter)
+                store4(at);
+            for (const V v = splat(colour); at + lanes <= end; at += lanes)
                 store(at, v);
         }
     }
     for (; at + quarter <= end; at += quarter)
-        store4(at, colour);
-#endif
+        store4(at);
 }
 
-// Columns of a four-texel mix at steps that are the same in every row: worked out once, for up to `size` of them.
-struct MixColumns {
+// The columns of a stretch, which are the same in every row: worked out once, for up to `size` of them. mixed: with the neighbours and
+// weights of a four-texel mix.
+template <bool mixed>
+struct Columns {
     static constexpr int size = 256;
-    alignas(64) u32 centre[size], side[size]; // of the vector's window, or of the texture row where it has none
-    alignas(64) u32 weight[size];             // wx in both halves
-    u32 base[size / lanes];                   // first column of the window
-    u8 windows[size / lanes];                 // vectors in it, 0: none
+    alignas(64) u32 centre[size];            // within the vector's window, or in the texture row where it has none
+    alignas(64) u32 side[mixed ? size : 1];  // the neighbour
+    alignas(64) u32 weight[mixed ? size : 1]; // wx in both halves
+    WindowFit fits[size / lanes];
 
     __attribute__((always_inline)) void make(const Span& s, int first, int n)
     {
-        const u32 mask = s.tex0.maskU;
+        const u32 mask = s.tex0.maskU, step = s.u0.step;
         Ramp u = Ramp::make(s.u0, first);
-        u32 position = s.u0.start + s.u0.step * u32(first);
-        for (int k = 0; k < n; k += lanes, u.advance(), position += s.u0.step * lanes) {
-            const V fx = u.value >> 8 & 0xFFu, far = (V)((S)(u.value << 16) >> 31);
-            store(weight + k, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
-            const V column = whole(u.value), neighbour = whole(u.value + ((far & 0x20000u) - 0x10000u));
-            windows[k / lanes] = 0;
-#if defined(__AVX2__)
-            const int last = (n - k < lanes ? n - k : lanes) - 1;
-            const i32 a = i32(position - 0x8000) >> 16, b = i32(position + s.u0.step * u32(last) - 0x8000) >> 16;
-            const bool falling = i32(s.u0.step) < 0;
-            const i32 lowest = falling ? b : a;
-            const u32 extent = u32(falling ? a - b : b - a) + 1, from = u32(lowest) & mask;
-            for (u32 count = 1; count <= 2; ++count) {
-                const u32 width = count * lanes;
-                if (mask < width - 1 || extent >= width || extent > mask - from)
-                    continue;
-                const u32 latest = mask - (width - 1), start = from < latest ? from : latest;
-                if (extent + (from - start) >= width)
-                    continue;
-                windows[k / lanes] = u8(count);
-                base[k / lanes] = start;
-                const V move = splat(u32(lowest) - (from - start));
-                store(centre + k, column - move);
-                store(side + k, neighbour - move);
-                break;
+        [[maybe_unused]] u32 position = s.u0.start + step * u32(first);
+        for (int k = 0; k < n; k += lanes, u.advance(), position += step * lanes) {
+            const V column = whole(u.value);
+            V neighbour = column;
+            if constexpr (mixed) {
+                const V fx = u.value >> 8 & 0xFFu, far = (V)((S)(u.value << 16) >> 31);
+                store(weight + k, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
+                neighbour = whole(u.value + ((far & 0x20000u) - 0x10000u));
             }
-            if (windows[k / lanes])
-                continue;
+            WindowFit& fit = fits[k / lanes];
+            V move{};
+            fit = {0, 0};
+#if defined(__AVX2__)
+            // A pair is the texel half a texel back and the one after it.
+            const u32 last = u32(n - k < lanes ? n - k : lanes) - 1, back = mixed ? 0x8000 : 0;
+            const i32 a = i32(position - back) >> 16, b = i32(position + step * last - back) >> 16;
+            const bool falling = i32(step) < 0;
+            const i32 lowest = falling ? b : a;
+            fit = WindowFit::of(lowest, u32(falling ? a - b : b - a) + mixed, mask, 2);
+            move = splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
 #endif
-            store(centre + k, column & mask);
-            store(side + k, neighbour & mask);
+            store(centre + k, fit.vectors ? column - move : column & mask);
+            if constexpr (mixed)
+                store(side + k, fit.vectors ? neighbour - move : neighbour & mask);
         }
     }
 
-    // Texels of one row at the vector that starts with column k.
+    // Texels of one row at the vector that starts with column k; atSide only where mixed.
     __attribute__((always_inline)) void texels(const u32* row, int k, V& atCentre, V& atSide) const
     {
 #if defined(__AVX2__)
-        const u32* window = row + base[k / lanes];
-        if (windows[k / lanes] == 1) {
+        const WindowFit fit = fits[k / lanes];
+        const u32* window = row + fit.base;
+        if (fit.vectors == 1) {
             const V texel = load(window);
             atCentre = permute(texel, load(centre + k));
-            atSide = permute(texel, load(side + k));
+            if constexpr (mixed)
+                atSide = permute(texel, load(side + k));
             return;
         }
-        if (windows[k / lanes] == 2) {
+        if (fit.vectors == 2) {
             const V low = load(window), high = load(window + lanes);
             atCentre = permute2(low, high, load(centre + k));
-            atSide = permute2(low, high, load(side + k));
+            if constexpr (mixed)
+                atSide = permute2(low, high, load(side + k));
             return;
         }
 #endif
         atCentre = gatherAt(row, centre + k);
-        atSide = gatherAt(row, side + k);
+        if constexpr (mixed)
+            atSide = gatherAt(row, side + k);
     }
 };
 
-// The mix at one vector of a row, by the columns' table.
-template <bool four>
-struct MixedRow {
+// One texel of a row by the columns' table.
+struct PointColumns {
     static constexpr bool tests = true;
-    const MixColumns& columns;
+    const Columns<false>& columns;
+    const u32* row;
+    int k = 0;
+    __attribute__((always_inline)) PointColumns(const Span& s, const Columns<false>& table)
+        : columns(table), row(s.tex0.pixels + (size_t(truncated(s.v0.start) & s.tex0.maskV) << s.tex0.shift))
+    {
+    }
+    __attribute__((always_inline)) V get(int, V& key) const
+    {
+        V none;
+        columns.texels(row, k, key, none);
+        return key;
+    }
+    __attribute__((always_inline)) void advance() { k += lanes; }
+};
+
+// A four-texel mix by the columns' table.
+template <bool four>
+struct MixedColumns {
+    static constexpr bool tests = true;
+    const Columns<true>& columns;
     const u32 *row, *row2;
     V wy; // in both halves
     int k = 0;
-    __attribute__((always_inline)) MixedRow(const Span& s, const MixColumns& table) : columns(table)
+    __attribute__((always_inline)) MixedColumns(const Span& s, const Columns<true>& table) : columns(table)
     {
         const u32 v = s.v0.start, fy = v >> 8 & 0xFF;
         const bool far = fy >= 128;
@@ -201,23 +233,22 @@ struct MixedRow {
     __attribute__((always_inline)) void advance() { k += lanes; }
 };
 
-// Four-texel mixes: the columns are worked out once for all rows.
-template <Fetch f, int blend>
-void mixedBlock(const Span& span, const Rows& rows)
+// Stretches: the columns are worked out once for all rows.
+template <class Fetcher, bool mixed, int blend>
+void stretchBlock(const Span& span, const Rows& rows)
 {
     const BlendFactors factors;
     Span s;
-    s.x = span.x;
     s.tex0.pixels = span.tex0.pixels, s.tex0.maskU = span.tex0.maskU, s.tex0.maskV = span.tex0.maskV, s.tex0.shift = span.tex0.shift;
-    MixColumns columns;
-    for (int first = 0; first < rows.columns; first += MixColumns::size) {
-        const int n = rows.columns - first < MixColumns::size ? rows.columns - first : MixColumns::size;
+    Columns<mixed> columns;
+    for (int first = 0; first < rows.columns; first += columns.size) {
+        const int n = rows.columns - first < columns.size ? rows.columns - first : columns.size;
         columns.make(span, first, n);
-        s.dst = span.dst + first;
+        u32* dst = span.dst + first;
         s.v0.start = span.v0.start;
-        for (int row = rows.count; row > 0; --row, s.dst += rows.pitch, s.v0.start += rows.stepV) {
-            MixedRow<f == Fetch::bilinearRow4> fetch(s, columns);
-            drawRow<Gate::none, blend>(s, 0, n, fetch, factors);
+        for (int row = rows.count; row > 0; --row, dst += rows.pitch, s.v0.start += rows.stepV) {
+            Fetcher fetch(s, columns);
+            drawPixels<blend>(dst, n, fetch, factors);
         }
     }
 }
@@ -233,7 +264,11 @@ void block(const Span& span, const Rows& rows)
         return;
     }
     if constexpr (f == Fetch::bilinearRow3 || f == Fetch::bilinearRow4) {
-        mixedBlock<f, blend>(span, rows);
+        stretchBlock<MixedColumns<f == Fetch::bilinearRow4>, true, blend>(span, rows);
+        return;
+    }
+    if constexpr (f == Fetch::pointRow && g == Gate::none) {
+        stretchBlock<PointColumns, false, blend>(span, rows);
         return;
     }
     const BlendFactors factors;
@@ -245,8 +280,7 @@ void block(const Span& span, const Rows& rows)
     for (int row = rows.count; row > 0; --row) {
         if constexpr (g == Gate::mask || g == Gate::zMask)
             s.maskRow = rs.drawMask[maskRow++ & 15];
-        FetchOf<f> fetch(s, 0);
-        drawRow<g, blend>(s, 0, rows.columns, fetch, factors);
+        drawSpan<f, g, blend>(s, 0, rows.columns, factors);
         s.dst += rows.pitch;
         s.z += rows.pitch;
         s.v0.start = f == Fetch::unit ? (s.v0.start + 1) & s.tex0.maskV : s.v0.start + rows.stepV;
@@ -261,8 +295,7 @@ void fusedSpan(const Span& s, int first, int n)
         return;
     }
     const BlendFactors factors;
-    FetchOf<f> fetch(s, first);
-    drawRow<g, blend>(s, first, n, fetch, factors);
+    drawSpan<f, g, blend>(s, first, n, factors);
 }
 
 } // namespace

@@ -70,5 +70,40 @@ NINEFOLD_LANE u64 freePixels(const Span& s, int first, int n)
     return bits;
 }
 
+// How many of n pixels from `first` on are surely refused: whole words of the plane, whole vectors of priorities.
+template <Gate g>
+NINEFOLD_LANE int refusedPixels([[maybe_unused]] const Span& s, [[maybe_unused]] int first, [[maybe_unused]] int n)
+{
+    if constexpr (g == Gate::plane) {
+        const u32 at = (s.x & 15) + u32(first), end = at + u32(n);
+        const u16* word = s.plane + (at >> 4);
+        const u16* const last = s.plane + ((end - 1) >> 4);
+        for (; last - word >= 3; word += 4) {
+            u64 four;
+            __builtin_memcpy(&four, word, sizeof four);
+            if (four != ~u64(0))
+                break;
+        }
+        while (word <= last && *word == 0xFFFF)
+            ++word;
+        const u32 stop = u32(word - s.plane) * 16;
+        return stop <= at ? 0 : int((stop < end ? stop : end) - at);
+    }
+    if constexpr (g == Gate::z || g == Gate::zMask) {
+        const u8* const z = s.z + first;
+        const u8 limit = u8(rs.zRef);
+        int k = 0;
+#if defined(__AVX512BW__)
+        while (n - k >= 64 && zBits(z + k, 64, limit) == 0)
+            k += 64;
+#else
+        while (n - k >= 16 && bytesAtLeast(z + k, 16, limit) == 0)
+            k += 16;
+#endif
+        return k;
+    }
+    return 0;
+}
+
 } // namespace
 } // namespace ninefold::NINEFOLD_SET

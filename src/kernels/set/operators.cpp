@@ -66,11 +66,11 @@ NINEFOLD_LANE V apply(V f, V s)
 }
 
 template <Op op, bool wide>
-void rowOperator(PixelOperator, u32* out, const u32* first, const u32* second, const u32* pick, int n)
+void rowOperator(PixelOperator, u32* out, const u32* first, const u32* second, int secondMask, const u32* pick, int n)
 {
     for (int k = 0; k < n; k += lanes) {
         const V f = load(first + k);
-        store(out + k, select(asMask(load(pick + k)), apply<op, wide>(f, load(second + k)), f));
+        store(out + k, select(asMask(load(pick + k)), apply<op, wide>(f, load(second + (k & secondMask))), f));
     }
 }
 
@@ -82,10 +82,10 @@ constexpr Operators makeOperators(std::index_sequence<op...>)
 
 } // namespace
 
-void hostOperator(PixelOperator func, u32* out, const u32* first, const u32* second, const u32* pick, int n)
+void hostOperator(PixelOperator func, u32* out, const u32* first, const u32* second, int secondMask, const u32* pick, int n)
 {
     for (int k = 0; k < n; ++k)
-        out[k] = pick[k] ? func(first[k], second[k]) : first[k];
+        out[k] = pick[k] ? func(first[k], second[k & secondMask]) : first[k];
 }
 
 constinit const Operators operators = makeOperators(std::make_index_sequence<size_t(ops::opCount)>());

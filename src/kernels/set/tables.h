@@ -30,6 +30,6 @@ extern const Operators operators;
 extern const Blocks blocks;
 extern const FusedSpans fusedSpans;
 // Calls the host's own operator for each picked pixel, left to right.
-void hostOperator(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, const uint32_t* pick, int n);
+void hostOperator(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, int secondMask, const uint32_t* pick, int n);
 
 } // namespace ninefold::NINEFOLD_SET
