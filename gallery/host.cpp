@@ -83,8 +83,7 @@ Canvas::Canvas(int canvasWidth, int canvasHeight)
         throw std::runtime_error("no memory for a frame buffer");
     ClearTexture(pixels_.get());
     const size_t count = size_t(pixels_->width) * pixels_->height;
-    // Where a row ends at a multiple of 16 the walk of the Shahei plane looks at the word behind it.
-    shahei_.assign(count / 16 + 1, 0);
+    shahei_.assign((count + 15) / 16, 0);
     priorities_.assign(count, 255);
 
     use();
