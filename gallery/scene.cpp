@@ -6,7 +6,7 @@ namespace gallery {
 
 namespace {
 
-// Only the ratios of the depths count. As whole numbers small ones round, and large ones leave few bits of what is divided by them.
+// Only the ratios of the depths count. As whole numbers small ones round, and large ones leave few bits of a quotient.
 constexpr double depthScale = 256;
 
 } // namespace

@@ -20,7 +20,7 @@ class Text {
 public:
     Text(int atlasWidth, int atlasHeight);
 
-    // Draws with the pen starting at (x, y) on the base line; returns where it stops. Every character is laid into the atlas anew.
+    // Draws with the pen starting at (x, y) on the base line; returns where it stops. Each character is laid into the atlas anew.
     int write(const Font &font, Bytes bytes, int x, int y, const Modes &modes);
 
     Texture *atlas() const { return atlas_.get(); }

@@ -1,4 +1,4 @@
-// check DIR: reads "name width height title" lines, as gallery --list prints them, and looks at DIR/name.png of each: it must have
+// check DIR: reads "name width height title" lines, as gallery --list prints, and looks at DIR/name.png of each: it must have
 // that size and not be blank. Exits with 1 at the first that fails.
 
 #include <png.h>
