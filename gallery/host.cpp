@@ -10,12 +10,12 @@ namespace {
 
 std::string pictureFolder;
 
-std::string pathOf(const std::string& name)
+std::string pathOf(const std::string &name)
 {
     return pictureFolder + "/" + name + ".bmp";
 }
 
-TexturePtr checked(Texture* texture, const std::string& name)
+TexturePtr checked(Texture *texture, const std::string &name)
 {
     if (!texture || !texture->pixels)
         throw std::runtime_error("cannot load " + pathOf(name));
@@ -39,38 +39,38 @@ void setPictureFolder(std::string folder)
     pictureFolder = std::move(folder);
 }
 
-TexturePtr load(const std::string& name)
+TexturePtr load(const std::string &name)
 {
     return checked(LoadTexture(pathOf(name).data()), name);
 }
 
-TexturePtr loadKeyed(const std::string& name)
+TexturePtr loadKeyed(const std::string &name)
 {
     TexturePtr picture = load(name);
     SetClearPixel(picture.get(), keyColour);
     return picture;
 }
 
-TexturePtr loadAdjusted(const std::string& name, unsigned long alignX, unsigned long alignY)
+TexturePtr loadAdjusted(const std::string &name, unsigned long alignX, unsigned long alignY)
 {
     return checked(LoadTextureAdjust(pathOf(name).data(), alignX, alignY, nullptr, nullptr, nullptr, nullptr), name);
 }
 
-TexturePtr loadMipped(const std::string& name)
+TexturePtr loadMipped(const std::string &name)
 {
     TexturePtr picture = load(name);
     CreateMipmapTexture(picture.get());
     return picture;
 }
 
-void addMatte(Texture& picture)
+void addMatte(Texture &picture)
 {
     const double centreX = picture.origWidth / 2.0, centreY = picture.origHeight / 2.0;
     for (uint32_t y = 0; y < picture.origHeight; ++y)
         for (uint32_t x = 0; x < picture.origWidth; ++x) {
             const double distance = std::hypot((x - centreX) / centreX, (y - centreY) / centreY);
             const double alpha = std::clamp((1.05 - distance) / 0.45, 0.0, 1.0);
-            uint32_t& word = picture.pixels[(size_t(y) << picture.log2Width) + x];
+            uint32_t &word = picture.pixels[(size_t(y) << picture.log2Width) + x];
             word = (word & 0xFFFFFF) | uint32_t(1 + std::lround(254 * alpha)) << 24;
         }
 }
@@ -83,8 +83,7 @@ Canvas::Canvas(int canvasWidth, int canvasHeight)
         throw std::runtime_error("no memory for a frame buffer");
     ClearTexture(pixels_.get());
     const size_t count = size_t(pixels_->width) * pixels_->height;
-    // Where a row ends at a multiple of 16 the walk of the Shahei plane looks at the word behind it.
-    shahei_.assign(count / 16 + 1, 0);
+    shahei_.assign((count + 15) / 16, 0);
     priorities_.assign(count, 255);
 
     use();
@@ -118,14 +117,14 @@ void Canvas::fillPriority(uint8_t value)
     std::fill(priorities_.begin(), priorities_.end(), value);
 }
 
-void Canvas::paintShahei(const Canvas& from)
+void Canvas::paintShahei(const Canvas &from)
 {
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             word(x, y) = from.taken(x, y) ? 0xFFFFFFFF : 0xFF202020;
 }
 
-void Canvas::paintPriorities(const Canvas& from)
+void Canvas::paintPriorities(const Canvas &from)
 {
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
@@ -149,7 +148,7 @@ void source(TexCoord (&uv)[4], double u, double v, double width, double height)
     uv[1] = texel(u + width, v + height);
 }
 
-uint32_t codeOf(const Modes& modes)
+uint32_t codeOf(const Modes &modes)
 {
     SetShapeMode(modes.shape);
     SetFilterMode(modes.filter);
@@ -163,7 +162,7 @@ uint32_t codeOf(const Modes& modes)
     return uint32_t(CreateDrawCode());
 }
 
-void draw(const Modes& modes)
+void draw(const Modes &modes)
 {
     const uint32_t code = codeOf(modes);
     const DrawFunc kernel = SearchDrawFunc(code);
@@ -174,7 +173,7 @@ void draw(const Modes& modes)
     kernel();
 }
 
-void cover(const Canvas& canvas, Texture* picture)
+void cover(const Canvas &canvas, Texture *picture)
 {
     const double width = picture->origWidth, height = picture->origHeight;
     rs.tex0 = picture;
@@ -183,7 +182,7 @@ void cover(const Canvas& canvas, Texture* picture)
     draw({.filter = 1, .rectOpt = 1});
 }
 
-void sprite(Texture* picture, int x, int y, const Modes& modes)
+void sprite(Texture *picture, int x, int y, const Modes &modes)
 {
     rs.tex0 = picture;
     corners(x, y, x + int(picture->width), y + int(picture->height));
@@ -191,10 +190,10 @@ void sprite(Texture* picture, int x, int y, const Modes& modes)
     draw(modes);
 }
 
-void triangle(const Corner& a, const Corner& b, const Corner& c, const Modes& modes)
+void triangle(const Corner &a, const Corner &b, const Corner &c, const Modes &modes)
 {
     int i = 0;
-    for (const Corner* corner : {&a, &b, &c}) {
+    for (const Corner *corner : {&a, &b, &c}) {
         rs.vertex[i] = at(int(std::lround(corner->x)), int(std::lround(corner->y)), int(std::lround(corner->z)));
         rs.uv0[i++] = texel(corner->u, corner->v);
     }
@@ -203,37 +202,71 @@ void triangle(const Corner& a, const Corner& b, const Corner& c, const Modes& mo
     draw(triangular);
 }
 
-void quad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Modes& modes)
+void quad(const Corner &a, const Corner &b, const Corner &c, const Corner &d, const Modes &modes)
 {
     triangle(a, b, c, modes);
     triangle(b, d, c, modes);
 }
 
-const char* multiOperatorName(int32_t value)
+const char *multiOperatorName(int32_t value)
 {
-    static constexpr const char* names[] = {"second",  "alpha",       "constant alpha",      "constant alpha (rgb)", "alpha with early outs",
-                                            "add",     "subtract",    "multiply",            "multiply by two",      "screen",
-                                            "overlay", "merge",       "second",              "second",               "luma of second",
-                                            "luma of first", "xor",   "and",                 "or",                   "first"};
+    static constexpr const char *names[] = {"second",
+                                            "alpha",
+                                            "constant alpha",
+                                            "constant alpha (rgb)",
+                                            "alpha with early outs",
+                                            "add",
+                                            "subtract",
+                                            "multiply",
+                                            "multiply by two",
+                                            "screen",
+                                            "overlay",
+                                            "merge",
+                                            "second",
+                                            "second",
+                                            "luma of second",
+                                            "luma of first",
+                                            "xor",
+                                            "and",
+                                            "or",
+                                            "first"};
     return names[value >= 0 && value < 20 ? value : 0];
 }
 
-std::string describe(const Modes& m)
+std::string describe(const Modes &m)
 {
-    static constexpr const char* shapes[] = {"line", "rectangle", "triangle"};
-    static constexpr const char* rectOpts[] = {"unit scale", "stretched", "four corners", "line table", "?", "run-length map",
-                                               "zero-pixel map"};
-    static constexpr const char* filters[] = {"nearest",      "bilinear",  "mip levels", "mip level per line", "bilinear mip level per line",
-                                              "bilinear mip levels", "flat", "Gouraud",    "mosaic"};
-    static constexpr const char* shaheis[] = {"",           "Shahei plane", "Shahei plane and priorities written", "priority test",
-                                              "draw mask", "priority test and draw mask"};
-    static constexpr const char* blends[] = {
-        "copy",    "alpha", "constant alpha", "?", "alpha with early outs", "add", "subtract", "multiply", "multiply by two", "screen",
-        "overlay", "merge", "host's operator", "copy", "luma of source", "luma of destination", "xor", "and", "or", "destination"};
-    static constexpr const char* multis[] = {"second texture", "corner colours", "one colour"};
+    static constexpr const char *shapes[] = {"line", "rectangle", "triangle"};
+    static constexpr const char *rectOpts[] = {"unit scale", "stretched",      "four corners",  "line table",
+                                               "?",          "run-length map", "zero-pixel map"};
+    static constexpr const char *filters[] = {
+        "nearest", "bilinear", "mip levels", "mip level per line", "bilinear mip level per line", "bilinear mip levels",
+        "flat",    "Gouraud",  "mosaic"};
+    static constexpr const char *shaheis[] = {
+        "", "Shahei plane", "Shahei plane and priorities written", "priority test", "draw mask", "priority test and draw mask"};
+    static constexpr const char *blends[] = {"copy",
+                                             "alpha",
+                                             "constant alpha",
+                                             "?",
+                                             "alpha with early outs",
+                                             "add",
+                                             "subtract",
+                                             "multiply",
+                                             "multiply by two",
+                                             "screen",
+                                             "overlay",
+                                             "merge",
+                                             "host's operator",
+                                             "copy",
+                                             "luma of source",
+                                             "luma of destination",
+                                             "xor",
+                                             "and",
+                                             "or",
+                                             "destination"};
+    static constexpr const char *multis[] = {"second texture", "corner colours", "one colour"};
 
     std::string words = shapes[m.shape];
-    const auto add = [&words](const std::string& word) {
+    const auto add = [&words](const std::string &word) {
         if (!word.empty())
             words += ", " + word;
     };

@@ -14,7 +14,7 @@ namespace {
 
 using namespace gallery;
 
-constexpr const char* usage =
+constexpr const char *usage =
     "usage: gallery [--out DIR] [--pictures DIR] [NAME...]\n"
     "       gallery --list\n"
     "Draws the named sheets, or all, to DIR/NAME.png, and DIR/index.html with a caption for each picture.\n"
@@ -24,22 +24,22 @@ struct Options {
     std::string out = GALLERY_OUT;
     std::string pictures = GALLERY_PICTURES;
     bool list = false, help = false;
-    std::vector<const SheetInfo*> sheets;
+    std::vector<const SheetInfo *> sheets;
 };
 
 struct UsageError : std::runtime_error {
     using runtime_error::runtime_error;
 };
 
-const SheetInfo& sheetNamed(const std::string& name)
+const SheetInfo &sheetNamed(const std::string &name)
 {
-    for (const SheetInfo& info : allSheets())
+    for (const SheetInfo &info : allSheets())
         if (name == info.name)
             return info;
     throw UsageError("no sheet '" + name + "'; --list names them all");
 }
 
-Options parse(int argc, char** argv)
+Options parse(int argc, char **argv)
 {
     Options options;
     for (int i = 1; i < argc; ++i) {
@@ -59,12 +59,12 @@ Options parse(int argc, char** argv)
         }
     }
     if (options.sheets.empty())
-        for (const SheetInfo& info : allSheets())
+        for (const SheetInfo &info : allSheets())
             options.sheets.push_back(&info);
     return options;
 }
 
-constexpr const char* pageHead = R"(<!DOCTYPE html>
+constexpr const char *pageHead = R"(<!DOCTYPE html>
 <html lang="en">
 <meta charset="utf-8">
 <title>Ninefold gallery</title>
@@ -79,7 +79,7 @@ code { color: #06c; }
 <h1>Ninefold gallery</h1>
 )";
 
-void run(const Options& options)
+void run(const Options &options)
 {
     std::filesystem::create_directories(options.out);
     setPictureFolder(options.pictures);
@@ -87,7 +87,7 @@ void run(const Options& options)
 
     std::string page = pageHead, sections;
     page += "<nav>";
-    for (const SheetInfo* info : options.sheets) {
+    for (const SheetInfo *info : options.sheets) {
         Sheet sheet(*info);
         info->fill(sheet);
         if (!sheet.full())
@@ -109,22 +109,22 @@ void run(const Options& options)
 
 } // namespace
 
-int main(int argc, char** argv)
+int main(int argc, char **argv)
 {
     try {
         const Options options = parse(argc, argv);
         if (options.help)
             std::fputs(usage, stdout);
         else if (options.list)
-            for (const SheetInfo& info : allSheets())
+            for (const SheetInfo &info : allSheets())
                 std::printf("%s %d %d %s\n", info.name, info.width(), info.height(), info.title);
         else
             run(options);
         return 0;
-    } catch (const UsageError& error) {
+    } catch (const UsageError &error) {
         std::fprintf(stderr, "gallery: %s\n%s", error.what(), usage);
         return 2;
-    } catch (const std::exception& error) {
+    } catch (const std::exception &error) {
         std::fprintf(stderr, "gallery: %s\n", error.what());
         return 1;
     }

@@ -6,7 +6,7 @@ namespace gallery {
 
 namespace {
 
-// Only the ratios of the depths count. As whole numbers, small ones round, and large ones leave few bits of a coordinate divided by them.
+// Only the ratios of the depths count. As whole numbers small ones round, and large ones leave few bits of a quotient.
 constexpr double depthScale = 256;
 
 } // namespace
@@ -16,7 +16,7 @@ Corner View::project(Point p, double u, double v) const
     return {centreX + focal * p.x / p.z, centreY + focal * p.y / p.z, p.z * depthScale, u, v};
 }
 
-void floorStrips(const View& view, double below, int top, int bottom, int strips, const Modes& modes)
+void floorStrips(const View &view, double below, int top, int bottom, int strips, const Modes &modes)
 {
     const double texels = rs.tex0->origWidth, farthest = view.focal * below / (top - view.centreY);
     const double middle = std::ceil((rs.clipRight - rs.clipLeft) / view.focal * farthest);
@@ -32,7 +32,8 @@ void floorStrips(const View& view, double below, int top, int bottom, int strips
     }
 }
 
-void cube(const View& view, Point middle, double half, double turn, double tilt, const std::array<Texture*, 3>& pictures, const Modes& modes)
+void cube(const View &view, Point middle, double half, double turn, double tilt, const std::array<Texture *, 3> &pictures,
+          const Modes &modes)
 {
     const auto placed = [&](Point p) {
         const Point turned{p.x * std::cos(turn) + p.z * std::sin(turn), p.y, p.z * std::cos(turn) - p.x * std::sin(turn)};
@@ -45,7 +46,7 @@ void cube(const View& view, Point middle, double half, double turn, double tilt,
         {{1, -1, -1}, {1, -1, 1}, {1, 1, -1}, {1, 1, 1}},     {{-1, -1, 1}, {-1, -1, -1}, {-1, 1, 1}, {-1, 1, -1}},
         {{-1, -1, 1}, {1, -1, 1}, {-1, -1, -1}, {1, -1, -1}}, {{-1, 1, -1}, {1, 1, -1}, {-1, 1, 1}, {1, 1, 1}}};
     for (int i = 0; i < 6; ++i) {
-        Texture* picture = pictures[size_t(i / 2)];
+        Texture *picture = pictures[size_t(i / 2)];
         // Half a texel inside, where a bilinear filter stays within the picture.
         const double left = 0.5, top = 0.5, right = picture->origWidth - 0.5, bottom = picture->origHeight - 0.5;
         const Corner a = view.project(placed(faces[i][0]), left, top), b = view.project(placed(faces[i][1]), right, top),

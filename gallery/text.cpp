@@ -11,7 +11,7 @@ Text::Text(int atlasWidth, int atlasHeight)
     ClearTexture(atlas_.get());
 }
 
-int Text::write(const Font& font, Bytes bytes, int x, int y, const Modes& modes)
+int Text::write(const Font &font, Bytes bytes, int x, int y, const Modes &modes)
 {
     // A face with Latin and Japanese; where it is missing the library takes another.
     static char face[] = "VL Gothic";
@@ -22,11 +22,12 @@ int Text::write(const Font& font, Bytes bytes, int x, int y, const Modes& modes)
     rs.fontItalic = font.italic;
     rs.tex0 = atlas_.get();
     rs.fontCursorX = cursorX_, rs.fontCursorY = cursorY_, rs.fontLineBottom = lineBottom_;
-    for (char* next = bytes.data(); *next;) {
+    for (char *next = bytes.data(); *next;) {
         next = font.rimmed ? CreateFontTextureFuchi(next) : CreateFontTexture(next);
         if (!next)
             throw std::runtime_error("the glyph atlas is full");
-        corners(x + rs.glyphOriginX, y - rs.glyphOriginY, x + rs.glyphOriginX + rs.glyphWidth, y - rs.glyphOriginY + rs.glyphHeight);
+        corners(x + rs.glyphOriginX, y - rs.glyphOriginY, x + rs.glyphOriginX + rs.glyphWidth,
+                y - rs.glyphOriginY + rs.glyphHeight);
         source(rs.uv0, rs.glyphX, rs.glyphY, rs.glyphWidth, rs.glyphHeight);
         draw(modes);
         x += rs.glyphAdvance;

@@ -8,7 +8,7 @@ namespace gallery {
 struct Font {
     int32_t height = -24; // em height in pixels
     int32_t weight = 400; // 700 is bold
-    int32_t quality = 3;  // 0 mono, 1 to 3: 4, 16, 64 grey levels
+    int32_t quality = 3; // 0 mono, 1 to 3: 4, 16, 64 grey levels
     bool italic = false;
     bool rimmed = false;
 };
@@ -20,10 +20,10 @@ class Text {
 public:
     Text(int atlasWidth, int atlasHeight);
 
-    // Draws with the pen starting at (x, y) on the base line; returns where it stops. Characters are laid into the atlas as they come.
-    int write(const Font& font, Bytes bytes, int x, int y, const Modes& modes);
+    // Draws with the pen starting at (x, y) on the base line; returns where it stops. Each character is laid into the atlas anew.
+    int write(const Font &font, Bytes bytes, int x, int y, const Modes &modes);
 
-    Texture* atlas() const { return atlas_.get(); }
+    Texture *atlas() const { return atlas_.get(); }
     bool anyInk() const; // false where the system has no font at all
 
 private:

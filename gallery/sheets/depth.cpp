@@ -15,7 +15,7 @@ const View view{128, 96, 220};
 
 } // namespace
 
-void perspective(Sheet& sheet)
+void perspective(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), coffee = load("coffee"), stars = load("stars"), bricks = load("bricks");
     for (const long pers : {0, 1}) {
@@ -36,10 +36,11 @@ void perspective(Sheet& sheet)
     }
 }
 
-void mipFloors(Sheet& sheet)
+void mipFloors(Sheet &sheet)
 {
     const TexturePtr bricks = loadMipped("bricks"), stars = load("stars");
-    const char* names[] = {"0: nearest", "1: bilinear", "2: nearest in the level below the chosen one", "", "", "5: two bilinear levels mixed"};
+    const char *names[] = {
+        "0: nearest", "1: bilinear", "2: nearest in the level below the chosen one", "", "", "5: two bilinear levels mixed"};
     for (const long filter : {0, 1, 2, 5}) {
         Canvas canvas(width, height);
         cover(canvas, stars.get());
@@ -60,11 +61,11 @@ void mipFloors(Sheet& sheet)
     }
 }
 
-void mipLines(Sheet& sheet)
+void mipLines(Sheet &sheet)
 {
     const TexturePtr bricks = loadMipped("bricks"), stars = load("stars");
     const int horizon = 44;
-    const auto lined = [&](const char* caption, const Modes& modes) {
+    const auto lined = [&](const char *caption, const Modes &modes) {
         Canvas canvas(width, height);
         cover(canvas, stars.get());
         std::vector<LineTableRecord> rows(size_t(height - horizon));

@@ -30,10 +30,10 @@ void star(void (*fill)(), int x, int y, int points, double inner, double outer, 
 
 } // namespace
 
-void stipples(Sheet& sheet)
+void stipples(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat");
-    const auto stippled = [&](long index, const std::string& caption) {
+    const auto stippled = [&](long index, const std::string &caption) {
         Canvas canvas(128, 96);
         cover(canvas, coffee.get());
         SetPresetDrawMask(index);
@@ -54,7 +54,7 @@ void stipples(Sheet& sheet)
     stippled(261, "261: odd rows and odd columns");
 }
 
-void shaheiPlane(Sheet& sheet)
+void shaheiPlane(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat"), horse = loadKeyed("horse"), cup = loadKeyed("cup");
     const Modes plane{.shahei = 1};
@@ -75,7 +75,7 @@ void shaheiPlane(Sheet& sheet)
     sheet.add(canvas, "The plane after it");
 }
 
-void priorityPlane(Sheet& sheet)
+void priorityPlane(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), horse = loadKeyed("horse"), cup = loadKeyed("cup"), stars = load("stars");
     const Modes write{.shahei = 2}, test{.filter = 6, .shahei = 3, .blend = 2}, add{.rectOpt = 1, .shahei = 3, .blend = 5};
@@ -108,7 +108,7 @@ void priorityPlane(Sheet& sheet)
     sheet.add(canvas, "Stars of priority 200 added: behind both", add);
 }
 
-void occlusion(Sheet& sheet)
+void occlusion(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat"), stars = load("stars"), bricks = load("bricks");
     const Modes plane{.shahei = 1}, behind{.shahei = 3, .blend = 2};

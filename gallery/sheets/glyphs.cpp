@@ -7,13 +7,13 @@
 
 namespace gallery {
 
-void glyphs(Sheet& sheet)
+void glyphs(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee");
     const Bytes latin = "Ninefold, gjQ&@";
     const Bytes kana = "\x82\xA2\x82\xEB\x82\xCD\x82\xC9\x82\xD9\x82\xD6\x82\xC6"; // i ro ha ni ho he to
     const Bytes kanji = "\x8C\xF5\x82\xC6\x89\x65\x82\xCC\x8A\x47"; // light, and, shadow, of, picture
-    const char* qualities[] = {"mono", "4 levels", "16 levels", "64 levels"};
+    const char *qualities[] = {"mono", "4 levels", "16 levels", "64 levels"};
     for (const bool rimmed : {false, true})
         for (const bool italic : {false, true})
             for (const int quality : {0, 1, 2, 3}) {
@@ -34,7 +34,8 @@ void glyphs(Sheet& sheet)
                 rs.tex0 = text.atlas();
                 source(rs.uv0, 0, 0, 0, 0);
                 draw(modes);
-                const std::string caption = std::string(qualities[quality]) + (italic ? ", italic" : "") + (rimmed ? ", rimmed" : "") +
+                const std::string caption = std::string(qualities[quality]) + (italic ? ", italic" : "") +
+                                            (rimmed ? ", rimmed" : "") +
                                             (text.anyInk() ? "; below, the atlas" : "; no font was found");
                 sheet.add(canvas, caption, modes);
             }

@@ -18,11 +18,11 @@ uint32_t lighten(uint32_t destination, uint32_t picture)
 
 } // namespace
 
-void blends(Sheet& sheet)
+void blends(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat");
     addMatte(*cat);
-    const auto blended = [&](long blend, const char* caption, PixelOperator own = nullptr) {
+    const auto blended = [&](long blend, const char *caption, PixelOperator own = nullptr) {
         Canvas canvas(256, 192);
         cover(canvas, coffee.get());
         rs.blendAlpha = 128;
@@ -58,7 +58,7 @@ void blends(Sheet& sheet)
     blended(13, "Mode 13 is copy again");
 }
 
-void multiOperators(Sheet& sheet)
+void multiOperators(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat");
     addMatte(*cat);
@@ -82,10 +82,10 @@ void multiOperators(Sheet& sheet)
         }
 }
 
-void multiColours(Sheet& sheet)
+void multiColours(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), bricks = load("bricks");
-    const auto coloured = [&](long multi, long op, Texture* picture, std::initializer_list<Colour> colours, const char* caption) {
+    const auto coloured = [&](long multi, long op, Texture *picture, std::initializer_list<Colour> colours, const char *caption) {
         Canvas canvas(256, 192);
         SetBlendModeMulti(op);
         std::transform(colours.begin(), colours.end(), rs.color, [](Colour c) { return argb(c); });
@@ -96,17 +96,19 @@ void multiColours(Sheet& sheet)
         draw(modes);
         sheet.add(canvas, caption, modes);
     };
-    coloured(1, 7, coffee.get(), {{255, 255, 255}, {255, 120, 40}, {60, 60, 220}, {20, 10, 40}}, "Multiplied by white, orange, blue and dark corners");
-    coloured(1, 10, bricks.get(), {{220, 60, 30}, {230, 190, 60}, {40, 90, 200}, {60, 170, 90}}, "Grey bricks, overlaid with four colours");
+    coloured(1, 7, coffee.get(), {{255, 255, 255}, {255, 120, 40}, {60, 60, 220}, {20, 10, 40}},
+             "Multiplied by white, orange, blue and dark corners");
+    coloured(1, 10, bricks.get(), {{220, 60, 30}, {230, 190, 60}, {40, 90, 200}, {60, 170, 90}},
+             "Grey bricks, overlaid with four colours");
     coloured(2, 8, bricks.get(), {{230, 120, 80}}, "Grey bricks times two times brick red");
     coloured(2, 9, coffee.get(), {{20, 60, 140}}, "Screened with blue");
 }
 
-void prescales(Sheet& sheet)
+void prescales(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat");
     addMatte(*cat);
-    for (const auto& [blend, caption] : {std::pair{0L, "Colour dimmed"}, {5L, "Less and less added"}, {1L, "Opacity"}})
+    for (const auto &[blend, caption] : {std::pair{0L, "Colour dimmed"}, {5L, "Less and less added"}, {1L, "Opacity"}})
         for (const uint32_t factor : {0u, 64u, 128u, 192u, 256u}) {
             Canvas canvas(128, 96);
             cover(canvas, coffee.get());

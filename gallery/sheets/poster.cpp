@@ -9,10 +9,11 @@
 
 namespace gallery {
 
-void poster(Sheet& sheet)
+void poster(Sheet &sheet)
 {
     constexpr int width = 512, height = 256;
-    const TexturePtr stars = load("stars"), coffee = load("coffee"), cat = load("cat"), cup = loadKeyed("cup"), bricks = loadMipped("bricks");
+    const TexturePtr stars = load("stars"), coffee = load("coffee"), cat = load("cat"), cup = loadKeyed("cup"),
+                     bricks = loadMipped("bricks");
     const View view{256, 92, 400};
     Canvas canvas(width, height);
 

@@ -20,7 +20,7 @@ LineTableRecord segment(double u0, double v0, double u1, double v1)
 constexpr LineTableRecord noRow{NINEFOLD_SKIP_ROW, 0, 0, 0};
 
 // A rectangle over the whole canvas with the line table `rows`.
-void drawRows(std::vector<LineTableRecord>& rows, const Modes& modes)
+void drawRows(std::vector<LineTableRecord> &rows, const Modes &modes)
 {
     corners(0, 0, width, int(rows.size()));
     rs.lineTable0 = rows.data();
@@ -28,7 +28,7 @@ void drawRows(std::vector<LineTableRecord>& rows, const Modes& modes)
 }
 
 // A rectangle over the whole canvas whose corners show these four texels of tex0: top left, top right, bottom left, bottom right.
-void drawCorners(TexCoord topLeft, TexCoord topRight, TexCoord bottomLeft, TexCoord bottomRight, const Modes& modes)
+void drawCorners(TexCoord topLeft, TexCoord topRight, TexCoord bottomLeft, TexCoord bottomRight, const Modes &modes)
 {
     corners(0, 0, width, height);
     rs.uv0[0] = topLeft, rs.uv0[1] = topRight, rs.uv0[2] = bottomLeft, rs.uv0[3] = bottomRight;
@@ -37,10 +37,10 @@ void drawCorners(TexCoord topLeft, TexCoord topRight, TexCoord bottomLeft, TexCo
 
 } // namespace
 
-void unitCopies(Sheet& sheet)
+void unitCopies(Sheet &sheet)
 {
-    const TexturePtr cat = load("cat"), coffee = load("coffee"), bricks = load("bricks"), gravel = load("gravel"), cup = loadKeyed("cup"),
-                     horse = loadKeyed("horse");
+    const TexturePtr cat = load("cat"), coffee = load("coffee"), bricks = load("bricks"), gravel = load("gravel"),
+                     cup = loadKeyed("cup"), horse = loadKeyed("horse");
     const Modes copy{};
     {
         Canvas canvas(width, height);
@@ -95,7 +95,7 @@ void unitCopies(Sheet& sheet)
     }
 }
 
-void stretches(Sheet& sheet)
+void stretches(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), bricks = load("bricks"), gravel = load("gravel");
     const Modes stretch{.rectOpt = 1};
@@ -153,7 +153,7 @@ void stretches(Sheet& sheet)
     }
 }
 
-void cornerQuads(Sheet& sheet)
+void cornerQuads(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), coffee = load("coffee"), stars = load("stars");
     const Modes quadPoint{.rectOpt = 2}, quadAlpha{.rectOpt = 2, .blend = 5};
@@ -168,7 +168,8 @@ void cornerQuads(Sheet& sheet)
         rs.tex0 = coffee.get();
         const auto turned = [](double x, double y) {
             const double angle = pi / 5, scale = 0.62;
-            return texel(128 + scale * (x * std::cos(angle) - y * std::sin(angle)), 96 + scale * (x * std::sin(angle) + y * std::cos(angle)));
+            return texel(128 + scale * (x * std::cos(angle) - y * std::sin(angle)),
+                         96 + scale * (x * std::sin(angle) + y * std::cos(angle)));
         };
         drawCorners(turned(-128, -96), turned(128, -96), turned(-128, 96), turned(128, 96), quadPoint);
         sheet.add(canvas, "Turned by 36 degrees", quadPoint);
@@ -188,7 +189,7 @@ void cornerQuads(Sheet& sheet)
     }
 }
 
-void lineTables(Sheet& sheet)
+void lineTables(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), coffee = load("coffee"), bricks = load("bricks"), stars = load("stars");
     const Modes table{.rectOpt = 3};
@@ -236,7 +237,7 @@ void lineTables(Sheet& sheet)
     }
 }
 
-void mosaics(Sheet& sheet)
+void mosaics(Sheet &sheet)
 {
     const TexturePtr cat = load("cat");
     for (const int size : {2, 4, 7, 16, 32}) {
@@ -276,17 +277,17 @@ void mosaics(Sheet& sheet)
     }
 }
 
-void filters(Sheet& sheet)
+void filters(Sheet &sheet)
 {
     const TexturePtr cat = load("cat");
     // An eye, sampled at the centres of the pixels.
     const double u = 64, v = 50, step = 0.25;
-    const auto draws = [&](const Modes& modes, const char* caption) {
+    const auto draws = [&](const Modes &modes, const char *caption) {
         Canvas canvas(width, height);
         rs.tex0 = cat.get();
         if (modes.rectOpt == 2)
-            drawCorners(texel(u + step / 2, v + step / 2), texel(u + 64 + step / 2, v + step / 2), texel(u + step / 2, v + 48 + step / 2),
-                        texel(u + 64 + step / 2, v + 48 + step / 2), modes);
+            drawCorners(texel(u + step / 2, v + step / 2), texel(u + 64 + step / 2, v + step / 2),
+                        texel(u + step / 2, v + 48 + step / 2), texel(u + 64 + step / 2, v + 48 + step / 2), modes);
         else {
             corners(0, 0, width, height);
             source(rs.uv0, u + step / 2, v + step / 2, 64, 48);
@@ -300,13 +301,13 @@ void filters(Sheet& sheet)
     draws({.filter = 1, .rectOpt = 2, .shahei = 1}, "... but with the Shahei plane four texels are mixed");
 }
 
-void runLengths(Sheet& sheet)
+void runLengths(Sheet &sheet)
 {
     const TexturePtr gravel = load("gravel"), coffee = load("coffee"), cat = load("cat");
     const TexturePtr cup = loadKeyed("cup");
     CreateRunlengthMap(cup.get());
     // Its spare rows below the picture are holes of 128 pixels, which step back: leave them out.
-    const auto runs = [&](int x, int y, const Modes& modes) {
+    const auto runs = [&](int x, int y, const Modes &modes) {
         rs.tex0 = cup.get();
         corners(x, y, x + 128, y + int(cup->origHeight));
         source(rs.uv0, 0, 0, 0, 0);
@@ -332,7 +333,7 @@ void runLengths(Sheet& sheet)
     // The zero-pixel map lies on the frame buffer position for position: a layer of the canvas's own width.
     TexturePtr layer(CreateTexture(width, height));
     ClearTexture(layer.get());
-    for (const auto& [x, y] : {std::pair{0, 14}, {128, 60}})
+    for (const auto &[x, y] : {std::pair{0, 14}, {128, 60}})
         CopyTexture(layer.get(), cup.get(), x, y, 0, 0, 128, 118);
     CreateZeroPixelMap(layer.get());
     const Modes mapped{.rectOpt = 6, .shahei = 1};

@@ -13,7 +13,7 @@ constexpr double pi = std::numbers::pi;
 
 // A rule texture made of Gouraud triangles around the middle of a canvas: rim and middle at the given values.
 template <class Rim>
-void paintRule(const Canvas& canvas, int segments, uint32_t middle, Rim&& rim)
+void paintRule(const Canvas &canvas, int segments, uint32_t middle, Rim &&rim)
 {
     const auto grey = [](uint32_t value) { return 0xFF000000 | value * 0x10101u; };
     const double x = canvas.width / 2.0, y = canvas.height / 2.0, radius = std::hypot(x, y);
@@ -29,12 +29,12 @@ void paintRule(const Canvas& canvas, int segments, uint32_t middle, Rim&& rim)
 
 } // namespace
 
-void wipes(Sheet& sheet)
+void wipes(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat");
     Canvas rule(128, 128);
     paintRule(rule, 48, 255, [](int) { return 0u; });
-    const char* names[] = {"linear", "fast", "slow"};
+    const char *names[] = {"linear", "fast", "slow"};
     for (const int curve : {0, 1, 2})
         for (int step = 0; step < 10; ++step) {
             Canvas canvas(128, 96);
@@ -53,7 +53,7 @@ void wipes(Sheet& sheet)
         }
 }
 
-void wipeShapes(Sheet& sheet)
+void wipeShapes(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat"), gravel = load("gravel"), horse = load("horse");
     {
@@ -124,9 +124,10 @@ void wipeShapes(Sheet& sheet)
     }
 }
 
-void ruleRectangles(Sheet& sheet)
+void ruleRectangles(Sheet &sheet)
 {
-    const TexturePtr coffee = loadMipped("coffee"), cat = loadMipped("cat"), gravel = load("gravel"), bricks = loadMipped("bricks");
+    const TexturePtr coffee = loadMipped("coffee"), cat = loadMipped("cat"), gravel = load("gravel"),
+                     bricks = loadMipped("bricks");
     Canvas rule(128, 128);
     paintRule(rule, 48, 255, [](int) { return 0u; });
     {
@@ -152,7 +153,7 @@ void ruleRectangles(Sheet& sheet)
         DrawRectGradRule();
         sheet.add(canvas, "The rule is a gradient of four corner values", "DrawRectGradRule");
     }
-    const auto screened = [&](Texture* picture, double scale, void (*function)(), const char* caption, const char* name) {
+    const auto screened = [&](Texture *picture, double scale, void (*function)(), const char *caption, const char *name) {
         Canvas canvas(width, height);
         cover(canvas, coffee.get());
         rs.ruleThreshold = 90, rs.ruleWidth = 60;
@@ -170,8 +171,8 @@ void ruleRectangles(Sheet& sheet)
         sheet.add(canvas, caption, name);
     };
     screened(cat.get(), 1, DrawRectGradRule_GEN_RULE_TEST, "Screened through a round rule", "DrawRectGradRule_GEN_RULE_TEST");
-    screened(bricks.get(), 5, DrawRectGradRule_GEN_RULE_MIPMAP_TEST, "The same with bricks shrunk to a fifth, on the level chosen for it",
-             "DrawRectGradRule_GEN_RULE_MIPMAP_TEST");
+    screened(bricks.get(), 5, DrawRectGradRule_GEN_RULE_MIPMAP_TEST,
+             "The same with bricks shrunk to a fifth, on the level chosen for it", "DrawRectGradRule_GEN_RULE_MIPMAP_TEST");
 }
 
 } // namespace gallery

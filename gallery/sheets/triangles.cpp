@@ -29,7 +29,7 @@ Place flat(double u, double v)
 
 // The grid of a picture of 256 by 192 texels, 32 apart, bent; `cell` draws each of its triangles.
 template <class Cell>
-void mesh(const Bend& bend, Cell&& cell)
+void mesh(const Bend &bend, Cell &&cell)
 {
     const auto corner = [&](int column, int row) {
         const double u = 32 * column, v = 32 * row;
@@ -39,14 +39,15 @@ void mesh(const Bend& bend, Cell&& cell)
     };
     for (int row = 0; row < 6; ++row)
         for (int column = 0; column < 8; ++column) {
-            const Corner a = corner(column, row), b = corner(column + 1, row), c = corner(column, row + 1), d = corner(column + 1, row + 1);
+            const Corner a = corner(column, row), b = corner(column + 1, row), c = corner(column, row + 1),
+                         d = corner(column + 1, row + 1);
             cell(a, b, c);
             cell(b, d, c);
         }
 }
 
 // The mean colour of a picture around a texel.
-uint32_t colourNear(const Texture& picture, double u, double v, int radius)
+uint32_t colourNear(const Texture &picture, double u, double v, int radius)
 {
     int sum[3] = {}, count = 0;
     for (int y = int(v) - radius; y <= int(v) + radius; ++y)
@@ -69,14 +70,14 @@ uint32_t lightAt(double u)
 
 } // namespace
 
-void meshes(Sheet& sheet)
+void meshes(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), gravel = load("gravel");
-    const auto bent = [&](const Modes& modes, const char* caption) {
+    const auto bent = [&](const Modes &modes, const char *caption) {
         Canvas canvas(width, height);
         cover(canvas, gravel.get());
         rs.tex0 = cat.get();
-        mesh(waves, [&](const Corner& a, const Corner& b, const Corner& c) { triangle(a, b, c, modes); });
+        mesh(waves, [&](const Corner &a, const Corner &b, const Corner &c) { triangle(a, b, c, modes); });
         sheet.add(canvas, caption, modes);
     };
     bent({.shape = 2}, "96 triangles, nearest");
@@ -87,7 +88,7 @@ void meshes(Sheet& sheet)
         SetBlendModeMulti(7);
         const Modes modes{.shape = 2, .filter = 1, .multi = 1};
         rs.tex0 = cat.get();
-        mesh(waves, [&](const Corner& a, const Corner& b, const Corner& c) {
+        mesh(waves, [&](const Corner &a, const Corner &b, const Corner &c) {
             rs.color[0] = lightAt(a.u), rs.color[1] = lightAt(b.u), rs.color[2] = lightAt(c.u);
             triangle(a, b, c, modes);
         });
@@ -96,8 +97,8 @@ void meshes(Sheet& sheet)
     {
         Canvas canvas(width, height);
         const Modes modes{.shape = 2, .filter = 7};
-        mesh(flat, [&](const Corner& a, const Corner& b, const Corner& c) {
-            const Corner* corners[] = {&a, &b, &c};
+        mesh(flat, [&](const Corner &a, const Corner &b, const Corner &c) {
+            const Corner *corners[] = {&a, &b, &c};
             for (int i = 0; i < 3; ++i)
                 rs.color[i] = colourNear(*cat, corners[i]->u, corners[i]->v, 6);
             triangle(a, b, c, modes);
@@ -107,7 +108,7 @@ void meshes(Sheet& sheet)
     {
         Canvas canvas(width, height);
         const Modes modes{.shape = 2, .filter = 6};
-        mesh(flat, [&](const Corner& a, const Corner& b, const Corner& c) {
+        mesh(flat, [&](const Corner &a, const Corner &b, const Corner &c) {
             rs.color[0] = colourNear(*cat, (a.u + b.u + c.u) / 3, (a.v + b.v + c.v) / 3, 8);
             triangle(a, b, c, modes);
         });
@@ -128,12 +129,12 @@ void meshes(Sheet& sheet)
     }
 }
 
-void scanShifts(Sheet& sheet)
+void scanShifts(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), stars = load("stars");
     const Modes modes{.shape = 2, .filter = 1};
     std::vector<int32_t> shifts(height);
-    const auto displaced = [&](const char* caption, double (*shift)(int)) {
+    const auto displaced = [&](const char *caption, double (*shift)(int)) {
         Canvas canvas(width, height);
         cover(canvas, stars.get());
         for (int y = 0; y < height; ++y)
@@ -148,10 +149,10 @@ void scanShifts(Sheet& sheet)
     displaced("Bands that slide apart", [](int y) { return (y / 16 % 2 ? 1.0 : -1.0) * y / 6; });
 }
 
-void lines(Sheet& sheet)
+void lines(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), stars = load("stars"), cat = load("cat"), cup = loadKeyed("cup");
-    const auto fan = [&](int x, int y, int count, double radius, const Modes& modes, auto&& colourOf) {
+    const auto fan = [&](int x, int y, int count, double radius, const Modes &modes, auto &&colourOf) {
         for (int i = 0; i < count; ++i) {
             const double angle = 2 * pi * i / count;
             rs.vertex[0] = at(x, y);

@@ -1,5 +1,5 @@
-// check DIR: reads "name width height title" lines, as gallery --list prints them, and looks at DIR/name.png of each: it must have that
-// size and not be blank. Exits with 1 at the first that fails.
+// check DIR: reads "name width height title" lines, as gallery --list prints, and looks at DIR/name.png of each: it must have
+// that size and not be blank. Exits with 1 at the first that fails.
 
 #include <png.h>
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-bool check(const std::string& path, unsigned width, unsigned height)
+bool check(const std::string &path, unsigned width, unsigned height)
 {
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
@@ -22,7 +22,8 @@ bool check(const std::string& path, unsigned width, unsigned height)
         return false;
     }
     if (image.width != width || image.height != height) {
-        std::fprintf(stderr, "%s: %u x %u instead of %u x %u\n", path.c_str(), unsigned(image.width), unsigned(image.height), width, height);
+        std::fprintf(stderr, "%s: %u x %u instead of %u x %u\n", path.c_str(), unsigned(image.width), unsigned(image.height),
+                     width, height);
         png_image_free(&image);
         return false;
     }
@@ -44,7 +45,7 @@ bool check(const std::string& path, unsigned width, unsigned height)
 
 } // namespace
 
-int main(int argc, char** argv)
+int main(int argc, char **argv)
 {
     if (argc != 2)
         return 2;
