@@ -14,7 +14,7 @@ struct Order {
     int32_t xT, yT, xM, yM, xB, yB;
 
     // False: the triangle is above or below the clip rectangle or has no height.
-    bool make()
+    [[gnu::always_inline]] bool make()
     {
         const Vertex* v = rs.vertex;
         top = 0;
@@ -67,29 +67,34 @@ struct Edge {
 // The scan of a triangle: one trapezoid, or two of which the second goes on with the long edge as the first left it.
 // walk(left, right, row, height) draws `height` rows and steps both edges and the row.
 template <int count, class Walk>
-void scan(const Order& o, const uint32_t (&top)[count], const uint32_t (&mid)[count], const uint32_t (&bot)[count], Walk&& walk)
+[[gnu::always_inline]] inline void scan(const Order& o, const uint32_t (&top)[count], const uint32_t (&mid)[count],
+                                        const uint32_t (&bot)[count], Walk&& walk)
 {
     Edge<count> left, right;
     int32_t row = o.yT;
-    const uint32_t whole = uint32_t(o.yB) - uint32_t(o.yT);
-    const Divider byWhole(whole);
-    if (o.yT == o.yM) {
+    uint32_t height = uint32_t(o.yB) - uint32_t(o.yT);
+    const Divider byWhole(height);
+    const bool flatTop = o.yT == o.yM, flatBottom = o.yM == o.yB;
+    bool midLeft = false;
+    if (flatTop) {
         left.from(top, bot, byWhole);
         right.from(mid, bot, byWhole);
-        walk(left, right, row, int32_t(whole));
-    } else if (o.yM == o.yB) {
+    } else if (flatBottom) {
         left.from(top, mid, byWhole);
         right.from(top, bot, byWhole);
-        walk(left, right, row, int32_t(whole));
     } else {
-        const uint32_t upper = uint32_t(o.yM) - uint32_t(o.yT), lower = uint32_t(o.yB) - uint32_t(o.yM);
-        const bool midLeft = o.cross() < 0;
-        Edge<count>&short_ = midLeft ? left : right, &long_ = midLeft ? right : left;
-        short_.from(top, mid, Divider(upper));
-        long_.from(top, bot, byWhole);
-        walk(left, right, row, int32_t(upper));
-        short_.from(mid, bot, Divider(lower));
-        walk(left, right, row, int32_t(lower));
+        midLeft = o.cross() < 0;
+        height = uint32_t(o.yM) - uint32_t(o.yT);
+        const Divider byUpper(height);
+        left.from(top, midLeft ? mid : bot, midLeft ? byUpper : byWhole);
+        right.from(top, midLeft ? bot : mid, midLeft ? byWhole : byUpper);
+    }
+    for (bool more = !flatTop && !flatBottom;; more = false) {
+        walk(left, right, row, int32_t(height));
+        if (!more)
+            return;
+        height = uint32_t(o.yB) - uint32_t(o.yM);
+        (midLeft ? left : right).from(mid, bot, Divider(height));
     }
 }
 

@@ -16,7 +16,7 @@ struct Box {
     bool flippedX, flippedY; // vertex[0] lies right of, below vertex[1]
 
     // False: nothing to draw.
-    bool make()
+    [[gnu::always_inline]] bool make()
     {
         const int32_t x0 = rs.vertex[0].x + rs.originX, x1 = rs.vertex[1].x + rs.originX;
         const int32_t y0 = rs.vertex[0].y + rs.originY, y1 = rs.vertex[1].y + rs.originY;
