@@ -33,14 +33,8 @@ DrawFunc cachedFunc;
     if (shape != 2)
         pers = 0;
     // Values too wide for their field spill to the left.
-    uint32_t code = pers << 1 | rule;
-    code = code << 1 | prescale;
-    code = code << 4 | filter;
-    code = code << 3 | rectOpt;
-    code = code << 3 | shahei;
-    code = code << 5 | blend;
-    code = code << 2 | multi;
-    return code << 8 | shape | 0x68;
+    return pers << 27 | rule << 26 | prescale << 25 | filter << 21 | rectOpt << 18 | shahei << 15 | blend << 10 | multi << 8 | shape |
+           0x68;
 }
 
 uint32_t hashOf(uint32_t code)

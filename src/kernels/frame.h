@@ -96,7 +96,7 @@ public:
             chunk.blendFunc = rs.blendFunc;
             chunk.blendRow = hostBlend ? set.hostOperator : set.operators[wide][op];
         }
-        refused = set.refused[ids.front() % uint32_t(Gate::count)];
+        refused = set.refused[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
         fused[0] = nullptr;
         if constexpr (multi == Multi::none) {
             if (ids.fused() && !overlap && rs.blendAlpha <= 255) {
@@ -121,14 +121,22 @@ public:
             drawWords(s, n);
             return;
         }
+        // What a rule or a gate refuses comes in long runs.
+        bool skip = refused && n >= 64;
         while (n > 0) {
-            int count = n < step ? n : step;
-            if (front(s, first, count, chunk)) {
+            if (skip) {
+                const int count = refused(s, first, n);
+                first += count, n -= count;
+                if (n == 0)
+                    return;
+            }
+            const int count = n < step ? n : step;
+            const bool drawn = front(s, first, count, chunk);
+            if (drawn) {
                 combine(s, first, count);
                 back(s, first, count, chunk);
-            } else if (refused && count < n) { // what a gate refuses comes in long runs
-                count += refused(s, first + count, n - count);
             }
+            skip = !drawn && refused;
             first += count, n -= count;
         }
     }

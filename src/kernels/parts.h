@@ -135,7 +135,7 @@ struct SetTable {
     RowOperator hostOperator;
     const Block* blocks;     // by fusedIndex of blockFetches, less 1
     const FusedSpan* spans;  // by fusedIndex of spanFetches, less 1
-    Refused refused[int(Gate::count)];
+    Refused refused[int(Rule::count)][int(Gate::count)];
     // The sets with which spans of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are gathered.
     const SetTable *upTo8, *upTo4;
 };

@@ -61,7 +61,7 @@ struct Chunk {
 using Front = bool (*)(const Span&, int first, int n, Chunk&); // gates and fetch; false: nothing lives
 using Mid = void (*)(const Span&, int first, int n, Chunk&);   // makes the second operand
 using Back = void (*)(const Span&, int first, int n, Chunk&);  // prescale, blend, soft edge, write
-using Refused = int (*)(const Span&, int first, int n); // how many pixels from the first on a gate surely refuses, at most n
+using Refused = int (*)(const Span&, int first, int n); // how many pixels from the first on rule or gate surely refuse, at most n
 // out = pick ? op(first, second) : first, where pixel k has second[k & secondMask]: -1, or 0 for one word repeated (sixteen of them are
 // read). The function is called by the form that serves a host's own operator, left to right.
 using RowOperator = decltype(Chunk::blendRow);

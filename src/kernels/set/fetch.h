@@ -590,17 +590,21 @@ struct RuleRow {
 };
 
 struct RuleFree {
+    RuleRow row; // where the row stands still across the span
     Ramp u, v;
     const Source level;
+    bool still;
     __attribute__((always_inline)) RuleFree(const Span& s, int first)
-        : u(Ramp::make(s.u2, first)), v(Ramp::make(s.v2, first)), level(s.rule)
+        : row(s, first), u(Ramp::make(s.u2, first)), v(Ramp::make(s.v2, first)), level(s.rule), still(s.v2.step == 0)
     {
     }
-    __attribute__((always_inline)) V get(int) const
+    __attribute__((always_inline)) V get(int left) const
     {
+        if (still)
+            return row.get(left);
         return texel(level, wholeTruncated(u.value) & level.maskU, wholeTruncated(v.value) & level.maskV) & 0xFFu;
     }
-    __attribute__((always_inline)) void advance() { u.advance(), v.advance(); }
+    __attribute__((always_inline)) void advance() { u.advance(), v.advance(), row.advance(); }
 };
 
 } // namespace

@@ -258,9 +258,11 @@ template <Fetch f, Gate g, int blend>
 void block(const Span& span, const Rows& rows)
 {
     if constexpr (f == Fetch::flat && g == Gate::none && blend == 0) {
+        const bool whole = u32(rows.columns) == rows.pitch; // then the rows are one
+        const int count = whole ? 1 : rows.count, columns = whole ? rows.columns * rows.count : rows.columns;
         u32* dst = span.dst;
-        for (int row = rows.count; row > 0; --row, dst += rows.pitch)
-            fillRow(dst, rows.columns, rs.color[0]);
+        for (int row = count; row > 0; --row, dst += rows.pitch)
+            fillRow(dst, columns, rs.color[0]);
         return;
     }
     if constexpr (f == Fetch::bilinearRow3 || f == Fetch::bilinearRow4) {
