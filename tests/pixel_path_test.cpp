@@ -676,6 +676,31 @@ TEST_F(Prescale, FactorsAbove256SpillAsThePackedArithmeticDoes)
     }
 }
 
+TEST_F(PixelPath, ConstantAlphaBeyond255GoesOnInWrappingWords)
+{
+    // For 256: W = -1, red and blue 0xA00020 * 256 - 0x220044 = 0x9FDE1FBC (wrapped), green 0x6000 * 256 - 0x3300 = 0x5FCD00.
+    const struct {
+        uint32_t alpha, result;
+    } cases[] = {{255, 0x009F5F1F}, {256, 0x009F5F1F}, {300, 0x00B56719}, {0x12345, 0x007D654E}, {0x80000001, 0x00223243}};
+    rs.tex0 = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 0xC0A06020; }));
+    std::fill_n(rs.color, 4, 0xC0A06020);
+    for (int shahei : {0, 3, 4, 5}) {
+        std::vector<Modes> forms = pointForms(shahei, 2);
+        for (const Modes &m : colourForms(shahei, 2))
+            forms.push_back(m);
+        for (const Modes &m : forms) {
+            for (const auto &c : cases) {
+                rs.blendAlpha = c.alpha;
+                clear();
+                place(m, 1, 1, 30, 30);
+                draw(m);
+                EXPECT_EQ(at(2, 2), c.result) << m << std::hex << c.alpha;
+                EXPECT_EQ(at(5, 5), c.result) << m << std::hex << c.alpha;
+            }
+        }
+    }
+}
+
 TEST_F(PixelPath, TheMapsAloneDecideInRunLengthForms)
 {
     // A texel that becomes 0 after the maps were made is drawn as it is.
