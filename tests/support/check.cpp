@@ -32,8 +32,8 @@ std::string format(const char *text, Values... values)
     return part;
 }
 
-/* A field as a number that does not depend on where its world lies: texture by index, memory by distance, a function by whether it is
- * still the same. */
+/* A field as a number that does not depend on where its world lies: a texture by index, other pointers by whether they are still
+ * the same. */
 uint64_t fieldValue(const Field &field, const RenderState &start, const RenderState &end, const World &world, size_t at)
 {
     const char *const bytes = reinterpret_cast<const char *>(&end) + field.offset;

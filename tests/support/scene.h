@@ -1,6 +1,6 @@
 /*
- * Scenes: what a kernel is called with. A scene follows from its number alone, by integer arithmetic alone. It stays inside the domain
- * where what is drawn is defined, and goes to its edges.
+ * Scenes: what a kernel is called with. A scene follows from its number alone, by integer arithmetic alone. It stays inside the
+ * domain where what is drawn is defined, and goes to its edges.
  */
 #ifndef SUPPORT_SCENE_H
 #define SUPPORT_SCENE_H
