@@ -91,10 +91,11 @@ void Checker::drawReference()
 {
     std::memcpy(&referenceEnd, &referenceStart, sizeof referenceEnd);
     calls = {};
-    if (scene.subject.exported != nullptr)
-        reference::drawNamed(scene.subject.exported, referenceEnd);
-    else
-        reference::draw(scene.subject.code, referenceEnd);
+    for (int draw = 0; draw < scene.draws; ++draw)
+        if (scene.subject.exported != nullptr)
+            reference::drawNamed(scene.subject.exported, referenceEnd);
+        else
+            reference::draw(scene.subject.code, referenceEnd);
 }
 
 void Checker::drawLibrary(int set, bool restore)
@@ -117,7 +118,8 @@ void Checker::drawLibrary(int set, bool restore)
     calls = {};
     if (beforeDraw != nullptr)
         beforeDraw(set);
-    kernel();
+    for (int draw = 0; draw < scene.draws; ++draw)
+        kernel();
 }
 
 std::string Checker::pixelDifferences(const Window &window, size_t beforeOffset, bool all) const

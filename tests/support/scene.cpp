@@ -837,7 +837,7 @@ void Builder::shifts()
     scene.shifts = place(shiftsSlot, scene.frameHeight * 4, 4, 64, 64);
     fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
     int32_t *const table = world.at<int32_t>(scene.shifts);
-    const int32_t far = random.pick({0, 1, 3, 20, 20, 300});
+    const int32_t far = random.pick({0, 1, 3, 20, 20, 300, 5000});
     for (uint32_t line = 0; line < scene.frameHeight; ++line)
         table[line] = random.between(-far, far);
 }
@@ -922,6 +922,7 @@ void Builder::modes()
           &state.blendMode, &state.blendModeMulti, &state.multiMode, &state.shapeMode, &state.ruleAlphaMode, &state.persMode})
         *mode = random.percent(90) ? random.between(0, 12) : wrapping(random.word());
     const std::vector<Subject> &all = catalogueSubjects();
+    scene.draws = random.percent(6) ? 2 : 1;
     scene.searchedBefore = all[random.below(static_cast<uint32_t>(all.size()))].code;
 }
 
