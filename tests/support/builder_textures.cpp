@@ -22,8 +22,10 @@ Builder::Size Builder::textureSize()
         size = {0, random.between(0, 7)};
     } else if (style < 19) {
         size = {random.between(0, 8), 0};
-    } else if (style < 85 || small) {
+    } else if (style < 65) {
         size = {random.between(1, 5), random.between(1, 5)};
+    } else if (style < 85 || small) { /* rows that hold whole vectors */
+        size = {random.between(4, 7), random.between(0, 4)};
     } else {
         size.log2Width = random.between(1, big ? 11 : 9);
         size.log2Height = random.between(0, (big ? 14 : 11) - size.log2Width);
@@ -209,12 +211,14 @@ Builder::Path Builder::path(int32_t count, int log2Size)
     else if (style < 80) {
         from = random.between(-0x20000, 0x20000);
         to = random.between(-0x20000, 0x20000);
-    } else if (style < 93) {
+    } else if (style < 88) {
         from = random.between(-0x800000, 0x800000);
         to = random.between(-0x800000, 0x800000);
     } else {
         from = static_cast<int32_t>(random.word());
         to = static_cast<int32_t>(random.word());
+        if (random.percent(50)) /* from where it may wrap soon */
+            to = from + int64_t{count} * step();
     }
     result = {wrapping(from), wrapping(to)};
     if (forward) /* and far enough from 0 that no step, rounded down for a level, leads below it */
