@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all test conform gallery bench clean
+.PHONY: all test conform mutate gallery bench clean
 
 all:
 	scripts/setup build
@@ -17,7 +17,12 @@ test:
 
 # The kernels against the reference at depth: make conform SCENES=200.
 conform: all
-	NINEFOLD_SCENES=$(SCENES) ctest --test-dir build -R differential --no-tests=error --verbose
+	NINEFOLD_SCENES=$(SCENES) build/tests/tools/conform $(ARGS)
+
+# Whether the differential notices lines that are wrong: make mutate ARGS=fetch.
+mutate:
+	scripts/setup build
+	JOBS=$(JOBS) scripts/mutate $(ARGS)
 
 # Pictures and an HTML page in build/gallery/.
 gallery:

@@ -11,7 +11,7 @@ namespace {
 TEST(Differential, EveryCodeDrawsAsTheReferenceDoes)
 {
     const std::vector<Subject> subjects = sharedCatalogue();
-    const SweepResult result = sweep(subjects, {.scenes = scenesWanted(8), .seed = seedWanted()});
+    const SweepResult result = sweep(subjects, {.scenes = scenesWanted(24), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text << tableByAxis(subjects, result.failed);
     std::printf("differential: %llu scenes of %zu codes with %d instruction sets in %.1f s\n",
                 static_cast<unsigned long long>(result.scenes), subjects.size(), setCount(), result.seconds);

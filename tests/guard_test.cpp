@@ -1,5 +1,5 @@
-/* Every buffer begins, or ends, at a page without access; often the frame buffer and the planes have no other memory than what lies
- * between the first and the last pixel of the clip rectangle. */
+/* Every buffer begins, or ends, at a page without access; often the frame buffer and the planes have no other memory than what
+ * lies between the first and the last pixel of the clip rectangle. */
 #include "support/sweep.h"
 
 #include <gtest/gtest.h>
@@ -9,13 +9,13 @@ using namespace support;
 TEST(Guard, NothingIsTouchedBesideTheBuffers)
 {
     const std::vector<Subject> subjects = sharedCatalogue();
-    const SweepResult result = sweep(subjects, {.kind = Kind::guard, .scenes = scenesWanted(6), .seed = seedWanted()});
+    const SweepResult result = sweep(subjects, {.kind = Kind::guard, .scenes = scenesWanted(8), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text << tableByAxis(subjects, result.failed);
 }
 
 TEST(Guard, NamedFunctions)
 {
     const SweepResult result =
-        sweep(namedSubjects(), {.kind = Kind::guard, .scenes = 30 * scenesWanted(6), .seed = seedWanted()});
+        sweep(namedSubjects(), {.kind = Kind::guard, .scenes = 30 * scenesWanted(8), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text;
 }

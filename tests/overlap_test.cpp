@@ -8,13 +8,13 @@ using namespace support;
 TEST(Overlap, SourcesOverTheFrameBufferAndThePlanes)
 {
     const std::vector<Subject> subjects = sharedCatalogue();
-    const SweepResult result = sweep(subjects, {.kind = Kind::overlap, .scenes = scenesWanted(6), .seed = seedWanted()});
+    const SweepResult result = sweep(subjects, {.kind = Kind::overlap, .scenes = scenesWanted(8), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text << tableByAxis(subjects, result.failed);
 }
 
 TEST(Overlap, NamedFunctions)
 {
     const SweepResult result =
-        sweep(namedSubjects(), {.kind = Kind::overlap, .scenes = 30 * scenesWanted(6), .seed = seedWanted()});
+        sweep(namedSubjects(), {.kind = Kind::overlap, .scenes = 30 * scenesWanted(8), .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text;
 }

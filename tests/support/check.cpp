@@ -32,8 +32,8 @@ std::string format(const char *text, Values... values)
     return part;
 }
 
-/* A field as a number that does not depend on where its world lies: texture by index, memory by distance, a function by whether it is
- * still the same. */
+/* A field as a number that does not depend on where its world lies: a texture by index, other pointers by whether they are still
+ * the same. */
 uint64_t fieldValue(const Field &field, const RenderState &start, const RenderState &end, const World &world, size_t at)
 {
     const char *const bytes = reinterpret_cast<const char *>(&end) + field.offset;
@@ -91,10 +91,11 @@ void Checker::drawReference()
 {
     std::memcpy(&referenceEnd, &referenceStart, sizeof referenceEnd);
     calls = {};
-    if (scene.subject.exported != nullptr)
-        reference::drawNamed(scene.subject.exported, referenceEnd);
-    else
-        reference::draw(scene.subject.code, referenceEnd);
+    for (int draw = 0; draw < scene.draws; ++draw)
+        if (scene.subject.exported != nullptr)
+            reference::drawNamed(scene.subject.exported, referenceEnd);
+        else
+            reference::draw(scene.subject.code, referenceEnd);
 }
 
 void Checker::drawLibrary(int set, bool restore)
@@ -117,7 +118,8 @@ void Checker::drawLibrary(int set, bool restore)
     calls = {};
     if (beforeDraw != nullptr)
         beforeDraw(set);
-    kernel();
+    for (int draw = 0; draw < scene.draws; ++draw)
+        kernel();
 }
 
 std::string Checker::pixelDifferences(const Window &window, size_t beforeOffset, bool all) const

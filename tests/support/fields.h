@@ -9,7 +9,7 @@
 
 namespace support {
 
-enum class FieldKind { plain, memory, texture, function };
+enum class FieldKind { plain, pointer, texture };
 
 struct Field {
     const char *name;

@@ -1,6 +1,6 @@
 /*
- * Scenes: what a kernel is called with. A scene follows from its number alone, by integer arithmetic alone. It stays inside the domain
- * where what is drawn is defined, and goes to its edges.
+ * Scenes: what a kernel is called with. A scene follows from its number alone, by integer arithmetic alone. It stays inside the
+ * domain where what is drawn is defined, and goes to its edges.
  */
 #ifndef SUPPORT_SCENE_H
 #define SUPPORT_SCENE_H
@@ -62,6 +62,7 @@ struct Scene {
     int multiOperator = 0, blendOperator = 0;
     uint32_t frameWidth = 0, frameHeight = 0;
     uint32_t searchedBefore = 0; /* code of the look-up before the draw */
+    int draws = 1;               /* one after another, the next on what the one before left behind */
 
     /* the first `written` of them may be drawn into */
     std::array<Window, slotCount> windows;

@@ -26,7 +26,7 @@ constexpr int hangSeconds = 120; /* on one scene; a scene takes less than a mill
 
 } // namespace
 
-/* Seen by parent and children. The verdicts, and behind them the numbers, follow. */
+/* Seen by parent and children. */
 struct Workers::Shared {
     std::atomic<size_t> next, done, reported;
     std::atomic<uint64_t> scenes;
@@ -43,7 +43,7 @@ struct Workers::Shared {
 
 Workers::Workers(size_t jobCount, unsigned processes) : count(jobCount), processCount(std::clamp(processes, 1u, processLimit))
 {
-    sharedSize = sizeof(Shared) + count * (sizeof(Verdict) + sizeof(uint32_t)) + sizeof(uint32_t);
+    sharedSize = sizeof(Shared) + count * sizeof(Verdict);
 #ifdef _WIN32
     void *memory = std::calloc(1, sharedSize);
     if (memory == nullptr)
@@ -81,12 +81,6 @@ void Workers::doing(uint32_t scene, int set)
 void Workers::addScenes(uint64_t number)
 {
     shared->scenes += number;
-}
-
-uint32_t &Workers::number(size_t job)
-{
-    char *const behind = reinterpret_cast<char *>(shared->verdicts + count);
-    return reinterpret_cast<uint32_t *>((reinterpret_cast<uintptr_t>(behind) + 3) & ~uintptr_t{3})[job];
 }
 
 Verdict Workers::verdict(size_t job) const

@@ -1,5 +1,5 @@
-/* Runs many small jobs in child processes, because the library draws from a global state, and because a kernel under test may crash or
- * never end. */
+/* Runs many small jobs in child processes, because the library draws from a global state, and because a kernel under test may
+ * crash or never end. */
 #ifndef SUPPORT_WORKERS_H
 #define SUPPORT_WORKERS_H
 
@@ -26,10 +26,9 @@ public:
     void report(const std::string &text);
     void doing(uint32_t scene, int set); /* named when the child dies */
     void addScenes(uint64_t count);
-    uint32_t &number(size_t job); /* a result that the parent sees */
 
-    /* Runs all jobs; `begin` once in each child, ahead of its first. `describe` names a job, its scene and set for a child that died;
-     * `progress` is called from time to time. */
+    /* Runs all jobs; `begin` once in each child, ahead of its first. `describe` names a job, its scene and set for a child that
+     * died; `progress` is called from time to time. */
     using Job = std::function<bool(size_t job)>;
     void run(const std::function<void()> &begin, const Job &job,
              const std::function<std::string(size_t, uint32_t, int)> &describe,

@@ -1,6 +1,6 @@
 /*
- * The memory of one scene. Every buffer that a draw may touch has a slot of its own, and there is no access to the pages on either
- * side of a slot. Two worlds have the same layout: the library draws in one, the reference in the other.
+ * The memory of one scene. Every buffer that a draw may touch has a slot of its own, and there is no access to the pages on
+ * either side of a slot. Two worlds have the same layout: the library draws in one, the reference in the other.
  */
 #ifndef SUPPORT_WORLD_H
 #define SUPPORT_WORLD_H
@@ -33,8 +33,8 @@ enum Slot : int {
     slotCount = tex1Slot + levelLimit
 };
 
-/* What lies outside a buffer is part of its slot and compared too. Of the frame buffer and the planes it is large enough for a source
- * that hangs over their ends. */
+/* What lies around a buffer in its slot is compared too. For the frame buffer and the planes there is room for a source that
+ * hangs over their ends. */
 constexpr uint32_t slotBytes(int slot)
 {
     switch (slot) {

@@ -1,0 +1,305 @@
+/* What a scene draws from: textures, positions in them, line tables. */
+#include "builder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "reference/reference.h"
+
+namespace support {
+
+Builder::Size Builder::textureSize()
+{
+    const uint32_t style = random.below(100);
+    Size size;
+    if (axes().rectOpt == 5) {
+        size.log2Width = guard ? random.between(0, 6) : random.between(2, big ? 11 : 9);
+        size.log2Height = random.between(0, 3);
+    } else if (style < 5) {
+        size = {0, 0};
+    } else if (style < 12) {
+        size = {0, random.between(0, 7)};
+    } else if (style < 19) {
+        size = {random.between(0, 8), 0};
+    } else if (style < 65) {
+        size = {random.between(1, 5), random.between(1, 5)};
+    } else if (style < 85 || small) { /* rows that hold whole vectors */
+        size = {random.between(4, 7), random.between(0, 4)};
+    } else {
+        size.log2Width = random.between(1, big ? 11 : 9);
+        size.log2Height = random.between(0, (big ? 14 : 11) - size.log2Width);
+    }
+    return size;
+}
+
+/* A texture in a slot, and with `chain` its levels in the slots behind it. */
+int Builder::texture(int slot, Size size, Pool pool, bool chain)
+{
+    /* halved, or of a host's own making: any sizes */
+    const bool regular = !chain || !random.percent(12);
+    int count = 1;
+    if (chain) {
+        if (regular) {
+            size.log2Width = std::max(size.log2Width, 1);
+            size.log2Height = std::max(size.log2Height, 1);
+        }
+        const int full = std::min(size.log2Width, size.log2Height) + 1;
+        count = regular ? (random.percent(60) ? full : random.between(2, full)) : random.between(2, levelLimit);
+    }
+    const int base = scene.textureCount;
+    scene.textureCount += count;
+    for (int i = 0; i < count; ++i) {
+        TextureSpec &spec = scene.textures[static_cast<size_t>(base + i)];
+        Size level = size;
+        if (i > 0)
+            level = regular ? Size{size.log2Width - i, size.log2Height - i} : Size{random.between(0, 5), random.between(0, 5)};
+        spec.log2Width = static_cast<uint8_t>(level.log2Width);
+        spec.log2Height = static_cast<uint8_t>(level.log2Height);
+        spec.pixels = place(slot + i, 4 * spec.width() * spec.height(), 16, 64, 64);
+        fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], pool);
+    }
+    if (chain) {
+        TextureSpec &spec = scene.textures[static_cast<size_t>(base)];
+        spec.levels = static_cast<uint8_t>(count);
+        for (int i = 0; i < count; ++i)
+            spec.level[static_cast<size_t>(i)] = static_cast<int8_t>(base + i);
+    }
+    return base;
+}
+
+int Builder::source(int firstSlot)
+{
+    Pool pool = random.percent(90) ? random.pick({noisePool, noisePool, solidPool, extremePool, alphaPool})
+                                   : random.pick({runPool, stripePool});
+    if (axes().rectOpt == 5)
+        pool = guard ? noisePool : random.pick({runPool, runPool, stripePool, noisePool, solidPool});
+    return texture(firstSlot, textureSize(), pool, chains);
+}
+
+void Builder::textures()
+{
+    if (textured())
+        scene.tex0 = source(tex0Slot);
+    const bool needsSecond = axes().multi == 0 || scene.subject.is("DrawRectGradRule_GEN_RULE_MIPMAP_TEST");
+    if (needsSecond || random.percent(30)) /* or one that an earlier draw left behind */
+        scene.tex1 = source(tex1Slot);
+    if (axes().rule || random.percent(10)) {
+        const Size size = textureSize();
+        scene.tex2 = texture(ruleSlot, size, random.pick({noisePool, solidPool, solidPool, extremePool}), false);
+        const Window &window = scene.windows[static_cast<size_t>(scene.windowCount - 1)];
+        if (random.percent(50)) { /* values around the ends of the soft edge */
+            std::byte *const bytes = world.begin(window.slot) + window.begin;
+            const int32_t low = scene.state.ruleThreshold, high = wrapping(int64_t{low} + scene.state.ruleWidth);
+            for (uint32_t at = 0; at + 4 <= window.end - window.begin; at += 4) {
+                const uint32_t noise = static_cast<uint32_t>(bytes[at]);
+                const uint32_t around = static_cast<uint32_t>(noise & 1 ? low : high);
+                bytes[at] = static_cast<std::byte>(around + (noise >> 1) % 5 - 2);
+            }
+        }
+    }
+    /* what an earlier draw of a mip filter left behind */
+    const bool readsStale = scene.subject.is("DrawRectGradRule_GEN_RULE_TEST");
+    if (readsStale || random.percent(50)) {
+        const Size size = textureSize(), size1 = textureSize();
+        scene.mipTex = texture(stale0Slot, size, noisePool, false);
+        scene.mipTex1 = texture(stale1Slot, size1, solidPool, false);
+    }
+    scene.state.mipFrac = random.between(0, 255);
+    scene.state.mipFrac1 = random.between(0, 255);
+    scene.state.mipRatio = static_cast<int32_t>(random.word());
+}
+
+/* Moves textures into memory that the draw writes. */
+void Builder::overlaps()
+{
+    std::vector<int> sources;
+    for (const int base : {scene.tex0, scene.tex1, scene.tex2})
+        if (base >= 0) {
+            sources.push_back(base);
+            for (int i = 1; i < scene.textures[static_cast<size_t>(base)].levels; ++i)
+                sources.push_back(scene.textures[static_cast<size_t>(base)].level[static_cast<size_t>(i)]);
+        }
+    for (const int stale : {scene.mipTex, scene.mipTex1})
+        if (stale >= 0)
+            sources.push_back(stale);
+    if (sources.empty())
+        return;
+    const uint32_t share = sources.size() > 3 ? 40 : 60;
+    const int certain = sources[random.below(static_cast<uint32_t>(std::min<size_t>(sources.size(), 3)))];
+    for (const int index : sources) {
+        if (index != certain && !random.percent(share))
+            continue;
+        TextureSpec &spec = scene.textures[static_cast<size_t>(index)];
+        const int64_t lines = random.percent(70) ? 0 : random.between(-2, static_cast<int32_t>(scene.frameHeight));
+        const int64_t distance = random.percent(60) ? random.between(-20, 20) : random.between(-130, 130);
+        int64_t offset = scene.pixels.offset + 4 * (lines * scene.frameWidth + distance);
+        int slot = frameSlot;
+        if (axes().shahei == 1 || axes().shahei == 2) {
+            const uint32_t where = random.below(10);
+            if (where < 3) {
+                slot = planeSlot;
+                offset = (scene.plane.offset & ~3) +
+                         4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 32));
+            } else if (where < 5 && axes().shahei == 2) {
+                slot = prioritySlot;
+                offset = (scene.priority.offset & ~3) +
+                         4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 4));
+            }
+        }
+        for (int i = 0; i < scene.written; ++i) {
+            const Window &window = scene.windows[static_cast<size_t>(i)];
+            const int64_t bytes = 4 * int64_t{spec.width()} * spec.height();
+            if (window.slot == slot && offset >= window.begin && offset + bytes <= window.end)
+                spec.pixels = {slot, offset};
+        }
+    }
+}
+
+void Builder::maps()
+{
+    if (scene.tex0 < 0)
+        return;
+    TextureSpec &spec = scene.textures[static_cast<size_t>(scene.tex0)];
+    Texture bound;
+    bound.pixels = world.at<uint32_t>(spec.pixels);
+    bound.width = spec.width();
+    bound.height = spec.height();
+    bound.log2Width = spec.log2Width;
+    bound.log2Height = spec.log2Height;
+    if (axes().rectOpt == 5) {
+        const std::vector<int8_t> map = reference::runLengthMap(bound);
+        scene.runs = place(runsSlot, static_cast<uint32_t>(map.size()), 1, 32, 32);
+        fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
+        std::memcpy(world.at<std::byte>(scene.runs), map.data(), map.size());
+        spec.runs = true;
+    }
+    if (axes().rectOpt == 6) {
+        /* a bit for each pixel of the frame buffer, whatever the texture's size */
+        scene.zeros = place(zerosSlot, static_cast<uint32_t>(2 * (endWord - firstWord)), 2, 32, 32);
+        scene.zeros.offset -= 2 * firstWord;
+        fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], random.pick({noisePool, runPool, stripePool}));
+        spec.zeros = true;
+    }
+}
+
+/* A 16.16 step from a pixel to the next. */
+int32_t Builder::step()
+{
+    const int32_t finest = chains ? -1 : -4, coarsest = chains ? 7 : 4;
+    const int32_t exponent = random.between(finest, coarsest);
+    const int64_t mantissa = random.percent(30) ? 0x10000 : random.between(0x10000, 0x1FFFF);
+    const int64_t size = exponent < 0 ? mantissa >> -exponent : mantissa << exponent;
+    return static_cast<int32_t>(random.percent(30) ? -size : size);
+}
+
+/* Positions at the ends of `count` pixels. */
+Builder::Path Builder::path(int32_t count, int log2Size)
+{
+    const int32_t size = 1 << log2Size;
+    const uint32_t style = random.below(100);
+    Path result;
+    int64_t from = int64_t{random.between(-2 * size, 2 * size)} * 0x10000;
+    from += random.pick({0, 0x8000, random.between(0, 0xFFFF)});
+    int64_t to = from;
+    if (style < (chains ? 8u : 25u))
+        to = from + int64_t{count} * 0x10000 + (random.percent(30) ? random.between(-300, 300) : 0);
+    else if (style < 65)
+        to = from + int64_t{count} * step();
+    else if (style < 70)
+        to = from;
+    else if (style < 80) {
+        from = random.between(-0x20000, 0x20000);
+        to = random.between(-0x20000, 0x20000);
+    } else if (style < 88) {
+        from = random.between(-0x800000, 0x800000);
+        to = random.between(-0x800000, 0x800000);
+    } else {
+        from = static_cast<int32_t>(random.word());
+        to = static_cast<int32_t>(random.word());
+        if (random.percent(50)) /* from where it may wrap soon */
+            to = from + int64_t{count} * step();
+    }
+    result = {wrapping(from), wrapping(to)};
+    if (forward) /* and far enough from 0 that no step, rounded down for a level, leads below it */
+        result = {(result.from & 0x3FFFFFFF) | 0x08000000, (result.to & 0x3FFFFFFF) | 0x08000000};
+    return result;
+}
+
+void Builder::positions(TexCoord (&uv)[4], int textureIndex)
+{
+    const RenderState &state = scene.state;
+    const Vertex *const vertex = state.vertex;
+    const Size size = textureIndex < 0 ? Size{4, 4}
+                                       : Size{scene.textures[static_cast<size_t>(textureIndex)].log2Width,
+                                              scene.textures[static_cast<size_t>(textureIndex)].log2Height};
+    if (axes().shape != 2) {
+        const int32_t width = std::abs(vertex[1].x - vertex[0].x), height = std::abs(vertex[1].y - vertex[0].y);
+        const Path across = path(width, size.log2Width), down = path(height, size.log2Height);
+        uv[0] = {across.from, down.from};
+        uv[1] = {across.to, down.to};
+        for (int i = 2; i < 4; ++i)
+            uv[i] = {path(width, size.log2Width).to, path(height, size.log2Height).to};
+        const bool corners = axes().rectOpt == 2;
+        if (corners && random.percent(70)) { /* a skewed picture, perhaps with one corner moved */
+            const Path skewU = path(height, size.log2Width), skewV = path(width, size.log2Height);
+            const auto along = [this](int32_t from, Path by) {
+                const int32_t sum = wrapping(int64_t{from} + by.to - by.from);
+                return forward ? (sum & 0x3FFFFFFF) | 0x08000000 : sum;
+            };
+            uv[1] = {across.to, along(down.from, skewV)};
+            uv[2] = {along(across.from, skewU), down.to};
+            uv[3] = {along(across.to, skewU), along(down.to, skewV)};
+            if (random.percent(30))
+                uv[3] = uv[random.below(3)];
+        }
+        return;
+    }
+    const uint32_t style = random.below(100);
+    const int32_t across[2] = {step(), random.percent(50) ? 0 : step()};
+    const int32_t down[2] = {random.percent(50) ? 0 : step(), step()};
+    const Path start{path(8, size.log2Width).from, path(8, size.log2Height).from};
+    for (int i = 0; i < 4; ++i) {
+        if (style < 75) { /* a picture laid over the triangle */
+            const int64_t x = vertex[i].x - vertex[0].x, y = vertex[i].y - vertex[0].y;
+            uv[i] = {wrapping(start.from + x * across[0] + y * across[1]), wrapping(start.to + x * down[0] + y * down[1])};
+        } else {
+            uv[i] = {path(8, size.log2Width).to, path(8, size.log2Height).to};
+        }
+    }
+    if (axes().pers && !random.percent(15)) {
+        /* perspective serves positions from 0 up */
+        const int bits = random.percent(70) ? 24 : random.between(16, 31);
+        for (int i = 0; i < 4; ++i) {
+            uv[i].u &= wrapping((int64_t{1} << bits) - 1);
+            uv[i].v &= wrapping((int64_t{1} << bits) - 1);
+        }
+    }
+}
+
+void Builder::lineTable(Place &table, int slot, int textureIndex, bool skips)
+{
+    const RenderState &state = scene.state;
+    const int32_t width = std::abs(state.vertex[1].x - state.vertex[0].x),
+                  height = std::abs(state.vertex[1].y - state.vertex[0].y);
+    const TextureSpec &spec = scene.textures[static_cast<size_t>(textureIndex)];
+    table = place(slot, static_cast<uint32_t>(height) * sizeof(LineTableRecord), 4, 64, 64);
+    fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
+    LineTableRecord *const records = world.at<LineTableRecord>(table);
+    const uint32_t skipped = !skips ? 3 : random.pick<uint32_t>({0, 0, 0, 20, 20, 20, 50, 90});
+    const bool alike = random.percent(40);
+    Path u = path(width, spec.log2Width), v = path(width, spec.log2Height);
+    for (int32_t line = 0; line < height; ++line) {
+        if (!alike || random.percent(5)) {
+            u = path(width, spec.log2Width);
+            v = path(width, spec.log2Height);
+        }
+        records[line] = {u.from, v.from, u.to, v.to};
+        if (random.percent(skipped))
+            records[line].startU = NINEFOLD_SKIP_ROW;
+        if (random.percent(30) && !forward)
+            v = {wrapping(int64_t{v.from} + 0x10000), wrapping(int64_t{v.to} + 0x10000)};
+    }
+}
+
+} // namespace support

@@ -1,0 +1,26 @@
+/* Pools of pixels, made once, from which buffers are filled. */
+#ifndef SUPPORT_POOLS_H
+#define SUPPORT_POOLS_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace support {
+
+enum Pool {
+    noisePool, /* a third of it zeros */
+    solidPool, /* no zero */
+    extremePool, /* channels at the ends and the middle of their range */
+    runPool, /* long runs of zeros, and of noise */
+    alphaPool, /* much that is opaque, or without alpha */
+    stripePool, /* long runs of zeros, and of one colour */
+    poolCount
+};
+
+constexpr uint32_t poolWords = 0x10000;
+
+const std::byte *poolBytes(Pool pool);
+
+} // namespace support
+
+#endif
