@@ -113,7 +113,8 @@ TEST_F(Occlusion, SpansAtEveryPlaceAndOfEveryWidth)
         }
     }
     // A whole word, and ends on word boundaries, with every fill.
-    for (const auto &[left, right] : {std::pair{16, 32}, {16, 48}, {5, 16}, {5, 32}, {32, 37}, {0, 64}, {63, 64}}) {
+    for (const auto &ends : {std::pair{16, 32}, {16, 48}, {5, 16}, {5, 32}, {32, 37}, {0, 64}, {63, 64}}) {
+        const int left = ends.first, right = ends.second;
         span(left, right, 5);
         for (const Fill &f : fills)
             expectFilled(f, [&](int x, int y) { return y == 5 && x >= left && x < right; });

@@ -75,7 +75,7 @@ std::string describeScene(const Scene &scene, const World &world)
     std::string text;
     char part[256];
     const auto print = [&](const char *format, auto... values) {
-        std::snprintf(part, sizeof part, format, values...);
+        std::snprintf(part, sizeof part, format, values..., 0); // clang wants a value beside a format that is no literal
         text += part;
     };
     print("frame buffer %u x %u, clip %d..%d x %d..%d, origin %d %d\n", scene.frameWidth, scene.frameHeight, state.clipLeft,

@@ -23,8 +23,8 @@ constexpr const char *faces[] = {"VL Gothic",
                                  "IPAPGothic",
                                  "Konatu",
                                  "Konatu Tohaba",
-                                 "IPA\x83S\x83V\x83"
-                                 "b\x83N"};
+                                 ("IPA\x83S\x83V\x83" // in two: b would count as a digit
+                                  "b\x83N")};
 constexpr int32_t heights[] = {16, 24, 9, 3, 2, 1, 0, -1, -2, -3, -12, -13, -20, -33};
 constexpr int32_t weights[] = {400, 700};
 constexpr uint8_t slants[] = {0, 1};
