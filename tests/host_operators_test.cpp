@@ -88,17 +88,17 @@ TEST_F(HostOperators, AlternatePixelByPixelWhenBothAreTheHosts)
 
 TEST_F(HostOperators, RowsOfMoreThanAChunkAlternateToo)
 {
-    Texture *wide = texture(256, 2);
+    Texture *wide = texture(1024, 2);
     SetFrameBuffer(wide);
-    std::fill_n(wide->pixels, 512, ground);
-    corners(1, 0, 200, 2);
-    rs.clipRight = 256;
+    std::fill_n(wide->pixels, 2048, ground);
+    corners(1, 0, 1000, 2);
+    rs.clipRight = 1024;
     calls.clear();
     kernel({.blend = 12, .multi = 2})();
-    ASSERT_EQ(calls.size(), 2u * 2 * 199);
+    ASSERT_EQ(calls.size(), 2u * 2 * 999);
     for (size_t k = 0; k < calls.size(); ++k)
         ASSERT_EQ(calls[k].which, k % 2 ? 'b' : 'm') << k;
-    for (uint32_t k = 0; k < 199; ++k)
+    for (uint32_t k = 0; k < 999; ++k)
         ASSERT_EQ(calls[2 * k], (Call{'m', idAt(k & 63, 0), 0x50505})) << k;
     SetFrameBuffer(frame);
 }
