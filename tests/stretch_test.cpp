@@ -232,4 +232,21 @@ TEST_F(Stretch, PositionsWrapByTheTexturesMasks)
     }
 }
 
+TEST_F(Stretch, WhichVertexIsLeftIsDecidedWithTheOriginAdded)
+{
+    // vertex[0].x is almost the greatest number, vertex[1].x, 16 pixels on, wraps to almost the least. With the origin they are 10 and 26.
+    rs.originX = static_cast<int32_t>(0x80000012u);
+    rs.originY = static_cast<int32_t>(0x80000012u);
+    rs.vertex[0] = {0x7FFFFFF8, 0x7FFFFFF8, 0};
+    rs.vertex[1] = {static_cast<int32_t>(0x80000008u), static_cast<int32_t>(0x80000008u), 0};
+    span(texels(2), texels(4), texels(18), texels(20));
+    for (const Modes &m : forms()) {
+        wipe();
+        draw(m);
+        EXPECT_EQ(drawnCount(), 256) << m;
+        EXPECT_EQ(at(10, 10), idAt(2, 4)) << m;
+        EXPECT_EQ(at(25, 25), idAt(17, 19)) << m;
+    }
+}
+
 }

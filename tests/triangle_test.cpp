@@ -284,6 +284,24 @@ TEST_F(Triangle, DifferencesOf32768ColumnsWrap)
     EXPECT_EQ(spanOf(1), std::pair(0, 64));
 }
 
+TEST_F(Triangle, VerticesAreOrderedWithoutTheOrigin)
+{
+    // Row 26 is the least number as the host gives it, row 10 the greatest: the order is upside down, and there are no rows.
+    rs.originY = static_cast<int32_t>(0x80000012u);
+    for (int k = 0; k < 3; ++k)
+        rs.vertex[k] = {k == 1 ? 40 : 10, static_cast<int32_t>(k == 2 ? 0x80000008u : 0x7FFFFFF8u), 1};
+    for (const Modes &m : forms()) {
+        wipe();
+        draw(m);
+        EXPECT_TRUE(untouched()) << m;
+    }
+    // Rows that do not wrap are in order.
+    rs.originY = 5;
+    triangle(10, 5, 40, 5, 10, 21);
+    draw({.shape = 2});
+    EXPECT_EQ(spanOf(10), std::pair(10, 40));
+}
+
 TEST_F(Triangle, TheOrientationWraps)
 {
     // The middle vertex lies to the right. 30000 * 90000 wraps to a negative number, which makes its edge the left one: all rows are
