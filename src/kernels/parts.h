@@ -142,7 +142,7 @@ struct SetTable {
 
 // The sets of this machine's architecture, baseline first.
 constexpr int setCount =
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__x86_64__)
     3;
 #else
     1;

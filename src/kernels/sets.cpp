@@ -1,13 +1,13 @@
 // Which instruction set the kernels draw with.
 #include "kernels/parts.h"
 
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__x86_64__)
 #include <cpuid.h>
 #endif
 
 namespace ninefold {
 
-#if defined(__x86_64__) || defined(__i386__)
+#if defined(__x86_64__)
 
 constinit const SetTable* activeSet = &v1::set;
 const char* const setNames[setCount] = {"x86-64", "x86-64-v3", "x86-64-v4"};
@@ -41,7 +41,7 @@ bool useSet(int index)
 #else
 
 constinit const SetTable* activeSet = &v1::set;
-const char* const setNames[setCount] = {"generic"};
+const char* const setNames[setCount] = {"baseline"};
 int bestSet() { return 0; }
 bool useSet(int index) { return index == 0; }
 
