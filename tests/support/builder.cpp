@@ -78,6 +78,10 @@ void Builder::frame()
         log2Height = random.percent(10) ? 0 : random.between(2, small ? 4 : std::min(6, 12 - log2Width));
         if (small)
             log2Width = std::min(log2Width, 7);
+        if (axes().rectOpt == 5 && !guard && random.percent(50)) { /* room to move back in */
+            log2Width = random.between(8, 9);
+            log2Height = random.between(0, 2);
+        }
     }
     scene.frameWidth = 1u << log2Width;
     scene.frameHeight = 1u << log2Height;

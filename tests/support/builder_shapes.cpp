@@ -41,8 +41,8 @@ void Builder::rectangle()
 {
     RenderState &state = scene.state;
     const auto length = [this](int32_t room) {
-        if (big && random.percent(70))
-            return random.between(1, room + 40);
+        if ((big || axes().rectOpt == 5) && random.percent(70))
+            return random.percent(50) ? room + random.between(0, 40) : random.between(1, room + 40);
         if (random.percent(75))
             return std::min(lengths[random.below(std::size(lengths))], 3 * room + 3);
         return random.between(1, room + 8);

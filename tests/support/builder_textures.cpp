@@ -14,7 +14,9 @@ Builder::Size Builder::textureSize()
     const uint32_t style = random.below(100);
     Size size;
     if (axes().rectOpt == 5) {
-        size.log2Width = guard ? random.between(0, 6) : random.between(2, big ? 11 : 9);
+        size.log2Width = guard                ? random.between(0, 6)
+                         : random.percent(60) ? random.between(7, 9)
+                                              : random.between(2, big ? 11 : 9);
         size.log2Height = random.between(0, 3);
     } else if (style < 5) {
         size = {0, 0};
