@@ -127,10 +127,10 @@ void Builder::frame()
     scene.written = scene.windowCount;
 
     scene.frameTexture = scene.textureCount++;
-    TextureSpec &spec = scene.textures[static_cast<size_t>(scene.frameTexture)];
-    spec.pixels = scene.pixels;
-    spec.log2Width = static_cast<uint8_t>(log2Width);
-    spec.log2Height = static_cast<uint8_t>(log2Height);
+    TextureSpec &wanted = scene.textures[static_cast<size_t>(scene.frameTexture)];
+    wanted.pixels = scene.pixels;
+    wanted.log2Width = static_cast<uint8_t>(log2Width);
+    wanted.log2Height = static_cast<uint8_t>(log2Height);
 }
 
 void Builder::planes()

@@ -52,20 +52,20 @@ int Builder::texture(int slot, Size size, Pool pool, bool chain)
     const int base = scene.textureCount;
     scene.textureCount += count;
     for (int i = 0; i < count; ++i) {
-        TextureSpec &spec = scene.textures[static_cast<size_t>(base + i)];
+        TextureSpec &wanted = scene.textures[static_cast<size_t>(base + i)];
         Size level = size;
         if (i > 0)
             level = regular ? Size{size.log2Width - i, size.log2Height - i} : Size{random.between(0, 5), random.between(0, 5)};
-        spec.log2Width = static_cast<uint8_t>(level.log2Width);
-        spec.log2Height = static_cast<uint8_t>(level.log2Height);
-        spec.pixels = place(slot + i, 4 * spec.width() * spec.height(), 16, 64, 64);
+        wanted.log2Width = static_cast<uint8_t>(level.log2Width);
+        wanted.log2Height = static_cast<uint8_t>(level.log2Height);
+        wanted.pixels = place(slot + i, 4 * wanted.width() * wanted.height(), 16, 64, 64);
         fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], pool);
     }
     if (chain) {
-        TextureSpec &spec = scene.textures[static_cast<size_t>(base)];
-        spec.levels = static_cast<uint8_t>(count);
+        TextureSpec &wanted = scene.textures[static_cast<size_t>(base)];
+        wanted.levels = static_cast<uint8_t>(count);
         for (int i = 0; i < count; ++i)
-            spec.level[static_cast<size_t>(i)] = static_cast<int8_t>(base + i);
+            wanted.level[static_cast<size_t>(i)] = static_cast<int8_t>(base + i);
     }
     return base;
 }
@@ -132,7 +132,7 @@ void Builder::overlaps()
     for (const int index : sources) {
         if (index != certain && !random.percent(share))
             continue;
-        TextureSpec &spec = scene.textures[static_cast<size_t>(index)];
+        TextureSpec &wanted = scene.textures[static_cast<size_t>(index)];
         const int64_t lines = random.percent(70) ? 0 : random.between(-2, static_cast<int32_t>(scene.frameHeight));
         const int64_t distance = random.percent(60) ? random.between(-20, 20) : random.between(-130, 130);
         int64_t offset = scene.pixels.offset + 4 * (lines * scene.frameWidth + distance);
@@ -151,9 +151,9 @@ void Builder::overlaps()
         }
         for (int i = 0; i < scene.written; ++i) {
             const Window &window = scene.windows[static_cast<size_t>(i)];
-            const int64_t bytes = 4 * int64_t{spec.width()} * spec.height();
+            const int64_t bytes = 4 * int64_t{wanted.width()} * wanted.height();
             if (window.slot == slot && offset >= window.begin && offset + bytes <= window.end)
-                spec.pixels = {slot, offset};
+                wanted.pixels = {slot, offset};
         }
     }
 }
@@ -162,26 +162,26 @@ void Builder::maps()
 {
     if (scene.tex0 < 0)
         return;
-    TextureSpec &spec = scene.textures[static_cast<size_t>(scene.tex0)];
+    TextureSpec &wanted = scene.textures[static_cast<size_t>(scene.tex0)];
     Texture bound;
-    bound.pixels = world.at<uint32_t>(spec.pixels);
-    bound.width = spec.width();
-    bound.height = spec.height();
-    bound.log2Width = spec.log2Width;
-    bound.log2Height = spec.log2Height;
+    bound.pixels = world.at<uint32_t>(wanted.pixels);
+    bound.width = wanted.width();
+    bound.height = wanted.height();
+    bound.log2Width = wanted.log2Width;
+    bound.log2Height = wanted.log2Height;
     if (axes().rectOpt == 5) {
         const std::vector<int8_t> map = reference::runLengthMap(bound);
         scene.runs = place(runsSlot, static_cast<uint32_t>(map.size()), 1, 32, 32);
         fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
         std::memcpy(world.at<std::byte>(scene.runs), map.data(), map.size());
-        spec.runs = true;
+        wanted.runs = true;
     }
     if (axes().rectOpt == 6) {
         /* a bit for each pixel of the frame buffer, whatever the texture's size */
         scene.zeros = place(zerosSlot, static_cast<uint32_t>(2 * (endWord - firstWord)), 2, 32, 32);
         scene.zeros.offset -= 2 * firstWord;
         fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], random.pick({noisePool, runPool, stripePool}));
-        spec.zeros = true;
+        wanted.zeros = true;
     }
 }
 
@@ -284,17 +284,17 @@ void Builder::lineTable(Place &table, int slot, int textureIndex, bool skips)
     const RenderState &state = scene.state;
     const int32_t width = std::abs(state.vertex[1].x - state.vertex[0].x),
                   height = std::abs(state.vertex[1].y - state.vertex[0].y);
-    const TextureSpec &spec = scene.textures[static_cast<size_t>(textureIndex)];
+    const TextureSpec &wanted = scene.textures[static_cast<size_t>(textureIndex)];
     table = place(slot, static_cast<uint32_t>(height) * sizeof(LineTableRecord), 4, 64, 64);
     fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
     LineTableRecord *const records = world.at<LineTableRecord>(table);
     const uint32_t skipped = !skips ? 3 : random.pick<uint32_t>({0, 0, 0, 20, 20, 20, 50, 90});
     const bool alike = random.percent(40);
-    Path u = path(width, spec.log2Width), v = path(width, spec.log2Height);
+    Path u = path(width, wanted.log2Width), v = path(width, wanted.log2Height);
     for (int32_t line = 0; line < height; ++line) {
         if (!alike || random.percent(5)) {
-            u = path(width, spec.log2Width);
-            v = path(width, spec.log2Height);
+            u = path(width, wanted.log2Width);
+            v = path(width, wanted.log2Height);
         }
         records[line] = {u.from, v.from, u.to, v.to};
         if (random.percent(skipped))

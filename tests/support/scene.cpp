@@ -32,18 +32,18 @@ RenderState bindScene(const Scene &scene, World &world, bool library)
 {
     const auto textureAt = [&world](int index) { return index < 0 ? nullptr : &world.textures[static_cast<size_t>(index)]; };
     for (int i = 0; i < scene.textureCount; ++i) {
-        const TextureSpec &spec = scene.textures[static_cast<size_t>(i)];
+        const TextureSpec &wanted = scene.textures[static_cast<size_t>(i)];
         Texture &texture = *textureAt(i);
-        texture.pixels = world.at<uint32_t>(spec.pixels);
-        texture.width = spec.width();
-        texture.height = spec.height();
-        texture.log2Width = spec.log2Width;
-        texture.log2Height = spec.log2Height;
-        texture.mipCount = spec.levels;
+        texture.pixels = world.at<uint32_t>(wanted.pixels);
+        texture.width = wanted.width();
+        texture.height = wanted.height();
+        texture.log2Width = wanted.log2Width;
+        texture.log2Height = wanted.log2Height;
+        texture.mipCount = wanted.levels;
         for (int level = 0; level < levelLimit; ++level)
-            texture.mip[level] = level < spec.levels ? textureAt(spec.level[static_cast<size_t>(level)]) : nullptr;
-        texture.runlengthMap = spec.runs ? world.at<int8_t>(scene.runs) : nullptr;
-        texture.zeroPixelMap = spec.zeros ? world.at<uint16_t>(scene.zeros) : nullptr;
+            texture.mip[level] = level < wanted.levels ? textureAt(wanted.level[static_cast<size_t>(level)]) : nullptr;
+        texture.runlengthMap = wanted.runs ? world.at<int8_t>(scene.runs) : nullptr;
+        texture.zeroPixelMap = wanted.zeros ? world.at<uint16_t>(scene.zeros) : nullptr;
         texture.flags = 1;
         texture.refCount = 0;
         texture.origWidth = texture.width;
@@ -88,12 +88,12 @@ std::string describeScene(const Scene &scene, const World &world)
     const auto printTexture = [&](const char *name, int index) {
         if (index < 0)
             return;
-        const TextureSpec &spec = scene.textures[static_cast<size_t>(index)];
-        print("%s: %u x %u, %d levels, slot %d", name, spec.width(), spec.height(), spec.levels, spec.pixels.slot);
-        if (spec.pixels.slot == frameSlot)
-            print(", at pixel %d of the frame buffer", static_cast<int>((spec.pixels.offset - scene.pixels.offset) / 4));
-        for (int i = 1; i < spec.levels; ++i) {
-            const TextureSpec &level = scene.textures[static_cast<size_t>(spec.level[static_cast<size_t>(i)])];
+        const TextureSpec &wanted = scene.textures[static_cast<size_t>(index)];
+        print("%s: %u x %u, %d levels, slot %d", name, wanted.width(), wanted.height(), wanted.levels, wanted.pixels.slot);
+        if (wanted.pixels.slot == frameSlot)
+            print(", at pixel %d of the frame buffer", static_cast<int>((wanted.pixels.offset - scene.pixels.offset) / 4));
+        for (int i = 1; i < wanted.levels; ++i) {
+            const TextureSpec &level = scene.textures[static_cast<size_t>(wanted.level[static_cast<size_t>(i)])];
             print("; %u x %u", level.width(), level.height());
             if (level.pixels.slot <= prioritySlot)
                 print(" (slot %d)", level.pixels.slot);
