@@ -12,7 +12,7 @@ all:
 
 # Tests and budgets, then the tests again under sanitizers.
 test:
-	scripts/setup build
+	scripts/setup build gallery
 	JOBS=$(JOBS) scripts/test
 
 # The kernels against the reference at depth: make conform SCENES=200.
