@@ -162,22 +162,26 @@ void drawLine()
     uint32_t* const pixels = rs.dstPixels;
     const uint32_t shift = rs.dstShift;
     const uint8_t zRef = uint8_t(rs.zRef);
-    for (; line.count > 0; --line.count, line.minorPosition += line.minorStep, line.major += line.direction, colour.advance()) {
+    const uint32_t minorShift = line.steep ? 0 : shift, majorShift = line.steep ? shift : 0;
+    const ptrdiff_t majorStride = ptrdiff_t(line.direction) << majorShift;
+    ptrdiff_t majorOffset = ptrdiff_t(line.major) << majorShift;
+    for (; line.count > 0; --line.count, line.minorPosition += line.minorStep,
+                           majorOffset += majorStride, line.major += line.direction, colour.advance()) {
         const int32_t minor = line.minor();
         if (line.testMinor && (minor < line.minorLow || minor >= line.minorHigh))
             return;
-        const int32_t x = line.steep ? minor : line.major, y = line.steep ? line.major : minor;
-        const ptrdiff_t offset = (ptrdiff_t(y) << shift) + x;
-        const uint32_t bit = 0x8000u >> (x & 15);
+        const ptrdiff_t offset = (ptrdiff_t(minor) << minorShift) + majorOffset;
+        [[maybe_unused]] const uint32_t bit = 0x8000u >> ((line.steep ? minor : line.major) & 15);
+        [[maybe_unused]] const auto stipple = [&] { return rs.drawMask[(line.steep ? line.major : minor) & 15]; };
         // Bit by bit: the rows of a narrow frame buffer share the plane's.
         if constexpr (plane)
-            if ((rs.shaheiPlane[offset / 16] | rs.drawMask[y & 15]) & bit)
+            if ((rs.shaheiPlane[offset / 16] | stipple()) & bit)
                 continue;
         if constexpr (z)
             if (zRef > rs.zBuffer[offset])
                 continue;
         if constexpr (mask)
-            if (rs.drawMask[y & 15] & bit)
+            if (stipple() & bit)
                 continue;
         uint32_t source = colour.packed();
         if constexpr (prescale)
