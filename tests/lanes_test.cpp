@@ -59,8 +59,9 @@ protected:
     void expectPairs(ops::Op op, bool wide, uint64_t count, PairAt &&pairAt)
     {
         const PixelOperator scalar = ops::operators[size_t(op)];
-        Words first, second, pick, expected, out;
-        std::fill(std::begin(pick.at), std::end(pick.at), ~0u);
+        Words first, second, expected, out;
+        Chunk::Pixels pick;
+        std::fill(std::begin(pick), std::end(pick), ~uint64_t(0));
         for (uint64_t k = 0; k < count; k += chunk) {
             for (uint64_t i = 0; i < chunk; ++i) {
                 pairAt(k + i, first.at[i], second.at[i]);

@@ -86,9 +86,11 @@ public:
                 callMulti = hostMulti;
             if constexpr (!hasColour(multi))
                 second = set.seconds[ids.second()];
-            if constexpr (hasColour(multi))
+            if constexpr (hasColour(multi)) {
                 for (int k = 0; k < 16; ++k)
-                    chunk.second[k] = rs.color[0];
+                    chunk.seconds[k] = rs.color[0];
+                chunk.second = chunk.seconds;
+            }
         }
         if (ids.custom()) {
             const int op = ops::operatorIndex(rs.blendFunc);
@@ -96,12 +98,23 @@ public:
             chunk.blendFunc = rs.blendFunc;
             chunk.blendRow = hostBlend ? set.hostOperator : set.operators[wide][op];
         }
-        refused = set.refused[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
+        alike = set.alike[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
+        plainBlock = nullptr, plainSpan = nullptr;
+        if (ids.plain() && !overlap && rs.blendAlpha <= 255) {
+            if (ids.plainIsBlock())
+                plainBlock = set.blocks[ids.plain() - 1];
+            else
+                plainSpan = set.spans[ids.plain() - 1];
+        }
         fused[0] = nullptr;
-        if constexpr (multi == Multi::none) {
-            if (ids.fused() && !overlap && rs.blendAlpha <= 255) {
-                const uint32_t index = ids.fused() - 1;
-                fused[0] = set.upTo4->spans[index], fused[1] = set.upTo8->spans[index], fused[2] = set.spans[index];
+        if (ids.fused() && !overlap) {
+            const uint32_t index = ids.fused() - 1;
+            if constexpr (multi == Multi::none) {
+                if (rs.blendAlpha <= 255)
+                    fused[0] = set.upTo4->spans[index], fused[1] = set.upTo8->spans[index], fused[2] = set.spans[index];
+            } else if (!isUnused(multi) && !hostMulti && !wide) {
+                const uint32_t op = index + uint32_t(ops::operatorIndex(rs.multiFunc));
+                fused[0] = set.upTo4->multiSpans[op], fused[1] = set.upTo8->multiSpans[op], fused[2] = set.multiSpans[op];
             }
         }
         step = overlap || (hostMulti && hostBlend) ? 1 : Chunk::size;
@@ -111,24 +124,28 @@ public:
     // Pixels first to first + n - 1.
     void draw(const Span& s, int first, int n)
     {
-        if constexpr (multi == Multi::none) {
-            if (fused[0]) {
-                fused[(n > 4) + (n > 8)](s, first, n);
-                return;
-            }
+        if (fused[0]) {
+            fused[(n > 4) + (n > 8)](s, first, n);
+            return;
         }
         if (literal) {
             drawWords(s, n);
             return;
         }
-        // What a rule or a gate refuses comes in long runs.
-        bool skip = refused && n >= 64;
+        // What a rule or a gate refuses comes in long runs, and so does what a rule lets through.
+        const bool plain = plainBlock || plainSpan;
+        bool ask = alike && n >= 64;
         while (n > 0) {
-            if (skip) {
-                const int count = refused(s, first, n);
-                first += count, n -= count;
-                if (n == 0)
-                    return;
+            if (ask) {
+                bool through;
+                const int count = alike(s, first, n, through);
+                if (count > 0 && (!through || plain)) {
+                    if (through)
+                        drawPlain(s, first, count);
+                    first += count, n -= count;
+                    if (n == 0)
+                        return;
+                }
             }
             const int count = n < step ? n : step;
             const bool drawn = front(s, first, count, chunk);
@@ -136,7 +153,7 @@ public:
                 combine(s, first, count);
                 back(s, first, count, chunk);
             }
-            skip = !drawn && refused;
+            ask = (!drawn || plain) && alike;
             first += count, n -= count;
         }
     }
@@ -144,6 +161,20 @@ public:
     Chunk chunk;
 
 private:
+    // Pixels that the rule lets through whole.
+    void drawPlain(const Span& s, int first, int n)
+    {
+        if (plainSpan) {
+            plainSpan(s, first, n);
+            return;
+        }
+        Span part;
+        part.dst = s.dst + first;
+        part.tex0 = s.tex0;
+        part.u0 = {s.u0.start + s.u0.step * uint32_t(first), s.u0.step}, part.v0 = s.v0;
+        plainBlock(part, {1, n, 0, 0, 0});
+    }
+
     void combine(const Span& s, int first, int n)
     {
         if constexpr (multi != Multi::none) {
@@ -152,8 +183,10 @@ private:
             if constexpr (!hasColour(multi))
                 second(s, first, n, chunk);
             // A host's operator is called even where nothing of it is kept.
-            multiRow(rs.multiFunc, isUnused(multi) ? chunk.other : chunk.source, chunk.source, chunk.second,
+            multiRow(rs.multiFunc, isUnused(multi) ? chunk.other : chunk.words, chunk.source, chunk.second,
                      hasColour(multi) ? 0 : -1, hasSecond(multi) ? chunk.valid : chunk.live, n);
+            if constexpr (!isUnused(multi))
+                chunk.source = chunk.words;
         }
     }
 
@@ -205,7 +238,9 @@ private:
     Back back;
     RowOperator multiRow;
     FusedSpan fused[3]; // for spans of up to 4, up to 8 and more pixels
-    Refused refused;
+    Alike alike;
+    Block plainBlock; // one of these, or neither
+    FusedSpan plainSpan;
     int step;
     bool callMulti;
     bool literal;

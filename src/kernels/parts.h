@@ -125,6 +125,11 @@ constexpr int fusedIndex(const Fetch (&fetches)[n], Fetch f, Gate g, int blend)
     return 0;
 }
 
+// Fused spans with a multi stage: unit scale, no rule, gate, prescale or marks, blends 0 and 1, each operator that the library has.
+constexpr int multiBlends = 2;
+constexpr int multiSpanIndex(int multi, int blend) { return (multi * multiBlends + blend) * ops::opCount; } // of operator 0
+constexpr int multiSpanCount = multiSpanIndex(3, 0);
+
 // What an instruction set exports. Entries that no kernel needs are null.
 struct SetTable {
     const Front* fronts; // by frontIndex
@@ -135,7 +140,8 @@ struct SetTable {
     RowOperator hostOperator;
     const Block* blocks;     // by fusedIndex of blockFetches, less 1
     const FusedSpan* spans;  // by fusedIndex of spanFetches, less 1
-    Refused refused[int(Rule::count)][int(Gate::count)];
+    const FusedSpan* multiSpans; // by multiSpanIndex and operator
+    Alike alike[int(Rule::count)][int(Gate::count)]; // null: there is nothing to refuse, or no run of it to be expected
     // The sets with which spans of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are gathered.
     const SetTable *upTo8, *upTo4;
 };

@@ -55,7 +55,12 @@ struct PartIds {
     constexpr Marks marks() const { return Marks(word >> 22 & 3); }
     constexpr bool custom() const { return word >> 24 & 1; } // blend 12
     constexpr bool marksRun() const { return word >> 25 & 1; } // marks what the gate leaves, drawn or not
-    constexpr uint32_t fused() const { return uint32_t(word >> 32); } // block or span that does all of it, 0: none
+    // Block or span that does all of it, 0: none; with a multi stage, the one of operator 0.
+    constexpr uint32_t fused() const { return through() ? 0 : uint32_t(word >> 32); }
+    // A kernel with a rule has instead the block or span for pixels that the rule lets through whole.
+    constexpr uint32_t plain() const { return through() ? uint32_t(word >> 32) : 0; }
+    constexpr bool through() const { return word >> 26 & 1; }
+    constexpr bool plainIsBlock() const { return word >> 27 & 1; }
     // The same parts with neither plane gate nor marks, for the walk that does both itself.
     constexpr uint32_t frontUngated() const { return front() - uint32_t(Gate::plane); }
     constexpr uint32_t backUnmarked() const { return back() - uint32_t(marks()) * blendCount * 4; }
@@ -74,8 +79,12 @@ constexpr bool drawsBlocks(Frame f)
 
 constexpr int fusedIndex(const Plan& p)
 {
-    if (p.multi != Multi::none || p.rule != Rule::none || p.prescale || p.marksPlane())
+    if (p.prescale || p.marksPlane() || (p.rule != Rule::none && p.gate != Gate::none))
         return 0;
+    if (p.multi != Multi::none)
+        return p.rule == Rule::none && p.multi < Multi::none && p.fetch == Fetch::unit && p.gate == Gate::none && p.blend < multiBlends
+                   ? multiSpanIndex(int(p.multi), p.blend) + 1
+                   : 0;
     return drawsBlocks(p.frame) ? fusedIndex(blockFetches, p.fetch, p.gate, p.blend)
                                 : fusedIndex(spanFetches, p.fetch, p.gate, p.blend);
 }
@@ -84,7 +93,8 @@ constexpr PartIds partIds(const Plan& p)
 {
     return {uint64_t(fusedIndex(p)) << 32 | uint32_t(frontIndex(p.fetch, p.rule, p.gate)) | uint32_t(p.second) << 9 |
             uint32_t(backIndex(p.prescale, p.blend, p.rule != Rule::none, p.marks)) << 14 | uint32_t(p.marks) << 22 |
-            uint32_t(p.blend == 12) << 24 | uint32_t(marksRun(p)) << 25};
+            uint32_t(p.blend == 12) << 24 | uint32_t(marksRun(p)) << 25 | uint32_t(p.rule != Rule::none) << 26 |
+            uint32_t(drawsBlocks(p.frame)) << 27};
 }
 
 // Filters 2 and 5 under rect options 1, 2 and in triangles stand behind a driver, which calls one of two kernels.
@@ -246,8 +256,8 @@ constexpr UsedParts usedParts()
         const Plan p = planOf(a);
         const PartIds ids = partIds(p);
         used.front[ids.front()] = used.back[ids.back()] = true;
-        if (ids.fused())
-            (drawsBlocks(p.frame) ? used.block : used.span)[ids.fused() - 1] = true;
+        if ((ids.fused() || ids.plain()) && p.multi == Multi::none)
+            (drawsBlocks(p.frame) ? used.block : used.span)[(ids.fused() | ids.plain()) - 1] = true;
         if (ids.marks() != Marks::none)
             used.front[ids.frontUngated()] = used.back[ids.backUnmarked()] = true;
     };

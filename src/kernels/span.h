@@ -40,29 +40,35 @@ struct Span {
     Linear colour[4];    // alpha, red, green, blue; 8 bits over 16 fraction bits
 };
 
-// Up to 256 pixels on their way through the parts. Arrays are padded so that a vector may run over the end.
+// Up to 256 pixels on their way through the parts. Arrays are padded so that a vector may run over the end. A set of pixels is words of
+// 64: bit k of word j stands for pixel 64 j + k.
 struct Chunk {
     static constexpr int size = 256;
     static constexpr int padded = size + 16;
-    alignas(64) uint32_t source[padded];
-    alignas(64) uint32_t live[padded];   // all ones: goes on; 0: dead
-    alignas(64) uint32_t second[padded]; // second operand of the multi stage
-    alignas(64) uint32_t valid[padded];  // all ones where tex1 has a second operand
-    alignas(64) uint32_t other[padded];  // unmixed texel of the mip forms; destination of a custom blend
-    alignas(64) uint32_t rule[padded];   // rule values
-    uint64_t marks[size / 64];           // bit k of word j: pixel 64 j + k is marked in the planes
+    using Pixels = uint64_t[size / 64];
+    const uint32_t* source; // source words: `words`, or texels where they lie in memory in order
+    const uint32_t* second; // second operands of the multi stage: `seconds`, or texels
+    Pixels live;            // go on
+    Pixels valid;           // of them, those where tex1 has a second operand
+    Pixels marks;           // are marked in the planes
+    alignas(64) uint32_t words[padded];
+    alignas(64) uint32_t seconds[padded];
+    alignas(64) uint32_t other[padded]; // unmixed texel of the mip forms; destination of a custom blend
+    alignas(64) uint32_t rule[padded];  // rule values
     const uint32_t* slip;                // reading position of the rule slip (rect option 5)
     PixelOperator blendFunc;             // the custom blend, and how a chunk of it is run
     void (*blendRow)(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, int secondMask,
-                     const uint32_t* pick, int n);
+                     const uint64_t* pick, int n);
 };
 
 // A part works on pixels first to first + n - 1 of a span, n at most Chunk::size.
 using Front = bool (*)(const Span&, int first, int n, Chunk&); // gates and fetch; false: nothing lives
 using Mid = void (*)(const Span&, int first, int n, Chunk&);   // makes the second operand
 using Back = void (*)(const Span&, int first, int n, Chunk&);  // prescale, blend, soft edge, write
-using Refused = int (*)(const Span&, int first, int n); // how many pixels from the first on rule or gate surely refuse, at most n
-// out = pick ? op(first, second) : first, where pixel k has second[k & secondMask]: -1, or 0 for one word repeated (sixteen of them are
+// How many pixels from the first on, at most n, rule or gate surely treat alike: they are all refused or, with `through`, all let through
+// and none of them lies on the soft edge of the rule.
+using Alike = int (*)(const Span&, int first, int n, bool& through);
+// out = picked ? op(first, second) : first, where pixel k has second[k & secondMask]: -1, or 0 for one word repeated (sixteen of them are
 // read). The function is called by the form that serves a host's own operator, left to right.
 using RowOperator = decltype(Chunk::blendRow);
 

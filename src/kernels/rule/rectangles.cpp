@@ -26,8 +26,10 @@ void drawRuleRect(const Box& box, bool overlap, Span& s, Values&& values)
             const int n = columns - first < step ? columns - first : step;
             front(s, first, n, chunk);
             values.get(s, first, n, chunk);
+            for (uint64_t& word : chunk.live)
+                word = 0;
             for (int k = 0; k < n; ++k)
-                chunk.live[k] = rs.ruleThreshold < int32_t(chunk.rule[k]) ? ~0u : 0u;
+                chunk.live[k / 64] |= uint64_t(rs.ruleThreshold < int32_t(chunk.rule[k])) << (k & 63);
             back(s, first, n, chunk);
         }
         walk.nextRow(box, s);

@@ -78,13 +78,14 @@ void back(const Span& span, int first, int n, Chunk& c)
         for (int k = 0; k < n; k += lanes) {
             store(c.other + k, n - k >= lanes ? load(dst + k) : loadSome(dst + k, n - k));
             if constexpr (prescale)
-                store(c.source + k, prescaled<blend, wide>(load(c.source + k), factors.prescale));
+                store(c.words + k, prescaled<blend, wide>(load(c.source + k), factors.prescale));
         }
-        c.blendRow(c.blendFunc, c.source, c.other, c.source, -1, c.live, n);
+        c.blendRow(c.blendFunc, c.words, c.other, prescale ? c.words : c.source, -1, c.live, n);
+        c.source = c.words;
     }
     for (int k = 0; k < n; k += lanes) {
         const int left = n - k;
-        const M live = asMask(load(c.live + k));
+        const M live = lanesOf(c.live[k / 64] >> (k & 63));
         V s = load(c.source + k);
         const V d = left >= lanes ? load(dst + k) : loadSome(dst + k, left);
         if constexpr (blend != 12) {

@@ -108,6 +108,10 @@ NINEFOLD_LANE V texel(const Source& t, V column, V row) { return gather(t.pixels
 // 16.16 to whole for one value, toward zero.
 NINEFOLD_LANE u32 truncated(u32 v) { return u32(i32(v) / 65536); }
 
+// Texels that lie in memory in the order of the pixels: those of n pixels, where the vectors that hold them may be read whole; or null.
+template <class Fetcher>
+constexpr bool hasDirect = requires(const Fetcher& fetch, int n) { fetch.direct(n); };
+
 // Fetches that test their key are the rule.
 struct Tested {
     static constexpr bool tests = true, mapped = false;
@@ -139,12 +143,21 @@ struct Unit {
             key = gather(row, (splat(column) + iota()) & mask);
         return key;
     }
+    __attribute__((always_inline)) const u32* direct(int n) const
+    {
+        const u32 at = column & mask;
+        return mask - at >= u32(n - 1) / lanes * lanes + (lanes - 1) ? row + at : nullptr;
+    }
     __attribute__((always_inline)) void advance() { column += lanes; }
 };
 
 struct Run : Untested {
-    const u32* at;
-    __attribute__((always_inline)) Run(const Span& s, int first) : at(s.run + first) {}
+    const u32 *at, *end; // of the texture
+    __attribute__((always_inline)) Run(const Span& s, int first)
+        : at(s.run + first), end(s.tex0.pixels + (size_t(s.tex0.maskV + 1) << s.tex0.shift))
+    {
+    }
+    __attribute__((always_inline)) const u32* direct(int n) const { return end - at >= (n + lanes - 1) / lanes * lanes ? at : nullptr; }
     __attribute__((always_inline)) V get(int left, V& key) const
     {
         return key = left >= lanes ? load(at) : loadSome(at, left);
@@ -586,6 +599,14 @@ struct RuleRow {
             return window.get(u.value, left) & 0xFFu;
         return gather(window.row, wholeTruncated(u.value) & window.mask) & 0xFFu;
     }
+    // The words of n pixels where they lie in memory one a pixel, or null.
+    __attribute__((always_inline)) const u32* direct(int n) const
+    {
+        const u32 column = (window.position >> 16) & window.mask;
+        const bool fits = window.unit && n > 0 && i32(window.position) >= 0 && window.position + (u64(n) << 16) < 0x80000000 &&
+                          window.mask - column >= u32(n - 1) / lanes * lanes + (lanes - 1);
+        return fits ? window.row + column : nullptr;
+    }
     __attribute__((always_inline)) void advance() { u.advance(), window.advance(); }
 };
 
@@ -604,6 +625,7 @@ struct RuleFree {
             return row.get(left);
         return texel(level, wholeTruncated(u.value) & level.maskU, wholeTruncated(v.value) & level.maskV) & 0xFFu;
     }
+    __attribute__((always_inline)) const u32* direct(int n) const { return still ? row.direct(n) : nullptr; }
     __attribute__((always_inline)) void advance() { u.advance(), v.advance(), row.advance(); }
 };
 

@@ -24,51 +24,63 @@ bool front(const Span& span, int first, int n, Chunk& c)
                                                   .prescale = false, .blend = 0,
                                                   .marks = g == Gate::plane ? Marks::plane : Marks::none});
     const V threshold = splat(u32(r == Rule::none ? 0 : rs.ruleThreshold));
-    // Gates speak of 64 pixels at a time.
-    constexpr int blockSize = g == Gate::none ? Chunk::size : 64;
-    u64 drawn = 0;
-    for (int begin = 0; begin < n; begin += blockSize) {
-        const int count = n - begin < blockSize ? n - begin : blockSize;
-        const u64 free = freePixels<g, Fetcher::mapped>(span, first + begin, count);
-        u64 marks = 0;
-        if (g != Gate::none && free == 0) {
-            for (int k = begin; k < begin + count; k += lanes)
-                store(c.live + k, V{});
-        } else {
-            Fetcher fetch(span, first + begin);
-            RuleOf<r> rule(span, first + begin);
-            for (int k = 0; k < count; k += lanes, fetch.advance(), rule.advance()) {
-                M live = g == Gate::none ? firstLanes(count - k) : lanesOf(free >> k);
-                V value{};
-                if constexpr (r != Rule::none) {
-                    value = rule.get(count - k);
-                    live &= greaterSigned(value, threshold);
-                }
-                const int at = begin + k;
-                if ((r == Rule::none && g == Gate::none) || any(live)) {
-                    V key;
-                    const V source = fetch.get(count - k, key);
-                    if constexpr (Fetcher::tests)
-                        live &= isNotZero(key);
-                    store(c.source + at, source);
-                    if constexpr (isMipMix(f))
-                        store(c.other + at, key);
-                    if constexpr (r != Rule::none)
-                        store(c.rule + at, value);
-                    if constexpr (g == Gate::plane)
-                        marks |= u64(bitsOf(live)) << k;
-                    drawn |= bitsOf(live);
-                }
-                store(c.live + at, asLanes(live));
+    const u32* direct = nullptr;
+    if constexpr (hasDirect<Fetcher>)
+        direct = Fetcher(span, first).direct(n);
+    c.source = direct ? direct : c.words;
+    // Which of up to 64 pixels from `begin` on live, of those that are free.
+    const auto drawn = [&](Fetcher& fetch, RuleOf<r>& rule, int begin, int count, u64 free) __attribute__((always_inline)) {
+        u64 live = 0;
+        for (int k = 0; k < count; k += lanes, fetch.advance(), rule.advance()) {
+            const int at = begin + k;
+            u32 bits = u32(free >> k) & ((1u << (lanes - 1) << 1) - 1);
+            if constexpr (r != Rule::none) {
+                const V value = rule.get(count - k);
+                store(c.rule + at, value);
+                bits &= bitsOf(greaterSigned(value, threshold));
             }
+            if ((r != Rule::none || g != Gate::none) && bits == 0)
+                continue;
+            V key{};
+            if (direct) {
+                if constexpr (Fetcher::tests)
+                    key = load(direct + at);
+            } else {
+                store(c.words + at, fetch.get(count - k, key));
+            }
+            if constexpr (isMipMix(f))
+                store(c.other + at, key);
+            if constexpr (Fetcher::tests)
+                bits &= bitsOf(isNotZero(key));
+            live |= u64(bits) << k;
         }
-        if constexpr (g == Gate::plane) {
-            c.marks[begin / 64] = marksRun ? free : marks;
-            if constexpr (marksRun)
-                drawn |= free;
+        return live;
+    };
+    u64 some = 0;
+    if constexpr (g == Gate::none) {
+        Fetcher fetch(span, first);
+        RuleOf<r> rule(span, first);
+        for (int begin = 0; begin < n; begin += 64) {
+            const int count = n - begin < 64 ? n - begin : 64;
+            some |= c.live[begin / 64] = drawn(fetch, rule, begin, count, freePixels<g, false>(span, first + begin, count));
+        }
+    } else {
+        for (int begin = 0; begin < n; begin += 64) {
+            const int count = n - begin < 64 ? n - begin : 64;
+            const u64 free = freePixels<g, Fetcher::mapped>(span, first + begin, count);
+            u64 live = 0;
+            if (free != 0) {
+                Fetcher fetch(span, first + begin);
+                RuleOf<r> rule(span, first + begin);
+                live = drawn(fetch, rule, begin, count, free);
+            }
+            c.live[begin / 64] = live;
+            if constexpr (g == Gate::plane)
+                c.marks[begin / 64] = marksRun ? free : live;
+            some |= marksRun ? free : live;
         }
     }
-    return drawn != 0;
+    return some != 0;
 }
 
 // The reading position moves on pixels that pass the rule test alone.
@@ -76,17 +88,21 @@ bool frontRunSlip(const Span& span, int first, int n, Chunk& c)
 {
     RuleRow rule(span, first);
     const V threshold = splat(u32(rs.ruleThreshold));
-    u32 passed = 0;
-    for (int k = 0; k < n; k += lanes) {
-        const V value = rule.get(n - k);
-        const M live = firstLanes(n - k) & greaterSigned(value, threshold);
-        store(c.rule + k, value);
-        store(c.live + k, asLanes(live));
-        for (u32 bits = bitsOf(live); bits; bits &= bits - 1, ++passed)
-            c.source[k + __builtin_ctz(bits)] = *c.slip++;
-        rule.advance();
+    c.source = c.words;
+    u64 some = 0;
+    for (int begin = 0; begin < n; begin += 64) {
+        u64 live = 0;
+        for (int k = begin; k < n && k < begin + 64; k += lanes, rule.advance()) {
+            const V value = rule.get(n - k);
+            store(c.rule + k, value);
+            u32 bits = bitsOf(firstLanes(n - k) & greaterSigned(value, threshold));
+            live |= u64(bits) << (k & 63);
+            for (; bits; bits &= bits - 1)
+                c.words[k + __builtin_ctz(bits)] = *c.slip++;
+        }
+        some |= c.live[begin / 64] = live;
     }
-    return passed != 0;
+    return some != 0;
 }
 
 constexpr UsedParts used = usedParts();

@@ -78,6 +78,15 @@ NINEFOLD_LANE int refusedPixels([[maybe_unused]] const Span& s, [[maybe_unused]]
         const u32 at = (s.x & 15) + u32(first), end = at + u32(n);
         const u16* word = s.plane + (at >> 4);
         const u16* const last = s.plane + ((end - 1) >> 4);
+        constexpr int wide = bytes / 2;
+        while (last - word >= 2 * wide - 1) {
+            V a, b;
+            __builtin_memcpy(&a, word, sizeof a);
+            __builtin_memcpy(&b, word + wide, sizeof b);
+            if (any(isNotZero(~(a & b))))
+                break;
+            word += 2 * wide;
+        }
         for (; last - word >= 3; word += 4) {
             u64 four;
             __builtin_memcpy(&four, word, sizeof four);

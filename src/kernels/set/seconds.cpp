@@ -41,16 +41,26 @@ template <Second s>
 void second(const Span& span, int first, int n, Chunk& c)
 {
     SecondOf<s> fetch(span, first);
-    for (int k = 0; k < n; k += lanes) {
-        V key;
-        store(c.second + k, fetch.get(n - k, key));
-        if constexpr (s != Second::corners) {
-            const M found = isNotZero(key);
-            store(c.valid + k, load(c.live + k) & asLanes(found));
-            if constexpr (unmixes(s))
-                store(c.source + k, select(found, load(c.source + k), load(c.other + k)));
+    const u32* direct = nullptr;
+    if constexpr (hasDirect<SecondOf<s>>)
+        direct = fetch.direct(n);
+    c.second = direct ? direct : c.seconds;
+    for (int begin = 0; begin < n; begin += 64) {
+        u64 valid = 0;
+        for (int k = begin; k < n && k < begin + 64; k += lanes, fetch.advance()) {
+            V key;
+            if (direct)
+                key = load(direct + k);
+            else
+                store(c.seconds + k, fetch.get(n - k, key));
+            if constexpr (s != Second::corners) {
+                const M found = isNotZero(key);
+                valid |= u64(bitsOf(found)) << (k & 63);
+                if constexpr (unmixes(s))
+                    store(c.words + k, select(found, load(c.words + k), load(c.other + k)));
+            }
         }
-        fetch.advance();
+        c.valid[begin / 64] = valid & c.live[begin / 64];
     }
 }
 

@@ -8,19 +8,54 @@
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
-template <Rule r, Gate g>
-int refused(const Span& s, int first, int n)
+template <Gate g>
+int refusedByGate(const Span& s, int first, int n, bool& through)
 {
-    if constexpr (r == Rule::none) {
-        return refusedPixels<g>(s, first, n);
-    } else {
-        std::conditional_t<r == Rule::row, RuleRow, RuleFree> rule(s, first);
-        const V threshold = splat(u32(rs.ruleThreshold));
-        int k = 0;
-        for (; k < n && !any(firstLanes(n - k) & greaterSigned(rule.get(n - k), threshold)); k += lanes)
-            rule.advance();
-        return k < n ? k : n;
+    through = false;
+    return refusedPixels<g>(s, first, n);
+}
+
+// What a rule makes of pixels: bit 0: some are drawn, bit 1: some are not drawn whole.
+struct Verdict {
+    V threshold = splat(u32(rs.ruleThreshold)), full = splat(u32(rs.ruleThreshold) + u32(rs.ruleWidth));
+    __attribute__((always_inline)) int operator()(V value, M which) const
+    {
+        const M live = greaterSigned(value, threshold), soft = greaterSigned(full, value);
+        return any(live & which) | any((soft | ~live) & which) << 1;
     }
+};
+
+// The pixels of whole vectors.
+template <Rule r>
+int alikeByRule(const Span& s, int first, int n, bool& through)
+{
+    std::conditional_t<r == Rule::row, RuleRow, RuleFree> rule(s, first);
+    const Verdict verdict;
+    const int begin = verdict(rule.get(n), firstLanes(n));
+    if (begin == 3)
+        return 0;
+    through = begin == 1;
+    int k = lanes;
+    rule.advance();
+    if (const u32* values = rule.direct(n - k)) {
+        // One texel a pixel: what decides is looked at for four vectors at once.
+        const V byte = splat(0xFF);
+        for (values -= k; n - k >= 4 * lanes; k += 4 * lanes) {
+            int all = begin;
+            for (int j = 0; j < 4; ++j)
+                all |= verdict(load(values + k + j * lanes) & byte, firstLanes(lanes));
+            if (all != begin)
+                return k;
+        }
+        for (; k < n; k += lanes)
+            if (verdict(load(values + k) & byte, firstLanes(n - k)) != begin)
+                return k;
+        return n;
+    }
+    for (; k < n; k += lanes, rule.advance())
+        if (verdict(rule.get(n - k), firstLanes(n - k)) != begin)
+            return k;
+    return n;
 }
 
 } // namespace
@@ -33,13 +68,13 @@ constinit const SetTable set = {
     .hostOperator = hostOperator,
     .blocks = blocks.at,
     .spans = fusedSpans.at,
-    .refused =
+    .multiSpans = multiSpans.at,
+    .alike =
         {
-            {nullptr, refused<Rule::none, Gate::plane>, refused<Rule::none, Gate::z>, nullptr, refused<Rule::none, Gate::zMask>},
-            {refused<Rule::row, Gate::none>, refused<Rule::none, Gate::plane>, refused<Rule::row, Gate::none>,
-             refused<Rule::row, Gate::none>, refused<Rule::row, Gate::none>},
-            {refused<Rule::free, Gate::none>, refused<Rule::none, Gate::plane>, refused<Rule::free, Gate::none>,
-             refused<Rule::free, Gate::none>, refused<Rule::free, Gate::none>},
+            {nullptr, refusedByGate<Gate::plane>, refusedByGate<Gate::z>, nullptr, refusedByGate<Gate::zMask>},
+            {alikeByRule<Rule::row>, refusedByGate<Gate::plane>, alikeByRule<Rule::row>, alikeByRule<Rule::row>, alikeByRule<Rule::row>},
+            {alikeByRule<Rule::free>, refusedByGate<Gate::plane>, alikeByRule<Rule::free>, alikeByRule<Rule::free>,
+             alikeByRule<Rule::free>},
         },
 #if defined(__AVX512F__)
     .upTo8 = &v3::set,
