@@ -96,7 +96,7 @@ public:
             const int op = ops::operatorIndex(rs.blendFunc);
             hostBlend = op < 0;
             chunk.blendFunc = rs.blendFunc;
-            chunk.blendRow = hostBlend ? set.hostOperator : set.operators[wide][op];
+            chunk.blendRow = hostBlend ? nullptr : set.operators[wide][op];
         }
         alike = set.alike[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
         plainBlock = nullptr, plainSpan = nullptr;

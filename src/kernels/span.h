@@ -56,7 +56,7 @@ struct Chunk {
     alignas(64) uint32_t other[padded]; // unmixed texel of the mip forms; destination of a custom blend
     alignas(64) uint32_t rule[padded];  // rule values
     const uint32_t* slip;                // reading position of the rule slip (rect option 5)
-    PixelOperator blendFunc;             // the custom blend, and how a chunk of it is run
+    PixelOperator blendFunc;             // the custom blend, and how a chunk of it is run; null: it is the host's own
     void (*blendRow)(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, int secondMask,
                      const uint64_t* pick, int n);
 };

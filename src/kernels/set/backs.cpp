@@ -69,37 +69,53 @@ NINEFOLD_LANE void markZ(u8* z, u64 marks)
 #endif
 }
 
+// A host's own blend: each pixel is written before the next one is asked for.
+NINEFOLD_LANE void callHost(u32* dst, int n, const Chunk& c)
+{
+    for (int begin = 0; begin < n; begin += 64)
+        for (u64 bits = c.live[begin / 64]; bits; bits &= bits - 1) {
+            const int k = begin + __builtin_ctzll(bits);
+            dst[k] = c.blendFunc(dst[k], c.source[k]);
+        }
+}
+
 template <bool prescale, int blend, bool soft, Marks m, bool wide>
 void back(const Span& span, int first, int n, Chunk& c)
 {
     u32* dst = span.dst + first;
     const BlendFactors factors;
-    if constexpr (blend == 12) {
-        for (int k = 0; k < n; k += lanes) {
-            store(c.other + k, n - k >= lanes ? load(dst + k) : loadSome(dst + k, n - k));
-            if constexpr (prescale)
-                store(c.words + k, prescaled<blend, wide>(load(c.source + k), factors.prescale));
-        }
-        c.blendRow(c.blendFunc, c.words, c.other, prescale ? c.words : c.source, -1, c.live, n);
+    if constexpr (blend == 12 && prescale) {
+        for (int k = 0; k < n; k += lanes)
+            store(c.words + k, prescaled<blend, wide>(load(c.source + k), factors.prescale));
         c.source = c.words;
     }
-    for (int k = 0; k < n; k += lanes) {
-        const int left = n - k;
-        const M live = lanesOf(c.live[k / 64] >> (k & 63));
-        V s = load(c.source + k);
-        const V d = left >= lanes ? load(dst + k) : loadSome(dst + k, left);
-        if constexpr (blend != 12) {
-            if constexpr (prescale)
-                s = prescaled<blend, wide>(s, factors.prescale);
-            s = blended<blend, wide>(d, s, factors);
+    if (blend == 12 && !soft && !c.blendRow) {
+        callHost(dst, n, c);
+    } else {
+        if constexpr (blend == 12) {
+            for (int k = 0; k < n; k += lanes)
+                store(c.other + k, n - k >= lanes ? load(dst + k) : loadSome(dst + k, n - k));
+            (c.blendRow ? c.blendRow : hostOperator)(c.blendFunc, c.words, c.other, c.source, -1, c.live, n);
+            c.source = c.words;
         }
-        if constexpr (soft)
-            s = softEdge(d, s, load(c.rule + k));
-        s = select(live, s, d);
-        if (left >= lanes)
-            store(dst + k, s);
-        else
-            storeSome(dst + k, s, left);
+        for (int k = 0; k < n; k += lanes) {
+            const int left = n - k;
+            const M live = lanesOf(c.live[k / 64] >> (k & 63));
+            V s = load(c.source + k);
+            const V d = left >= lanes ? load(dst + k) : loadSome(dst + k, left);
+            if constexpr (blend != 12) {
+                if constexpr (prescale)
+                    s = prescaled<blend, wide>(s, factors.prescale);
+                s = blended<blend, wide>(d, s, factors);
+            }
+            if constexpr (soft)
+                s = softEdge(d, s, load(c.rule + k));
+            s = select(live, s, d);
+            if (left >= lanes)
+                store(dst + k, s);
+            else
+                storeSome(dst + k, s, left);
+        }
     }
     if constexpr (m != Marks::none) {
         for (int k = 0; k < n; k += 64) {

@@ -26,12 +26,6 @@ NINEFOLD_LANE void drawVector(u32* dst, int left, M free, const Fetcher& fetch, 
     if constexpr (Fetcher::tests)
         live = gated ? M(live & isNotZero(key)) : isNotZero(key);
     const bool all = !gated && !Fetcher::tests;
-#if defined(__AVX512F__)
-    if constexpr (blend == 0) {
-        storeMasked(dst, source, whole ? live : M(live & firstLanes(left)));
-        return;
-    }
-#endif
     const V d = whole ? load(dst) : loadSome(dst, left);
     const V result = blended<blend, false>(d, source, factors);
     const V kept = all ? result : select(live, result, d);

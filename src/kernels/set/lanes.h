@@ -118,10 +118,6 @@ NINEFOLD_LANE void storeSome(u32* p, V v, int n)
 #endif
 }
 
-#if defined(__AVX512F__)
-NINEFOLD_LANE void storeMasked(u32* p, V v, M mask) { _mm512_mask_storeu_epi32(p, mask, (__m512i)v); }
-#endif
-
 // Comparisons.
 #if defined(__AVX512F__)
 NINEFOLD_LANE M isZero(V v) { return _mm512_testn_epi32_mask((__m512i)v, (__m512i)v); }
@@ -199,6 +195,23 @@ NINEFOLD_LANE V shiftLeft(V v, u32 n) { return v << splat(n); }
 NINEFOLD_LANE V shiftSigned(V v, u32 n) { return (V)((S)v >> (S)splat(n)); }
 #endif
 
+// The greater and the lesser of each pair of bytes.
+typedef u8 B __attribute__((vector_size(bytes)));
+NINEFOLD_LANE V greaterBytes(V a, V b)
+{
+#if defined(__AVX512BW__)
+    return (V)_mm512_max_epu8((__m512i)a, (__m512i)b);
+#elif defined(__AVX2__)
+    return (V)_mm256_max_epu8((__m256i)a, (__m256i)b);
+#elif defined(NINEFOLD_X86)
+    return (V)_mm_max_epu8((__m128i)a, (__m128i)b);
+#else
+    const B more = (B)((B)a > (B)b);
+    return (V)(((B)a & more) | ((B)b & ~more));
+#endif
+}
+NINEFOLD_LANE V lesserBytes(V a, V b) { return ~greaterBytes(~a, ~b); }
+
 // 16.16 to whole: floor, and truncation toward zero.
 NINEFOLD_LANE V whole(V v) { return (V)((S)v >> 16); }
 NINEFOLD_LANE V wholeTruncated(V v) { return (V)((S)(v + ((V)((S)v >> 31) & 0xFFFFu)) >> 16); }
@@ -234,26 +247,30 @@ NINEFOLD_LANE V gather(const u32* pixels, V index)
 }
 
 #if defined(__AVX2__)
-// pixels[index] and pixels[index + 1] in each lane, by one load for both.
+// pixels[index] and pixels[index + 1] in each lane, by one load for both: also of 16 lanes faster than the hardware gather.
 NINEFOLD_LANE void gatherPairs(const u32* pixels, V index, V& first, V& second)
 {
-#if defined(__AVX512F__)
-    const __m512i low = _mm512_i32gather_epi64(_mm512_castsi512_si256((__m512i)index), pixels, 4);
-    const __m512i high = _mm512_i32gather_epi64(_mm512_extracti64x4_epi64((__m512i)index, 1), pixels, 4);
-    const __m512i even = _mm512_set_epi32(30, 28, 26, 24, 22, 20, 18, 16, 14, 12, 10, 8, 6, 4, 2, 0);
-    first = (V)_mm512_permutex2var_epi32(low, even, high);
-    second = (V)_mm512_permutex2var_epi32(low, _mm512_or_si512(even, _mm512_set1_epi32(1)), high);
-#else
     alignas(bytes) u32 at[lanes];
     store(at, index);
     const auto pair = [&](int a, int b) __attribute__((always_inline)) {
         const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels + at[a]));
-        const __m128i y = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels + at[b]));
-        return _mm_unpacklo_epi64(x, y);
+        return (__m128i)_mm_loadh_pd((__m128d)x, reinterpret_cast<const double*>(pixels + at[b]));
     };
-    // Pairs 0, 1 with 4, 5 and 2, 3 with 6, 7: the shuffle of 128-bit halves then gives the lanes in order.
-    const __m256 a = (__m256)_mm256_inserti128_si256(_mm256_castsi128_si256(pair(0, 1)), pair(4, 5), 1);
-    const __m256 b = (__m256)_mm256_inserti128_si256(_mm256_castsi128_si256(pair(2, 3)), pair(6, 7), 1);
+    // Pairs 0, 1 with 4, 5 and so on: the shuffle within 128-bit parts then gives the lanes in order.
+    const auto pairs = [&](int k) __attribute__((always_inline)) {
+        const __m256i eight = _mm256_inserti128_si256(_mm256_castsi128_si256(pair(k, k + 1)), pair(k + 4, k + 5), 1);
+#if defined(__AVX512F__)
+        const __m256i more = _mm256_inserti128_si256(_mm256_castsi128_si256(pair(k + 8, k + 9)), pair(k + 12, k + 13), 1);
+        return (__m512)_mm512_inserti64x4(_mm512_castsi256_si512(eight), more, 1);
+#else
+        return (__m256)eight;
+#endif
+    };
+    const auto a = pairs(0), b = pairs(2);
+#if defined(__AVX512F__)
+    first = (V)_mm512_shuffle_ps(a, b, 0x88);
+    second = (V)_mm512_shuffle_ps(a, b, 0xDD);
+#else
     first = (V)_mm256_shuffle_ps(a, b, 0x88);
     second = (V)_mm256_shuffle_ps(a, b, 0xDD);
 #endif

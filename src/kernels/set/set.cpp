@@ -38,13 +38,13 @@ int alikeByRule(const Span& s, int first, int n, bool& through)
     int k = lanes;
     rule.advance();
     if (const u32* values = rule.direct(n - k)) {
-        // One texel a pixel: what decides is looked at for four vectors at once.
+        // One texel a pixel: the value of each four that speaks most against the verdict decides.
         const V byte = splat(0xFF);
         for (values -= k; n - k >= 4 * lanes; k += 4 * lanes) {
-            int all = begin;
-            for (int j = 0; j < 4; ++j)
-                all |= verdict(load(values + k + j * lanes) & byte, firstLanes(lanes));
-            if (all != begin)
+            const V a = load(values + k), b = load(values + k + lanes);
+            const V c = load(values + k + 2 * lanes), d = load(values + k + 3 * lanes);
+            const V worst = through ? lesserBytes(lesserBytes(a, b), lesserBytes(c, d)) : greaterBytes(greaterBytes(a, b), greaterBytes(c, d));
+            if (verdict(worst & byte, firstLanes(lanes)) != begin)
                 return k;
         }
         for (; k < n; k += lanes)
