@@ -170,7 +170,7 @@ private:
         }
         Span part;
         part.dst = s.dst + first;
-        part.tex0 = s.tex0;
+        part.tex0 = s.tex0, part.next0 = s.next0;
         part.u0 = {s.u0.start + s.u0.step * uint32_t(first), s.u0.step}, part.v0 = s.v0;
         plainBlock(part, {1, n, 0, 0, 0});
     }

@@ -106,7 +106,8 @@ struct Rows {
 using Block = void (*)(const Span&, const Rows&);
 using FusedSpan = void (*)(const Span&, int first, int n);
 
-constexpr Fetch blockFetches[] = {Fetch::unit, Fetch::pointRow, Fetch::bilinearRow3, Fetch::bilinearRow4, Fetch::flat};
+constexpr Fetch blockFetches[] = {Fetch::unit,         Fetch::pointRow, Fetch::bilinearRow3,
+                                  Fetch::bilinearRow4, Fetch::flat,     Fetch::mipBilinearRow};
 constexpr Fetch spanFetches[] = {Fetch::run,     Fetch::point,   Fetch::bilinear3, Fetch::bilinear4,     Fetch::flat,
                                  Fetch::gouraud, Fetch::stipple, Fetch::pointPers, Fetch::bilinearPers3, Fetch::bilinearPers4};
 constexpr int fusedIndexAt(int fetch, Gate g, int blend) { return (fetch * int(Gate::count) + int(g)) * blendCount + blend + 1; }

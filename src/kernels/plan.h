@@ -74,7 +74,8 @@ constexpr bool marksRun(const Plan& p)
 
 constexpr bool drawsBlocks(Frame f)
 {
-    return f == Frame::rectUnit || f == Frame::rectUnit16 || f == Frame::rectStretch || f == Frame::rectFlat;
+    return f == Frame::rectUnit || f == Frame::rectUnit16 || f == Frame::rectStretch || f == Frame::rectStretchLevels ||
+           f == Frame::rectFlat;
 }
 
 constexpr int fusedIndex(const Plan& p)

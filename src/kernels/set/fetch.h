@@ -185,7 +185,9 @@ struct WindowFit {
     }
 };
 
-// Columns of one texture row at steps of up to two texels, read as one or two vectors of neighbours and sorted by a permutation.
+// Columns of one texture row at steps of up to two texels, read as one or two vectors of neighbours and sorted by a permutation. A column
+// is the position shifted right by `shift`: 16, or 17 where the texture is the next level's.
+template <int shift = 16>
 struct Window {
     const u32* row;
     u32 mask;
@@ -196,26 +198,26 @@ struct Window {
         : row(texels), mask(columnMask), position(u.start + u.step * u32(first)), step(u.step)
     {
         const u32 size = i32(step) < 0 ? 0 - step : step;
-        most = size <= 0x10000 ? 1 : size <= 0x20000 ? 2 : 0;
-        unit = step == 0x10000 && mask <= 0xFFFF;
+        most = size <= 1u << shift ? 1 : size <= 2u << shift ? 2 : 0;
+        unit = step == 1u << shift && mask <= 0xFFFFFFFF >> shift;
     }
-    // The texels at the wrapped columns of whole(u); pixels from `left` on may get anything.
+    // The texels at the wrapped columns of u; pixels from `left` on may get anything.
     __attribute__((always_inline)) V get(V u, int left) const
     {
         if (unit) {
-            const u32 column = (position >> 16) & mask;
+            const u32 column = (position >> shift) & mask;
             if (mask - column >= u32(lanes - 1))
                 return load(row + column);
         }
 #if defined(__AVX2__)
         if (most) {
             const u32 last = u32(left < lanes ? left : lanes) - 1;
-            const i32 a = i32(position) >> 16, b = i32(position + step * last) >> 16;
+            const i32 a = i32(position) >> shift, b = i32(position + step * last) >> shift;
             const bool falling = i32(step) < 0;
             const i32 lowest = falling ? b : a; // the extent is huge where the position wraps within the vector
             const WindowFit fit = WindowFit::of(lowest, u32(falling ? a - b : b - a), mask, most);
             if (fit.vectors) {
-                const V index = whole(u) - splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
+                const V index = (V)((S)u >> shift) - splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
                 return fit.vectors == 1 ? permute(load(row + fit.base), index)
                                         : permute2(load(row + fit.base), load(row + fit.base + lanes), index);
             }
@@ -223,14 +225,14 @@ struct Window {
 #else
         (void)left;
 #endif
-        return gather(row, whole(u) & mask);
+        return gather(row, (V)((S)u >> shift) & mask);
     }
     __attribute__((always_inline)) void advance() { position += step * lanes; }
 };
 
 template <int t>
 struct PointRow : Tested {
-    Window window;
+    Window<> window;
     Ramp u;
     __attribute__((always_inline)) static const u32* rowOf(const Span& s)
     {
@@ -477,7 +479,7 @@ struct LevelPair {
         : position(s, first), level(Texture01<t>::level(s)), next(Texture01<t>::next(s))
     {
     }
-    __attribute__((always_inline)) void get(V& upper, V& lower) const
+    __attribute__((always_inline)) void get(int, V& upper, V& lower) const
     {
         V u, v;
         position.get(u, v);
@@ -490,23 +492,23 @@ struct LevelPair {
 // The same with a fixed row, which truncates for the level and floors for the next one.
 template <int t>
 struct LevelPairRow {
-    const u32 *row, *nextRow;
-    u32 mask, nextMask;
-    Ramp u;
-    __attribute__((always_inline)) LevelPairRow(const Span& s, int first) : u(Ramp::make(Texture01<t>::u(s), first))
+    PointRow<t> level;
+    Window<17> next;
+    __attribute__((always_inline)) static const u32* rowOf(const Span& s)
     {
-        const Source &level = Texture01<t>::level(s), &next = Texture01<t>::next(s);
-        const u32 v = Texture01<t>::v(s).start;
-        row = level.pixels + (size_t(truncated(v) & level.maskV) << level.shift);
-        nextRow = next.pixels + (size_t(u32(i32(v) >> 17) & next.maskV) << next.shift);
-        mask = level.maskU, nextMask = next.maskU;
+        const Source& next = Texture01<t>::next(s);
+        return next.pixels + (size_t(u32(i32(Texture01<t>::v(s).start) >> 17) & next.maskV) << next.shift);
     }
-    __attribute__((always_inline)) void get(V& upper, V& lower) const
+    __attribute__((always_inline)) LevelPairRow(const Span& s, int first)
+        : level(s, first), next(rowOf(s), Texture01<t>::next(s).maskU, Texture01<t>::u(s), first)
     {
-        upper = gather(row, whole(u.value) & mask);
-        lower = gather(nextRow, (V)((S)u.value >> 17) & nextMask);
     }
-    __attribute__((always_inline)) void advance() { u.advance(); }
+    __attribute__((always_inline)) void get(int left, V& upper, V& lower) const
+    {
+        level.get(left, upper);
+        lower = next.get(level.u.value, left);
+    }
+    __attribute__((always_inline)) void advance() { level.advance(), next.advance(); }
 };
 
 template <class Pair, int t>
@@ -514,10 +516,10 @@ struct MipMix : Tested {
     Pair pair;
     V weight;
     __attribute__((always_inline)) MipMix(const Span& s, int first) : pair(s, first), weight(splat(Texture01<t>::weight())) {}
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) V get(int left, V& key) const
     {
         V lower;
-        pair.get(key, lower);
+        pair.get(left, key, lower);
         return mixWide(lower, key, weight, 255u - weight);
     }
     __attribute__((always_inline)) void advance() { pair.advance(); }
@@ -527,10 +529,10 @@ template <class Pair>
 struct MipNext : Tested {
     Pair pair;
     __attribute__((always_inline)) MipNext(const Span& s, int first) : pair(s, first) {}
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) V get(int left, V& key) const
     {
         V lower;
-        pair.get(key, lower);
+        pair.get(left, key, lower);
         return lower;
     }
     __attribute__((always_inline)) void advance() { pair.advance(); }
@@ -584,7 +586,7 @@ struct NoRule {
 };
 
 struct RuleRow {
-    Window window;
+    Window<> window;
     Ramp u;
     __attribute__((always_inline)) RuleRow(const Span& s, int first)
         : window(s.rule.pixels + (size_t(truncated(s.v2.start) & s.rule.maskV) << s.rule.shift), s.rule.maskU, s.u2, first),

@@ -109,45 +109,27 @@ NINEFOLD_LANE void fillRow(u32* dst, int n, u32 colour)
         store4(at);
 }
 
-// The columns of a stretch, which are the same in every row: worked out once, for up to `size` of them. mixed: with the neighbours and
-// weights of a four-texel mix.
+// The columns of a stretch, which are the same in every row: worked out once, for up to `size` of them. mixed: with their neighbours.
 template <bool mixed>
 struct Columns {
     static constexpr int size = 256;
-    alignas(64) u32 centre[size];            // within the vector's window, or in the texture row where it has none
-    alignas(64) u32 side[mixed ? size : 1];  // the neighbour
-    alignas(64) u32 weight[mixed ? size : 1]; // wx in both halves
+    alignas(64) u32 centre[size];           // within the vector's window, or in the texture row where it has none
+    alignas(64) u32 side[mixed ? size : 1]; // the neighbour
     WindowFit fits[size / lanes];
 
-    __attribute__((always_inline)) void make(const Span& s, int first, int n)
+    // The vector that starts with column k: wrapped by mask, before it from `lowest` to `lowest + extent` at most.
+    __attribute__((always_inline)) void put(int k, V column, V neighbour, u32 mask, [[maybe_unused]] i32 lowest, [[maybe_unused]] u32 extent)
     {
-        const u32 mask = s.tex0.maskU, step = s.u0.step;
-        Ramp u = Ramp::make(s.u0, first);
-        [[maybe_unused]] u32 position = s.u0.start + step * u32(first);
-        for (int k = 0; k < n; k += lanes, u.advance(), position += step * lanes) {
-            const V column = whole(u.value);
-            V neighbour = column;
-            if constexpr (mixed) {
-                const V fx = u.value >> 8 & 0xFFu, far = (V)((S)(u.value << 16) >> 31);
-                store(weight + k, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
-                neighbour = whole(u.value + ((far & 0x20000u) - 0x10000u));
-            }
-            WindowFit& fit = fits[k / lanes];
-            V move{};
-            fit = {0, 0};
+        WindowFit& fit = fits[k / lanes];
+        V move{};
+        fit = {0, 0};
 #if defined(__AVX2__)
-            // A pair is the texel half a texel back and the one after it.
-            const u32 last = u32(n - k < lanes ? n - k : lanes) - 1, back = mixed ? 0x8000 : 0;
-            const i32 a = i32(position - back) >> 16, b = i32(position + step * last - back) >> 16;
-            const bool falling = i32(step) < 0;
-            const i32 lowest = falling ? b : a;
-            fit = WindowFit::of(lowest, u32(falling ? a - b : b - a) + mixed, mask, 2);
-            move = splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
+        fit = WindowFit::of(lowest, extent, mask, 2);
+        move = splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
 #endif
-            store(centre + k, fit.vectors ? column - move : column & mask);
-            if constexpr (mixed)
-                store(side + k, fit.vectors ? neighbour - move : neighbour & mask);
-        }
+        store(centre + k, fit.vectors ? column - move : column & mask);
+        if constexpr (mixed)
+            store(side + k, fit.vectors ? neighbour - move : neighbour & mask);
     }
 
     // Texels of one row at the vector that starts with column k; atSide only where mixed.
@@ -177,34 +159,71 @@ struct Columns {
     }
 };
 
-// One texel of a row by the columns' table.
+// Each fetch of a stretch has a Table of what is worked out once.
+
+// One texel of a row.
 struct PointColumns {
     static constexpr bool tests = true;
-    const Columns<false>& columns;
+    struct Table {
+        Columns<false> columns;
+        __attribute__((always_inline)) void make(const Span& s, int first, int n)
+        {
+            const u32 step = s.u0.step;
+            Ramp u = Ramp::make(s.u0, first);
+            u32 position = s.u0.start + step * u32(first);
+            for (int k = 0; k < n; k += lanes, u.advance(), position += step * lanes) {
+                const u32 last = u32(n - k < lanes ? n - k : lanes) - 1;
+                const i32 a = i32(position) >> 16, b = i32(position + step * last) >> 16;
+                const bool falling = i32(step) < 0;
+                columns.put(k, whole(u.value), V{}, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a));
+            }
+        }
+    };
+    const Table& table;
     const u32* row;
     int k = 0;
-    __attribute__((always_inline)) PointColumns(const Span& s, const Columns<false>& table)
-        : columns(table), row(s.tex0.pixels + (size_t(truncated(s.v0.start) & s.tex0.maskV) << s.tex0.shift))
+    __attribute__((always_inline)) PointColumns(const Span& s, const Table& columns)
+        : table(columns), row(s.tex0.pixels + (size_t(truncated(s.v0.start) & s.tex0.maskV) << s.tex0.shift))
     {
     }
     __attribute__((always_inline)) V get(int, V& key) const
     {
         V none;
-        columns.texels(row, k, key, none);
+        table.columns.texels(row, k, key, none);
         return key;
     }
     __attribute__((always_inline)) void advance() { k += lanes; }
 };
 
-// A four-texel mix by the columns' table.
+// A four-texel mix.
 template <bool four>
 struct MixedColumns {
     static constexpr bool tests = true;
-    const Columns<true>& columns;
+    struct Table {
+        Columns<true> columns;
+        alignas(64) u32 weight[Columns<true>::size]; // wx in both halves
+        __attribute__((always_inline)) void make(const Span& s, int first, int n)
+        {
+            const u32 step = s.u0.step;
+            Ramp u = Ramp::make(s.u0, first);
+            u32 position = s.u0.start + step * u32(first);
+            for (int k = 0; k < n; k += lanes, u.advance(), position += step * lanes) {
+                const V fx = u.value >> 8 & 0xFFu, far = (V)((S)(u.value << 16) >> 31);
+                store(weight + k, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
+                const V neighbour = whole(u.value + ((far & 0x20000u) - 0x10000u));
+                // A pair is the texel half a texel back and the one after it.
+                const u32 last = u32(n - k < lanes ? n - k : lanes) - 1;
+                const i32 a = i32(position - 0x8000) >> 16, b = i32(position + step * last - 0x8000) >> 16;
+                const bool falling = i32(step) < 0;
+                columns.put(k, whole(u.value), neighbour, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a) + 1);
+            }
+        }
+    };
+    const Table& table;
     const u32 *row, *row2;
     V wy; // in both halves
     int k = 0;
-    __attribute__((always_inline)) MixedColumns(const Span& s, const Columns<true>& table) : columns(table)
+    __attribute__((always_inline)) MixedColumns(const Span& s, const Table& columns) : table(columns)
     {
         const u32 v = s.v0.start, fy = v >> 8 & 0xFF;
         const bool far = fy >= 128;
@@ -213,35 +232,90 @@ struct MixedColumns {
         row = s.tex0.pixels + (size_t((v >> 16) & s.tex0.maskV) << s.tex0.shift);
         row2 = s.tex0.pixels + (size_t(((v + (far ? 0x10000u : 0u - 0x10000u)) >> 16) & s.tex0.maskV) << s.tex0.shift);
     }
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) Taps taps() const
+    {
+        const V wx = load(table.weight + k), p = high8(mul16(wx, wy));
+        return Taps{V{}, V{}, p, wy - p, wx - p, 0x01000100u - wx - wy + p};
+    }
+    __attribute__((always_inline)) Sums sums(const Taps& taps, V& key) const
     {
         V side, below, corner;
-        columns.texels(row, k, key, side);
-        columns.texels(row2, k, below, corner);
-        const V wx = load(columns.weight + k);
-        const V p = high8(mul16(wx, wy));
-        const Taps taps = {{}, {}, p, wy - p, wx - p, 0x01000100u - wx - wy + p};
-        const Sums sums = Sums::of(taps, key, side, below, corner);
-        return four ? sums.four() : sums.three();
+        table.columns.texels(row, k, key, side);
+        table.columns.texels(row2, k, below, corner);
+        return Sums::of(taps, key, side, below, corner);
+    }
+    __attribute__((always_inline)) V get(int, V& key) const
+    {
+        const Sums mixed = sums(taps(), key);
+        return four ? mixed.four() : mixed.three();
     }
     __attribute__((always_inline)) void advance() { k += lanes; }
 };
 
+// Four-texel mixes of the level and of the next one, mixed: MipBilinear by columns.
+struct MipColumns {
+    static constexpr bool tests = true;
+    struct Table {
+        MixedColumns<false>::Table level;
+        Columns<true> next;
+        __attribute__((always_inline)) void make(const Span& s, int first, int n)
+        {
+            level.make(s, first, n);
+            Ramp u = Ramp::make(s.u0, first);
+            for (int k = 0; k < n; k += lanes, u.advance()) {
+                const V far = (V)((S)(u.value << 16) >> 31);
+                const V column = whole(half(u.value)), neighbour = whole(half(u.value + ((far & 0x20000u) - 0x10000u)));
+                alignas(bytes) i32 at[2 * lanes];
+                store(reinterpret_cast<u32*>(at), column);
+                store(reinterpret_cast<u32*>(at) + lanes, neighbour);
+                i32 lowest = at[0], highest = at[0];
+                for (int j = 0; j < n - k && j < lanes; ++j)
+                    for (const i32 x : {at[j], at[j + lanes]})
+                        lowest = x < lowest ? x : lowest, highest = x > highest ? x : highest;
+                next.put(k, column, neighbour, s.next0.maskU, lowest, u32(highest) - u32(lowest));
+            }
+        }
+    };
+    MixedColumns<false> level;
+    const Columns<true>& columns;
+    const u32 *row, *row2; // of the next level
+    V weight = splat(u32(rs.mipFrac));
+    __attribute__((always_inline)) MipColumns(const Span& s, const Table& table) : level(s, table.level), columns(table.next)
+    {
+        const auto rowAt = [&s](u32 v) {
+            return s.next0.pixels + (size_t(u32(i32(v) / 2 >> 16) & s.next0.maskV) << s.next0.shift);
+        };
+        const u32 v = s.v0.start;
+        row = rowAt(v), row2 = rowAt(v + (v & 0x8000 ? 0x10000u : 0u - 0x10000u));
+    }
+    __attribute__((always_inline)) V get(int, V& key) const
+    {
+        const Taps taps = level.taps();
+        const V upper = level.sums(taps, key).three();
+        V centre, side, below, corner;
+        columns.texels(row, level.k, centre, side);
+        columns.texels(row2, level.k, below, corner);
+        return mixWide(Sums::of(taps, centre, side, below, corner).three(), upper, weight, 255u - weight);
+    }
+    __attribute__((always_inline)) void advance() { level.advance(); }
+};
+
 // Stretches: the columns are worked out once for all rows.
-template <class Fetcher, bool mixed, int blend>
+template <class Fetcher, int blend>
 void stretchBlock(const Span& span, const Rows& rows)
 {
     const BlendFactors factors;
     Span s;
-    s.tex0.pixels = span.tex0.pixels, s.tex0.maskU = span.tex0.maskU, s.tex0.maskV = span.tex0.maskV, s.tex0.shift = span.tex0.shift;
-    Columns<mixed> columns;
-    for (int first = 0; first < rows.columns; first += columns.size) {
-        const int n = rows.columns - first < columns.size ? rows.columns - first : columns.size;
-        columns.make(span, first, n);
+    s.tex0 = span.tex0, s.next0 = span.next0;
+    typename Fetcher::Table table;
+    constexpr int size = Columns<false>::size;
+    for (int first = 0; first < rows.columns; first += size) {
+        const int n = rows.columns - first < size ? rows.columns - first : size;
+        table.make(span, first, n);
         u32* dst = span.dst + first;
         s.v0.start = span.v0.start;
         for (int row = rows.count; row > 0; --row, dst += rows.pitch, s.v0.start += rows.stepV) {
-            Fetcher fetch(s, columns);
+            Fetcher fetch(s, table);
             drawPixels<blend>(dst, n, fetch, factors);
         }
     }
@@ -260,11 +334,15 @@ void block(const Span& span, const Rows& rows)
         return;
     }
     if constexpr (f == Fetch::bilinearRow3 || f == Fetch::bilinearRow4) {
-        stretchBlock<MixedColumns<f == Fetch::bilinearRow4>, true, blend>(span, rows);
+        stretchBlock<MixedColumns<f == Fetch::bilinearRow4>, blend>(span, rows);
+        return;
+    }
+    if constexpr (f == Fetch::mipBilinearRow) {
+        stretchBlock<MipColumns, blend>(span, rows);
         return;
     }
     if constexpr (f == Fetch::pointRow && g == Gate::none) {
-        stretchBlock<PointColumns, false, blend>(span, rows);
+        stretchBlock<PointColumns, blend>(span, rows);
         return;
     }
     const BlendFactors factors;
