@@ -25,13 +25,14 @@ DrawFunc cachedFunc;
 [[gnu::always_inline]] inline uint32_t packed(uint32_t pers, uint32_t rule, uint32_t prescale, uint32_t filter, uint32_t rectOpt,
                                               uint32_t shahei, uint32_t blend, uint32_t multi, uint32_t shape)
 {
-    const bool colours = filter == 6 || filter == 7;
-    if (shape == 0 || shape == 2 || (shape == 1 && colours))
-        rectOpt = 7;
-    if (shape == 0 || colours)
-        multi = 3, pers = 0;
-    if (shape != 2)
-        pers = 0;
+    // Without branches: a host's modes follow no pattern.
+    const uint32_t colours = filter == 6 || filter == 7;
+    const uint32_t noRectOpt = 0u - ((shape == 0) | (shape == 2) | ((shape == 1) & colours));
+    const uint32_t noMulti = 0u - ((shape == 0) | colours);
+    const uint32_t noPers = 0u - ((shape != 2) | colours);
+    rectOpt = (rectOpt & ~noRectOpt) | (noRectOpt & 7);
+    multi = (multi & ~noMulti) | (noMulti & 3);
+    pers &= ~noPers;
     // Values too wide for their field spill to the left.
     return pers << 27 | rule << 26 | prescale << 25 | filter << 21 | rectOpt << 18 | shahei << 15 | blend << 10 | multi << 8 | shape |
            0x68;

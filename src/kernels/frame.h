@@ -100,8 +100,8 @@ public:
         }
         alike = set.alike[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
         plainBlock = nullptr, plainSpan = nullptr;
-        if (ids.plain() && !overlap && rs.blendAlpha <= 255) {
-            if (ids.plainIsBlock())
+        if (ids.plain() && !ids.custom() && !overlap && rs.blendAlpha <= 255) {
+            if (ids.isBlock())
                 plainBlock = set.blocks[ids.plain() - 1];
             else
                 plainSpan = set.spans[ids.plain() - 1];
@@ -110,7 +110,7 @@ public:
         if (ids.fused() && !overlap) {
             const uint32_t index = ids.fused() - 1;
             if constexpr (multi == Multi::none) {
-                if (rs.blendAlpha <= 255)
+                if (rs.blendAlpha <= 255 && !ids.isBlock())
                     fused[0] = set.upTo4->spans[index], fused[1] = set.upTo8->spans[index], fused[2] = set.spans[index];
             } else if (!isUnused(multi) && !hostMulti && !wide) {
                 const uint32_t op = index + uint32_t(ops::operatorIndex(rs.multiFunc));

@@ -96,7 +96,7 @@ constexpr int backIndex(bool prescale, int blend, bool soft, Marks m)
 constexpr int backCount = int(Marks::count) * blendCount * 4;
 
 // Fused entries: one function from gate to write, for the combinations that are drawn most: no multi stage, no rule, no prescale, no
-// marks. A block draws the rows of a rectangle whose rows are alike; a fused span draws one row.
+// marks. Of custom blends there is one block, for a host's own operator at unit scale. A block draws the rows of a rectangle whose rows are alike; a fused span draws one row.
 struct Rows {
     int count, columns;
     uint32_t pitch; // of the frame buffer, pixels
@@ -121,7 +121,7 @@ constexpr int fusedIndex(const Fetch (&fetches)[n], Fetch f, Gate g, int blend)
     // Gates of their own only where fetches are cheap.
     const bool gates = f == Fetch::unit || f == Fetch::pointRow || f == Fetch::point || f == Fetch::run;
     for (size_t k = 0; k < n; ++k)
-        if (fetches[k] == f && blend != 12 && (g == Gate::none || gates))
+        if (fetches[k] == f && (blend != 12 || (f == Fetch::unit && g == Gate::none)) && (g == Gate::none || gates))
             return fusedIndexAt(int(k), g, blend);
     return 0;
 }

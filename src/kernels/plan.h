@@ -60,7 +60,7 @@ struct PartIds {
     // A kernel with a rule has instead the block or span for pixels that the rule lets through whole.
     constexpr uint32_t plain() const { return through() ? uint32_t(word >> 32) : 0; }
     constexpr bool through() const { return word >> 26 & 1; }
-    constexpr bool plainIsBlock() const { return word >> 27 & 1; }
+    constexpr bool isBlock() const { return word >> 27 & 1; }
     // The same parts with neither plane gate nor marks, for the walk that does both itself.
     constexpr uint32_t frontUngated() const { return front() - uint32_t(Gate::plane); }
     constexpr uint32_t backUnmarked() const { return back() - uint32_t(marks()) * blendCount * 4; }
