@@ -340,15 +340,15 @@ void addLookUp(std::vector<Job>& jobs)
                 std::swap(modes[i], modes[size_t(random(int(i)))]);
             modes.resize(64);
             contenders.push_back({"ninefold/v1", Role::ours, "CreateDrawCode and SearchDrawFunc", {}, [modes, hit](long calls) {
-                                      for (long i = 0; i < calls; ++i) {
-                                          if (hit) { // nothing changes
-                                              found = SearchDrawFunc(CreateDrawCode());
-                                              continue;
-                                          }
-                                          const Axes& a = modes[size_t(i & 63)];
+                                      const auto set = [](const Axes& a) {
                                           rs.persMode = a.pers, rs.ruleAlphaMode = a.rule, rs.prescaleMode = a.prescale;
                                           rs.filterMode = a.filter, rs.rectOptMode = a.rectOpt, rs.shaheiMode = a.shahei;
                                           rs.blendMode = a.blend, rs.multiMode = a.multi, rs.shapeMode = a.shape;
+                                      };
+                                      set(modes[0]);
+                                      for (long i = 0; i < calls; ++i) {
+                                          if (!hit)
+                                              set(modes[size_t(i & 63)]);
                                           found = SearchDrawFunc(CreateDrawCode());
                                       }
                                   }});
