@@ -143,7 +143,7 @@ struct SetTable {
     const FusedSpan* spans;  // by fusedIndex of spanFetches, less 1
     const FusedSpan* multiSpans; // by multiSpanIndex and operator
     Alike alike[int(Rule::count)][int(Gate::count)]; // null: there is nothing to refuse, or no run of it to be expected
-    // The sets with which spans of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are gathered.
+    // The sets with which rows of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are gathered.
     const SetTable *upTo8, *upTo4;
 };
 

@@ -348,7 +348,8 @@ void drawRect(PartIds ids)
     if constexpr (multi == Multi::none && !rule && !marks && drawsBlocks(f)) {
         if (ids.fused() && !overlap && (ids.custom() ? ops::operatorIndex(rs.blendFunc) < 0 : rs.blendAlpha <= 255)) {
             const Rows rows{box.bottom - box.top, columns, pitch, stepOf(walk0), maskRow};
-            activeSet->blocks[ids.fused() - 1](s, rows);
+            const SetTable& set = columns > 8 ? *activeSet : *activeSet->upTo8;
+            set.blocks[ids.fused() - 1](s, rows);
             return;
         }
     }

@@ -26,6 +26,12 @@ NINEFOLD_LANE void drawVector(u32* dst, int left, M free, const Fetcher& fetch, 
     if constexpr (Fetcher::tests)
         live = gated ? M(live & isNotZero(key)) : isNotZero(key);
     const bool all = !gated && !Fetcher::tests;
+#if defined(__AVX512F__)
+    if constexpr (blend == 0) { // without a look at what is there
+        storeMasked(dst, source, whole ? live : M(live & firstLanes(left)));
+        return;
+    }
+#endif
     const V d = whole ? load(dst) : loadSome(dst, left);
     const V result = blended<blend, false>(d, source, factors);
     const V kept = all ? result : select(live, result, d);
@@ -321,6 +327,36 @@ void stretchBlock(const Span& span, const Rows& rows)
     }
 }
 
+// Texels side by side.
+struct Texels : Tested {
+    const u32* at;
+    __attribute__((always_inline)) explicit Texels(const u32* first) : at(first) {}
+    __attribute__((always_inline)) V get(int left, V& key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
+};
+
+// Sprites of up to one vector a row that do not go round the edge of the texture. False: it is none, and nothing is drawn.
+template <int blend>
+NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
+{
+    const Source t = span.tex0;
+    const int n = rows.columns;
+    const u32 column = span.u0.start & t.maskU;
+    if (n > lanes || t.maskU - column < u32(n - 1))
+        return false;
+    const BlendFactors factors;
+    const u32* const texels = t.pixels + column;
+    u32* dst = span.dst;
+    u32 v = span.v0.start;
+    for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV) {
+        const Texels fetch(texels + (size_t(v) << t.shift));
+        if (n == lanes)
+            drawVector<false, blend, true>(dst, lanes, M{}, fetch, factors);
+        else
+            drawVector<false, blend, false>(dst, n, M{}, fetch, factors);
+    }
+    return true;
+}
+
 // The pieces of a span that a block changes or reads per row, kept where they can stay in registers.
 template <Fetch f, Gate g, int blend>
 void block(const Span& span, const Rows& rows)
@@ -357,6 +393,9 @@ void block(const Span& span, const Rows& rows)
         }
         return;
     }
+    if constexpr (f == Fetch::unit && g == Gate::none)
+        if (narrowBlock<blend>(span, rows))
+            return;
     const BlendFactors factors;
     Span s;
     s.dst = span.dst, s.x = span.x, s.z = span.z;

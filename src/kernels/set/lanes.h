@@ -118,6 +118,10 @@ NINEFOLD_LANE void storeSome(u32* p, V v, int n)
 #endif
 }
 
+#if defined(__AVX512F__)
+NINEFOLD_LANE void storeMasked(u32* p, V v, M mask) { _mm512_mask_storeu_epi32(p, mask, (__m512i)v); }
+#endif
+
 // Comparisons.
 #if defined(__AVX512F__)
 NINEFOLD_LANE M isZero(V v) { return _mm512_testn_epi32_mask((__m512i)v, (__m512i)v); }
