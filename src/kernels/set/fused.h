@@ -393,7 +393,7 @@ void block(const Span& span, const Rows& rows)
         }
         return;
     }
-    if constexpr (f == Fetch::unit && g == Gate::none)
+    if constexpr (f == Fetch::unit && g == Gate::none && lanes <= 8) // 16 lanes gain nothing by it
         if (narrowBlock<blend>(span, rows))
             return;
     const BlendFactors factors;
