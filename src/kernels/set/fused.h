@@ -99,6 +99,10 @@ NINEFOLD_LANE void fillRow(u32* dst, int n, u32 colour)
         return;
     }
     u32* const end = dst + n;
+    if (lanes == 8 && n == lanes) {
+        store(dst, splat(colour));
+        return;
+    }
     store4(dst);
     store4(end - quarter);
     u32* at = reinterpret_cast<u32*>((reinterpret_cast<uintptr_t>(dst) + 16) & ~uintptr_t(15));
