@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all test conform mutate gallery bench clean
+.PHONY: all test conform mutate ports gallery bench clean
 
 all:
 	scripts/setup build
@@ -23,6 +23,10 @@ conform: all
 mutate:
 	scripts/setup build
 	JOBS=$(JOBS) scripts/mutate $(ARGS)
+
+# The golden sums from other compilers and machines: make ports ARGS=32.
+ports:
+	JOBS=$(JOBS) scripts/ports $(ARGS)
 
 # Pictures and an HTML page in build/gallery/.
 gallery:

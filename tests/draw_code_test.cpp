@@ -262,7 +262,7 @@ TEST(Catalogue, StandsInTableOrder)
                          shaheis[] = {0, 4, 1, 2, 3, 5};
     const auto rankOf = [&](uint32_t code) {
         const Axes a = axesOf(code);
-        return std::array<long, 9>{rank(shapes, a.shape), a.pers, a.rule, a.prescale, rank(filters, a.filter),
+        return std::array<ptrdiff_t, 9>{rank(shapes, a.shape), a.pers, a.rule, a.prescale, rank(filters, a.filter),
                                    rank(rectOpts, a.rectOpt), rank(shaheis, a.shahei), a.blend, a.multi};
     };
     const auto all = makeCodes();
