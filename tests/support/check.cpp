@@ -62,7 +62,7 @@ size_t fieldSteps(const Field &field)
 
 } // namespace
 
-Checker::Checker()
+Checker::Checker(Kind kind) : libraryWorld(kind == Kind::large), referenceWorld(kind == Kind::large)
 {
     startLibrary();
     for (const Subject &subject : catalogueSubjects())

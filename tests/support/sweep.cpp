@@ -26,7 +26,7 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options)
     running = &workers;
     std::unique_ptr<Checker> checker;
     const auto begin = [&] {
-        checker = std::make_unique<Checker>();
+        checker = std::make_unique<Checker>(options.kind);
         checker->beforeDraw = [](int set) { running->doing(currentScene, set); };
     };
     const auto job = [&](size_t index) {

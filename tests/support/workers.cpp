@@ -176,6 +176,7 @@ void Workers::run(const std::function<void()> &begin, const Job &job,
         start(index);
 
     auto shown = Clock::now();
+    unsigned deaths = 0;
     for (unsigned running = processCount; running > 0;) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
         for (unsigned index = 0; index < processCount; ++index) {
@@ -197,7 +198,7 @@ void Workers::run(const std::function<void()> &begin, const Job &job,
                 child.id = 0;
                 if (died && stopAtFailure)
                     shared->stop = true;
-                if (died && shared->next < count && !shared->stop && failures() < 200)
+                if (died && shared->next < count && !shared->stop && ++deaths < 200)
                     start(index);
                 else
                     --running;

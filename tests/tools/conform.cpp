@@ -1,9 +1,10 @@
 /*
  * The library against the reference at depth: plain and big scenes, shared memory, guard pages, named functions.
  *
- *     conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard] [--stop]
+ *     conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard,offset,large] [--stop]
  *
- * N scenes of each code (NINEFOLD_SCENES, or 60), half as many of the other kinds. --stop: at the first failure.
+ * N scenes of each code (NINEFOLD_SCENES, or 60), half as many that are big, overlap or are guarded. A source at each offset for each code, the
+ * more often the more scenes there are; of the large ones a sixtieth. --stop: at the first failure.
  */
 #include "support/check.h"
 #include "support/sweep.h"
@@ -19,7 +20,7 @@ int main(int count, char **arguments)
 {
     uint32_t scenes = scenesWanted(60);
     uint64_t seed = seedWanted();
-    std::string kinds = "plain,big,overlap,guard";
+    std::string kinds = "plain,big,overlap,guard,offset,large";
     bool stop = false;
     for (int i = 1; i < count; ++i) {
         const auto is = [&](const char *option) { return std::strcmp(arguments[i], option) == 0; };
@@ -33,7 +34,7 @@ int main(int count, char **arguments)
         } else if (is("--kinds") && valued) {
             kinds = arguments[++i];
         } else {
-            std::puts("conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard] [--stop]");
+            std::puts("conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard,offset,large] [--stop]");
             return 2;
         }
     }
@@ -47,14 +48,18 @@ int main(int count, char **arguments)
         const Kind kind = static_cast<Kind>(number);
         if (("," + kinds + ",").find(std::string(",") + kindName(kind) + ",") == std::string::npos)
             continue;
+        const uint32_t sixtieth = (scenes + 59) / 60;
         Sweep options{.kind = kind,
-                      .scenes = kind == Kind::plain ? scenes : (scenes + 1) / 2,
+                      .scenes = kind == Kind::plain    ? scenes
+                                : kind == Kind::offset ? sixtieth * offsetCount
+                                : kind == Kind::large  ? sixtieth
+                                                       : (scenes + 1) / 2,
                       .seed = seed,
                       .progress = true,
                       .stopAtFailure = stop};
         const SweepResult codes = sweep(subjects, options);
         options.progress = false;
-        options.scenes *= 50;
+        options.scenes *= kind == Kind::offset ? 4 : 50;
         const SweepResult named = sweep(namedSubjects(), options);
         for (const SweepResult *result : {&codes, &named}) {
             std::fputs(result->text.c_str(), stdout);

@@ -43,12 +43,12 @@ int main(int count, char **arguments)
     }
     if (!found) {
         std::puts(
-            "replay --code 0xCODE | --named FUNCTION  [--kind plain|big|small|overlap|guard] [--seed N] [--scene N] [--set N]");
+            "replay --code 0xCODE | --named FUNCTION  [--kind plain|big|small|overlap|guard|offset|large] [--seed N] [--scene N] [--set N]");
         return 2;
     }
     std::printf("%s\n", subject.name().c_str());
     std::fflush(stdout);
-    Checker checker;
+    Checker checker(id.kind);
     checker.beforeDraw = [](int drawing) {
         std::printf("drawing with %s\n", setName(drawing));
         std::fflush(stdout);
