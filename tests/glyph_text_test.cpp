@@ -81,6 +81,12 @@ TEST(GlyphText, FullWidthIsTwiceHalfWidth)
         EXPECT_EQ(drawGlyph(code).metrics.advance, 24) << code;
 }
 
+TEST(GlyphText, GlyphsOfMoreThan32767PixelsAreNotDrawn)
+{
+    EXPECT_EQ(drawGlyph('W', Format::Grey64, {.height = -65535}).size, Source::failed);
+    EXPECT_GT(drawGlyph('W', Format::Mono, {.height = -2000}).size, 0u);
+}
+
 TEST(GlyphText, ProportionalFaceIsAnother)
 {
     const Face proportional{.name = "VL PGothic"};
