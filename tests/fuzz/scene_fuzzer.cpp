@@ -14,7 +14,7 @@ using namespace support;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static Checker checker;
+    static Comparer comparer;
     if (size < 3)
         return 0;
     static const std::vector<Subject> subjects = [] {
@@ -26,8 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const Subject &subject = subjects[(data[0] << 8 | data[1]) % subjects.size()];
     const Kind kind = kinds[data[2] % std::size(kinds)];
     const SceneId id{kind, 1, data[2] / uint32_t{std::size(kinds)}, {data + 3, size - 3}};
-    if (checker.check(subject, id)) {
-        std::fputs(checker.check(subject, id, -1, true)->c_str(), stderr);
+    if (comparer.check(subject, id)) {
+        std::fputs(comparer.check(subject, id, -1, true)->c_str(), stderr);
         std::abort();
     }
     return 0;

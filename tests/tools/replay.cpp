@@ -48,11 +48,11 @@ int main(int count, char **arguments)
     }
     std::printf("%s\n", subject.name().c_str());
     std::fflush(stdout);
-    Checker checker(id.kind);
-    checker.beforeDraw = [](int drawing) {
+    Comparer comparer(id.kind);
+    comparer.beforeDraw = [](int drawing) {
         std::printf("drawing with %s\n", setName(drawing));
         std::fflush(stdout);
     };
-    std::fputs(checker.check(subject, id, set, true)->c_str(), stdout);
+    std::fputs(comparer.check(subject, id, set, true)->c_str(), stdout);
     return 0;
 }
