@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all test conform mutate ports gallery bench clean
+.PHONY: all test conform coverage fuzz mutate ports gallery bench clean
 
 all:
 	scripts/setup build
@@ -15,9 +15,19 @@ test:
 	scripts/setup build gallery
 	JOBS=$(JOBS) scripts/test
 
-# The kernels against the reference at depth: make conform SCENES=200.
+# The kernels against the reference at depth, also under sanitizers: make conform SCENES=200.
 conform: all
-	NINEFOLD_SCENES=$(SCENES) build/tests/tools/conform $(ARGS)
+	JOBS=$(JOBS) scripts/conform $(SCENES) $(ARGS)
+
+# Lines and branches of src/ that the tests reach; in build-coverage/report/ line by line.
+coverage:
+	scripts/setup build coverage
+	JOBS=$(JOBS) scripts/coverage
+
+# Scenes, or with ARGS=bitmap files, that a fuzzer makes up.
+fuzz:
+	scripts/setup build
+	JOBS=$(JOBS) scripts/fuzz $(ARGS)
 
 # Whether the differential notices lines that are wrong: make mutate ARGS=fetch.
 mutate:

@@ -281,6 +281,20 @@ TEST_F(BitmapFile, EmptyFileIsOneClearPixel)
     EXPECT_EQ(pixelsOf(placed.texture), Pixels{0});
 }
 
+TEST_F(BitmapFile, FileThatEndsBeforeItsSizeReadsAsZeros)
+{
+    char longer[] = "/sys/devices/system/cpu/possible"; // a page by its size, a few bytes to be read
+    std::error_code error;
+    if (fs::file_size(longer, error) < 64 || error)
+        GTEST_SKIP() << "there is no such file here";
+    Texture *const texture = LoadTexture(longer);
+    ASSERT_NE(texture, nullptr);
+    EXPECT_EQ(texture->origWidth, 0u);
+    EXPECT_EQ(texture->origHeight, 0u);
+    EXPECT_EQ(texture->pixels[0], 0u);
+    DeleteTexture(texture);
+}
+
 TEST_F(BitmapFile, SizeZeroCopiesNothing)
 {
     Bytes bytes = header(0, 3);

@@ -1,5 +1,5 @@
 // Draw codes, the catalogue and the look-up.
-#include "support/canvas.h"
+#include "support/furnished.h"
 
 #include "core/catalogue.h"
 
@@ -303,6 +303,9 @@ protected:
     void SetUp() override { MakeDrawFuncTable(); }
 };
 
+// Where a kernel is called too: whichever the look-up gives, it can draw.
+class LookUpAndDraw : public canvas::Furnished {};
+
 TEST_F(LookUp, EveryCodeOfTheCatalogueIsFoundAndNoOther)
 {
     const DrawFunc defaults[] = {SearchDrawFunc(lineDefault), SearchDrawFunc(rectDefault), SearchDrawFunc(triangleDefault)};
@@ -326,7 +329,7 @@ TEST_F(LookUp, EveryCodeOfTheCatalogueIsFoundAndNoOther)
     EXPECT_EQ(found, 30912u);
 }
 
-TEST_F(LookUp, PerLineMipFormsOutsideLineTablesAreOneFunction)
+TEST_F(LookUpAndDraw, PerLineMipFormsOutsideLineTablesAreOneFunction)
 {
     std::set<DrawFunc> functions;
     size_t records = 0;
@@ -337,10 +340,18 @@ TEST_F(LookUp, PerLineMipFormsOutsideLineTablesAreOneFunction)
         }
     }
     EXPECT_EQ(records, 6144u);
-    EXPECT_EQ(functions.size(), 1u);
+    ASSERT_EQ(functions.size(), 1u);
+    const DrawFunc nothing = *functions.begin();
+    ASSERT_NE(nothing, nullptr);
+    for (int shape : {1, 2}) {
+        placeLargely(shape);
+        const State before = state();
+        nothing();
+        ASSERT_TRUE(state() == before) << "shape " << shape;
+    }
     // It returns at once, whatever rs holds.
     rs = RenderState{};
-    (*functions.begin())();
+    nothing();
 }
 
 TEST_F(LookUp, ColourTrianglesHaveOneFunctionForBothPerspectives)
@@ -408,27 +419,24 @@ TEST_F(LookUp, ABlendThatDoesNotExistDropsEveryOtherAxis)
     rs = RenderState{};
 }
 
-TEST_F(LookUp, ABlendThatDoesNotExistDrawsAsTheUnitCopy)
+TEST_F(LookUpAndDraw, ABlendThatDoesNotExistDrawsAsTheUnitCopy)
 {
-    rs = RenderState{};
-    Texture *frame = CreateTexture(8, 1), *source = CreateTexture(8, 1);
+    Texture *const source = texture(8, 1, [](uint32_t x, uint32_t) { return x == 2 ? 0 : 0x80000000 | x; });
     for (uint32_t x = 0; x < 8; ++x)
-        frame->pixels[x] = 0x11223344, source->pixels[x] = x == 2 ? 0 : 0x80000000 | x;
-    SetFrameBuffer(frame);
-    rs.clipRight = 8, rs.clipBottom = 1;
-    rs.vertex[1] = {8, 1, 0};
+        frame->pixels[x] = 0x11223344;
+    corners(0, 0, 8, 1);
     rs.tex0 = source;
+    rs.uv0[0] = {};
     rs.uv0[1] = {0x20000, 0}; // a stretch would read this
     SetShapeMode(1);
     SetRectOptMode(1);
     SetPrescaleMode(1);
     SetBlendMode(3);
-    SearchDrawFunc(CreateDrawCode())();
+    const DrawFunc copy = SearchDrawFunc(CreateDrawCode());
+    ASSERT_NE(copy, nullptr);
+    copy();
     for (uint32_t x = 0; x < 8; ++x)
         EXPECT_EQ(frame->pixels[x], x == 2 ? 0x11223344 : 0x80000000 | x) << x;
-    DeleteTexture(frame);
-    DeleteTexture(source);
-    rs = RenderState{};
 }
 
 TEST_F(LookUp, LowBitsThreeGiveNullAndLeaveTheCache)

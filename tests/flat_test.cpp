@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 using namespace canvas;
@@ -41,6 +42,26 @@ TEST_F(FlatRectangle, EveryPixelIsTheFirstColour)
         EXPECT_EQ(drawnCount(), 35 * 6);
         EXPECT_EQ(row(3, 4, 6), (Pixels{ground, 0x80112233}));
         EXPECT_EQ(row(8, 39, 41), (Pixels{0x80112233, ground}));
+    }
+}
+
+class WideFlatRectangle : public Colours {
+protected:
+    WideFlatRectangle() : Colours(2048, 4) {}
+};
+
+TEST_F(WideFlatRectangle, LongRowsAreFilledToTheirEndsAndNoFurther)
+{
+    colours(0x80112233, 1, 2, 3);
+    for (int columns : {511, 512, 513, 1000, 1024, 2046}) {
+        clear();
+        corners(1, 1, 1 + columns, 3);
+        draw(flatRect);
+        EXPECT_EQ(drawnCount(), columns * 2);
+        for (int y = 1; y < 3; ++y)
+            EXPECT_EQ(std::count(&at(1, y), &at(1, y) + columns, 0x80112233u), columns);
+        EXPECT_EQ(at(0, 1), ground);
+        EXPECT_EQ(at(1 + columns, 2), ground);
     }
 }
 

@@ -1,6 +1,7 @@
 /* Packing, expansion and rim over a scripted glyph source, by hand and against the reference. */
 #include "glyph/atlas.h"
 #include "reference/glyph.h"
+#include "support/canvas.h"
 
 #include <cstring>
 #include <functional>
@@ -11,6 +12,10 @@
 #include <gtest/gtest.h>
 #include <ninefold/glyph.h>
 
+#ifdef __linux__
+#include <sys/resource.h>
+#endif
+
 using namespace ninefold::glyph;
 
 namespace {
@@ -20,6 +25,7 @@ class ScriptedSource final : public Source {
 public:
     reference::ServedGlyph glyph;
     bool failSize = false, failBitmap = false;
+    uint32_t claimed = 0; // bytes, if not those of the glyph
     std::function<bool(uint8_t)> lead = [](uint8_t) { return false; };
 
     std::vector<std::string> log;
@@ -56,7 +62,7 @@ public:
             EXPECT_EQ(bitmap[i], 0) << "GDI leaves padding as it was, so the buffer must come clear";
             bitmap[i] = glyph.bytes[i];
         }
-        return static_cast<uint32_t>(glyph.bytes.size());
+        return claimed ? claimed : static_cast<uint32_t>(glyph.bytes.size());
     }
 
     void close(Release order) override
@@ -427,6 +433,27 @@ TEST_P(GlyphOfStyle, SourceThatFailsAtTheBitmapKeepsTheMetrics)
     EXPECT_EQ(rs.fontCursorX, 11u);
     EXPECT_EQ(pixel(0, 0), GetParam() == Style::Plain ? 0u : paint);
     EXPECT_EQ(pixel(8, 0), GetParam() == Style::Plain ? paint : 0u);
+}
+
+TEST_P(GlyphOfStyle, BitmapWithoutMemoryKeepsTheMetrics)
+{
+#if defined(__linux__) && !defined(NINEFOLD_SANITIZED)
+    serve(3, 2);
+    source_.claimed = 0xFFFFFFF0;
+    rlimit before;
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &before), 0);
+    const rlimit little{rlim_t{2} << 30, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &little), 0);
+    const bool drawn = draw(GetParam());
+    setrlimit(RLIMIT_AS, &before);
+    ASSERT_TRUE(drawn);
+    EXPECT_EQ(source_.log.back(), "close context font");
+    EXPECT_EQ(rs.glyphWidth, 3);
+    EXPECT_EQ(rs.glyphHeight, 2);
+    EXPECT_EQ(rs.fontCursorX, 3u);
+#else
+    GTEST_SKIP() << "memory cannot be made scarce here";
+#endif
 }
 
 TEST_F(Glyph, GreyLevels)

@@ -22,20 +22,20 @@ TEST(Golden, EveryCodeGivesItsSum)
             indices.push_back(index);
 
     Workers workers(indices.size(), processCount());
-    std::unique_ptr<Checker> checker;
+    std::unique_ptr<Comparer> comparer;
     const auto job = [&](size_t number) {
         const size_t index = indices[number];
         bool right = true;
         for (int set = 0; set < setCount(); ++set) {
             workers.doing(0, set);
-            const uint32_t sum = goldenSum(*checker, subjects[index], set);
+            const uint32_t sum = goldenSum(*comparer, subjects[index], set);
             if (sum == sums[index])
                 continue;
             right = false;
             char text[256];
             std::snprintf(text, sizeof text, "%s, code %X, set %s: sum %08x, golden %08x%s\n", subjects[index].name().c_str(),
                           subjects[index].code, setName(set), sum, sums[index],
-                          goldenSum(*checker, subjects[index], -1) == sums[index] ? "" : " (and not the reference's either)");
+                          goldenSum(*comparer, subjects[index], -1) == sums[index] ? "" : " (and not the reference's either)");
             workers.report(text);
         }
         return right;
@@ -43,6 +43,6 @@ TEST(Golden, EveryCodeGivesItsSum)
     const auto describe = [&](size_t number, uint32_t, int set) {
         return subjects[indices[number]].name() + ", set " + (set < 0 ? "none" : setName(set));
     };
-    workers.run([&checker] { checker = std::make_unique<Checker>(); }, job, describe);
+    workers.run([&comparer] { comparer = std::make_unique<Comparer>(); }, job, describe);
     EXPECT_EQ(workers.failures(), 0u) << workers.reports();
 }

@@ -3,12 +3,37 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 using namespace support;
 
 TEST(Overlap, SourcesOverTheFrameBufferAndThePlanes)
 {
     const std::vector<Subject> subjects = sharedCatalogue();
     const SweepResult result = sweep(subjects, {.kind = Kind::overlap, .scenes = scenesWanted(8), .seed = seedWanted()});
+    EXPECT_TRUE(result.failed.empty()) << result.text << tableByAxis(subjects, result.failed);
+}
+
+/* Pixels from the frame buffer to the source; between them, the codes go through all distances. */
+TEST(Overlap, SourcesAtEachOffset)
+{
+    const std::vector<Subject> subjects = sharedCatalogue();
+    World world;
+    std::set<int64_t> offsets;
+    for (size_t index = 0; index < subjects.size(); index += 8) {
+        const Scene scene = makeScene(subjects[index], {.kind = Kind::offset}, world);
+        bool laid = false;
+        for (const int texture : {scene.tex0, scene.tex1, scene.tex2})
+            if (texture >= 0) {
+                const Place &place = scene.textures[static_cast<size_t>(texture)].pixels;
+                laid = laid || (place.slot == frameSlot && place.offset - scene.pixels.offset == 4 * offsetOf(scene));
+            }
+        ASSERT_TRUE(laid || (scene.tex0 < 0 && scene.tex1 < 0 && scene.tex2 < 0)) << subjects[index].name();
+        if (laid)
+            offsets.insert(offsetOf(scene));
+    }
+    EXPECT_EQ(offsets.size(), static_cast<size_t>(offsetCount));
+    const SweepResult result = sweep(subjects, {.kind = Kind::offset, .scenes = (scenesWanted(8) + 3) / 4, .seed = seedWanted()});
     EXPECT_TRUE(result.failed.empty()) << result.text << tableByAxis(subjects, result.failed);
 }
 

@@ -50,6 +50,14 @@ void Builder::clipRange(int32_t size, int32_t &low, int32_t &high)
     low = 0;
     high = size;
     const uint32_t style = random.below(100);
+    if (large && style < 60) { /* a few pixels of many, or one */
+        const int32_t length = style < 10 ? 1 : std::min(size, random.pick({2, 15, 16, 17, 64, 100, 300}));
+        low = random.pick({0, size - length, random.between(0, size - length)});
+        high = low + length;
+        return;
+    }
+    if (large && style < 80)
+        return;
     if (style < 50)
         return;
     if (style < 90) {
@@ -68,7 +76,10 @@ void Builder::frame()
 {
     RenderState &state = scene.state;
     int log2Width, log2Height;
-    if (big) {
+    if (large) {
+        log2Width = random.between(4, 12);
+        log2Height = random.between(4, 12);
+    } else if (big) {
         log2Width = random.pick({9, 10, 11, 11});
         log2Height = random.between(1, 15 - log2Width);
     } else {
@@ -278,10 +289,12 @@ void Builder::modes()
 void Builder::build()
 {
     const Kind kind = scene.id.kind;
-    overlap = kind == Kind::overlap;
+    overlap = kind == Kind::overlap || kind == Kind::offset;
     guard = kind == Kind::guard;
     small = kind == Kind::small;
-    big = kind == Kind::big || (!small && random.percent(overlap || guard ? 4 : 8));
+    offsets = kind == Kind::offset;
+    large = kind == Kind::large;
+    big = kind == Kind::big || (!small && !offsets && !large && random.percent(overlap || guard ? 4 : 8));
     atEnd = (scene.id.number & 1) == 0;
     scene.axes = scene.subject.axes();
     const bool firstTexel = axes().filter == 5 && axes().shahei != 1 && axes().shahei != 2;
@@ -295,10 +308,14 @@ void Builder::build()
     do
         primitive();
     while (!visible() && !random.percent(15));
+    if (large)
+        farOut();
     origin();
     rule();
     textures();
-    if (overlap)
+    if (offsets)
+        atOffset();
+    else if (overlap)
         overlaps();
     maps();
     positions(scene.state.uv0, scene.tex0);

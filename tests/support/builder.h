@@ -14,9 +14,16 @@ inline int32_t wrapping(int64_t value)
 }
 
 /* Sums of scenes are checked in, so no expression may draw two random numbers in an order that a compiler is free to choose. */
+/* Of a difference that may need 33 bits: as drawing takes it. */
+inline int32_t distanceOf(int32_t a, int32_t b)
+{
+    const int32_t difference = wrapping(int64_t{a} - b);
+    return difference < 0 ? wrapping(-int64_t{difference}) : difference;
+}
+
 class Builder {
 public:
-    Builder(Scene &sceneToFill, World &worldToFill, uint64_t seed) : scene(sceneToFill), world(worldToFill), random(seed) {}
+    Builder(Scene &sceneToFill, World &worldToFill, Random numbers) : scene(sceneToFill), world(worldToFill), random(numbers) {}
     void build();
 
 private:
@@ -24,7 +31,7 @@ private:
     World &world;
     Random random;
 
-    bool big = false, small = false, overlap = false, guard = false;
+    bool big = false, small = false, overlap = false, guard = false, offsets = false, large = false;
     bool atEnd = false; /* of the slot, with guard */
     bool tight =
         false; /* with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle */
@@ -54,6 +61,7 @@ private:
     void line();
     void triangle();
     void origin();
+    void farOut();
 
     /* textures and positions in them */
     struct Size {
@@ -64,6 +72,8 @@ private:
     int source(int firstSlot);
     void textures();
     void overlaps();
+    void atOffset();
+    bool readsInPlace();
     void maps();
     struct Path {
         int32_t from, to;

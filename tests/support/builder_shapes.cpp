@@ -41,7 +41,7 @@ void Builder::rectangle()
 {
     RenderState &state = scene.state;
     const auto length = [this](int32_t room) {
-        if ((big || axes().rectOpt == 5) && random.percent(70))
+        if ((big || large || axes().rectOpt == 5) && random.percent(70))
             return random.percent(50) ? room + random.between(0, 40) : random.between(1, room + 40);
         if (random.percent(75))
             return std::min(lengths[random.below(std::size(lengths))], 3 * room + 3);
@@ -221,6 +221,46 @@ bool Builder::visible() const
     const int64_t cross = int64_t{vertex[1].x - vertex[0].x} * (vertex[2].y - vertex[0].y) -
                           int64_t{vertex[2].x - vertex[0].x} * (vertex[1].y - vertex[0].y);
     return std::abs(cross) >= 30;
+}
+
+/* Moves vertices far away, to where products and shifts of coordinates lose bits. A rectangle's sizes may grow into their sign; lines and
+ * triangles stay below 2^31. What is looked up row by row stays near, and so does a line's start: some lines are drawn without a test. */
+void Builder::farOut()
+{
+    if (forward || !random.percent(25))
+        return;
+    Vertex *const vertex = scene.state.vertex;
+    const auto distance = [this] {
+        const int32_t any = static_cast<int32_t>(random.word() >> 2 >> random.between(0, 22));
+        return random.pick({any, any, 0x3FFFFFFF, 0x7FFF, 0x8000, 0x8001, 0xFFFF, 0x10000});
+    };
+    switch (axes().shape) {
+    case 0:
+        for (int32_t *coordinate : {&vertex[1].x, &vertex[1].y})
+            if (random.percent(60))
+                *coordinate += random.pick({-1, 1}) * distance();
+        break;
+    case 1: {
+        const auto apart = [&](int32_t &one, int32_t &other) {
+            if (random.percent(60))
+                (one < other ? one : other) -= distance();
+            if (random.percent(60))
+                (one < other ? other : one) += distance();
+        };
+        apart(vertex[0].x, vertex[1].x);
+        if (axes().rectOpt != 3)
+            apart(vertex[0].y, vertex[1].y);
+        break;
+    }
+    default:
+        for (int i = 0; i < 3; ++i) {
+            if (random.percent(40))
+                vertex[i].x += random.pick({-1, 1}) * distance();
+            if (random.percent(40))
+                vertex[i].y += random.pick({-1, 1}) * (distance() / 2);
+        }
+        break;
+    }
 }
 
 void Builder::origin()

@@ -13,7 +13,12 @@ Builder::Size Builder::textureSize()
 {
     const uint32_t style = random.below(100);
     Size size;
-    if (axes().rectOpt == 5) {
+    if (offsets && style < 70) { /* rows as long as the frame buffer's, so that the distance stays what it is */
+        const TextureSpec &frameTexture = scene.textures[static_cast<size_t>(scene.frameTexture)];
+        size = {frameTexture.log2Width, frameTexture.log2Height};
+    } else if (large) {
+        size = {random.between(0, 12), random.between(0, 12)};
+    } else if (axes().rectOpt == 5) {
         size.log2Width = guard                ? random.between(0, 6)
                          : random.percent(60) ? random.between(7, 9)
                                               : random.between(2, big ? 11 : 9);
@@ -158,6 +163,25 @@ void Builder::overlaps()
     }
 }
 
+/* Puts a texture, all its levels included, at the scene's distance from the frame buffer. */
+void Builder::atOffset()
+{
+    std::vector<int> sources;
+    for (const int base : {scene.tex0, scene.tex1, scene.tex2})
+        if (base >= 0 && base != scene.frameTexture)
+            sources.push_back(base);
+    if (sources.empty())
+        return;
+    const Place there{frameSlot, scene.pixels.offset + 4 * offsetOf(scene)};
+    TextureSpec &wanted = scene.textures[static_cast<size_t>(sources[random.below(static_cast<uint32_t>(sources.size()))])];
+    wanted.pixels = there;
+    for (int i = 1; i < wanted.levels; ++i)
+        scene.textures[static_cast<size_t>(wanted.level[static_cast<size_t>(i)])].pixels = there;
+    const Window &window = scene.windows[0];
+    if (there.offset < window.begin || there.offset + 4 * int64_t{wanted.width()} * wanted.height() > window.end)
+        std::abort(); /* there is room for all */
+}
+
 void Builder::maps()
 {
     if (scene.tex0 < 0)
@@ -183,6 +207,12 @@ void Builder::maps()
         fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], random.pick({noisePool, runPool, stripePool}));
         wanted.zeros = true;
     }
+}
+
+/* Whether each pixel is to read the texel of its own column and row: then the distance that is read at is that of the texture. */
+bool Builder::readsInPlace()
+{
+    return offsets && random.percent(60);
 }
 
 /* A 16.16 step from a pixel to the next. */
@@ -232,11 +262,26 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
 {
     const RenderState &state = scene.state;
     const Vertex *const vertex = state.vertex;
+    if (readsInPlace()) {
+        const auto position = [this](int32_t pixel) {
+            const int32_t result = wrapping(int64_t{pixel} * 0x10000);
+            return forward ? (result & 0x3FFFFFFF) | 0x08000000 : result;
+        };
+        for (int i = 0; i < 4; ++i) {
+            /* the corners of a rectangle follow from two of them */
+            const Vertex &forU = axes().shape == 2 ? vertex[i] : vertex[i & 1];
+            const Vertex &forV = axes().shape == 2 ? vertex[i] : axes().rectOpt == 2 ? vertex[i >> 1] : vertex[i & 1];
+            uv[i] = {position(forU.x + state.originX), position(forV.y + state.originY)};
+        }
+        if (axes().shape == 1 && (axes().rectOpt == 0 || axes().rectOpt >= 5))
+            uv[0] = {std::min(uv[0].u, uv[1].u), std::min(uv[0].v, uv[1].v)};
+        return;
+    }
     const Size size = textureIndex < 0 ? Size{4, 4}
                                        : Size{scene.textures[static_cast<size_t>(textureIndex)].log2Width,
                                               scene.textures[static_cast<size_t>(textureIndex)].log2Height};
     if (axes().shape != 2) {
-        const int32_t width = std::abs(vertex[1].x - vertex[0].x), height = std::abs(vertex[1].y - vertex[0].y);
+        const int32_t width = distanceOf(vertex[1].x, vertex[0].x), height = distanceOf(vertex[1].y, vertex[0].y);
         const Path across = path(width, size.log2Width), down = path(height, size.log2Height);
         uv[0] = {across.from, down.from};
         uv[1] = {across.to, down.to};
@@ -263,7 +308,7 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
     const Path start{path(8, size.log2Width).from, path(8, size.log2Height).from};
     for (int i = 0; i < 4; ++i) {
         if (style < 75) { /* a picture laid over the triangle */
-            const int64_t x = vertex[i].x - vertex[0].x, y = vertex[i].y - vertex[0].y;
+            const int64_t x = int64_t{vertex[i].x} - vertex[0].x, y = int64_t{vertex[i].y} - vertex[0].y;
             uv[i] = {wrapping(start.from + x * across[0] + y * across[1]), wrapping(start.to + x * down[0] + y * down[1])};
         } else {
             uv[i] = {path(8, size.log2Width).to, path(8, size.log2Height).to};
@@ -282,19 +327,28 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
 void Builder::lineTable(Place &table, int slot, int textureIndex, bool skips)
 {
     const RenderState &state = scene.state;
-    const int32_t width = std::abs(state.vertex[1].x - state.vertex[0].x),
-                  height = std::abs(state.vertex[1].y - state.vertex[0].y);
+    const int32_t width = distanceOf(state.vertex[1].x, state.vertex[0].x),
+                  height = distanceOf(state.vertex[1].y, state.vertex[0].y);
     const TextureSpec &wanted = scene.textures[static_cast<size_t>(textureIndex)];
     table = place(slot, static_cast<uint32_t>(height) * sizeof(LineTableRecord), 4, 64, 64);
     fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
     LineTableRecord *const records = world.at<LineTableRecord>(table);
     const uint32_t skipped = !skips ? 3 : random.pick<uint32_t>({0, 0, 0, 20, 20, 20, 50, 90});
-    const bool alike = random.percent(40);
+    const bool alike = random.percent(40), inPlace = readsInPlace();
+    const int32_t left = std::min(state.vertex[0].x, state.vertex[1].x) + state.originX;
+    const int32_t top = std::min(state.vertex[0].y, state.vertex[1].y) + state.originY;
     Path u = path(width, wanted.log2Width), v = path(width, wanted.log2Height);
     for (int32_t line = 0; line < height; ++line) {
         if (!alike || random.percent(5)) {
             u = path(width, wanted.log2Width);
             v = path(width, wanted.log2Height);
+        }
+        if (inPlace) {
+            u = {wrapping(left * int64_t{0x10000}), wrapping((left + int64_t{width}) * 0x10000)};
+            v.from = v.to = wrapping((top + int64_t{line}) * 0x10000);
+            if (forward)
+                for (int32_t *position : {&u.from, &u.to, &v.from, &v.to})
+                    *position = (*position & 0x3FFFFFFF) | 0x08000000;
         }
         records[line] = {u.from, v.from, u.to, v.to};
         if (random.percent(skipped))

@@ -62,7 +62,7 @@ size_t fieldSteps(const Field &field)
 
 } // namespace
 
-Checker::Checker()
+Comparer::Comparer(Kind kind) : libraryWorld(kind == Kind::large), referenceWorld(kind == Kind::large)
 {
     startLibrary();
     for (const Subject &subject : catalogueSubjects())
@@ -71,7 +71,7 @@ Checker::Checker()
     textureBytes.resize(sizeof(Texture) * World::textureLimit);
 }
 
-void Checker::prepare(const Subject &subject, SceneId id)
+void Comparer::prepare(const Subject &subject, SceneId id)
 {
     scene = makeScene(subject, id, libraryWorld);
     before.clear();
@@ -87,7 +87,7 @@ void Checker::prepare(const Subject &subject, SceneId id)
     std::memcpy(textureBytes.data(), static_cast<const void *>(libraryWorld.textures.data()), textureBytes.size());
 }
 
-void Checker::drawReference()
+void Comparer::drawReference()
 {
     std::memcpy(&referenceEnd, &referenceStart, sizeof referenceEnd);
     calls = {};
@@ -98,7 +98,7 @@ void Checker::drawReference()
             reference::draw(scene.subject.code, referenceEnd);
 }
 
-void Checker::drawLibrary(int set, bool restore)
+void Comparer::drawLibrary(int set, bool restore)
 {
     if (restore) {
         const std::byte *from = before.data();
@@ -122,7 +122,7 @@ void Checker::drawLibrary(int set, bool restore)
         kernel();
 }
 
-std::string Checker::pixelDifferences(const Window &window, size_t beforeOffset, bool all) const
+std::string Comparer::pixelDifferences(const Window &window, size_t beforeOffset, bool all) const
 {
     const std::byte *const library = libraryWorld.begin(window.slot);
     const std::byte *const expected = referenceWorld.begin(window.slot);
@@ -168,7 +168,7 @@ std::string Checker::pixelDifferences(const Window &window, size_t beforeOffset,
     return text;
 }
 
-std::string Checker::differences(bool all) const
+std::string Comparer::differences(bool all) const
 {
     std::string text;
     size_t beforeOffset = 0;
@@ -198,7 +198,7 @@ std::string Checker::differences(bool all) const
     return text;
 }
 
-std::optional<std::string> Checker::check(const Subject &subject, SceneId id, int set, bool all)
+std::optional<std::string> Comparer::check(const Subject &subject, SceneId id, int set, bool all)
 {
     prepare(subject, id);
     drawReference();
@@ -236,7 +236,7 @@ std::optional<std::string> Checker::check(const Subject &subject, SceneId id, in
     return text;
 }
 
-uint32_t Checker::sum(const World &world, const RenderState &start, const RenderState &end) const
+uint32_t Comparer::sum(const World &world, const RenderState &start, const RenderState &end) const
 {
     uint32_t result = 0x811C9DC5;
     const auto add = [&result](uint32_t word) {
@@ -261,14 +261,14 @@ uint32_t Checker::sum(const World &world, const RenderState &start, const Render
     return result;
 }
 
-uint32_t Checker::referenceSum(const Subject &subject, SceneId id)
+uint32_t Comparer::referenceSum(const Subject &subject, SceneId id)
 {
     prepare(subject, id);
     drawReference();
     return sum(referenceWorld, referenceStart, referenceEnd);
 }
 
-uint32_t Checker::librarySum(const Subject &subject, SceneId id, int set)
+uint32_t Comparer::librarySum(const Subject &subject, SceneId id, int set)
 {
     prepare(subject, id);
     drawLibrary(set, false);

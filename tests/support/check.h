@@ -15,10 +15,10 @@ namespace support {
 int setCount();
 const char *setName(int set);
 
-class Checker {
+class Comparer {
 public:
-    /* Starts the library and fetches the kernels, before anything is drawn. */
-    Checker();
+    /* Starts the library and fetches the kernels, before anything is drawn. Large scenes want memory of their own. */
+    explicit Comparer(Kind kind = Kind::plain);
 
     /* What differs, if anything, with one instruction set; -1: with each. `all`: not the first difference only, and the scene. */
     std::optional<std::string> check(const Subject &subject, SceneId id, int set = -1, bool all = false);

@@ -6,12 +6,12 @@
 
 namespace support {
 
-uint32_t goldenSum(Checker &checker, const Subject &subject, int set)
+uint32_t goldenSum(Comparer &comparer, const Subject &subject, int set)
 {
     uint32_t sum = 0;
     for (uint32_t number = 0; number < goldenScenes; ++number) {
         const SceneId id{Kind::small, 1, number};
-        const uint32_t one = set < 0 ? checker.referenceSum(subject, id) : checker.librarySum(subject, id, set);
+        const uint32_t one = set < 0 ? comparer.referenceSum(subject, id) : comparer.librarySum(subject, id, set);
         sum = (sum << 5 | sum >> 27) ^ one;
     }
     return sum;

@@ -13,7 +13,7 @@ namespace support {
 constexpr uint32_t goldenScenes = 4;
 
 /* The sum of a subject: by the reference with set -1, else by the library with this instruction set. */
-uint32_t goldenSum(Checker &checker, const Subject &subject, int set);
+uint32_t goldenSum(Comparer &comparer, const Subject &subject, int set);
 
 /* In the order of catalogueSubjects() and then of namedSubjects(). Empty if the file cannot be read. */
 std::vector<uint32_t> readGolden(const std::string &path);

@@ -12,8 +12,15 @@ namespace support {
 
 const char *kindName(Kind kind)
 {
-    static constexpr const char *names[kindCount] = {"plain", "big", "small", "overlap", "guard"};
+    static constexpr const char *names[kindCount] = {"plain", "big", "small", "overlap", "guard", "offset", "large"};
     return names[static_cast<int>(kind)];
+}
+
+int64_t offsetOf(const Scene &scene)
+{
+    /* few scenes of each code still reach all distances between them */
+    const uint64_t first = Random(scene.subject.code).below(offsetCount);
+    return static_cast<int64_t>((first + scene.id.number) % offsetCount) - offsetReach;
 }
 
 Scene makeScene(const Subject &subject, SceneId id, World &world)
@@ -24,7 +31,7 @@ Scene makeScene(const Subject &subject, SceneId id, World &world)
     uint64_t seed = Random(id.seed).bits() ^ static_cast<uint64_t>(id.kind) << 56;
     seed = Random(seed ^ subject.code).bits() + (subject.exported != nullptr ? 1 : 0);
     seed = Random(seed + id.number).bits();
-    Builder(scene, world, seed).build();
+    Builder(scene, world, Random(seed, id.bytes)).build();
     return scene;
 }
 
@@ -121,7 +128,7 @@ std::string describeScene(const Scene &scene, const World &world)
         text += "\n";
     }
     if (const LineTableRecord *table = world.at<LineTableRecord>(scene.lines0))
-        for (int line = 0; line < std::min(64, std::abs(state.vertex[1].y - state.vertex[0].y)); ++line)
+        for (int line = 0; line < std::min<int64_t>(64, std::abs(int64_t{state.vertex[1].y} - state.vertex[0].y)); ++line)
             print("line %d: %08x %08x to %08x %08x\n", line, static_cast<unsigned>(table[line].startU),
                   static_cast<unsigned>(table[line].startV), static_cast<unsigned>(table[line].endU),
                   static_cast<unsigned>(table[line].endV));

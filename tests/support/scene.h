@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "subject.h"
@@ -21,16 +22,21 @@ enum class Kind {
     big, /* frame buffers and spans up to 2048 pixels */
     small, /* none larger than 128 pixels: for sums that are checked in */
     overlap, /* sources share memory with what is written */
-    guard /* buffers end, or begin, at a page without access */
+    guard, /* buffers end, or begin, at a page without access */
+    offset, /* a source so many pixels before or behind the frame buffer's; one scene after another, each distance up to reach */
+    large /* frame buffers and textures up to 4096 by 4096, coordinates up to the ends of their 32 bits */
 };
-constexpr int kindCount = 5;
+constexpr int kindCount = 7;
 const char *kindName(Kind kind);
 
 struct SceneId {
     Kind kind = Kind::plain;
     uint64_t seed = 1;
     uint32_t number = 0;
+    std::span<const uint8_t> bytes{}; /* a fuzzer's: choices are made by them first */
 };
+
+constexpr int offsetReach = 130, offsetCount = 2 * offsetReach + 1;
 
 /* A texture record with its pixels by place and its levels by index. */
 struct TextureSpec {
@@ -68,6 +74,9 @@ struct Scene {
     std::array<Window, slotCount> windows;
     int windowCount = 0, written = 0;
 };
+
+/* Of a scene of Kind::offset: pixels from the frame buffer to the source. */
+int64_t offsetOf(const Scene &scene);
 
 /* Makes a scene and fills the memory of `world` with it. */
 Scene makeScene(const Subject &subject, SceneId id, World &world);

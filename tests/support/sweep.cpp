@@ -24,16 +24,16 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options)
     Workers workers(subjects.size(), processCount());
     workers.stopAtFailure = options.stopAtFailure;
     running = &workers;
-    std::unique_ptr<Checker> checker;
+    std::unique_ptr<Comparer> comparer;
     const auto begin = [&] {
-        checker = std::make_unique<Checker>();
-        checker->beforeDraw = [](int set) { running->doing(currentScene, set); };
+        comparer = std::make_unique<Comparer>(options.kind);
+        comparer->beforeDraw = [](int set) { running->doing(currentScene, set); };
     };
     const auto job = [&](size_t index) {
         for (uint32_t number = 0; number < options.scenes; ++number) {
             currentScene = options.firstScene + number;
             workers.doing(currentScene, -1);
-            const auto wrong = checker->check(subjects[index], {options.kind, options.seed, currentScene});
+            const auto wrong = comparer->check(subjects[index], {options.kind, options.seed, currentScene});
             if (wrong) {
                 workers.report(*wrong);
                 return false;

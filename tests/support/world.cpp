@@ -41,17 +41,18 @@ void open(std::byte *memory, size_t size)
 
 } // namespace
 
-World::World() : textures(textureLimit)
+World::World(bool large) : textures(textureLimit)
 {
+    const auto bytes = large ? largeSlotBytes : slotBytes;
     size = gap;
     for (int slot = 0; slot < slotCount; ++slot)
-        size += slotBytes(slot) + gap;
+        size += bytes(slot) + gap;
     memory = reserve(size);
     std::byte *next = memory + gap;
     for (int slot = 0; slot < slotCount; ++slot) {
         slots[slot] = next;
-        open(next, slotBytes(slot));
-        next += slotBytes(slot) + gap;
+        open(next, bytes(slot));
+        next += bytes(slot) + gap;
     }
 }
 

@@ -5,6 +5,7 @@
 #ifndef SUPPORT_WORLD_H
 #define SUPPORT_WORLD_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -48,6 +49,26 @@ constexpr uint32_t slotBytes(int slot)
     }
 }
 
+/* The same where frame buffers and textures go up to 4096 by 4096; a level has a quarter of the pixels of the one above it. */
+constexpr uint32_t largeSlotBytes(int slot)
+{
+    constexpr uint32_t pixels = 0x1000000, room = 0x10000;
+    switch (slot) {
+    case frameSlot: return 4 * pixels + room;
+    case planeSlot:
+    case zerosSlot: return pixels / 8 + room;
+    case prioritySlot:
+    case runsSlot: return pixels + room;
+    case lines0Slot:
+    case lines1Slot: return 0x80000;
+    case shiftsSlot: return 0x10000;
+    default: {
+        const int level = slot < tex0Slot ? 0 : (slot - tex0Slot) % levelLimit;
+        return (4 * pixels >> std::min(2 * level, 10)) + room;
+    }
+    }
+}
+
 /* A byte position in a slot. It may lie outside of it where only what is reached from it lies inside. */
 struct Place {
     int slot = noSlot;
@@ -58,7 +79,7 @@ class World {
 public:
     static constexpr int textureLimit = 2 * levelLimit + 4;
 
-    World();
+    explicit World(bool large = false);
     ~World();
     World(const World &) = delete;
     World &operator=(const World &) = delete;

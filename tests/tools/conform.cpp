@@ -1,11 +1,13 @@
 /*
  * The library against the reference at depth: plain and big scenes, shared memory, guard pages, named functions.
  *
- *     conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard] [--stop]
+ *     conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard,offset,large] [--stop]
  *
- * N scenes of each code (NINEFOLD_SCENES, or 60), half as many of the other kinds. --stop: at the first failure.
+ * N scenes of each code (NINEFOLD_SCENES, or 60), half as many that are big, overlap or are guarded, which are the kinds without --kinds.
+ * Of kind offset a source at each offset for each code, again for every sixty scenes; of the large ones a sixtieth. --stop: at the first failure.
  */
 #include "support/check.h"
+#include "support/exports.h"
 #include "support/sweep.h"
 
 #include <algorithm>
@@ -33,28 +35,37 @@ int main(int count, char **arguments)
         } else if (is("--kinds") && valued) {
             kinds = arguments[++i];
         } else {
-            std::puts("conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard] [--stop]");
+            std::puts("conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard,offset,large] [--stop]");
             return 2;
         }
     }
+
+    const std::string exports = checkExports(seed, 40 * scenes);
+    std::printf("levels, maps, stipples, run lists, operators, look-up: %u rounds, %s\n%s", 40 * scenes,
+                exports.empty() ? "no difference" : "these differ:", exports.c_str());
+    std::fflush(stdout);
 
     const std::vector<Subject> subjects = sharedCatalogue();
     std::vector<Subject> failed;
     uint64_t drawn = 0;
     double seconds = 0;
-    bool namedFailed = false;
+    bool namedFailed = !exports.empty();
     for (int number = 0; number < kindCount; ++number) {
         const Kind kind = static_cast<Kind>(number);
         if (("," + kinds + ",").find(std::string(",") + kindName(kind) + ",") == std::string::npos)
             continue;
+        const uint32_t sixtieth = (scenes + 59) / 60;
         Sweep options{.kind = kind,
-                      .scenes = kind == Kind::plain ? scenes : (scenes + 1) / 2,
+                      .scenes = kind == Kind::plain    ? scenes
+                                : kind == Kind::offset ? sixtieth * offsetCount
+                                : kind == Kind::large  ? sixtieth
+                                                       : (scenes + 1) / 2,
                       .seed = seed,
                       .progress = true,
                       .stopAtFailure = stop};
         const SweepResult codes = sweep(subjects, options);
         options.progress = false;
-        options.scenes *= 50;
+        options.scenes *= kind == Kind::offset ? 4 : 50;
         const SweepResult named = sweep(namedSubjects(), options);
         for (const SweepResult *result : {&codes, &named}) {
             std::fputs(result->text.c_str(), stdout);
@@ -71,6 +82,6 @@ int main(int count, char **arguments)
     std::printf("%s", tableByAxis(subjects, failed).c_str());
     std::printf("%zu codes, %llu scenes, each with %d instruction sets, in %.0f s: %zu codes failed%s\n", subjects.size(),
                 static_cast<unsigned long long>(drawn), setCount(), seconds, failed.size(),
-                namedFailed ? ", and named functions" : "");
+                namedFailed ? ", and other functions" : "");
     return failed.empty() && !namedFailed ? 0 : 1;
 }

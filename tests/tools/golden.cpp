@@ -13,11 +13,11 @@ int main(int count, char **arguments)
         std::puts("golden --write");
         return 2;
     }
-    Checker checker;
+    Comparer comparer;
     std::vector<uint32_t> sums;
     for (const auto *subjects : {&catalogueSubjects(), &namedSubjects()})
         for (const Subject &subject : *subjects)
-            sums.push_back(goldenSum(checker, subject, -1));
+            sums.push_back(goldenSum(comparer, subject, -1));
     if (!writeGolden(goldenPath(), sums)) {
         std::perror(goldenPath().c_str());
         return 1;

@@ -43,16 +43,16 @@ int main(int count, char **arguments)
     }
     if (!found) {
         std::puts(
-            "replay --code 0xCODE | --named FUNCTION  [--kind plain|big|small|overlap|guard] [--seed N] [--scene N] [--set N]");
+            "replay --code 0xCODE | --named FUNCTION  [--kind plain|big|small|overlap|guard|offset|large] [--seed N] [--scene N] [--set N]");
         return 2;
     }
     std::printf("%s\n", subject.name().c_str());
     std::fflush(stdout);
-    Checker checker;
-    checker.beforeDraw = [](int drawing) {
+    Comparer comparer(id.kind);
+    comparer.beforeDraw = [](int drawing) {
         std::printf("drawing with %s\n", setName(drawing));
         std::fflush(stdout);
     };
-    std::fputs(checker.check(subject, id, set, true)->c_str(), stdout);
+    std::fputs(comparer.check(subject, id, set, true)->c_str(), stdout);
     return 0;
 }
