@@ -198,8 +198,6 @@ private:
         const Front plainFront = set.fronts[ids.frontUngated()];
         const Back plainBack = set.backs[rs.prescale > 256 || rs.blendAlpha > 255][ids.backUnmarked()];
         const int begin = int(s.x & 15), end = begin + n;
-        if (n <= 0)
-            return;
         uint16_t *const firstWord = s.plane, *const lastWord = s.plane + ((end - 1) >> 4);
         const uint16_t firstMask = uint16_t(0xFFFF0000u >> begin), lastMask = end & 15 ? uint16_t(0xFFFF >> (end & 15)) : uint16_t(0);
         const uint16_t firstSaved = *firstWord;
