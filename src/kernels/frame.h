@@ -38,6 +38,9 @@ constexpr bool hasCorners(Multi m) { return m == Multi::corners || m == Multi::c
 constexpr bool hasColour(Multi m) { return m == Multi::colour || m == Multi::colourUnused; }
 constexpr bool isUnused(Multi m) { return m >= Multi::secondUnused; }
 
+// Whether factors are beyond what 16-bit products hold.
+inline bool hasWideFactors() { return rs.prescale > 256 || rs.blendAlpha > 255; }
+
 // Memory that a call writes. Frames widen it rather than work it out to the pixel: what it decides is only how fast a row is drawn.
 struct Target {
     const void *pixels, *pixelsEnd;
@@ -75,7 +78,7 @@ public:
     {
         const SetTable& set = *activeSet;
         front = set.fronts[ids.front()];
-        back = set.backs[rs.prescale > 256 || rs.blendAlpha > 255][ids.back()];
+        back = set.backs[hasWideFactors()][ids.back()];
         const bool wide = rs.blendAlpha > 255 || rs.blendAlphaRgb > 255 || rs.prescaleMulti > 256;
         bool hostMulti = false, hostBlend = false;
         if constexpr (multi != Multi::none) {
@@ -100,7 +103,7 @@ public:
         }
         alike = set.alike[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
         plainBlock = nullptr, plainSpan = nullptr;
-        if (ids.plain() && !ids.custom() && !overlap && rs.blendAlpha <= 255) {
+        if (ids.plain() && !ids.custom() && !overlap && !hasWideFactors()) {
             if (ids.isBlock())
                 plainBlock = set.blocks[ids.plain() - 1];
             else
@@ -110,7 +113,7 @@ public:
         if (ids.fused() && !overlap) {
             const uint32_t index = ids.fused() - 1;
             if constexpr (multi == Multi::none) {
-                if (rs.blendAlpha <= 255 && !ids.isBlock())
+                if (!hasWideFactors() && !ids.isBlock())
                     fused[0] = set.upTo4->spans[index], fused[1] = set.upTo8->spans[index], fused[2] = set.spans[index];
             } else if (!isUnused(multi) && !hostMulti && !wide) {
                 const uint32_t op = index + uint32_t(ops::operatorIndex(rs.multiFunc));
@@ -196,7 +199,7 @@ private:
     {
         const SetTable& set = *activeSet;
         const Front plainFront = set.fronts[ids.frontUngated()];
-        const Back plainBack = set.backs[rs.prescale > 256 || rs.blendAlpha > 255][ids.backUnmarked()];
+        const Back plainBack = set.backs[hasWideFactors()][ids.backUnmarked()];
         const int begin = int(s.x & 15), end = begin + n;
         uint16_t *const firstWord = s.plane, *const lastWord = s.plane + ((end - 1) >> 4);
         const uint16_t firstMask = uint16_t(0xFFFF0000u >> begin), lastMask = end & 15 ? uint16_t(0xFFFF >> (end & 15)) : uint16_t(0);

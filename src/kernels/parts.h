@@ -95,8 +95,8 @@ constexpr int backIndex(bool prescale, int blend, bool soft, Marks m)
 }
 constexpr int backCount = int(Marks::count) * blendCount * 4;
 
-// Fused entries: one function from gate to write, for the combinations that are drawn most: no multi stage, no rule, no prescale, no
-// marks. Of custom blends there is one block, for a host's own operator at unit scale. A block draws the rows of a rectangle whose rows are alike; a fused span draws one row.
+// Fused entries: one function from gate to write, for the combinations that are drawn most: no multi stage, no rule, no marks; prescale
+// in rectangles alone. Of custom blends there is one block, for a host's own operator at unit scale. A block draws the rows of a rectangle whose rows are alike; a fused span draws one row.
 struct Rows {
     int count, columns;
     uint32_t pitch; // of the frame buffer, pixels
@@ -106,22 +106,28 @@ struct Rows {
 using Block = void (*)(const Span&, const Rows&);
 using FusedSpan = void (*)(const Span&, int first, int n);
 
-constexpr Fetch blockFetches[] = {Fetch::unit,         Fetch::pointRow, Fetch::bilinearRow3,
-                                  Fetch::bilinearRow4, Fetch::flat,     Fetch::mipBilinearRow};
-constexpr Fetch spanFetches[] = {Fetch::run,     Fetch::point,   Fetch::bilinear3, Fetch::bilinear4,     Fetch::flat,
-                                 Fetch::gouraud, Fetch::stipple, Fetch::pointPers, Fetch::bilinearPers3, Fetch::bilinearPers4};
+struct FusedFetch {
+    Fetch fetch;
+    bool prescale = false;
+};
+constexpr FusedFetch blockFetches[] = {{Fetch::unit},       {Fetch::pointRow},       {Fetch::bilinearRow3},       {Fetch::bilinearRow4},
+                                       {Fetch::unit, true}, {Fetch::pointRow, true}, {Fetch::bilinearRow3, true}, {Fetch::bilinearRow4, true},
+                                       {Fetch::flat},       {Fetch::mipBilinearRow}};
+constexpr FusedFetch spanFetches[] = {{Fetch::run},     {Fetch::point},   {Fetch::bilinear3}, {Fetch::bilinear4},     {Fetch::flat},
+                                      {Fetch::gouraud}, {Fetch::stipple}, {Fetch::pointPers}, {Fetch::bilinearPers3}, {Fetch::bilinearPers4}};
 constexpr int fusedIndexAt(int fetch, Gate g, int blend) { return (fetch * int(Gate::count) + int(g)) * blendCount + blend + 1; }
 constexpr int blockCount = fusedIndexAt(sizeof blockFetches / sizeof *blockFetches, Gate::none, -1);
 constexpr int spanCount = fusedIndexAt(sizeof spanFetches / sizeof *spanFetches, Gate::none, -1);
 
 // 0: there is none.
 template <size_t n>
-constexpr int fusedIndex(const Fetch (&fetches)[n], Fetch f, Gate g, int blend)
+constexpr int fusedIndex(const FusedFetch (&fetches)[n], Fetch f, bool prescale, Gate g, int blend)
 {
     // Gates of their own only where fetches are cheap.
-    const bool gates = f == Fetch::unit || f == Fetch::pointRow || f == Fetch::point || f == Fetch::run;
+    const bool gates = !prescale && (f == Fetch::unit || f == Fetch::pointRow || f == Fetch::point || f == Fetch::run);
+    const bool custom = !prescale && f == Fetch::unit && g == Gate::none;
     for (size_t k = 0; k < n; ++k)
-        if (fetches[k] == f && (blend != 12 || (f == Fetch::unit && g == Gate::none)) && (g == Gate::none || gates))
+        if (fetches[k].fetch == f && fetches[k].prescale == prescale && (blend != 12 || custom) && (g == Gate::none || gates))
             return fusedIndexAt(int(k), g, blend);
     return 0;
 }

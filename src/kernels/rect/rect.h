@@ -346,7 +346,7 @@ void drawRect(PartIds ids)
     const int32_t columns = box.right - box.left;
     uint32_t maskRow = uint32_t(box.top);
     if constexpr (multi == Multi::none && !rule && !marks && drawsBlocks(f)) {
-        if (ids.fused() && !overlap && (ids.custom() ? ops::operatorIndex(rs.blendFunc) < 0 : rs.blendAlpha <= 255)) {
+        if (ids.fused() && !overlap && (ids.custom() ? ops::operatorIndex(rs.blendFunc) < 0 : !hasWideFactors())) {
             const Rows rows{box.bottom - box.top, columns, pitch, stepOf(walk0), maskRow};
             const SetTable& set = columns > 8 ? *activeSet : *activeSet->upTo8;
             set.blocks[ids.fused() - 1](s, rows);

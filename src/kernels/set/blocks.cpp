@@ -9,11 +9,12 @@ constexpr UsedParts used = usedParts();
 template <int index>
 constexpr Block blockAt()
 {
-    if constexpr (!used.block[index])
+    if constexpr (!used.block[index]) {
         return nullptr;
-    else
-        return block<blockFetches[index / blendCount / int(Gate::count)], Gate(index / blendCount % int(Gate::count)),
-                     index % blendCount>;
+    } else {
+        constexpr FusedFetch f = blockFetches[index / blendCount / int(Gate::count)];
+        return block<f.fetch, f.prescale, Gate(index / blendCount % int(Gate::count)), index % blendCount>;
+    }
 }
 
 template <size_t... index>

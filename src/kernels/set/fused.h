@@ -7,6 +7,7 @@
 #include "kernels/set/gates.h"
 #include "kernels/set/tables.h"
 
+#include <type_traits>
 #include <utility>
 
 namespace ninefold::NINEFOLD_SET {
@@ -38,6 +39,16 @@ NINEFOLD_LANE void drawVector(u32* dst, int left, M free, const Fetcher& fetch, 
     whole ? store(dst, kept) : storeSome(dst, kept, left);
 }
 
+// A fetch with prescale behind it.
+template <class Fetcher, int blend>
+struct Faded : Fetcher {
+    using Fetcher::Fetcher;
+    u32 factor = rs.prescale;
+    __attribute__((always_inline)) V get(int left, V& key) const { return prescaled<blend, false>(Fetcher::get(left, key), factor); }
+};
+template <class Fetcher, bool prescale, int blend>
+using Fading = std::conditional_t<prescale, Faded<Fetcher, blend>, Fetcher>;
+
 // n pixels from dst on; the fetch stands at the first.
 template <int blend, class Fetcher>
 NINEFOLD_LANE void drawPixels(u32* dst, int n, Fetcher& fetch, const BlendFactors& factors)
@@ -50,11 +61,11 @@ NINEFOLD_LANE void drawPixels(u32* dst, int n, Fetcher& fetch, const BlendFactor
 }
 
 // Pixels first to first + n - 1 of a span.
-template <Fetch f, Gate g, int blend>
+template <Fetch f, bool prescale, Gate g, int blend>
 NINEFOLD_LANE void drawSpan(const Span& s, int first, int n, const BlendFactors& factors)
 {
     if constexpr (g == Gate::none) {
-        FetchOf<f> fetch(s, first);
+        Fading<FetchOf<f>, prescale, blend> fetch(s, first);
         drawPixels<blend>(s.dst + first, n, fetch, factors);
     } else {
         for (const int end = first + n; first < end;) {
@@ -339,7 +350,7 @@ struct Texels : Tested {
 };
 
 // Sprites of up to one vector a row that do not go round the edge of the texture. False: it is none, and nothing is drawn.
-template <int blend>
+template <bool prescale, int blend>
 NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
 {
     const Source t = span.tex0;
@@ -352,7 +363,7 @@ NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
     u32* dst = span.dst;
     u32 v = span.v0.start;
     for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV) {
-        const Texels fetch(texels + (size_t(v) << t.shift));
+        const Fading<Texels, prescale, blend> fetch(texels + (size_t(v) << t.shift));
         if (n == lanes)
             drawVector<false, blend, true>(dst, lanes, M{}, fetch, factors);
         else
@@ -362,7 +373,7 @@ NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
 }
 
 // The pieces of a span that a block changes or reads per row, kept where they can stay in registers.
-template <Fetch f, Gate g, int blend>
+template <Fetch f, bool prescale, Gate g, int blend>
 void block(const Span& span, const Rows& rows)
 {
     if constexpr (f == Fetch::flat && g == Gate::none && blend == 0) {
@@ -374,7 +385,7 @@ void block(const Span& span, const Rows& rows)
         return;
     }
     if constexpr (f == Fetch::bilinearRow3 || f == Fetch::bilinearRow4) {
-        stretchBlock<MixedColumns<f == Fetch::bilinearRow4>, blend>(span, rows);
+        stretchBlock<Fading<MixedColumns<f == Fetch::bilinearRow4>, prescale, blend>, blend>(span, rows);
         return;
     }
     if constexpr (f == Fetch::mipBilinearRow) {
@@ -382,7 +393,7 @@ void block(const Span& span, const Rows& rows)
         return;
     }
     if constexpr (f == Fetch::pointRow && g == Gate::none) {
-        stretchBlock<PointColumns, blend>(span, rows);
+        stretchBlock<Fading<PointColumns, prescale, blend>, blend>(span, rows);
         return;
     }
     if constexpr (blend == 12) { // the host's own operator: its call is what costs
@@ -398,7 +409,7 @@ void block(const Span& span, const Rows& rows)
         return;
     }
     if constexpr (f == Fetch::unit && g == Gate::none && lanes <= 8) // 16 lanes gain nothing by it
-        if (narrowBlock<blend>(span, rows))
+        if (narrowBlock<prescale, blend>(span, rows))
             return;
     const BlendFactors factors;
     Span s;
@@ -409,7 +420,7 @@ void block(const Span& span, const Rows& rows)
     for (int row = rows.count; row > 0; --row) {
         if constexpr (g == Gate::mask || g == Gate::zMask)
             s.maskRow = rs.drawMask[maskRow++ & 15];
-        drawSpan<f, g, blend>(s, 0, rows.columns, factors);
+        drawSpan<f, prescale, g, blend>(s, 0, rows.columns, factors);
         s.dst += rows.pitch;
         s.z += rows.pitch;
         s.v0.start = f == Fetch::unit ? (s.v0.start + 1) & s.tex0.maskV : s.v0.start + rows.stepV;
@@ -424,7 +435,7 @@ void fusedSpan(const Span& s, int first, int n)
         return;
     }
     const BlendFactors factors;
-    drawSpan<f, g, blend>(s, first, n, factors);
+    drawSpan<f, false, g, blend>(s, first, n, factors);
 }
 
 } // namespace

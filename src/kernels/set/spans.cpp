@@ -12,7 +12,7 @@ constexpr FusedSpan spanAt()
     if constexpr (!used.span[index])
         return nullptr;
     else
-        return fusedSpan<spanFetches[index / blendCount / int(Gate::count)], Gate(index / blendCount % int(Gate::count)),
+        return fusedSpan<spanFetches[index / blendCount / int(Gate::count)].fetch, Gate(index / blendCount % int(Gate::count)),
                          index % blendCount>;
 }
 
