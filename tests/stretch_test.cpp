@@ -249,4 +249,41 @@ TEST_F(Stretch, WhichVertexIsLeftIsDecidedWithTheOriginAdded)
     }
 }
 
+TEST_F(Stretch, StepsThatGoRoundTheTextureAndThe32BitsWithinAVector)
+{
+    // A width of -3 after wrapping, and a step of -613566757: seven pixels on, the position has nearly gone round 2^32.
+    Texture *wide = texture(1024, 1, idAt);
+    rs.tex0 = wide;
+    const uint32_t step = uint32_t(-613566757), start = 0xA8000;
+    rs.vertex[0] = {INT32_MIN, 0, 0};
+    rs.vertex[1] = {INT32_MAX - 2, 1, 0};
+    rs.uv0[0] = {int32_t(start), 0}, rs.uv0[1] = {int32_t(start - 3 * step), 0};
+    for (int set = 0; set < ninefold::setCount && ninefold::useSet(set); ++set) {
+        wipe();
+        draw({.rectOpt = 1});
+        for (uint32_t x = 0; x < 64; ++x) {
+            const uint32_t position = start + step * (0x80000000u + x);
+            ASSERT_EQ(at(int(x), 0), idAt(uint32_t(int32_t(position) >> 16) & 1023, 0)) << ninefold::setNames[set] << " " << x;
+        }
+    }
+}
+
+TEST_F(Stretch, MixesGoOverTheEndOfThe32BitsInTheWidestTexture)
+{
+    Texture *widest = texture(65536, 1, [](uint32_t u, uint32_t) { return 0xFF000001u | u * 40503; });
+    rs.tex0 = widest;
+    corners(0, 0, 64, 1);
+    for (uint32_t u = 0x7FF00000; u < 0x80100000; u += 0x8000) {
+        rs.uv0[0] = {int32_t(u), 0};
+        Pixels baseline;
+        for (int set = 0; set < ninefold::setCount && ninefold::useSet(set); ++set) {
+            wipe();
+            draw({.filter = 1});
+            if (set == 0)
+                baseline = row(0, 0, 64);
+            ASSERT_EQ(row(0, 0, 64), baseline) << ninefold::setNames[set] << std::hex << " " << u;
+        }
+    }
+}
+
 }

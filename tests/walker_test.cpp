@@ -442,4 +442,20 @@ TEST_F(Walker, OnlyTheLowByteOfZRefCounts)
     }
 }
 
+TEST_F(Walker, AnEmptyClipRectangleReadsAndWritesNoPlaneAlsoWhereTheSourceIsTheFrameBuffer)
+{
+    // The word before the plane's first is not the plane's.
+    rs.tex0 = frame;
+    rs.uv0[1] = {texels(16), texels(4)};
+    corners(-5, 0, 30, 4);
+    for (int left : {0, 5, 16}) {
+        clip(left, 0, left, 8);
+        for (const Modes &m : {Modes{.shahei = 1}, {.shahei = 2}, {.filter = 1, .rectOpt = 1, .shahei = 1}}) {
+            wipe();
+            draw(m);
+            EXPECT_TRUE(untouched()) << m << " from " << left;
+        }
+    }
+}
+
 }

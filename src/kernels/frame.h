@@ -171,7 +171,7 @@ private:
             plainSpan(s, first, n);
             return;
         }
-        Span part;
+        Span part{};
         part.dst = s.dst + first;
         part.tex0 = s.tex0, part.next0 = s.next0;
         part.u0 = {s.u0.start + s.u0.step * uint32_t(first), s.u0.step}, part.v0 = s.v0;
@@ -200,6 +200,8 @@ private:
         const SetTable& set = *activeSet;
         const Front plainFront = set.fronts[ids.frontUngated()];
         const Back plainBack = set.backs[hasWideFactors()][ids.backUnmarked()];
+        if (n <= 0) // an empty clip rectangle
+            return;
         const int begin = int(s.x & 15), end = begin + n;
         uint16_t *const firstWord = s.plane, *const lastWord = s.plane + ((end - 1) >> 4);
         const uint16_t firstMask = uint16_t(0xFFFF0000u >> begin), lastMask = end & 15 ? uint16_t(0xFFFF >> (end & 15)) : uint16_t(0);

@@ -95,8 +95,9 @@ constexpr int backIndex(bool prescale, int blend, bool soft, Marks m)
 }
 constexpr int backCount = int(Marks::count) * blendCount * 4;
 
-// Fused entries: one function from gate to write, for the combinations that are drawn most: no multi stage, no rule, no marks; prescale
-// in rectangles alone. Of custom blends there is one block, for a host's own operator at unit scale. A block draws the rows of a rectangle whose rows are alike; a fused span draws one row.
+// Fused entries: gate to write in one function, without rule and marks. A block draws the rows of a rectangle whose rows are alike, a span
+// one row. Kernels with a rule use them for the pixels that it lets through whole. Prescale has blocks only, and of custom blends there
+// is one, for a host's own operator at unit scale.
 struct Rows {
     int count, columns;
     uint32_t pitch; // of the frame buffer, pixels
@@ -110,11 +111,12 @@ struct FusedFetch {
     Fetch fetch;
     bool prescale = false;
 };
-constexpr FusedFetch blockFetches[] = {{Fetch::unit},       {Fetch::pointRow},       {Fetch::bilinearRow3},       {Fetch::bilinearRow4},
-                                       {Fetch::unit, true}, {Fetch::pointRow, true}, {Fetch::bilinearRow3, true}, {Fetch::bilinearRow4, true},
-                                       {Fetch::flat},       {Fetch::mipBilinearRow}};
-constexpr FusedFetch spanFetches[] = {{Fetch::run},     {Fetch::point},   {Fetch::bilinear3}, {Fetch::bilinear4},     {Fetch::flat},
-                                      {Fetch::gouraud}, {Fetch::stipple}, {Fetch::pointPers}, {Fetch::bilinearPers3}, {Fetch::bilinearPers4}};
+constexpr FusedFetch blockFetches[] = {
+    {Fetch::unit},       {Fetch::pointRow},       {Fetch::bilinearRow3},       {Fetch::bilinearRow4},       {Fetch::flat},
+    {Fetch::unit, true}, {Fetch::pointRow, true}, {Fetch::bilinearRow3, true}, {Fetch::bilinearRow4, true}, {Fetch::mipBilinearRow}};
+constexpr FusedFetch spanFetches[] = {
+    {Fetch::run},     {Fetch::point},   {Fetch::bilinear3}, {Fetch::bilinear4},     {Fetch::flat},
+    {Fetch::gouraud}, {Fetch::stipple}, {Fetch::pointPers}, {Fetch::bilinearPers3}, {Fetch::bilinearPers4}};
 constexpr int fusedIndexAt(int fetch, Gate g, int blend) { return (fetch * int(Gate::count) + int(g)) * blendCount + blend + 1; }
 constexpr int blockCount = fusedIndexAt(sizeof blockFetches / sizeof *blockFetches, Gate::none, -1);
 constexpr int spanCount = fusedIndexAt(sizeof spanFetches / sizeof *spanFetches, Gate::none, -1);

@@ -83,7 +83,8 @@ constexpr int fusedIndex(const Plan& p)
     if (p.marksPlane() || (p.rule != Rule::none && p.gate != Gate::none))
         return 0;
     if (p.multi != Multi::none)
-        return p.rule == Rule::none && !p.prescale && p.multi < Multi::none && p.fetch == Fetch::unit && p.gate == Gate::none && p.blend < multiBlends
+        return p.rule == Rule::none && !p.prescale && p.multi < Multi::none && p.fetch == Fetch::unit && p.gate == Gate::none &&
+                       p.blend < multiBlends
                    ? multiSpanIndex(int(p.multi), p.blend) + 1
                    : 0;
     return drawsBlocks(p.frame) ? fusedIndex(blockFetches, p.fetch, p.prescale, p.gate, p.blend)

@@ -66,7 +66,7 @@ using Front = bool (*)(const Span&, int first, int n, Chunk&); // gates and fetc
 using Mid = void (*)(const Span&, int first, int n, Chunk&);   // makes the second operand
 using Back = void (*)(const Span&, int first, int n, Chunk&);  // prescale, blend, soft edge, write
 // How many pixels from the first on, at most n, rule or gate surely treat alike: they are all refused or, with `through`, all let through
-// and none of them lies on the soft edge of the rule.
+// and none of them lies on the soft edge of the rule. Gates only refuse.
 using Alike = int (*)(const Span&, int first, int n, bool& through);
 // out = picked ? op(first, second) : first, where pixel k has second[k & secondMask]: -1, or 0 for one word repeated (sixteen of them are
 // read). The function is called by the form that serves a host's own operator, left to right.

@@ -108,7 +108,7 @@ NINEFOLD_LANE V texel(const Source& t, V column, V row) { return gather(t.pixels
 // 16.16 to whole for one value, toward zero.
 NINEFOLD_LANE u32 truncated(u32 v) { return u32(i32(v) / 65536); }
 
-// Texels that lie in memory in the order of the pixels: those of n pixels, where the vectors that hold them may be read whole; or null.
+// Whether a fetch has direct(n): where n texels lie in memory in the order of the pixels and may be read in whole vectors, or null.
 template <class Fetcher>
 constexpr bool hasDirect = requires(const Fetcher& fetch, int n) { fetch.direct(n); };
 
@@ -595,7 +595,8 @@ struct RuleRow {
     }
     __attribute__((always_inline)) V get(int left) const
     {
-        // Only what is not negative floors as it truncates. A step too wide for the vector's last position to tell has no window.
+        // Only what is not negative floors as it truncates. Without a window the step is so wide that the position may wrap within the
+        // vector unseen.
         const i32 last = i32(window.position + window.step * u32(lanes - 1));
         if (window.most && (i32(window.position) | last) >= 0)
             return window.get(u.value, left) & 0xFFu;

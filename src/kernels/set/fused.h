@@ -138,19 +138,23 @@ struct Columns {
     alignas(64) u32 side[mixed ? size : 1]; // the neighbour
     WindowFit fits[size / lanes];
 
-    // The vector that starts with column k: wrapped by mask, before it from `lowest` to `lowest + extent` at most.
-    __attribute__((always_inline)) void put(int k, V column, V neighbour, u32 mask, [[maybe_unused]] i32 lowest, [[maybe_unused]] u32 extent)
+    // The vector that starts with column k: wrapped by mask, before it from `lowest` to `lowest + extent` at most. narrow: lowest and
+    // extent are known to be true.
+    __attribute__((always_inline)) void put(int k, V column, V neighbour, u32 mask, [[maybe_unused]] i32 lowest,
+                                            [[maybe_unused]] u32 extent, [[maybe_unused]] bool narrow)
     {
         WindowFit& fit = fits[k / lanes];
         V move{};
         fit = {0, 0};
 #if defined(__AVX2__)
-        fit = WindowFit::of(lowest, extent, mask, 2);
+        if (narrow)
+            fit = WindowFit::of(lowest, extent, mask, 2);
         move = splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
 #endif
-        store(centre + k, fit.vectors ? column - move : column & mask);
+        const u32 inWindow = 2 * lanes - 1; // a position that wraps at 32 bits is right modulo the texture
+        store(centre + k, fit.vectors ? (column - move) & inWindow : column & mask);
         if constexpr (mixed)
-            store(side + k, fit.vectors ? neighbour - move : neighbour & mask);
+            store(side + k, fit.vectors ? (neighbour - move) & inWindow : neighbour & mask);
     }
 
     // Texels of one row at the vector that starts with column k; atSide only where mixed.
@@ -180,6 +184,9 @@ struct Columns {
     }
 };
 
+// With steps of this size the ends of a vector tell how far its positions reach: they do not go round 2^32.
+NINEFOLD_LANE bool cannotLap(u32 step) { return step + 0x8000000 < 0x10000000; }
+
 // Each fetch of a stretch has a Table of what is worked out once.
 
 // One texel of a row.
@@ -196,7 +203,7 @@ struct PointColumns {
                 const u32 last = u32(n - k < lanes ? n - k : lanes) - 1;
                 const i32 a = i32(position) >> 16, b = i32(position + step * last) >> 16;
                 const bool falling = i32(step) < 0;
-                columns.put(k, whole(u.value), V{}, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a));
+                columns.put(k, whole(u.value), V{}, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a), cannotLap(step));
             }
         }
     };
@@ -236,7 +243,8 @@ struct MixedColumns {
                 const u32 last = u32(n - k < lanes ? n - k : lanes) - 1;
                 const i32 a = i32(position - 0x8000) >> 16, b = i32(position + step * last - 0x8000) >> 16;
                 const bool falling = i32(step) < 0;
-                columns.put(k, whole(u.value), neighbour, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a) + 1);
+                columns.put(k, whole(u.value), neighbour, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a) + 1,
+                            cannotLap(step));
             }
         }
     };
@@ -290,10 +298,12 @@ struct MipColumns {
                 store(reinterpret_cast<u32*>(at), column);
                 store(reinterpret_cast<u32*>(at) + lanes, neighbour);
                 i32 lowest = at[0], highest = at[0];
-                for (int j = 0; j < n - k && j < lanes; ++j)
-                    for (const i32 x : {at[j], at[j + lanes]})
-                        lowest = x < lowest ? x : lowest, highest = x > highest ? x : highest;
-                next.put(k, column, neighbour, s.next0.maskU, lowest, u32(highest) - u32(lowest));
+                for (int j = 0; j < n - k && j < lanes; ++j) {
+                    const i32 a = at[j], b = at[j + lanes];
+                    const i32 less = a < b ? a : b, more = a < b ? b : a;
+                    lowest = less < lowest ? less : lowest, highest = more > highest ? more : highest;
+                }
+                next.put(k, column, neighbour, s.next0.maskU, lowest, u32(highest) - u32(lowest), true);
             }
         }
     };
@@ -372,7 +382,6 @@ NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
     return true;
 }
 
-// The pieces of a span that a block changes or reads per row, kept where they can stay in registers.
 template <Fetch f, bool prescale, Gate g, int blend>
 void block(const Span& span, const Rows& rows)
 {
@@ -412,7 +421,7 @@ void block(const Span& span, const Rows& rows)
         if (narrowBlock<prescale, blend>(span, rows))
             return;
     const BlendFactors factors;
-    Span s;
+    Span s; // what changes or is read per row, kept where it can stay in registers
     s.dst = span.dst, s.x = span.x, s.z = span.z;
     s.tex0.pixels = span.tex0.pixels, s.tex0.maskU = span.tex0.maskU, s.tex0.maskV = span.tex0.maskV, s.tex0.shift = span.tex0.shift;
     s.u0.start = span.u0.start, s.u0.step = span.u0.step, s.v0.start = span.v0.start, s.v0.step = 0;

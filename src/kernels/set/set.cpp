@@ -25,16 +25,16 @@ struct Verdict {
     }
 };
 
-// The pixels of whole vectors.
+// Counts by whole vectors; 0 where the first one is mixed.
 template <Rule r>
 int alikeByRule(const Span& s, int first, int n, bool& through)
 {
     std::conditional_t<r == Rule::row, RuleRow, RuleFree> rule(s, first);
     const Verdict verdict;
-    const int begin = verdict(rule.get(n), firstLanes(n));
-    if (begin == 3)
+    const int wanted = verdict(rule.get(n), firstLanes(n));
+    if (wanted == 3)
         return 0;
-    through = begin == 1;
+    through = wanted == 1;
     int k = lanes;
     rule.advance();
     if (const u32* values = rule.direct(n - k)) {
@@ -43,17 +43,20 @@ int alikeByRule(const Span& s, int first, int n, bool& through)
         for (values -= k; n - k >= 4 * lanes; k += 4 * lanes) {
             const V a = load(values + k), b = load(values + k + lanes);
             const V c = load(values + k + 2 * lanes), d = load(values + k + 3 * lanes);
-            const V worst = through ? lesserBytes(lesserBytes(a, b), lesserBytes(c, d)) : greaterBytes(greaterBytes(a, b), greaterBytes(c, d));
-            if (verdict(worst & byte, firstLanes(lanes)) != begin)
+            const auto worse = [through](V x, V y) __attribute__((always_inline)) {
+                return through ? lesserBytes(x, y) : greaterBytes(x, y);
+            };
+            const V worst = worse(worse(a, b), worse(c, d));
+            if (verdict(worst & byte, firstLanes(lanes)) != wanted)
                 return k;
         }
         for (; k < n; k += lanes)
-            if (verdict(load(values + k) & byte, firstLanes(n - k)) != begin)
+            if (verdict(load(values + k) & byte, firstLanes(n - k)) != wanted)
                 return k;
         return n;
     }
     for (; k < n; k += lanes, rule.advance())
-        if (verdict(rule.get(n - k), firstLanes(n - k)) != begin)
+        if (verdict(rule.get(n - k), firstLanes(n - k)) != wanted)
             return k;
     return n;
 }
