@@ -23,7 +23,7 @@ void putWord(Bytes &bytes, size_t at, uint32_t value)
 
 constexpr uint32_t headerSize = 54;
 
-/* A header as painting programs write it. */
+// A header as painting programs write it.
 Bytes header(uint32_t width, uint32_t height, uint32_t dataOffset = headerSize)
 {
     Bytes bytes(headerSize);
@@ -43,13 +43,13 @@ size_t pitchOf(uint32_t width)
     return (width * 3 + 3) / 4 * 4;
 }
 
-/* The colour of column x in row y of the picture, rows from the top. */
+// The colour of column x in row y of the picture, rows from the top.
 uint32_t colorAt(uint32_t x, uint32_t y)
 {
     return 0xFF000000 | (x + 1) << 16 | (y + 1) << 8 | (x * 16 + y + 0x80);
 }
 
-/* A file whose pixels are colorAt and whose padding is 0xEE. */
+// A file whose pixels are colorAt and whose padding is 0xEE.
 Bytes bitmap(uint32_t width, uint32_t height, uint32_t dataOffset = headerSize)
 {
     Bytes bytes = header(width, height, dataOffset);
@@ -107,7 +107,7 @@ protected:
     const fs::path path;
 };
 
-/* The whole texture that a picture of colorAt at (left, top) must give. */
+// The whole texture that a picture of colorAt at (left, top) must give.
 Pixels expectedPixels(uint32_t texWidth, uint32_t texHeight, uint32_t left, uint32_t top, uint32_t width, uint32_t height)
 {
     Pixels pixels(size_t{texWidth} * texHeight);
@@ -410,7 +410,7 @@ TEST_F(BitmapFile, SpareAreaIsTransparent)
     }
 }
 
-/* The number of the next file to be opened: the lowest that is free. */
+// The number of the next file to be opened: the lowest that is free.
 int nextHandle(const fs::path &path)
 {
     FILE *file = std::fopen(path.string().c_str(), "rb");

@@ -1,4 +1,4 @@
-/* Every kernel against the reference, with every instruction set of this machine. */
+// Every kernel against the reference, with every instruction set of this machine.
 #include "support/check.h"
 #include "support/sweep.h"
 

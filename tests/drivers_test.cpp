@@ -497,10 +497,8 @@ TEST_F(TriangleDriver, VerticesMayComeInAnyOrder)
     }
 }
 
-/*
- * What a triangle shows on level 1 of both textures. Three texels a pixel in tex0: 1.5 on level 1, weight 127. In tex1 2.5: 1.25 on
- * level 1, weight 191.
- */
+// What a triangle shows on level 1 of both textures. Three texels a pixel in tex0: 1.5 on level 1, weight 127. In tex1 2.5: 1.25 on
+// level 1, weight 191.
 class TriangleForms : public Driver {
 protected:
     static constexpr int32_t startU = 0x53468, startV = 0x6B356, startU1 = 0x2DBCC, startV1 = 0x1A210;

@@ -1,4 +1,4 @@
-/* What prepares drawing, against the reference. */
+// What prepares drawing, against the reference.
 #include "support/exports.h"
 #include "support/sweep.h"
 

@@ -1,7 +1,5 @@
-/*
- * What holds before the start-up functions and the first calls: looked at in a copy of the built library, which brings its own,
- * untouched static storage.
- */
+// What holds before the start-up functions and the first calls: looked at in a copy of the built library, which brings its own,
+// untouched static storage.
 #include <ninefold/ninefold.h>
 
 #include <gtest/gtest.h>
@@ -67,7 +65,7 @@ protected:
 #endif
     }
 
-    /* The copy's own function of this name. */
+    // The copy's own function of this name.
     template <class Function>
     Function *own(Function &, const char *name) const
     {
@@ -198,11 +196,9 @@ TEST_F(FreshLibrary, NamedKernelsStandInTheTable)
     EXPECT_EQ(search(0x81C036A), OWN(DrawPolygon_PERS_TEST));
 }
 
-/*
- * u = 5.5 texels at depth 100,000, on all vertices. Without shifts u / z is 0x58000 / 100000 = 3 and 1 / z is 0x7FFFFFFF / 100000 =
- * 21474: the quotient 3 * 2^32 / 21474 = 600023, halved, is 4.57 texels. Shifted left by 7 it is 461 * 2^32 / 21474, shifted back
- * by 8: 5.49.
- */
+// u = 5.5 texels at depth 100,000, on all vertices. Without shifts u / z is 0x58000 / 100000 = 3 and 1 / z is 0x7FFFFFFF / 100000 =
+// 21474: the quotient 3 * 2^32 / 21474 = 600023, halved, is 4.57 texels. Shifted left by 7 it is 461 * 2^32 / 21474, shifted back
+// by 8: 5.49.
 TEST_F(FreshLibrary, PerspectiveWithoutShiftTableIsCoarserButSound)
 {
     OWN(MakeDrawFuncTable)();

@@ -1,4 +1,4 @@
-/* A machine without a font. A program of its own, because fontconfig reads its configuration once. */
+// A machine without a font. A program of its own, because fontconfig reads its configuration once.
 #include <ninefold/ninefold.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-/* A library built without a glyph source. This program brings that source itself, so the linker leaves the platform's one out. */
+// A library built without a glyph source. This program brings that source itself, so the linker leaves the platform's one out.
 #undef NINEFOLD_GLYPHS
 #define NINEFOLD_GLYPHS 0
 #include "glyph/none.cpp"

@@ -1,4 +1,4 @@
-/* Packing, expansion and rim over a scripted glyph source, by hand and against the reference. */
+// Packing, expansion and rim over a scripted glyph source, by hand and against the reference.
 #include "glyph/atlas.h"
 #include "reference/glyph.h"
 #include "support/canvas.h"
@@ -20,7 +20,7 @@ using namespace ninefold::glyph;
 
 namespace {
 
-/* Answers what it is told to and keeps a log of what it is asked. */
+// Answers what it is told to and keeps a log of what it is asked.
 class ScriptedSource final : public Source {
 public:
     reference::ServedGlyph glyph;
@@ -103,7 +103,7 @@ protected:
         return true;
     }
 
-    /* A box of `value`s in the rows of the quality's format. */
+    // A box of `value`s in the rows of the quality's format.
     void serve(uint32_t width, uint32_t height, uint8_t value = 0xFF)
     {
         const uint32_t pitch = rs.fontQuality == 0 ? (width + 31) / 32 * 4 : (width + 3) / 4 * 4;
@@ -124,7 +124,7 @@ protected:
     std::vector<uint32_t> words_;
 };
 
-/* Both functions pack alike. */
+// Both functions pack alike.
 class GlyphOfStyle : public Glyph, public testing::WithParamInterface<Style> {};
 INSTANTIATE_TEST_SUITE_P(Both, GlyphOfStyle, testing::Values(Style::Plain, Style::Rimmed),
                          [](const auto &style) { return style.param == Style::Plain ? "plain" : "rimmed"; });
@@ -181,11 +181,11 @@ TEST_P(GlyphOfStyle, CodesAndSteps)
         uint32_t code;
         int length;
     } cases[] = {
-        {"B", 0x42, 1},          {"", 0, 1}, /* a NUL is a character */
-        {"\x7F", 0x7F, 1},       {"\x80", 0xFFFFFF80, 1}, /* single bytes are signed */
+        {"B", 0x42, 1},          {"", 0, 1}, // a NUL is a character
+        {"\x7F", 0x7F, 1},       {"\x80", 0xFFFFFF80, 1}, // single bytes are signed
         {"\xB1", 0xFFFFFFB1, 1}, {"\xFF", 0xFFFFFFFF, 1},
-        {"\x88\xEA", 0x88EA, 2}, /* both bytes of a pair are unsigned */
-        {"\x41\x80", 0x4180, 2}, /* the source says what a lead byte is */
+        {"\x88\xEA", 0x88EA, 2}, // both bytes of a pair are unsigned
+        {"\x41\x80", 0x4180, 2}, // the source says what a lead byte is
         {"\x88", 0x8800, 2},
     };
     for (const auto &expected : cases) {
@@ -274,7 +274,7 @@ TEST_P(GlyphOfStyle, OnePixelMoreWraps)
     serve(5, 3);
     ASSERT_TRUE(draw(GetParam()));
     EXPECT_EQ(rs.glyphX, 0);
-    EXPECT_EQ(rs.glyphY, 3); /* below its own height, as if it had stood on the old row */
+    EXPECT_EQ(rs.glyphY, 3); // below its own height, as if it had stood on the old row
     EXPECT_EQ(rs.fontCursorX, 5u);
     EXPECT_EQ(rs.fontCursorY, 3u);
     EXPECT_EQ(rs.fontLineBottom, 3u);
@@ -286,14 +286,14 @@ TEST_P(GlyphOfStyle, FirstGlyphOfARowDoesNotRaiseItsBottom)
     rs.fontCursorY = 0;
     rs.fontLineBottom = 10;
     serve(8, 9);
-    ASSERT_TRUE(draw(GetParam())); /* at (0, 10) to (8, 19) */
+    ASSERT_TRUE(draw(GetParam())); // at (0, 10) to (8, 19)
     EXPECT_EQ(rs.fontCursorY, 10u);
     EXPECT_EQ(rs.fontLineBottom, 10u);
     serve(2, 4);
     ASSERT_TRUE(draw(GetParam()));
     EXPECT_EQ(rs.fontLineBottom, 14u);
     rs.fontCursorX = 63;
-    ASSERT_TRUE(draw(GetParam())); /* the next row begins inside the tall glyph */
+    ASSERT_TRUE(draw(GetParam())); // the next row begins inside the tall glyph
     EXPECT_EQ(rs.glyphY, 14);
 }
 
@@ -329,10 +329,10 @@ TEST_P(GlyphOfStyle, FullAtlasKeepsPixelsAndPlace)
     EXPECT_EQ(rs.glyphOriginY, 2);
     EXPECT_EQ(rs.glyphAdvance, 6);
     EXPECT_EQ(rs.fontLineBottom, 28u);
-    EXPECT_EQ(rs.fontCursorX, 0u); /* it had moved to a new row before */
+    EXPECT_EQ(rs.fontCursorX, 0u); // it had moved to a new row before
     EXPECT_EQ(rs.fontCursorY, 28u);
     serve(3, 4);
-    EXPECT_TRUE(draw(GetParam())); /* a shorter glyph still fits */
+    EXPECT_TRUE(draw(GetParam())); // a shorter glyph still fits
     EXPECT_EQ(rs.glyphY, 28);
 }
 
@@ -344,13 +344,13 @@ TEST_P(GlyphOfStyle, FullAtlasWithoutWrapLeavesTheCursor)
     ASSERT_FALSE(draw(GetParam()));
     EXPECT_EQ(rs.fontCursorX, 5u);
     EXPECT_EQ(rs.fontCursorY, 30u);
-    EXPECT_EQ(rs.fontLineBottom, 33u); /* raised all the same: the next wrap starts there */
+    EXPECT_EQ(rs.fontLineBottom, 33u); // raised all the same: the next wrap starts there
 }
 
 TEST_P(GlyphOfStyle, CursorsCompareUnsigned)
 {
     serve(3, 2);
-    rs.fontCursorX = 0x80000000; /* far right, not left */
+    rs.fontCursorX = 0x80000000; // far right, not left
     rs.fontLineBottom = 6;
     ASSERT_TRUE(draw(GetParam()));
     EXPECT_EQ(rs.glyphX, 0);
@@ -364,7 +364,7 @@ TEST_P(GlyphOfStyle, CursorsCompareUnsigned)
 TEST_P(GlyphOfStyle, CursorSumsWrap)
 {
     serve(3, 2);
-    rs.fontCursorX = 0xFFFFFFFF; /* one left of the atlas */
+    rs.fontCursorX = 0xFFFFFFFF; // one left of the atlas
     rs.fontCursorY = 1;
     ASSERT_TRUE(draw(GetParam()));
     EXPECT_EQ(rs.glyphX, -1);
@@ -378,7 +378,7 @@ TEST_P(GlyphOfStyle, WiderThanTheAtlasStaysInsideIt)
 {
     makeAtlas(16, 8);
     serve(40, 4);
-    ASSERT_TRUE(draw(GetParam())); /* on a new row, below its own height; its last row runs past the end */
+    ASSERT_TRUE(draw(GetParam())); // on a new row, below its own height; its last row runs past the end
     EXPECT_EQ(rs.glyphY, 4);
     EXPECT_EQ(rs.fontCursorX, 40u);
     EXPECT_TRUE(marginsIntact());
@@ -473,8 +473,8 @@ TEST_F(Glyph, GreyLevels)
         {3, 1, 0x03FFFFFF, 0x03000000},
         {3, 32, 0x7FFFFFFF, 0x7F000000},
         {3, 64, 0xFFFFFFFF, 0xFF000000},
-        {1, 5, 0x3EFFFFFF, 0x3E000000}, /* beyond the levels: not clamped, the low byte of 318 counts */
-        {4, 1, 0xFFFFFFFF, 0xFF000000}, /* mono bits read as grey of one level */
+        {1, 5, 0x3EFFFFFF, 0x3E000000}, // beyond the levels: not clamped, the low byte of 318 counts
+        {4, 1, 0xFFFFFFFF, 0xFF000000}, // mono bits read as grey of one level
         {4, 2, 0xFEFFFFFF, 0xFE000000},
         {-1, 0x80, 0x80FFFFFF, 0x80000000},
     };
@@ -484,7 +484,7 @@ TEST_F(Glyph, GreyLevels)
             rs.fontCursorX = rs.fontCursorY = 0;
             source_.glyph = {1, 1, 0, 0, 1, {expected.level, 0, 0, 0}};
             ASSERT_TRUE(draw(style));
-            /* A lone pixel is too dark for a colour. */
+            // A lone pixel is too dark for a colour.
             EXPECT_EQ(pixel(0, 0), style == Style::Plain ? expected.plain : expected.rimmed)
                 << "quality " << expected.quality << ", level " << int{expected.level};
         }
@@ -493,7 +493,7 @@ TEST_F(Glyph, GreyLevels)
 
 TEST_F(Glyph, MonoRows)
 {
-    /* 12 pixels: a word a row, leftmost bit on top. */
+    // 12 pixels: a word a row, leftmost bit on top.
     source_.glyph = {12, 2, 0, 0, 12, {0x80, 0x10, 0xFF, 0xFF, 0x41, 0x20, 0, 0}};
     ASSERT_TRUE(draw());
     for (uint32_t x = 0; x < 12; ++x) {
@@ -514,7 +514,7 @@ TEST_F(Glyph, NarrowMonoGlyphsRepeatTheirFirstRow)
 
 TEST_F(Glyph, SomeMonoWidthsShear)
 {
-    /* 33 pixels take two words a row, but rows are read one word apart: the second row comes out of the padding of the first. */
+    // 33 pixels take two words a row, but rows are read one word apart: the second row comes out of the padding of the first.
     source_.glyph = {33, 2, 0, 0, 33, {0xFF, 0, 0, 0, 0x80, 0, 0, 0, 0x0F, 0, 0, 0, 0, 0, 0, 0}};
     ASSERT_TRUE(draw());
     EXPECT_EQ(pixel(32, 0), 0xFFFFFFFF);
@@ -526,7 +526,7 @@ TEST_F(Glyph, SomeMonoWidthsShear)
 TEST_P(GlyphOfStyle, QualityAboveThreeReadsPastItsBitmap)
 {
     rs.fontQuality = 7;
-    /* 9 bits in a word; read as 9 bytes, rows 12 bytes apart. */
+    // 9 bits in a word; read as 9 bytes, rows 12 bytes apart.
     source_.glyph = {9, 2, 0, 0, 9, {1, 0, 0, 1, 1, 0, 0, 1}};
     ASSERT_TRUE(draw(GetParam()));
     for (uint32_t x = 0; x < 9; ++x) {
@@ -593,7 +593,7 @@ TEST_F(Glyph, PartlyCoveredPixelsKeepTheirAlphaAndDarken)
 {
     rs.fontQuality = 3;
     serve(3, 3, 64);
-    source_.glyph.bytes[5] = 32; /* the centre */
+    source_.glyph.bytes[5] = 32; // the centre
     ASSERT_TRUE(draw(Style::Rimmed));
     EXPECT_EQ(pixel(1, 1) >> 24, 127u);
     EXPECT_GT(pixel(1, 1) & 0xFF, 0u);
@@ -602,7 +602,7 @@ TEST_F(Glyph, PartlyCoveredPixelsKeepTheirAlphaAndDarken)
 
 TEST_F(Glyph, RimWorksInPlace)
 {
-    /* Pixels done before have lost colour, a fraction of their weight, which decides a few sums. */
+    // Pixels done before have lost colour, a fraction of their weight, which decides a few sums.
     rs.fontQuality = 3;
     std::mt19937 random(1);
     bool differs = false;
@@ -612,7 +612,7 @@ TEST_F(Glyph, RimWorksInPlace)
         for (auto &byte : source_.glyph.bytes)
             byte = random() % 3 ? 64 : static_cast<uint8_t>(random() % 65);
         ASSERT_TRUE(draw(Style::Rimmed));
-        /* The same sums, all taken over the first pass. */
+        // The same sums, all taken over the first pass.
         const auto firstPass = [&](int x, int y) -> uint32_t {
             if (x < 0 || y < 0 || x > 5 || y > 5)
                 return 0;
@@ -665,7 +665,7 @@ TEST_F(Glyph, AgreesWithTheReference)
             auto &served = source_.glyph;
             serve(below(4) ? below(20) : below(100), below(20));
             if (below(5) == 0)
-                served.width = atlas_.width - state.cursorX + below(2); /* on and over the edges */
+                served.width = atlas_.width - state.cursorX + below(2); // on and over the edges
             if (below(5) == 0)
                 served.height = atlas_.height - state.cursorY + below(2);
             if (served.width > 300 || served.height > 300)
@@ -678,7 +678,7 @@ TEST_F(Glyph, AgreesWithTheReference)
                 serve(served.width, served.height);
             const uint32_t levels = rs.fontQuality == 1 ? 5 : rs.fontQuality == 2 ? 17 : rs.fontQuality == 3 ? 65 : 256;
             const uint32_t solid = levels == 256 ? 0xFF : levels - 1;
-            const uint32_t style = below(4); /* noise, mostly solid, over the levels, sparse */
+            const uint32_t style = below(4); // noise, mostly solid, over the levels, sparse
             for (auto &byte : served.bytes) {
                 byte = static_cast<uint8_t>(style == 0   ? below(levels)
                                             : style == 1 ? (below(8) ? solid : below(levels))

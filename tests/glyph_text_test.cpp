@@ -1,5 +1,5 @@
-/* Real text through the platform's rasteriser. Wants VL Gothic, VL PGothic and DejaVu Sans (packages fonts-vlgothic and
- * fonts-dejavu-core). */
+// Real text through the platform's rasteriser. Wants VL Gothic, VL PGothic and DejaVu Sans (packages fonts-vlgothic and
+// fonts-dejavu-core).
 #include "glyph/source.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <ninefold/ninefold.h>
 
-/* fontconfig finds its own patterns by offsets, which look like leaks. */
+// fontconfig finds its own patterns by offsets, which look like leaks.
 extern "C" const char *__lsan_default_suppressions();
 extern "C" const char *__lsan_default_suppressions()
 {
@@ -137,7 +137,7 @@ TEST(GlyphText, CoarserLevelsAreTheFineOnesCut)
     const Drawn fine = drawGlyph(kanaA, Format::Grey64), coarse = drawGlyph(kanaA, Format::Grey4);
     ASSERT_EQ(fine.size, coarse.size);
     for (uint32_t i = 0; i < fine.size; ++i) {
-        /* 5 levels of 51 and a bit steps against 65 of 3 and a bit. */
+        // 5 levels of 51 and a bit steps against 65 of 3 and a bit.
         EXPECT_NEAR(coarse.bytes[i] * 51.2, fine.bytes[i] * 3.94, 51.2) << i;
     }
 }
@@ -158,7 +158,7 @@ TEST(GlyphText, MissingGlyphs)
     EXPECT_GT(box.size, 0u);
     for (const uint32_t code : {0xFFFFFF80, 0xFFFFFFA0, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF})
         EXPECT_EQ(drawGlyph(code), box) << code;
-    /* What the code page does not define is a middle dot there. */
+    // What the code page does not define is a middle dot there.
     const Drawn dot = drawGlyph(middleDot);
     EXPECT_NE(dot, box);
     for (const uint32_t code : {0x8100u, 0x8540u, 0x8246u, 0xFCFCu, 0xFFFFFF81u})
@@ -220,14 +220,14 @@ TEST(GlyphText, BoldIsWider)
     EXPECT_EQ(drawGlyph('l', Format::Mono, {.weight = 551}), bold);
 }
 
-#if !defined(_WIN32) /* GDI does not give a Western face to the Japanese character set */
+#if !defined(_WIN32) // GDI does not give a Western face to the Japanese character set
 TEST(GlyphText, BoldFaceIsTakenWhereThereIsOne)
 {
     const auto advance = [](int32_t weight) {
         return drawGlyph('A', Format::Grey64, {.name = "DejaVu Sans", .height = -100, .weight = weight}).metrics.advance;
     };
     EXPECT_EQ(advance(400), 68);
-    EXPECT_EQ(advance(700), 77); /* an emboldened one would have 69 */
+    EXPECT_EQ(advance(700), 77); // an emboldened one would have 69
 }
 #endif
 
@@ -270,7 +270,7 @@ TEST(GlyphText, HostileSettingsAreHarmless)
     EXPECT_GT(drawGlyph(kanaA).size, 0u);
 }
 
-/* The exported functions, over a whole text. */
+// The exported functions, over a whole text.
 class GlyphAtlas : public testing::Test {
 protected:
     void SetUp() override
@@ -292,7 +292,7 @@ protected:
     char name_[32] = "VL Gothic";
 };
 
-/* Latin, full-width katakana, a kanji whose second byte is a backslash, half-width kana: "A", "カ", "ソ", "表", "ｱ". */
+// Latin, full-width katakana, a kanji whose second byte is a backslash, half-width kana: "A", "カ", "ソ", "表", "ｱ".
 char text[] = "A\x83\x4A\x83\x5C\x95\x5C\xB1";
 
 TEST_F(GlyphAtlas, WalksAText)
@@ -307,7 +307,7 @@ TEST_F(GlyphAtlas, WalksAText)
         EXPECT_EQ(rs.glyphX, x);
         EXPECT_EQ(rs.glyphY, 0);
         x += rs.glyphWidth;
-        /* The atlas has the source's bytes, scaled. */
+        // The atlas has the source's bytes, scaled.
         const Drawn drawn = drawGlyph(code, Format::Grey64, {.height = -20});
         ASSERT_EQ(static_cast<uint32_t>(rs.glyphWidth), drawn.metrics.width);
         ASSERT_EQ(static_cast<uint32_t>(rs.glyphHeight), drawn.metrics.height);

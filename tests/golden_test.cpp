@@ -1,4 +1,4 @@
-/* The library against sums that are checked in: they pin the pixels of every platform and compiler. */
+// The library against sums that are checked in: they pin the pixels of every platform and compiler.
 #include "support/golden.h"
 #include "support/sweep.h"
 #include "support/workers.h"

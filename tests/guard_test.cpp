@@ -1,5 +1,5 @@
-/* Every buffer begins, or ends, at a page without access; often the frame buffer and the planes have no other memory than what
- * lies between the first and the last pixel of the clip rectangle. */
+// Every buffer begins, or ends, at a page without access; often the frame buffer and the planes have no other memory than what
+// lies between the first and the last pixel of the clip rectangle.
 #include "support/sweep.h"
 
 #include <gtest/gtest.h>

@@ -6,7 +6,7 @@
 
 namespace {
 
-/* Level 1 of a 2 by 2 texture. */
+// Level 1 of a 2 by 2 texture.
 uint32_t averageOf(uint32_t p0, uint32_t p1, uint32_t p2, uint32_t p3)
 {
     TexturePtr texture = makeTexture(2, 2, {p0, p1, p2, p3});

@@ -1,4 +1,4 @@
-/* The exported functions that draw without a draw code, and the kernels with a name, against the reference. */
+// The exported functions that draw without a draw code, and the kernels with a name, against the reference.
 #include "support/sweep.h"
 
 #include <gtest/gtest.h>

@@ -12,7 +12,7 @@ using namespace ninefold::ops;
 
 namespace {
 
-/* The operators once more, channel by channel in plain integers. */
+// The operators once more, channel by channel in plain integers.
 namespace plain {
 
 struct Pixel {
@@ -125,7 +125,7 @@ uint32_t scaleAlpha(uint32_t word, int factor)
 
 }
 
-/* All pairs of values in every colour channel, with changing neighbours, and random words. */
+// All pairs of values in every colour channel, with changing neighbours, and random words.
 template <class Check>
 void forPairs(Check check)
 {
@@ -382,7 +382,7 @@ TEST_F(Blend, SetBlendModeTouchesTwoFields)
 
 // ---- multi operators ----
 
-/* The value's result in a bank, from the channel formulas; `scale` is the factor of the second bank, -1 in the first. */
+// The value's result in a bank, from the channel formulas; `scale` is the factor of the second bank, -1 in the first.
 uint32_t expectedMulti(long value, int scale, uint32_t f, uint32_t s)
 {
     const auto keep = [f](uint32_t color) { return (f & 0xFF000000) | (color & 0xFFFFFF); };

@@ -1,4 +1,4 @@
-/* Sources that share memory with what is drawn into: pixels come out as if drawn one at a time, left to right, top to bottom. */
+// Sources that share memory with what is drawn into: pixels come out as if drawn one at a time, left to right, top to bottom.
 #include "support/sweep.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ TEST(Overlap, SourcesOverTheFrameBufferAndThePlanes)
     EXPECT_TRUE(result.failed.empty()) << result.text << tableByAxis(subjects, result.failed);
 }
 
-/* Pixels from the frame buffer to the source; between them, the codes go through all distances. */
+// Pixels from the frame buffer to the source; between them, the codes go through all distances.
 TEST(Overlap, SourcesAtEachOffset)
 {
     const std::vector<Subject> subjects = sharedCatalogue();

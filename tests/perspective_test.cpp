@@ -275,11 +275,9 @@ TEST_F(Perspective, IsTheKernelExportedByName)
     EXPECT_FALSE(untouched());
 }
 
-/*
- * The quotient at its borders. In the first row of a triangle whose depths are all z, the reciprocal is 0x7FFFFFFF / z everywhere and the
- * dividend falls by 1 a pixel when u falls by z; a lower vertex at 16384 texels keeps the shift at 0. Texel borders stand where the
- * quotient passes a multiple of 2^17.
- */
+// The quotient at its borders. In the first row of a triangle whose depths are all z, the reciprocal is 0x7FFFFFFF / z everywhere and the
+// dividend falls by 1 a pixel when u falls by z; a lower vertex at 16384 texels keeps the shift at 0. Texel borders stand where the
+// quotient passes a multiple of 2^17.
 class Quotient : public Perspective {
 protected:
     Quotient() : Perspective(64, 1) {}

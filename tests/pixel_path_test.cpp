@@ -445,10 +445,8 @@ TEST_F(SecondSource, TheOneColourIsTheFirstUnderEveryCorner)
     }
 }
 
-/*
- * Corner colours: 0 and 100 across the top, 200 and 40 across the bottom, on a rectangle of 7 by 3. Down the edges the steps are
- * 200 * 65536 / 3 = 4369066 (left) and -60 * 65536 / 3 = -1310720 (right).
- */
+// Corner colours: 0 and 100 across the top, 200 and 40 across the bottom, on a rectangle of 7 by 3. Down the edges the steps are
+// 200 * 65536 / 3 = 4369066 (left) and -60 * 65536 / 3 = -1310720 (right).
 class CornerColours : public PixelPath {
 protected:
     void SetUp() override
@@ -550,10 +548,8 @@ TEST_F(CornerColours, WalkOnUnderThePlaneWalk)
     }
 }
 
-/*
- * Each blend of source C0A06020 over 11223344, plain and after prescale by a half: under 1, 2, 4 that makes the source 60A06020, under
- * the others C0503010.
- */
+// Each blend of source C0A06020 over 11223344, plain and after prescale by a half: under 1, 2, 4 that makes the source 60A06020, under
+// the others C0503010.
 class Prescale : public PixelPath {};
 
 TEST_F(Prescale, FadesAlphaUnderAlphaBlendsAndDimsColourUnderTheOthers)

@@ -1,4 +1,4 @@
-/* The draw mask and prescale as kernels apply them. */
+// The draw mask and prescale as kernels apply them.
 #include <ninefold/ninefold.h>
 
 #include "texture_ptr.h"
@@ -42,7 +42,7 @@ protected:
     const TexturePtr target = makeTexture(size, size);
 };
 
-/* Fills and tiles that a draw mask of Shahei mode 4 gates. */
+// Fills and tiles that a draw mask of Shahei mode 4 gates.
 class MaskedRectangle : public PixelStages, public testing::WithParamInterface<int> {
 protected:
     void SetUp() override

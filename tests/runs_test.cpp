@@ -149,11 +149,9 @@ TEST_F(RunLength, AHoleOf127IsSkippedAsItStands)
     }
 }
 
-/*
- * A hole of 200 at columns 10 to 209 of 512, drawn 300 wide from column 0. After ten pixels the map says -128: 162 remain, and the
- * row goes on at pixel -118, column 10 - 128 = 394. From there 118 texels reach the texture's end (118 is the map's byte), 44 remain;
- * then the ten of the start once more, 34 remain; then the hole again, which ends the row.
- */
+// A hole of 200 at columns 10 to 209 of 512, drawn 300 wide from column 0. After ten pixels the map says -128: 162 remain, and the
+// row goes on at pixel -118, column 10 - 128 = 394. From there 118 texels reach the texture's end (118 is the map's byte), 44 remain;
+// then the ten of the start once more, 34 remain; then the hole again, which ends the row.
 TEST_F(RunLength, AHoleOf128OrMoreMovesBack)
 {
     rs.tex0 = holed(512, [](int u) { return u >= 10 && u < 210; });

@@ -15,7 +15,7 @@ struct TextureDeleter {
 
 using TexturePtr = std::unique_ptr<Texture, TextureDeleter>;
 
-/* A texture with all pixels 0. */
+// A texture with all pixels 0.
 inline TexturePtr makeTexture(unsigned long width, unsigned long height)
 {
     TexturePtr texture(CreateTexture(width, height));
@@ -23,7 +23,7 @@ inline TexturePtr makeTexture(unsigned long width, unsigned long height)
     return texture;
 }
 
-/* A texture that starts with `pixels`. */
+// A texture that starts with `pixels`.
 inline TexturePtr makeTexture(unsigned long width, unsigned long height, std::initializer_list<uint32_t> pixels)
 {
     TexturePtr texture = makeTexture(width, height);

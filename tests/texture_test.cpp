@@ -13,7 +13,7 @@ namespace {
 
 using Pixels = std::vector<uint32_t>;
 
-/* A texture whose pixel at index i is i + 1. */
+// A texture whose pixel at index i is i + 1.
 TexturePtr numbered(unsigned long width, unsigned long height)
 {
     TexturePtr texture(CreateTexture(width, height));
@@ -21,7 +21,7 @@ TexturePtr numbered(unsigned long width, unsigned long height)
     return texture;
 }
 
-/* A texture object that writes down its end. */
+// A texture object that writes down its end.
 struct Witness : Texture {
     Witness(std::vector<int> &list, int number) : Texture(), deaths(list), name(number) {}
     ~Witness() override { deaths.push_back(name); }

@@ -20,7 +20,7 @@ namespace {
 
 constexpr size_t cacheLine = 64;
 
-/* An open file and its length at that time. */
+// An open file and its length at that time.
 class File {
 public:
     File(const File &) = delete;

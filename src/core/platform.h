@@ -1,4 +1,4 @@
-/* What differs between platforms: aligned memory and reading a file. */
+// What differs between platforms: aligned memory and reading a file.
 #ifndef NINEFOLD_CORE_PLATFORM_H
 #define NINEFOLD_CORE_PLATFORM_H
 
@@ -8,7 +8,7 @@
 
 namespace ninefold {
 
-/* `bytes` of memory aligned to a cache line, as allocated; null on failure. */
+// `bytes` of memory aligned to a cache line, as allocated; null on failure.
 void *allocateAligned(size_t bytes);
 void freeAligned(void *memory);
 
@@ -17,8 +17,8 @@ struct FileBytes {
     size_t size = 0;
 };
 
-/* Reads the whole file, which others may have open for whatever they like. False if it cannot be opened; a read error leaves the
- * bytes up to it. */
+// Reads the whole file, which others may have open for whatever they like. False if it cannot be opened; a read error leaves the
+// bytes up to it.
 bool readFile(const char *path, FileBytes &file);
 
 }

@@ -9,7 +9,7 @@ Texture::~Texture() = default;
 
 namespace {
 
-/* The exponent of the power of two that `size` rounds up to. */
+// The exponent of the power of two that `size` rounds up to.
 uint32_t sizeExponent(uint32_t size)
 {
     return size == 0 ? 0 : static_cast<uint32_t>(std::bit_width(size - 1));

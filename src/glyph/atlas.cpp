@@ -30,19 +30,19 @@ Format formatOf(uint32_t quality)
     }
 }
 
-/* A bitmap as the source delivered it. Bytes past its end read as 0: its size need not match its box. */
+// A bitmap as the source delivered it. Bytes past its end read as 0: its size need not match its box.
 class Coverage {
 public:
     Coverage(const uint8_t *bytes, uint32_t size, uint32_t width, uint32_t quality)
         : bytes_(bytes), size_(size), quality_(quality),
-          /* The mono stride falls a word short when width modulo 32 is 1 to 7, and such glyphs come out sheared. Hosts know them so. */
+          // The mono stride falls a word short when width modulo 32 is 1 to 7, and such glyphs come out sheared. Hosts know them so.
           stride_(((quality == 0 ? width >> 3 : width) + 3) & ~3u),
-          /* Quality above 3 is given mono bits, and reads them as grey of one level. */
+          // Quality above 3 is given mono bits, and reads them as grey of one level.
           levelBits_(quality <= 3 ? quality * 2 : 0)
     {
     }
 
-    /* Of a pixel; 255 is full. Greater values keep their low byte when they become an alpha. */
+    // Of a pixel; 255 is full. Greater values keep their low byte when they become an alpha.
     uint32_t at(uint32_t col, uint32_t row) const
     {
         if (quality_ == 0)
@@ -57,8 +57,8 @@ private:
     uint32_t size_, quality_, stride_, levelBits_;
 };
 
-/* The place of a glyph in the atlas. A glyph wider than the atlas runs on into the rows below; what would lie behind the last pixel
- * is dropped and reads as 0. */
+// The place of a glyph in the atlas. A glyph wider than the atlas runs on into the rows below; what would lie behind the last pixel
+// is dropped and reads as 0.
 class Box {
 public:
     Box(const Texture &atlas, uint32_t x, uint32_t y, uint32_t boxWidth, uint32_t boxHeight)
@@ -87,7 +87,7 @@ private:
     uint32_t count_, pitch_, first_;
 };
 
-/* Transparent pixels are written too: a glyph replaces what stood in its place. */
+// Transparent pixels are written too: a glyph replaces what stood in its place.
 template <class PixelOf>
 void expand(Box &box, const Coverage &coverage, PixelOf pixelOf)
 {
@@ -101,17 +101,17 @@ uint32_t plainPixel(uint32_t alpha)
     return alpha ? alpha << 24 | 0xffffff : 0;
 }
 
-/* Colour is left to the rim pass, but full pixels start white: their colour is a fraction in the sums of their neighbours. */
+// Colour is left to the rim pass, but full pixels start white: their colour is a fraction in the sums of their neighbours.
 uint32_t unrimmedPixel(uint32_t alpha)
 {
     return alpha == 255 ? 0xffffffff : alpha << 24;
 }
 
-/* Gives each pixel a grey that falls with the alpha of its surroundings inside the box. Works in place, in raster order: the pixels
- * above and to the left bring their new colours into the sum. */
+// Gives each pixel a grey that falls with the alpha of its surroundings inside the box. Works in place, in raster order: the pixels
+// above and to the left bring their new colours into the sum.
 void darkenRim(Box &box)
 {
-    /* Outside the box, also at -1, there is nothing. */
+    // Outside the box, also at -1, there is nothing.
     const auto weight = [&](uint32_t col, uint32_t row) {
         return col < box.width && row < box.height ? box.read(col, row) >> 8 : 0;
     };
@@ -153,7 +153,7 @@ char *drawCharacter(char *text, Style style, Source &source)
     uint32_t size = source.outline(rs.glyphCode, format, metrics, 0, nullptr);
     if (size == Source::failed)
         size = 0;
-    auto *bitmap = static_cast<uint8_t *>(std::calloc(size, 1)); /* cleared, because padding can be read */
+    auto *bitmap = static_cast<uint8_t *>(std::calloc(size, 1)); // cleared, because padding can be read
     if (!bitmap)
         size = 0;
     if (source.outline(rs.glyphCode, format, metrics, size, bitmap) == Source::failed)
@@ -165,7 +165,7 @@ char *drawCharacter(char *text, Style style, Source &source)
     rs.glyphWidth = static_cast<int32_t>(metrics.width);
     rs.glyphHeight = static_cast<int32_t>(metrics.height);
 
-    /* The line's bottom counts before the wrap: the first glyph of a new line raises it only as if it stood on the old one. */
+    // The line's bottom counts before the wrap: the first glyph of a new line raises it only as if it stood on the old one.
     Texture &atlas = *rs.tex0;
     rs.fontLineBottom = std::max(rs.fontLineBottom, metrics.height + rs.fontCursorY);
     if (metrics.width + rs.fontCursorX > atlas.width) {
@@ -186,7 +186,7 @@ char *drawCharacter(char *text, Style style, Source &source)
         expand(box, coverage, unrimmedPixel);
         darkenRim(box);
     } else if (size == 0) {
-        atlas.pixels[0] = 0; /* what hosts see an empty glyph do */
+        atlas.pixels[0] = 0; // what hosts see an empty glyph do
     } else {
         expand(box, coverage, plainPixel);
     }

@@ -1,4 +1,4 @@
-/* Text into an atlas: reads a character, has it rasterised, finds its place and writes its pixels. */
+// Text into an atlas: reads a character, has it rasterised, finds its place and writes its pixels.
 #ifndef NINEFOLD_GLYPH_ATLAS_H
 #define NINEFOLD_GLYPH_ATLAS_H
 
@@ -8,7 +8,7 @@ namespace ninefold::glyph {
 
 enum class Style { Plain, Rimmed };
 
-/* Draws the character at `text` into rs.tex0. Returns the next character, or null when `text` is null or the atlas is full. */
+// Draws the character at `text` into rs.tex0. Returns the next character, or null when `text` is null or the atlas is full.
 char *drawCharacter(char *text, Style style, Source &source);
 
 }

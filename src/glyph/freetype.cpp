@@ -1,10 +1,8 @@
-/*
- * Glyphs by FreeType, of faces that fontconfig finds: bit for bit those of GetGlyphOutlineA in 64-bit Wine 8, which hints with
- * FreeType too. What looks arbitrary here (em of a cell, clip, emboldening, slant, advance) is what it does.
- *
- * fontconfig gets the name, regular or bold, and the slant. Where it has no face of that name it falls back to a monospaced one
- * that covers Japanese, then to any. Without any face every glyph is empty.
- */
+// Glyphs by FreeType, of faces that fontconfig finds: bit for bit those of GetGlyphOutlineA in 64-bit Wine 8, which hints with
+// FreeType too. What looks arbitrary here (em of a cell, clip, emboldening, slant, advance) is what it does.
+//
+// fontconfig gets the name, regular or bold, and the slant. Where it has no face of that name it falls back to a monospaced one
+// that covers Japanese, then to any. Without any face every glyph is empty.
 #if NINEFOLD_GLYPHS && !defined(_WIN32)
 
 #include "glyph/source.h"
@@ -25,7 +23,7 @@
 namespace ninefold::glyph {
 namespace {
 
-/* In 1/64 pixel, y up. */
+// In 1/64 pixel, y up.
 struct Bounds {
     FT_Pos left, bottom, right, top;
 };
@@ -40,7 +38,7 @@ FT_Pos ceilPixel(FT_Pos position)
     return floorPixel(position + 63);
 }
 
-/* Converts from code page 932. The converter is made at its first use and stays. */
+// Converts from code page 932. The converter is made at its first use and stays.
 bool convert932(iconv_t &converter, const char *encoding, const char *from, size_t fromBytes, void *to, size_t toBytes)
 {
     if (!converter)
@@ -53,7 +51,7 @@ bool convert932(iconv_t &converter, const char *encoding, const char *from, size
     return iconv(converter, &in, &fromBytes, &out, &toBytes) != static_cast<size_t>(-1);
 }
 
-/* A face as a font description asks for it. */
+// A face as a font description asks for it.
 class Font {
 public:
     bool isOf(const FontDescription &font) const
@@ -65,7 +63,7 @@ public:
     bool exists() const { return face_ != nullptr; }
     FT_Face face() const { return face_; }
 
-    /* Replaces what it was before. */
+    // Replaces what it was before.
     void find(const FontDescription &font, FT_Library library, iconv_t &converter)
     {
         if (face_)
@@ -75,7 +73,7 @@ public:
 
         char family[4 * sizeof font.name] = {};
         if (!convert932(converter, "UTF-8", font.name, std::strlen(font.name), family, sizeof family - 1))
-            std::memcpy(family, font.name, sizeof font.name); /* then it may be UTF-8 already */
+            std::memcpy(family, font.name, sizeof font.name); // then it may be UTF-8 already
         FcPattern *wanted = FcPatternCreate();
         if (!wanted)
             return;
@@ -120,7 +118,7 @@ public:
         sized_ = FT_Set_Pixel_Sizes(face_, 0, static_cast<FT_UInt>(ppem)) == 0;
     }
 
-    /* Leaves the glyph in the face's slot, moved so that the box begins at the origin. */
+    // Leaves the glyph in the face's slot, moved so that the box begins at the origin.
     bool load(FT_UInt index, Format format, FT_Library library, Bounds &box, int32_t &advance)
     {
         if (!sized_)
@@ -165,7 +163,7 @@ private:
         }
     }
 
-    /* What the cell has above and below the base line, in units of the design. */
+    // What the cell has above and below the base line, in units of the design.
     bool hasWinCell() const { return os2_ && (os2_->usWinAscent != 0 || os2_->usWinDescent != 0); }
     FT_Long ascent() const { return hasWinCell() ? os2_->usWinAscent : hhea_ ? hhea_->Ascender : face_->ascender; }
     FT_Long descent() const
@@ -175,7 +173,7 @@ private:
         return -(hhea_ ? hhea_->Descender : face_->descender);
     }
 
-    /* From units of the design, rounded. */
+    // From units of the design, rounded.
     FT_Long pixels(FT_Long units) const { return FT_MulFix(units, scale_); }
 
     void embolden(FT_Library library, Bounds &box)
@@ -197,7 +195,7 @@ private:
     {
         const FT_Matrix matrix = {0x10000, 0x4000, 0, 0x10000};
         FT_Outline_Transform(&face_->glyph->outline, &matrix);
-        /* Clipped boxes may be upside down: those turn over. */
+        // Clipped boxes may be upside down: those turn over.
         FT_Vector corners[] = {{box.left, box.bottom}, {box.left, box.top}, {box.right, box.bottom}, {box.right, box.top}};
         for (FT_Vector &corner : corners)
             FT_Vector_Transform(&corner, &matrix);
@@ -209,7 +207,7 @@ private:
     int32_t advanceOf(FT_Pos hinted) const
     {
         if (os2_ && (FT_IS_FIXED_WIDTH(face_) || os2_->panose[3] == 9)) {
-            /* A full-width glyph is exactly two half-width ones. */
+            // A full-width glyph is exactly two half-width ones.
             const FT_Long average = pixels(os2_->xAvgCharWidth);
             if (average > 0 && (hinted + 63) >> 6 == pixels(2 * FT_Long{os2_->xAvgCharWidth}))
                 hinted = 2 * average * 64;
@@ -223,9 +221,9 @@ private:
     FT_Face face_ = nullptr;
     const TT_OS2 *os2_ = nullptr;
     const TT_HoriHeader *hhea_ = nullptr;
-    bool emboldens_ = false, slants_ = false; /* what the face lacks */
-    bool sized_ = false; /* for the description's height */
-    FT_Fixed scale_ = 0; /* pixels per unit, 16.16 */
+    bool emboldens_ = false, slants_ = false; // what the face lacks
+    bool sized_ = false; // for the description's height
+    FT_Fixed scale_ = 0; // pixels per unit, 16.16
     FT_Pos emboldening_ = 0;
 };
 
@@ -261,7 +259,7 @@ public:
             metrics = {};
             return 0;
         }
-        /* The size is asked for first, then the bitmap: the glyph stays loaded in between. */
+        // The size is asked for first, then the bitmap: the glyph stays loaded in between.
         if (!loaded_ || code != code_ || format != format_) {
             loaded_ = font_->load(glyphIndex(code), format, library_, box_, advance_);
             code_ = code;
@@ -276,7 +274,7 @@ public:
         uint32_t bytes = 0;
         if (width > 0 && height > 0) {
             if (width > 0x7FFF || height > 0x7FFF)
-                return failed; /* more than FreeType rasterises */
+                return failed; // more than FreeType rasterises
             bytes = static_cast<uint32_t>(pitch * height);
             if (size != 0 && (size < bytes || !render(format, width, height, pitch, bitmap)))
                 return failed;
@@ -289,11 +287,11 @@ public:
         return bytes;
     }
 
-    /* Fonts stay open: finding and opening one takes as long as a thousand glyphs. */
+    // Fonts stay open: finding and opening one takes as long as a thousand glyphs.
     void close(Release) override {}
 
 private:
-    /* 0, the box of a missing glyph, for what the face lacks. */
+    // 0, the box of a missing glyph, for what the face lacks.
     FT_UInt glyphIndex(uint32_t code)
     {
         const char text[] = {static_cast<char>(code >> 8), static_cast<char>(code)};
@@ -309,7 +307,7 @@ private:
         return FT_Get_Char_Index(font_->face(), static_cast<FT_ULong>(unicode[0] << 8 | unicode[1]));
     }
 
-    /* The katakana middle dot is the code page's own stand-in for codes that it does not define. */
+    // The katakana middle dot is the code page's own stand-in for codes that it does not define.
     static void useMiddleDot(uint8_t *unicode)
     {
         unicode[0] = 0x30;
@@ -345,11 +343,11 @@ private:
 
     FT_Library library_ = nullptr;
     iconv_t nameConverter_ = nullptr, textConverter_ = nullptr;
-    Font fonts_[8]; /* the last ones asked for */
+    Font fonts_[8]; // the last ones asked for
     size_t fontCount_ = 0, nextFont_ = 0;
-    Font *font_ = nullptr; /* one of them; null if no face could be opened */
+    Font *font_ = nullptr; // one of them; null if no face could be opened
 
-    /* the glyph in the slot of the font's face */
+    // the glyph in the slot of the font's face
     bool loaded_ = false;
     uint32_t code_ = 0;
     Format format_ = Format::Mono;

@@ -1,4 +1,4 @@
-/* Glyphs by Windows GDI. No object of GDI lives from one glyph to the next. */
+// Glyphs by Windows GDI. No object of GDI lives from one glyph to the next.
 #if NINEFOLD_GLYPHS && defined(_WIN32)
 
 #include "glyph/source.h"

@@ -1,4 +1,4 @@
-/* Builds without a rasteriser: every glyph is empty. */
+// Builds without a rasteriser: every glyph is empty.
 #if !NINEFOLD_GLYPHS
 
 #include "glyph/source.h"

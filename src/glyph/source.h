@@ -1,4 +1,4 @@
-/* What the atlas asks of a glyph rasteriser. One file a platform implements it: gdi.cpp, freetype.cpp, none.cpp. */
+// What the atlas asks of a glyph rasteriser. One file a platform implements it: gdi.cpp, freetype.cpp, none.cpp.
 #ifndef NINEFOLD_GLYPH_SOURCE_H
 #define NINEFOLD_GLYPH_SOURCE_H
 
@@ -7,15 +7,15 @@
 namespace ninefold::glyph {
 
 struct FontDescription {
-    int32_t height; /* above 0: of the cell; below: of the em; pixels */
-    int32_t weight; /* 400 normal, 700 bold */
+    int32_t height; // above 0: of the cell; below: of the em; pixels
+    int32_t weight; // 400 normal, 700 bold
     uint8_t italic;
-    char name[32]; /* code page 932, NUL-terminated, zeros behind */
+    char name[32]; // code page 932, NUL-terminated, zeros behind
 };
 
 enum class Format : uint32_t {
-    Mono = 1, /* bits, the leftmost on top, rows of whole 32-bit words */
-    Grey4 = 4, /* bytes from 0 to 4, 16 or 64, rows padded to 4 bytes */
+    Mono = 1, // bits, the leftmost on top, rows of whole 32-bit words
+    Grey4 = 4, // bytes from 0 to 4, 16 or 64, rows padded to 4 bytes
     Grey16 = 5,
     Grey64 = 6,
 };
@@ -26,7 +26,7 @@ struct Metrics {
     int32_t advance;
 };
 
-/* Which goes first when a source is closed. Only GDI can tell the difference. */
+// Which goes first when a source is closed. Only GDI can tell the difference.
 enum class Release { ContextFirst, FontFirst };
 
 class Source {
@@ -36,8 +36,8 @@ public:
     virtual void open(const FontDescription &font) = 0;
     virtual bool isLeadByte(uint8_t byte) = 0;
 
-    /* Fills `metrics`, and `bitmap` if `size` is not 0. Returns the bytes of the whole bitmap, or `failed`, which leaves `metrics`
-     * alone. `code` is a sign-extended byte, or a lead byte and a second one. `bitmap` must come cleared: padding is not written. */
+    // Fills `metrics`, and `bitmap` if `size` is not 0. Returns the bytes of the whole bitmap, or `failed`, which leaves `metrics`
+    // alone. `code` is a sign-extended byte, or a lead byte and a second one. `bitmap` must come cleared: padding is not written.
     virtual uint32_t outline(uint32_t code, Format format, Metrics &metrics, uint32_t size, uint8_t *bitmap) = 0;
 
     virtual void close(Release order) = 0;
@@ -46,7 +46,7 @@ protected:
     ~Source() = default;
 };
 
-/* The rasteriser of this platform. */
+// The rasteriser of this platform.
 Source &platformSource();
 
 constexpr bool isLeadByte932(uint8_t byte)

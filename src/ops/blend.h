@@ -1,9 +1,7 @@
-/*
- * The blend operators: (destination, source) to pixel, each in the packed form that defines it. Channels share words, nothing
- * rounds, and some results carry bits from channel to channel or leave a fixed alpha; pictures rest on every one of those bits.
- *
- * In the formulas above the functions d and s are one channel of either operand; A is the alpha of the source.
- */
+// The blend operators: (destination, source) to pixel, each in the packed form that defines it. Channels share words, nothing
+// rounds, and some results carry bits from channel to channel or leave a fixed alpha; pictures rest on every one of those bits.
+//
+// In the formulas above the functions d and s are one channel of either operand; A is the alpha of the source.
 #ifndef NINEFOLD_OPS_BLEND_H
 #define NINEFOLD_OPS_BLEND_H
 
@@ -13,7 +11,7 @@
 
 namespace ninefold::ops {
 
-/* (s * a + d * (255 - a)) >> 8; alpha 0. A factor above 255 wraps like the rest of the arithmetic. */
+// (s * a + d * (255 - a)) >> 8; alpha 0. A factor above 255 wraps like the rest of the arithmetic.
 NINEFOLD_INLINE uint32_t opConstAlpha(uint32_t dst, uint32_t src, uint32_t a)
 {
     const uint32_t w = 255 - a;
@@ -22,21 +20,21 @@ NINEFOLD_INLINE uint32_t opConstAlpha(uint32_t dst, uint32_t src, uint32_t a)
     return ((redBlue & 0xFF00FF00) | (green & 0xFF0000)) >> 8;
 }
 
-/* (s * A + d * (255 - A)) >> 8; alpha 0. Darkens by up to 1 even where A is 0 or 255. */
+// (s * A + d * (255 - A)) >> 8; alpha 0. Darkens by up to 1 even where A is 0 or 255.
 NINEFOLD_INLINE uint32_t opAlpha(uint32_t dst, uint32_t src)
 {
     return opConstAlpha(dst, src, src >> 24);
 }
 
-/* The same, but A of 255 gives the source and A of 0 the destination, alpha included. */
+// The same, but A of 255 gives the source and A of 0 the destination, alpha included.
 NINEFOLD_INLINE uint32_t opAlphaFast(uint32_t dst, uint32_t src)
 {
     const uint32_t a = src >> 24;
     return a == 255 ? src : a == 0 ? dst : opConstAlpha(dst, src, a);
 }
 
-/* d + s, up to 255; alpha 1. The low bit of red and green is kept free for the carry from below: it takes no part and comes out
- * set. */
+// d + s, up to 255; alpha 1. The low bit of red and green is kept free for the carry from below: it takes no part and comes out
+// set.
 NINEFOLD_INLINE uint32_t opAdd(uint32_t dst, uint32_t src)
 {
     const uint32_t sum = (dst & 0xFEFEFF) + (src & 0xFEFEFF);
@@ -44,7 +42,7 @@ NINEFOLD_INLINE uint32_t opAdd(uint32_t dst, uint32_t src)
     return full | sum;
 }
 
-/* (d | 1) - (s | 1) less the borrow from below, down to 0; alpha wraps. A channel that borrowed keeps the borrow from below. */
+// (d | 1) - (s | 1) less the borrow from below, down to 0; alpha wraps. A channel that borrowed keeps the borrow from below.
 NINEFOLD_INLINE uint32_t opSub(uint32_t dst, uint32_t src)
 {
     const uint32_t difference = (dst | 0x1010101) - (src | 0x1010101);
@@ -52,7 +50,7 @@ NINEFOLD_INLINE uint32_t opSub(uint32_t dst, uint32_t src)
     return ~empty & difference;
 }
 
-/* (d * s) >> 8; alpha 0 */
+// (d * s) >> 8; alpha 0
 NINEFOLD_INLINE uint32_t opMul(uint32_t dst, uint32_t src)
 {
     const uint32_t red = (src >> 16 & 0xFF) * (dst & 0xFF00FF);
@@ -61,7 +59,7 @@ NINEFOLD_INLINE uint32_t opMul(uint32_t dst, uint32_t src)
     return ((red & 0xFF000000) | (green & 0xFF0000) | (blue & 0xFF00)) >> 8;
 }
 
-/* opMul doubled, up to 255. The top bit of a product goes to bit 0 of the channel above, that of red to alpha. */
+// opMul doubled, up to 255. The top bit of a product goes to bit 0 of the channel above, that of red to alpha.
 NINEFOLD_INLINE uint32_t opMul2(uint32_t dst, uint32_t src)
 {
     const uint32_t product = opMul(dst, src);
@@ -69,13 +67,13 @@ NINEFOLD_INLINE uint32_t opMul2(uint32_t dst, uint32_t src)
     return (high - (high >> 7)) | (product * 2) | high;
 }
 
-/* 255 - (((255 - d) * (255 - s)) >> 8); alpha 255 */
+// 255 - (((255 - d) * (255 - s)) >> 8); alpha 255
 NINEFOLD_INLINE uint32_t opScreen(uint32_t dst, uint32_t src)
 {
     return ~opMul(~dst, ~src);
 }
 
-/* d < 128: ((d * s) >> 8) * 2, else 255 - (((255 - d) * (255 - s)) >> 8) * 2; alpha 0 */
+// d < 128: ((d * s) >> 8) * 2, else 255 - (((255 - d) * (255 - s)) >> 8) * 2; alpha 0
 NINEFOLD_INLINE uint32_t opOverlay(uint32_t dst, uint32_t src)
 {
     const uint32_t high = dst & 0x808080;
@@ -88,13 +86,13 @@ NINEFOLD_INLINE uint32_t opOverlay(uint32_t dst, uint32_t src)
     return (((red & 0xFF000000) | (green & 0xFF0000) | (blue & 0xFF00)) >> 7) ^ flip;
 }
 
-/* Set bits of the mask from the source, the others from the destination; alpha is no exception. */
+// Set bits of the mask from the source, the others from the destination; alpha is no exception.
 NINEFOLD_INLINE uint32_t opMerge(uint32_t dst, uint32_t src, uint32_t mask)
 {
     return (dst & ~mask) | (src & mask);
 }
 
-/* L in red, green and blue, L = ((R * 76) >> 8) + ((G * 150) >> 8) + ((B * 29) >> 8), at most 252; alpha 0 */
+// L in red, green and blue, L = ((R * 76) >> 8) + ((G * 150) >> 8) + ((B * 29) >> 8), at most 252; alpha 0
 NINEFOLD_INLINE uint32_t luma(uint32_t pixel)
 {
     const uint32_t red = (pixel >> 16 & 0xFF) * 76 >> 8;
@@ -103,43 +101,43 @@ NINEFOLD_INLINE uint32_t luma(uint32_t pixel)
     return (red + green + blue) * 0x10101;
 }
 
-/* s */
+// s
 NINEFOLD_INLINE uint32_t opSrc(uint32_t, uint32_t src)
 {
     return src;
 }
 
-/* d */
+// d
 NINEFOLD_INLINE uint32_t opDst(uint32_t dst, uint32_t)
 {
     return dst;
 }
 
-/* luma of the source; alpha 0 */
+// luma of the source; alpha 0
 NINEFOLD_INLINE uint32_t opLumaSrc(uint32_t, uint32_t src)
 {
     return luma(src);
 }
 
-/* luma of the destination; alpha 0 */
+// luma of the destination; alpha 0
 NINEFOLD_INLINE uint32_t opLumaDst(uint32_t dst, uint32_t)
 {
     return luma(dst);
 }
 
-/* d ^ s, alpha included */
+// d ^ s, alpha included
 NINEFOLD_INLINE uint32_t opXor(uint32_t dst, uint32_t src)
 {
     return dst ^ src;
 }
 
-/* d & s, alpha included */
+// d & s, alpha included
 NINEFOLD_INLINE uint32_t opAnd(uint32_t dst, uint32_t src)
 {
     return dst & src;
 }
 
-/* d | s, alpha included */
+// d | s, alpha included
 NINEFOLD_INLINE uint32_t opOr(uint32_t dst, uint32_t src)
 {
     return dst | src;

@@ -12,12 +12,12 @@ uint32_t stippleSteps[32];
 
 namespace {
 
-/* A place in a 16 by 16 mask, or a distance between two. */
+// A place in a 16 by 16 mask, or a distance between two.
 struct Place {
     uint8_t bit, row;
 };
 
-/* The order in which the places of the mask are cleared: each level goes over what the one before left out, farthest first. */
+// The order in which the places of the mask are cleared: each level goes over what the one before left out, farthest first.
 constexpr Place outer[] = {{0, 0}, {1, 1}, {0, 1}, {1, 0}};
 constexpr Place middle[] = {{0, 0}, {4, 4}, {0, 4}, {4, 0}, {2, 2}, {6, 6}, {2, 6}, {6, 2},
                             {0, 2}, {4, 6}, {0, 6}, {4, 2}, {2, 0}, {6, 4}, {2, 4}, {6, 0}};

@@ -1,7 +1,5 @@
-/*
- * The operators that blendFunc and multiFunc can point to. One enumeration covers both kinds, since a host may put any of them
- * behind either pointer; kernels ask operatorIndex which one a pointer is and draw with its row form.
- */
+// The operators that blendFunc and multiFunc can point to. One enumeration covers both kinds, since a host may put any of them
+// behind either pointer; kernels ask operatorIndex which one a pointer is and draw with its row form.
 #ifndef NINEFOLD_OPS_OPERATORS_H
 #define NINEFOLD_OPS_OPERATORS_H
 
@@ -15,8 +13,8 @@
 
 namespace ninefold::ops {
 
-/* Each enumerator is one function with an address of its own. `keep...` takes alpha from the first operand; `scaled...` does so
- * too and scales the second operand by prescaleMulti first. */
+// Each enumerator is one function with an address of its own. `keep...` takes alpha from the first operand; `scaled...` does so
+// too and scales the second operand by prescaleMulti first.
 enum class Op : int {
     // behind blendFunc
     src,
@@ -66,7 +64,7 @@ enum class Op : int {
 
 constexpr int opCount = static_cast<int>(Op::scaledOr) + 1;
 
-/* By bank and value of SetBlendModeMulti. Values 3, 15 and 19 are the same in both banks; 12 and 13 are 0. */
+// By bank and value of SetBlendModeMulti. Values 3, 15 and 19 are the same in both banks; 12 and 13 are 0.
 constexpr Op multiOperators[2][20] = {
     {Op::keepSrc,     Op::keepAlpha,   Op::constAlpha, Op::keepConstAlphaRgb, Op::keepAlphaFast, Op::keepAdd, Op::keepSub,
      Op::keepMul,     Op::keepMul2,    Op::keepScreen, Op::keepOverlay,       Op::merge,         Op::keepSrc, Op::keepSrc,
@@ -77,7 +75,7 @@ constexpr Op multiOperators[2][20] = {
      Op::keepLumaDst,   Op::scaledXor,   Op::scaledAnd,      Op::scaledOr,          Op::dst},
 };
 
-/* What operators read beside their operands; the fields of rs of these names. */
+// What operators read beside their operands; the fields of rs of these names.
 struct Factors {
     uint32_t blendAlpha;
     uint32_t blendAlphaRgb;
@@ -85,13 +83,13 @@ struct Factors {
     uint32_t writeMask;
 };
 
-/* The low 24 bits of `color` with the alpha of `first`. */
+// The low 24 bits of `color` with the alpha of `first`.
 NINEFOLD_INLINE uint32_t withAlphaOf(uint32_t first, uint32_t color)
 {
     return (color & 0xFFFFFF) | (first & 0xFF000000);
 }
 
-/* The scalar definition of every operator. */
+// The scalar definition of every operator.
 template <Op op>
 NINEFOLD_INLINE uint32_t apply(uint32_t f, uint32_t s, const Factors &k)
 {
@@ -143,10 +141,10 @@ NINEFOLD_INLINE uint32_t apply(uint32_t f, uint32_t s, const Factors &k)
     return opDst(f, s);
 }
 
-/* The functions, by Op; each reads its factors from rs. */
+// The functions, by Op; each reads its factors from rs.
 extern const std::array<PixelOperator, opCount> operators;
 
-/* The Op that a pointer is, -1 for null and for a host's own function. */
+// The Op that a pointer is, -1 for null and for a host's own function.
 int operatorIndex(PixelOperator function);
 
 }

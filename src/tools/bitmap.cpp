@@ -10,7 +10,7 @@ constexpr uint64_t dataOffsetAt = 10;
 constexpr uint64_t widthAt = 18;
 constexpr uint64_t heightAt = 22;
 
-/* The bytes of a bitmap file, with zeros behind its end. */
+// The bytes of a bitmap file, with zeros behind its end.
 class Bytes {
 public:
     explicit Bytes(const ninefold::FileBytes &file) : data(file.data.get()), size(file.size) {}
@@ -19,7 +19,7 @@ public:
     uint32_t word(uint64_t at) const { return byte(at) | byte(at + 1) << 8 | byte(at + 2) << 16 | byte(at + 3) << 24; }
     uint32_t pixel(uint64_t at) const { return 0xFF000000 | byte(at) | byte(at + 1) << 8 | byte(at + 2) << 16; }
 
-    /* A row of pixels, blue, green and red bytes in the file. */
+    // A row of pixels, blue, green and red bytes in the file.
     void readRow(uint64_t at, uint32_t *to, uint32_t count) const
     {
         const uint64_t whole = std::min<uint64_t>(count, (size - std::min<uint64_t>(at, size)) / 3);
@@ -36,7 +36,7 @@ private:
     uint64_t size;
 };
 
-/* Where a picture of `size` stands in a texture of `room`. */
+// Where a picture of `size` stands in a texture of `room`.
 uint32_t aligned(uint32_t alignment, uint32_t room, uint32_t size)
 {
     switch (alignment) {

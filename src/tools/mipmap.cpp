@@ -4,7 +4,7 @@
 
 namespace {
 
-/* (c0 + c1 + c2 + c3) >> 2 of each channel. The two sums hold two channels each, 10 bits in 16. */
+// (c0 + c1 + c2 + c3) >> 2 of each channel. The two sums hold two channels each, 10 bits in 16.
 uint32_t average(uint32_t p0, uint32_t p1, uint32_t p2, uint32_t p3)
 {
     constexpr uint32_t mask = 0xFF00FF;

@@ -1,9 +1,7 @@
-/*
- * Bitmap files from arbitrary bytes: the loaders must stay inside the file and the texture, and agree with each other.
- *
- *     clang++ -std=c++20 -g -O1 -fsanitize=fuzzer,address,undefined -Iinclude -Isrc -DNINEFOLD_STATIC \
- *         tests/fuzz/bitmap_fuzzer.cpp src/tools/bitmap.cpp src/tools/mipmap.cpp src/core/texture.cpp src/core/platform.cpp
- */
+// Bitmap files from arbitrary bytes: the loaders must stay inside the file and the texture, and agree with each other.
+//
+//     clang++ -std=c++20 -g -O1 -fsanitize=fuzzer,address,undefined -Iinclude -Isrc -DNINEFOLD_STATIC \
+//         tests/fuzz/bitmap_fuzzer.cpp src/tools/bitmap.cpp src/tools/mipmap.cpp src/core/texture.cpp src/core/platform.cpp
 #include <ninefold/texture.h>
 
 #include <cstdio>
@@ -35,7 +33,7 @@ struct ScratchFile {
     }
 };
 
-/* A size field, zero where the file has ended. */
+// A size field, zero where the file has ended.
 uint32_t field(const uint8_t *data, size_t size, size_t at)
 {
     uint32_t value = 0;

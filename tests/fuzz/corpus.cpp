@@ -1,7 +1,6 @@
-/* Runs a fuzzer without the means of clang: over the files of a directory and over pseudo-random bytes.
- *
- *     NAME_corpus DIRECTORY COUNT
- */
+// Runs a fuzzer without the means of clang: over the files of a directory and over pseudo-random bytes.
+//
+//     NAME_corpus DIRECTORY COUNT
 #include "support/random.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-/* Which draw codes exist, what they say, and their hash. */
+// Which draw codes exist, what they say, and their hash.
 #include "modes.h"
 #include "reference.h"
 
@@ -109,7 +109,7 @@ std::vector<uint32_t> catalogue()
     return codes;
 }
 
-/* Bit by bit, as long division does it. */
+// Bit by bit, as long division does it.
 uint32_t hash(uint32_t code)
 {
     uint32_t remainder = 0xFFFFFFFF;

@@ -1,4 +1,4 @@
-/* From a draw code to the shape that it draws. */
+// From a draw code to the shape that it draws.
 #include "occlusion.h"
 #include "reference.h"
 #include "rule_rectangles.h"
@@ -13,7 +13,7 @@ void draw(uint32_t code, RenderState &state)
     const bool perLine = modes.shape == rectangle && modes.option == 3;
     const bool byLevel = (modes.filter == 2 || modes.filter == 5) && !perLine;
     if ((modes.filter == 3 || modes.filter == 4) && !perLine)
-        return; /* a level for each line, without lines */
+        return; // a level for each line, without lines
     switch (modes.shape) {
     case line:
         drawLine(modes, state);

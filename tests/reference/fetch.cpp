@@ -42,7 +42,7 @@ uint32_t firstTexel(const Texture &texture, Position at)
 namespace {
 
 struct Fraction {
-    int32_t x, y; /* 0 to 255; a texel's centre is at 128 */
+    int32_t x, y; // 0 to 255; a texel's centre is at 128
 
     explicit Fraction(Position at) : x(at.u >> 8 & 255), y(at.v >> 8 & 255)
     {

@@ -3,7 +3,7 @@
 namespace reference {
 namespace {
 
-/* Levels of full coverage by quality; whatever is not 0 to 3 delivers mono bits. */
+// Levels of full coverage by quality; whatever is not 0 to 3 delivers mono bits.
 uint64_t fullLevel(uint32_t quality)
 {
     switch (quality) {
@@ -19,11 +19,11 @@ uint64_t byteAt(const ServedGlyph &glyph, uint64_t index)
     return index < glyph.bytes.size() ? glyph.bytes[index] : 0;
 }
 
-/* Coverage of one pixel before it is cut to a byte. */
+// Coverage of one pixel before it is cut to a byte.
 uint64_t coverage(const ServedGlyph &glyph, uint32_t quality, uint64_t col, uint64_t row)
 {
     if (quality == 0) {
-        /* The bitmap is one string of bits, a row starting every rowBits of them. */
+        // The bitmap is one string of bits, a row starting every rowBits of them.
         const uint64_t rowBits = (uint64_t{glyph.width} / 8 + 3) / 4 * 32;
         const uint64_t bit = row * rowBits + col;
         const uint64_t weight = 128 >> bit % 8;
@@ -94,7 +94,7 @@ bool placeGlyph(GlyphState &state, const ServedGlyph &glyph, bool rim)
     state.width = static_cast<int32_t>(glyph.width);
     state.height = static_cast<int32_t>(glyph.height);
 
-    /* The line's bottom is taken where the cursor was, also for a glyph that then starts a new line. */
+    // The line's bottom is taken where the cursor was, also for a glyph that then starts a new line.
     const uint32_t bottom = state.cursorY + glyph.height;
     if (bottom > state.lineBottom)
         state.lineBottom = bottom;

@@ -5,9 +5,9 @@ namespace reference {
 
 namespace {
 
-/* The two axes of a line; both the same way round for the major and the minor one. */
+// The two axes of a line; both the same way round for the major and the minor one.
 struct Axis {
-    int32_t from, to, low, high; /* ends; clip bounds, the high one exclusive */
+    int32_t from, to, low, high; // ends; clip bounds, the high one exclusive
 
     int32_t length() const
     {
@@ -26,11 +26,11 @@ private:
     bool steep;
     bool inside[2];
     Axis major, minor;
-    int32_t length;    /* pixels still to go, the end point included */
-    int32_t direction; /* along the major axis */
+    int32_t length;    // pixels still to go, the end point included
+    int32_t direction; // along the major axis
     Ramp minorRamp;
     Ramp colour[4];
-    int32_t steps = 0; /* made so far */
+    int32_t steps = 0; // made so far
 
     int32_t minorNow() const
     {
@@ -54,7 +54,7 @@ Line::Line(const Modes &drawModes, RenderState &drawState) : modes(drawModes), s
     length = major.length();
     direction = major.from > major.to ? -1 : 1;
 
-    /* half a pixel more in the direction of travel; no travel counts as backward */
+    // half a pixel more in the direction of travel; no travel counts as backward
     const int32_t travel = fromWhole(sub(minor.to, minor.from));
     const int32_t widened = travel < 1 ? sub(travel, 32768) : add(travel, 32768);
     minorRamp = {add(fromWhole(minor.from), 0x8000), divide(widened, length)};
@@ -108,7 +108,7 @@ void Line::drawInside()
 
 void Line::drawClipped()
 {
-    /* cut the ends that lie beyond the clip rectangle along the major axis */
+    // cut the ends that lie beyond the clip rectangle along the major axis
     int32_t skipped = 0;
     if (direction < 0) {
         if (major.from >= major.high)
@@ -125,7 +125,7 @@ void Line::drawClipped()
         length = sub(add(length, sub(major.high, major.to)), 1);
     }
 
-    /* leave at once when going away from it on the minor axis; otherwise walk up to it */
+    // leave at once when going away from it on the minor axis; otherwise walk up to it
     const int32_t start = minorNow();
     if (minorRamp.step >= 0 && start >= minor.high)
         return;

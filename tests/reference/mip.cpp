@@ -1,4 +1,4 @@
-/* Choice of a mip level: for a row of a line table, and for a whole primitive. */
+// Choice of a mip level: for a row of a line table, and for a whole primitive.
 #include <algorithm>
 #include <cmath>
 
@@ -10,12 +10,12 @@ namespace {
 
 struct Choice {
     bool found = false;
-    uint32_t octave = 0; /* 0 where none was found */
-    int32_t weight = 0;  /* of the level against the next smaller one */
+    uint32_t octave = 0; // 0 where none was found
+    int32_t weight = 0;  // of the level against the next smaller one
 };
 
-/* The octave of a 16.16 density. The bounds wrap: above the 14th octave they turn negative, so that negative densities land in
- * the last one. */
+// The octave of a 16.16 density. The bounds wrap: above the 14th octave they turn negative, so that negative densities land in
+// the last one.
 Choice octaveOf(int32_t density)
 {
     for (uint32_t octave = 0; octave < 16; ++octave) {
@@ -27,13 +27,13 @@ Choice octaveOf(int32_t density)
     return {};
 }
 
-/* The last level is never the main one. */
+// The last level is never the main one.
 uint32_t levelOf(const Choice &choice, const Texture &texture)
 {
     return choice.octave < texture.mipCount - 1 ? choice.octave : texture.mipCount - 2;
 }
 
-/* Length of a segment in texels; both differences in whole texels. */
+// Length of a segment in texels; both differences in whole texels.
 int32_t lengthOf(int32_t u, int32_t v)
 {
     const double horizontal = u;
@@ -70,7 +70,7 @@ SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNum
 
 namespace {
 
-/* The level of `density` in the place of a texture and its coordinates. */
+// The level of `density` in the place of a texture and its coordinates.
 void substitute(int32_t density, Texture *&texture, TexCoord (&uv)[4], int32_t &weight, Texture *&below)
 {
     const Choice choice = octaveOf(density);
@@ -83,7 +83,7 @@ void substitute(int32_t density, Texture *&texture, TexCoord (&uv)[4], int32_t &
         corner = {corner.u >> level, corner.v >> level};
 }
 
-/* Draws with `density` as the measure of a texture's coordinates: from the base texture with `direct`, or from a level. */
+// Draws with `density` as the measure of a texture's coordinates: from the base texture with `direct`, or from a level.
 template <typename Density, typename Direct, typename Draw>
 void drawByLevel(RenderState &state, Density density, Direct direct, Draw drawShape, const Modes &modes)
 {

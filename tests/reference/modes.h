@@ -1,4 +1,4 @@
-/* A draw code taken apart. */
+// A draw code taken apart.
 #ifndef REFERENCE_MODES_H
 #define REFERENCE_MODES_H
 
@@ -13,7 +13,7 @@ struct Modes {
     int multi = 0;
     int blend = 0;
     int shahei = 0;
-    int option = 0; /* of a rectangle */
+    int option = 0; // of a rectangle
     int filter = 0;
     bool prescale = false;
     bool rule = false;
@@ -22,7 +22,7 @@ struct Modes {
     static Modes of(uint32_t code);
     uint32_t code() const;
 
-    /* the plane is walked word by word */
+    // the plane is walked word by word
     bool plane() const
     {
         return shahei == 1 || shahei == 2;
@@ -39,12 +39,12 @@ struct Modes {
     {
         return filter != 6 && filter != 7;
     }
-    /* maps have removed the zeros of the source, or there is no source texture */
+    // maps have removed the zeros of the source, or there is no source texture
     bool zeroIsDrawn() const
     {
         return !textured() || (shape == rectangle && (option == 5 || option == 6));
     }
-    /* blends that weigh by the alpha of the source */
+    // blends that weigh by the alpha of the source
     bool alphaBlend() const
     {
         return blend == 1 || blend == 2 || blend == 4;

@@ -1,4 +1,4 @@
-/* Triangles that fill the occlusion planes. */
+// Triangles that fill the occlusion planes.
 #include "occlusion.h"
 
 #include <algorithm>
@@ -39,8 +39,8 @@ public:
 private:
     const Fill &fill;
     RenderState &state;
-    int32_t row = 0; /* next row to fill */
-    Ramp left, right; /* edges, from `row` on */
+    int32_t row = 0; // next row to fill
+    Ramp left, right; // edges, from `row` on
 
     void part(int32_t height, bool jumpWithinHeight);
     void span(int32_t x, int32_t y, int32_t width);
@@ -80,7 +80,7 @@ void Filler::span(int32_t x, int32_t y, int32_t width)
     }
 }
 
-/* Rows of one trapezoid. A part that starts above clipTop jumps by the distance to clipLeft, which may lead upward. */
+// Rows of one trapezoid. A part that starts above clipTop jumps by the distance to clipLeft, which may lead upward.
 void Filler::part(int32_t height, bool jumpWithinHeight)
 {
     if (state.clipTop > row) {

@@ -7,7 +7,7 @@
 
 namespace reference {
 
-/* The occlusion fill of this name; false if there is none. */
+// The occlusion fill of this name; false if there is none.
 bool drawOcclusion(std::string_view name, RenderState &state);
 
 } // namespace reference

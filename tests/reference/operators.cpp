@@ -13,7 +13,7 @@ void setOperatorState(const RenderState *state)
 
 namespace {
 
-/* Channels are numbered from the low end: 0 blue, 1 green, 2 red, 3 alpha. */
+// Channels are numbered from the low end: 0 blue, 1 green, 2 red, 3 alpha.
 uint32_t channel(uint32_t pixel, int number)
 {
     return pixel >> (8 * number) & 255;
@@ -24,7 +24,7 @@ uint32_t placed(uint32_t value, int number)
     return value << (8 * number);
 }
 
-/* An operator that treats blue, green and red alike and apart; alpha 0. */
+// An operator that treats blue, green and red alike and apart; alpha 0.
 template <typename Function>
 uint32_t eachColour(uint32_t first, uint32_t second, Function function)
 {
@@ -52,7 +52,7 @@ uint32_t alphaMixedFast(uint32_t dst, uint32_t src)
     }
 }
 
-/* Constant factors are not limited to 255, so channels may run into each other: two packed words. */
+// Constant factors are not limited to 255, so channels may run into each other: two packed words.
 uint32_t constantMixed(uint32_t dst, uint32_t src, uint32_t alpha)
 {
     const uint32_t rest = 255 - alpha;
@@ -61,7 +61,7 @@ uint32_t constantMixed(uint32_t dst, uint32_t src, uint32_t alpha)
     return ((redBlue & 0xFF00FF00) | (green & 0xFF0000)) >> 8;
 }
 
-/* Red and green lose the low bit of both operands and always come out odd; blue keeps its own. Alpha is 1. */
+// Red and green lose the low bit of both operands and always come out odd; blue keeps its own. Alpha is 1.
 uint32_t added(uint32_t dst, uint32_t src)
 {
     uint32_t result = placed(1, 3);
@@ -74,8 +74,8 @@ uint32_t added(uint32_t dst, uint32_t src)
     return result;
 }
 
-/* Bit 0 of each channel is set in both operands; a borrow from the channel below is taken off, and is what is left of a channel
- * that goes below 0. Alpha wraps. */
+// Bit 0 of each channel is set in both operands; a borrow from the channel below is taken off, and is what is left of a channel
+// that goes below 0. Alpha wraps.
 uint32_t subtracted(uint32_t dst, uint32_t src)
 {
     uint32_t result = 0;
@@ -95,7 +95,7 @@ uint32_t multiplied(uint32_t dst, uint32_t src)
     return eachColour(dst, src, [](uint32_t d, uint32_t s) { return d * s >> 8; });
 }
 
-/* A product of 128 and up gives 255; another is doubled, and takes the top bit of the channel below as its bit 0. */
+// A product of 128 and up gives 255; another is doubled, and takes the top bit of the channel below as its bit 0.
 uint32_t multipliedTwice(uint32_t dst, uint32_t src)
 {
     const uint32_t product = multiplied(dst, src);
@@ -132,7 +132,7 @@ uint32_t luma(uint32_t pixel)
     return placed(grey, 0) | placed(grey, 1) | placed(grey, 2);
 }
 
-/* The second operand of the second bank. */
+// The second operand of the second bank.
 uint32_t dimmed(uint32_t second)
 {
     return scaleRgb(second, factors->prescaleMulti);

@@ -18,7 +18,7 @@ uint32_t packedInRange(const Ramp (&colour)[4], int32_t distance)
     return result;
 }
 
-/* The same for values below 256; larger ones reach the channels above in green and red. */
+// The same for values below 256; larger ones reach the channels above in green and red.
 uint32_t packedGouraud(const Ramp (&colour)[4], int32_t distance)
 {
     const uint32_t alpha = static_cast<uint32_t>(colour[0].at(distance));
@@ -54,7 +54,7 @@ Form formOf(const Modes &modes)
     }
 }
 
-/* The fraction of u / depth in 32 bits, brought back to 16.16. */
+// The fraction of u / depth in 32 bits, brought back to 16.16.
 static int32_t perspective(int32_t scaled, int32_t depth, uint32_t shift)
 {
     const uint32_t weight = static_cast<uint32_t>(depth);
@@ -86,7 +86,7 @@ uint32_t Painter::blockTexel(const Texture &texture, Position at) const
     return texelAt(texture, quantised(column, state.mosaicSize), quantised(line, state.mosaicSize));
 }
 
-/* Columns of the second texture wrap before they are taken to a block, and have a block width of their own. */
+// Columns of the second texture wrap before they are taken to a block, and have a block width of their own.
 uint32_t Painter::secondBlockTexel(const Texture &texture, Position at) const
 {
     const int32_t column = quantised(wrapped(at.u >> 16, texture.width), state.mosaicSize1);
@@ -103,7 +103,7 @@ int32_t Painter::ruleValue(int32_t distance) const
     return static_cast<int32_t>(texelAt(*state.tex2, whole(row.ruleU.at(distance)), whole(row.ruleV.at(distance))) & 255);
 }
 
-/* Fetch, transparent test and multi: the source as it comes to prescale, or nothing where none is to be drawn. */
+// Fetch, transparent test and multi: the source as it comes to prescale, or nothing where none is to be drawn.
 std::optional<uint32_t> Painter::source(int32_t distance, int32_t behind) const
 {
     if (form == Form::flat)
@@ -159,13 +159,13 @@ std::optional<uint32_t> Painter::source(int32_t distance, int32_t behind) const
     else if (modes.multi == 2)
         result = state.multiFunc(first, state.color[0]);
 
-    /* Triangles of two point levels without rule throw the operator's result away. */
+    // Triangles of two point levels without rule throw the operator's result away.
     if (form == Form::pointLevels && modes.shape == triangle && !modes.rule)
         return first;
     return result;
 }
 
-/* A zero in the second texture is no hole: the first goes on. */
+// A zero in the second texture is no hole: the first goes on.
 uint32_t Painter::withSecondTexture(uint32_t centre, uint32_t first, int32_t distance) const
 {
     const Texture &texture = *row.source[1].texture;
@@ -246,8 +246,8 @@ void Painter::span(int32_t left, int32_t right)
         pixel(column);
 }
 
-/* Shahei modes 1 and 2: sixteen pixels at a time, as the plane's words lie. What lies outside the span is marked taken for as
- * long as the row is walked. */
+// Shahei modes 1 and 2: sixteen pixels at a time, as the plane's words lie. What lies outside the span is marked taken for as
+// long as the row is walked.
 void Painter::words(int32_t left, int32_t right)
 {
     if (left >= right)
@@ -264,7 +264,7 @@ void Painter::words(int32_t left, int32_t right)
     *last |= outsideLast;
 
     const uint16_t *zeros = modes.option == 6 ? state.tex0->zeroPixelMap + row.plane : nullptr;
-    /* filled rectangles mark also what the rule refused */
+    // filled rectangles mark also what the rule refused
     const bool markRefused = modes.shape == rectangle && !modes.textured();
     for (int32_t number = 0; number < count; ++number) {
         const unsigned taken = first[number] | row.mask | (zeros != nullptr ? zeros[number] : 0u);

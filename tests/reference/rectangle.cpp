@@ -29,7 +29,7 @@ Box::Box(const RenderState &state)
 
 namespace {
 
-/* One texture's way over the rectangle. Rows are counted from the unclipped top. */
+// One texture's way over the rectangle. Rows are counted from the unclipped top.
 class Walk {
 public:
     Walk(const Modes &drawModes, RenderState &drawState, const Box &drawBox, int number)
@@ -43,7 +43,7 @@ public:
                 std::swap(corner[0].u, corner[1].u);
             if (box.swapY)
                 std::swap(corner[0].v, corner[1].v);
-            leftU = rampBetween(corner[0].u, corner[1].u, box.width); /* along the row */
+            leftU = rampBetween(corner[0].u, corner[1].u, box.width); // along the row
             leftV = rampBetween(corner[0].v, corner[1].v, box.height);
         } else if (modes.option == 2) {
             if (box.swapX) {
@@ -94,13 +94,13 @@ private:
     Ramp leftU, leftV, rightU, rightV;
 };
 
-/* Four colours over the rectangle. */
+// Four colours over the rectangle.
 class Colours {
 public:
     Colours(const Modes &modes, const RenderState &state, const Box &drawBox) : width(drawBox.width)
     {
         uint32_t corner[4] = {state.color[0], state.color[1], state.color[2], state.color[3]};
-        /* they follow the vertices where source positions do */
+        // they follow the vertices where source positions do
         const bool follow = modes.option >= 1 && modes.option <= 3;
         if (follow && drawBox.swapX) {
             std::swap(corner[0], corner[1]);
@@ -128,8 +128,8 @@ private:
     Ramp left[4], right[4];
 };
 
-/* Rect option 5: along the runs of the texture's map. A run of 128 zeros or more moves 128 columns back, because its length is
- * negated in eight bits. */
+// Rect option 5: along the runs of the texture's map. A run of 128 zeros or more moves 128 columns back, because its length is
+// negated in eight bits.
 void drawRuns(const Modes &modes, const Texture &texture, const Box &box, Painter &painter)
 {
     const SourceRow &source = painter.row.source[0];
@@ -182,7 +182,7 @@ void drawRectangle(const Modes &modes, RenderState &state)
     }
 
     const int32_t firstPixel = shiftLeft(box.top, state.dstShift);
-    int32_t drawnRows = 0; /* mask, plane and rule stand still where the line table leaves a row out */
+    int32_t drawnRows = 0; // mask, plane and rule stand still where the line table leaves a row out
     for (int32_t y = box.top; y < box.bottom; ++y) {
         const int32_t line = sub(y, box.fullTop);
         if (modes.option == 3 && state.lineTable0[line].startU == NINEFOLD_SKIP_ROW)

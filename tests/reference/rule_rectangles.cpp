@@ -1,4 +1,4 @@
-/* The exported rule rectangles: two simple ones, and two of the table's kind that have no code. */
+// The exported rule rectangles: two simple ones, and two of the table's kind that have no code.
 #include "rule_rectangles.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ uint32_t wiped(const RenderState &state, uint32_t dst, uint32_t src, int32_t rul
     return softEdge(state, dst, src, ruleValue);
 }
 
-/* A texture stretched over the box, as its four bounds say. */
+// A texture stretched over the box, as its four bounds say.
 struct Stretch {
     Ramp u, v;
 
@@ -40,7 +40,7 @@ struct Stretch {
     }
 };
 
-/* tex0 stretched over the rectangle, wiped in by ruleAt(x, y); both count from the unclipped corner. */
+// tex0 stretched over the rectangle, wiped in by ruleAt(x, y); both count from the unclipped corner.
 template <typename Rule>
 void drawWiped(RenderState &state, const Box &box, Rule ruleAt)
 {
@@ -86,7 +86,7 @@ void drawRectGradRule(RenderState &state)
     });
 }
 
-/* Rule, four corners, plane walk, screen: a combination that the table does not hold. */
+// Rule, four corners, plane walk, screen: a combination that the table does not hold.
 Modes testKernel(int filter)
 {
     Modes modes;
@@ -111,7 +111,7 @@ bool drawRuleRectangle(std::string_view name, RenderState &state)
     else if (name == "DrawRectGradRule_GEN_RULE_TEST")
         drawRectangle(testKernel(5), state);
     else if (name == "DrawRectGradRule_GEN_RULE_MIPMAP_TEST")
-        drawStretchedByLevel(testKernel(5), state); /* the density of its first two corners decides */
+        drawStretchedByLevel(testKernel(5), state); // the density of its first two corners decides
     else
         return false;
     return true;

@@ -7,7 +7,7 @@
 
 namespace reference {
 
-/* The rule rectangle of this name; false if there is none. */
+// The rule rectangle of this name; false if there is none.
 bool drawRuleRectangle(std::string_view name, RenderState &state);
 
 } // namespace reference

@@ -1,7 +1,5 @@
-/*
- * Worked examples for the reference, each small enough to be done by hand. A program of its own that needs no library:
- *   g++ -std=c++20 -Iinclude tests/reference/(all).cpp && ./a.out
- */
+// Worked examples for the reference, each small enough to be done by hand. A program of its own that needs no library:
+//   g++ -std=c++20 -Iinclude tests/reference/(all).cpp && ./a.out
 #include <cmath>
 #include <cstdio>
 #include <map>
@@ -12,7 +10,7 @@
 #include "operators.h"
 #include "reference.h"
 
-Texture::~Texture() = default; /* the library's, when it is linked */
+Texture::~Texture() = default; // the library's, when it is linked
 
 using namespace reference;
 
@@ -30,7 +28,7 @@ void check(bool holds, const char *what, int sourceLine)
 
 #define CHECK(condition) check((condition), #condition, __LINE__)
 
-constexpr int32_t one = 0x10000; /* a texel in 16.16 */
+constexpr int32_t one = 0x10000; // a texel in 16.16
 
 class Picture {
 public:
@@ -47,7 +45,7 @@ public:
             ++texture.log2Height;
     }
 
-    /* each texel tells where it is: alpha 0x80, its row in green, its column in blue */
+    // each texel tells where it is: alpha 0x80, its row in green, its column in blue
     static Picture map(uint32_t width, uint32_t height)
     {
         Picture picture(width, height, 0);
@@ -92,7 +90,7 @@ private:
 
 constexpr uint32_t background = 0x11223344;
 
-/* A frame buffer of 64 by 32 with its planes, and a state that draws into it. */
+// A frame buffer of 64 by 32 with its planes, and a state that draws into it.
 class World {
 public:
     RenderState state{};
@@ -149,7 +147,7 @@ struct Axes {
     uint32_t shape = 1, multi = 3, blend = 0, shahei = 0, option = 0, filter = 0, prescale = 0, rule = 0, pers = 0;
 };
 
-/* Triangles, lines and fills have option 7. */
+// Triangles, lines and fills have option 7.
 void drawWith(World &world, const Axes &axes)
 {
     const uint32_t code = (axes.shape | 0x68) | axes.multi << 8 | axes.blend << 10 | axes.shahei << 15 | axes.option << 18 |
@@ -206,10 +204,10 @@ void operatorExamples()
 
     state.ruleThreshold = 100;
     state.ruleWidth = 2;
-    CHECK(softEdge(state, 0xFF000000, 0xFFFFFFFF, 101) == 0x007F7F7F); /* weight 128 */
+    CHECK(softEdge(state, 0xFF000000, 0xFFFFFFFF, 101) == 0x007F7F7F); // weight 128
     state.ruleThreshold = 0;
     state.ruleWidth = 256;
-    const auto weight = [&state](int32_t value) { /* of white over black, rounded back up */
+    const auto weight = [&state](int32_t value) { // of white over black, rounded back up
         return std::lround(std::ceil((softEdge(state, 0, 0xFF, value) & 255) * 256.0 / 255));
     };
     state.ruleCurve = 1;
@@ -270,12 +268,12 @@ void unitRectangleExamples()
         world.corners(17, 0, 40, 1);
         drawWith(world, {});
         CHECK(world.at(20, 0) == 0x80000003 && world.at(19, 0) == background && world.at(39, 0) == 0x80000006);
-        world.corners(10, 5, 20, 6); /* right edge on clipLeft */
-        world.corners(30, 5, 30, 9); /* no width */
+        world.corners(10, 5, 20, 6); // right edge on clipLeft
+        world.corners(30, 5, 30, 9); // no width
         drawWith(world, {});
         CHECK(world.at(20, 5) == background && world.at(30, 5) == background);
     }
-    { /* a plane word is shared with the neighbours, a zero leaves its bit clear */
+    { // a plane word is shared with the neighbours, a zero leaves its bit clear
         World world;
         world.state.tex0 = &tile.texture;
         world.state.zRef = 0x107;
@@ -283,10 +281,10 @@ void unitRectangleExamples()
         world.plane[1] = 0x0001;
         world.corners(13, 0, 18, 1);
         drawWith(world, {.shahei = 2});
-        CHECK(world.plane[0] == 0x8006 && world.plane[1] == 0xC001); /* 13, 14, 16, 17 without 15 */
+        CHECK(world.plane[0] == 0x8006 && world.plane[1] == 0xC001); // 13, 14, 16, 17 without 15
         CHECK(world.priority[13] == 7 && world.priority[15] == 0 && world.at(15, 0) == background);
     }
-    { /* priority */
+    { // priority
         World world;
         world.state.tex0 = &tile.texture;
         world.state.zRef = 0x105;
@@ -296,20 +294,20 @@ void unitRectangleExamples()
         drawWith(world, {.blend = 4, .shahei = 3});
         CHECK(world.at(0, 0) != background && world.at(1, 0) == background);
     }
-    { /* a zero in the second texture is no hole; the mask stands on the screen */
+    { // a zero in the second texture is no hole; the mask stands on the screen
         World world;
         Picture second = Picture::map(16, 8);
         second.at(3, 0) = 0;
         world.state.tex0 = &tile.texture;
         world.state.tex1 = &second.texture;
         world.state.multiFunc = [](uint32_t, uint32_t) -> uint32_t { return 0x77; };
-        world.state.drawMask[0] = 0x4000; /* column 1 */
+        world.state.drawMask[0] = 0x4000; // column 1
         world.corners(0, 0, 5, 1);
         drawWith(world, {.multi = 0, .shahei = 4});
         CHECK(world.at(0, 0) == 0x77 && world.at(1, 0) == background && world.at(2, 0) == background);
         CHECK(world.at(3, 0) == 0x80000003 && world.at(4, 0) == 0x77);
     }
-    { /* prescale 0 leaves the alpha, and still writes */
+    { // prescale 0 leaves the alpha, and still writes
         World world;
         world.state.tex0 = &tile.texture;
         world.state.prescale = 0;
@@ -321,14 +319,14 @@ void unitRectangleExamples()
 
 void runLengthExamples()
 {
-    { /* a hole of 127 is stepped over; one of 128 moves back 128 and shortens the row by as much */
+    { // a hole of 127 is stepped over; one of 128 moves back 128 and shortens the row by as much
         for (const int hole : {127, 128}) {
             Picture picture(256, 1, 0xFF0000FF);
             for (int x = 2; x < 2 + hole; ++x)
                 picture.at(x, 0) = 0;
             picture.makeMaps();
             World world;
-            world.state.dstShift = 10; /* the buffer as two long rows */
+            world.state.dstShift = 10; // the buffer as two long rows
             world.state.dstPitch = 1024;
             world.state.clipRight = 1024;
             world.state.clipBottom = 2;
@@ -337,10 +335,10 @@ void runLengthExamples()
             drawWith(world, {.option = 5});
             CHECK(world.pixels[301] == 0xFF0000FF);
             CHECK((world.pixels[302 + 127] == 0xFF0000FF) == (hole == 127));
-            CHECK((world.pixels[302 - 128] == 0xFF0000FF) == (hole == 128)); /* read from the columns before */
+            CHECK((world.pixels[302 - 128] == 0xFF0000FF) == (hole == 128)); // read from the columns before
         }
     }
-    { /* a pixel that the rule refuses leaves the source where it is, without a gate */
+    { // a pixel that the rule refuses leaves the source where it is, without a gate
         Picture picture = Picture::map(8, 1);
         picture.at(0, 0) = 0x80000000;
         picture.makeMaps();
@@ -358,7 +356,7 @@ void runLengthExamples()
         CHECK(slipping.at(0, 0) == background && slipping.at(1, 0) == 0x80000000 && slipping.at(7, 0) == 0x80000006);
         CHECK(kept.at(0, 0) == background && kept.at(1, 0) == 0x80000001);
     }
-    { /* zeros of the map are passed over and stay free */
+    { // zeros of the map are passed over and stay free
         Picture picture(64, 32, 0xFF123456);
         picture.at(5, 0) = 0;
         picture.makeMaps();
@@ -376,13 +374,13 @@ void stretchedExamples()
     World unit, stretched;
     unit.state.tex0 = stretched.state.tex0 = &tile.texture;
     unit.corners(0, 0, 16, 8);
-    stretched.corners(16, 8, 0, 0); /* reversed, and the positions with the corners: the same picture */
+    stretched.corners(16, 8, 0, 0); // reversed, and the positions with the corners: the same picture
     stretched.state.uv0[0] = {16 * one, 8 * one};
     drawWith(unit, {});
     drawWith(stretched, {.option = 1});
     CHECK(unit.pixels == stretched.pixels);
     {
-        World world; /* a step of 0x5555; rows toward zero, columns down */
+        World world; // a step of 0x5555; rows toward zero, columns down
         world.state.tex0 = &tile.texture;
         world.state.uv0[0] = {-0x8000, -0x8000};
         world.state.uv0[1] = {0x8000, -0x8000};
@@ -390,7 +388,7 @@ void stretchedExamples()
         drawWith(world, {.option = 1});
         CHECK(world.at(0, 0) == 0x8000000F && world.at(1, 0) == 0x8000000F && world.at(2, 0) == 0x80000000);
     }
-    { /* a taper to a point: the top row reads one texel */
+    { // a taper to a point: the top row reads one texel
         World world;
         world.state.tex0 = &tile.texture;
         world.state.uv0[2] = {0, 8 * one};
@@ -399,7 +397,7 @@ void stretchedExamples()
         drawWith(world, {.option = 2});
         CHECK(world.at(0, 0) == world.at(15, 0) && world.at(0, 0) == 0x80000000 && world.at(15, 4) == 0x80000407);
     }
-    { /* a row left out: mask and plane stand still, records go on; clipped rows count */
+    { // a row left out: mask and plane stand still, records go on; clipped rows count
         std::vector<LineTableRecord> table(8, LineTableRecord{0, 0, 16 * one, 0});
         for (int32_t i = 0; i < 8; ++i)
             table[static_cast<size_t>(i)].startV = table[static_cast<size_t>(i)].endV = i * one;
@@ -415,7 +413,7 @@ void stretchedExamples()
         CHECK(world.at(1, 5) == 0x80000501 && world.taken(1, 4) && !world.taken(0, 4));
         CHECK(world.taken(15, 6) && !world.taken(15, 7));
     }
-    { /* blocks; size 1 is point sampling */
+    { // blocks; size 1 is point sampling
         World blocks;
         blocks.state.tex0 = &tile.texture;
         blocks.state.mosaicSize = 4;
@@ -439,23 +437,23 @@ void bilinearExamples()
     CHECK(corner.centre == 64 && corner.across == 64 && corner.along == 64 && corner.diagonal == 64);
 
     Picture picture(4, 4, 0xFF000000);
-    picture.at(3, 0) = 0xFFFFFFFF; /* left of column 0, around the edge */
+    picture.at(3, 0) = 0xFFFFFFFF; // left of column 0, around the edge
     World world;
     world.state.tex0 = &picture.texture;
     world.corners(0, 0, 1, 1);
     drawWith(world, {.filter = 1});
-    CHECK(world.at(0, 0) == 0x003F3F3F); /* a quarter, alpha 0 */
+    CHECK(world.at(0, 0) == 0x003F3F3F); // a quarter, alpha 0
     drawWith(world, {.blend = 4, .filter = 1});
     CHECK(world.at(0, 0) == blended(4, 0x003F3F3F, 0xFF3F3F3F));
 
-    picture.at(0, 0) = 0; /* a zero centre draws nothing */
+    picture.at(0, 0) = 0; // a zero centre draws nothing
     World hole;
     hole.state.tex0 = &picture.texture;
     hole.corners(0, 0, 1, 1);
     drawWith(hole, {.filter = 1});
     CHECK(hole.drawn() == 0);
 
-    /* the stippled choice: at fraction 128 the share of the texel to the right is 0, so the left one shows everywhere */
+    // the stippled choice: at fraction 128 the share of the texel to the right is 0, so the left one shows everywhere
     std::vector<LineTableRecord> table(1, LineTableRecord{0x8000, 0x8000, 0x8000, 0x8000});
     Picture pair(2, 1, 0xFF0000FF);
     pair.at(1, 0) = 0xFFFF0000;
@@ -466,7 +464,7 @@ void bilinearExamples()
     drawWith(dithered, {.option = 3, .filter = 1});
     for (int x = 0; x < 16; ++x)
         CHECK(dithered.at(x, 0) == 0xFF0000FF);
-    table[0] = {0, 0x8000, 0, 0x8000}; /* half way: the right one on the 128 positions of stipple 128 */
+    table[0] = {0, 0x8000, 0, 0x8000}; // half way: the right one on the 128 positions of stipple 128
     drawWith(dithered, {.option = 3, .filter = 1});
     for (int x = 0; x < 16; ++x)
         CHECK(dithered.at(x, 0) == ((stipple(128)[static_cast<size_t>(x)] >> x & 1) != 0 ? 0xFFFF0000 : 0xFF0000FF));
@@ -483,14 +481,14 @@ void mipExamples()
         world.state.lineTable0 = world.state.lineTable1 = table.data();
         world.state.multiFunc = multiOperator(19, false);
         world.state.mipFrac = world.state.mipFrac1 = -7;
-        world.corners(0, 0, 49, 1); /* step 0x20A72 */
+        world.corners(0, 0, 49, 1); // step 0x20A72
         drawWith(world, {.multi = 0, .option = 3, .filter = 3});
         CHECK(world.state.mipFrac1 == 255 - (0x20A72 >> 9 & 255) && world.state.mipFrac == -7 && world.state.mipTex == nullptr);
         CHECK(world.at(1, 0) == picture.texture.mip[1]->pixels[1]);
         drawWith(world, {.shahei = 1, .option = 3, .filter = 2});
         CHECK(world.state.mipFrac == 250 && world.state.mipTex == picture.texture.mip[2]);
 
-        table[0].endU = 2000 * one; /* asks for more than the chain has */
+        table[0].endU = 2000 * one; // asks for more than the chain has
         picture.texture.mipCount = 3;
         drawWith(world, {.option = 3, .filter = 2});
         picture.texture.mipCount = 8;
@@ -500,7 +498,7 @@ void mipExamples()
         drawWith(world, {.option = 3, .filter = 2});
         CHECK(world.state.mipTex == nullptr);
     }
-    { /* two texels a pixel: level 1; the smaller density decides; rs is restored */
+    { // two texels a pixel: level 1; the smaller density decides; rs is restored
         World world;
         world.state.tex0 = &picture.texture;
         world.state.uv0[1] = {32 * one, 32 * one};
@@ -510,11 +508,11 @@ void mipExamples()
         CHECK(world.at(3, 1) == picture.texture.mip[1]->pixels[64 + 3]);
         CHECK(world.state.tex0 == &picture.texture && world.state.uv0[1].u == 32 * one);
         world.state.mipTex = nullptr;
-        world.state.uv0[1].v = 24 * one; /* one and a half */
+        world.state.uv0[1].v = 24 * one; // one and a half
         drawWith(world, {.option = 1, .filter = 2});
         CHECK(world.state.mipTex == nullptr && world.at(3, 1) == 0x80000106);
     }
-    { /* a triangle at one and a half goes through the levels; its mix has alpha 0 whatever the operator gives */
+    { // a triangle at one and a half goes through the levels; its mix has alpha 0 whatever the operator gives
         World world;
         world.state.tex0 = &picture.texture;
         world.state.multiFunc = [](uint32_t, uint32_t) -> uint32_t { return 0xDEADBEEF; };
@@ -529,7 +527,7 @@ void mipExamples()
 
 void triangleExamples()
 {
-    World filled; /* edges truncate; the bottom row is left out */
+    World filled; // edges truncate; the bottom row is left out
     filled.triangle({0, 0, 1}, {3, 1, 1}, {0, 2, 1});
     filled.state.color[0] = 0;
     drawWith(filled, {.shape = 2, .option = 7, .filter = 6});
@@ -552,12 +550,12 @@ void triangleExamples()
     textured(one1, plain);
     CHECK(one0.pixels == one1.pixels && one0.drawn() > 100);
 
-    World flat; /* no height */
+    World flat; // no height
     flat.triangle({5, 5, 1}, {9, 5, 1}, {1, 5, 1});
     textured(flat, plain);
     CHECK(flat.drawn() == 0);
 
-    World clipped; /* clipping changes no pixel that is left */
+    World clipped; // clipping changes no pixel that is left
     clipped.triangle(a, b, c);
     for (int i = 0; i < 4; ++i)
         clipped.state.uv0[i] = one0.state.uv0[i];
@@ -568,7 +566,7 @@ void triangleExamples()
         for (int x = 0; x < 64; ++x)
             CHECK(clipped.at(x, y) == (y >= 11 && x >= 12 ? one0.at(x, y) : background));
 
-    World shifted; /* a row displaced with its texels, another moved out of the clip rectangle */
+    World shifted; // a row displaced with its texels, another moved out of the clip rectangle
     shifted.triangle(a, b, c);
     for (int i = 0; i < 4; ++i)
         shifted.state.uv0[i] = one0.state.uv0[i];
@@ -580,7 +578,7 @@ void triangleExamples()
     for (int x = 0; x < 60; ++x)
         CHECK(shifted.at(x + 3, 10) == one0.at(x, 10) && shifted.at(x, 12) == background && shifted.at(x, 13) == one0.at(x, 13));
 
-    World deep; /* equal depths: as without perspective but for precision */
+    World deep; // equal depths: as without perspective but for precision
     deep.triangle(a, b, c);
     for (int i = 0; i < 4; ++i)
         deep.state.uv0[i] = {one0.state.uv0[i].u + 0x8000, one0.state.uv0[i].v + 0x8000};
@@ -588,7 +586,7 @@ void triangleExamples()
     drawNamed("DrawPolygon_PERS_TEST", deep.state);
     CHECK(deep.drawn() == one0.drawn() && deep.at(14, 12) == 0x80000C0E);
 
-    World twice; /* the second finds all taken */
+    World twice; // the second finds all taken
     twice.triangle(a, b, c);
     for (int i = 0; i < 4; ++i)
         twice.state.uv0[i] = deep.state.uv0[i];
@@ -605,7 +603,7 @@ void triangleExamples()
 void occlusionExamples()
 {
     World world;
-    world.triangle({3, 0, 1}, {8, 0, 1}, {3, 8, 1}); /* row 0: columns 3 to 7 */
+    world.triangle({3, 0, 1}, {8, 0, 1}, {3, 8, 1}); // row 0: columns 3 to 7
     drawNamed("DrawShaheiPolygonSet", world.state);
     CHECK(world.plane[0] == 0x1F00 && world.plane[4 * 8] == 0);
     drawNamed("DrawShaheiPolygonReset", world.state);
@@ -620,7 +618,7 @@ void occlusionExamples()
     drawNamed("DrawShaheiZbufferPolygonFlip", world.state);
     CHECK(world.plane == before.plane && world.priority == before.priority);
 
-    World odd; /* the jump over clipped rows goes by clipLeft */
+    World odd; // the jump over clipped rows goes by clipLeft
     odd.state.clipTop = 4;
     odd.state.clipLeft = 2;
     odd.triangle({0, 0, 1}, {16, 0, 1}, {0, 16, 1});
@@ -637,7 +635,7 @@ void colourExamples()
     world.state.dstShift = 10;
     world.state.dstPitch = 1024;
     world.state.color[1] = world.state.color[3] = 255;
-    world.corners(256, 1, 0, 0); /* colours do not follow the vertices */
+    world.corners(256, 1, 0, 0); // colours do not follow the vertices
     drawWith(world, {.option = 7, .filter = 7});
     CHECK(world.pixels[0] == 0 && world.pixels[128] == 127 && world.pixels[255] == 254);
 
@@ -652,10 +650,10 @@ void colourExamples()
     line3.corners(9, 9, 9, 9);
     drawWith(line3, {.shape = 0, .option = 7, .filter = 6});
     CHECK(line3.drawn() == 6);
-    line3.corners(60, 20, 70, 20); /* out on the right: up to the last column */
+    line3.corners(60, 20, 70, 20); // out on the right: up to the last column
     drawWith(line3, {.shape = 0, .option = 7, .filter = 6});
     CHECK(line3.drawn() == 10 && line3.at(63, 20) == 0xFF00FF00);
-    line3.corners(40, -1, 43, -1); /* half a row above the clip rectangle counts as row 0, here with the end point */
+    line3.corners(40, -1, 43, -1); // half a row above the clip rectangle counts as row 0, here with the end point
     drawWith(line3, {.shape = 0, .option = 7, .filter = 6});
     CHECK(line3.drawn() == 14 && line3.at(43, 0) == 0xFF00FF00);
 
@@ -669,7 +667,7 @@ void colourExamples()
 void ruleExamples()
 {
     Picture tile = Picture::map(16, 8);
-    Picture rule(16, 8, 0xABCDEF64); /* 100 */
+    Picture rule(16, 8, 0xABCDEF64); // 100
     const auto wipe = [&](int32_t threshold, int32_t width, const Axes &axes) {
         World world;
         world.state.tex0 = &tile.texture;
@@ -687,7 +685,7 @@ void ruleExamples()
     CHECK(wipe(100, 0, {.shahei = 1, .rule = 1}).plane[0] == 0);
     CHECK(wipe(100, 0, {.shahei = 1, .option = 7, .filter = 6, .rule = 1}).plane[0] == 0xFFFF);
 
-    rule.at(15, 0) = 0; /* not read by a position of just below 0 */
+    rule.at(15, 0) = 0; // not read by a position of just below 0
     World below;
     below.state.tex0 = &tile.texture;
     below.state.tex2 = &rule.texture;
@@ -699,7 +697,7 @@ void ruleExamples()
     World gradient;
     gradient.state.tex0 = &tile.texture;
     gradient.corners(0, 0, 16, 8);
-    tile.at(0, 0) = 0; /* drawn all the same */
+    tile.at(0, 0) = 0; // drawn all the same
     for (uint32_t &colour : gradient.state.color)
         colour = 0xFFFFFF80;
     gradient.state.ruleThreshold = 128;
@@ -712,7 +710,7 @@ void ruleExamples()
     gradient.state.color[1] = gradient.state.color[3] = 255;
     gradient.state.color[0] = gradient.state.color[2] = 0;
     gradient.pixels.assign(gradient.pixels.size(), background);
-    gradient.corners(16, 0, 0, 8); /* the wipe follows the vertices */
+    gradient.corners(16, 0, 0, 8); // the wipe follows the vertices
     drawNamed("DrawRectGradRule", gradient.state);
     CHECK(gradient.at(1, 0) != background && gradient.at(14, 0) == background);
 
@@ -725,7 +723,7 @@ void ruleExamples()
     levels.state.uv0[1] = {24 * one, 64 * one};
     levels.state.mipFrac = -7;
     drawNamed("DrawRectGradRule_GEN_RULE_MIPMAP_TEST", levels.state);
-    CHECK(levels.state.mipFrac == -7); /* the smaller step decides */
+    CHECK(levels.state.mipFrac == -7); // the smaller step decides
     levels.state.uv0[1] = {48 * one, 64 * one};
     drawNamed("DrawRectGradRule_GEN_RULE_MIPMAP_TEST", levels.state);
     CHECK(levels.state.mipFrac == 127 && levels.state.mipTex == deep.texture.mip[2]);

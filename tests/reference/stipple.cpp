@@ -6,7 +6,7 @@ namespace reference {
 
 namespace {
 
-/* When each position of the cell is cleared, counted from 0: a quarter of the cell after the other, each spread evenly. */
+// When each position of the cell is cleared, counted from 0: a quarter of the cell after the other, each spread evenly.
 struct Order {
     int rank[16][16] = {};
 
@@ -28,7 +28,7 @@ constexpr Order order;
 
 } // namespace
 
-/* Stipple 0 is the invisible end of a fade: it lacks the one position that the count would give it. */
+// Stipple 0 is the invisible end of a fade: it lacks the one position that the count would give it.
 bool stippleBit(int number, int row, int bit)
 {
     return number == 0 || order.rank[row][bit] > number;

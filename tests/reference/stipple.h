@@ -1,10 +1,10 @@
-/* The 256 stipples of a dissolve. */
+// The 256 stipples of a dissolve.
 #ifndef REFERENCE_STIPPLE_H
 #define REFERENCE_STIPPLE_H
 
 namespace reference {
 
-/* Whether stipple `number` (0 to 255) suppresses the pixel at (15 - bit, row) of its cell. */
+// Whether stipple `number` (0 to 255) suppresses the pixel at (15 - bit, row) of its cell.
 bool stippleBit(int number, int row, int bit);
 
 } // namespace reference

@@ -8,7 +8,7 @@ namespace reference {
 Corners::Corners(const RenderState &state)
 {
     const Vertex(&vertex)[4] = state.vertex;
-    /* the comparisons and their strictness decide about ties */
+    // the comparisons and their strictness decide about ties
     top = 0;
     int b = 1, c = 2;
     if (vertex[0].y > vertex[1].y)
@@ -49,7 +49,7 @@ int32_t Corners::cross() const
 
 namespace {
 
-/* What edges carry. */
+// What edges carry.
 enum Attribute : int {
     edgeX,
     u0,
@@ -79,7 +79,7 @@ private:
     bool carried[attributeCount] = {};
     Values atTop, atMid, atBot;
 
-    /* An edge from one row to another. */
+    // An edge from one row to another.
     struct Edge {
         int32_t firstRow;
         Ramp value[attributeCount];
@@ -92,7 +92,7 @@ private:
     Ramp along(Attribute attribute, const Edge &left, const Edge &right, int32_t y, int32_t width) const;
 };
 
-/* How far a coordinate of all three vertices can go up; decided by its top byte, at most 7. */
+// How far a coordinate of all three vertices can go up; decided by its top byte, at most 7.
 uint32_t Triangle::textureShift(const TexCoord (&uv)[4], int32_t TexCoord::*coordinate) const
 {
     uint32_t smallest = 7;
@@ -109,7 +109,7 @@ uint32_t Triangle::textureShift(const TexCoord (&uv)[4], int32_t TexCoord::*coor
 
 void Triangle::fill(Values &values, int index, int32_t x) const
 {
-    /* textured triangles take the nearest column, filled ones truncate */
+    // textured triangles take the nearest column, filled ones truncate
     values[edgeX] = add(fromWhole(x), modes.textured() ? 0x8000 : 0);
     values[u0] = state.uv0[index].u;
     values[v0] = state.uv0[index].v;
@@ -166,7 +166,7 @@ Triangle::Edge Triangle::edge(const Values &from, int32_t fromRow, const Values 
     return result;
 }
 
-/* An attribute along the span of row y, from one edge to the other. */
+// An attribute along the span of row y, from one edge to the other.
 Ramp Triangle::along(Attribute attribute, const Edge &left, const Edge &right, int32_t y, int32_t width) const
 {
     const int32_t from = left.value[attribute].at(sub(y, left.firstRow));

@@ -1,4 +1,4 @@
-/* What a scene draws into, and everything that is a number. */
+// What a scene draws into, and everything that is a number.
 #include "builder.h"
 
 #include <algorithm>
@@ -44,13 +44,13 @@ void Builder::fill(const Window &window, Pool pool)
     }
 }
 
-/* A clip range within 0 to size. */
+// A clip range within 0 to size.
 void Builder::clipRange(int32_t size, int32_t &low, int32_t &high)
 {
     low = 0;
     high = size;
     const uint32_t style = random.below(100);
-    if (large && style < 60) { /* a few pixels of many, or one */
+    if (large && style < 60) { // a few pixels of many, or one
         const int32_t length = style < 10 ? 1 : std::min(size, random.pick({2, 15, 16, 17, 64, 100, 300}));
         low = random.pick({0, size - length, random.between(0, size - length)});
         high = low + length;
@@ -89,7 +89,7 @@ void Builder::frame()
         log2Height = random.percent(10) ? 0 : random.between(2, small ? 4 : std::min(6, 12 - log2Width));
         if (small)
             log2Width = std::min(log2Width, 7);
-        if (axes().rectOpt == 5 && !guard && random.percent(50)) { /* room to move back in */
+        if (axes().rectOpt == 5 && !guard && random.percent(50)) { // room to move back in
             log2Width = random.between(8, 9);
             log2Height = random.between(0, 2);
         }
@@ -106,7 +106,7 @@ void Builder::frame()
     int64_t firstPixel = 0, endPixel = pitch * scene.frameHeight;
     tight = guard && log2Width >= 2 && random.percent(60) && !scene.subject.fillsPlanes();
     if (tight) {
-        /* pixels stay aligned as a texture's are */
+        // pixels stay aligned as a texture's are
         state.clipLeft &= ~3;
         if ((state.clipRight & ~3) > state.clipLeft)
             state.clipRight &= ~3;
@@ -117,7 +117,7 @@ void Builder::frame()
         endPixel = (state.clipBottom - 1) * pitch + state.clipRight;
     }
     const uint32_t pixels = static_cast<uint32_t>(endPixel - firstPixel);
-    /* a run of 128 zeros moves back 128 columns, as often as the row is long */
+    // a run of 128 zeros moves back 128 columns, as often as the row is long
     const uint32_t before = overlap ? 0x8800 : axes().rectOpt == 5 ? 4 * (pitch + 160) : 4 * (pitch + 64);
     const uint32_t after = overlap ? 0x8800 : 4 * 64;
 
@@ -161,7 +161,7 @@ void Builder::planes()
         } else if (window.slot == planeSlot) {
             fill(window, random.pick({noisePool, noisePool, solidPool, runPool}));
             const uint32_t style = random.below(10) < 5 ? 0 : random.below(5);
-            if (style < 2) { /* free, or taken, but for some words */
+            if (style < 2) { // free, or taken, but for some words
                 Random words(random.bits());
                 for (uint32_t at = 0; at < size; at += 2)
                     if (words.percent(75))
@@ -169,7 +169,7 @@ void Builder::planes()
             }
         } else {
             fill(window, random.pick({noisePool, solidPool, extremePool}));
-            if (random.percent(60)) { /* around the reference value */
+            if (random.percent(60)) { // around the reference value
                 const uint8_t around = static_cast<uint8_t>(state.zRef);
                 for (uint32_t at = 0; at < size; ++at)
                     bytes[at] = static_cast<std::byte>(around + (static_cast<uint8_t>(bytes[at]) >> 5) % 3 - 1);

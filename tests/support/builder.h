@@ -1,4 +1,4 @@
-/* Makes a scene. */
+// Makes a scene.
 #ifndef SUPPORT_BUILDER_H
 #define SUPPORT_BUILDER_H
 
@@ -13,8 +13,8 @@ inline int32_t wrapping(int64_t value)
     return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(value)));
 }
 
-/* Sums of scenes are checked in, so no expression may draw two random numbers in an order that a compiler is free to choose. */
-/* Of a difference that may need 33 bits: as drawing takes it. */
+// Sums of scenes are checked in, so no expression may draw two random numbers in an order that a compiler is free to choose.
+// Of a difference that may need 33 bits: as drawing takes it.
 inline int32_t distanceOf(int32_t a, int32_t b)
 {
     const int32_t difference = wrapping(int64_t{a} - b);
@@ -32,28 +32,28 @@ private:
     Random random;
 
     bool big = false, small = false, overlap = false, guard = false, offsets = false, large = false;
-    bool atEnd = false; /* of the slot, with guard */
+    bool atEnd = false; // of the slot, with guard
     bool tight =
-        false; /* with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle */
-    bool chains = false; /* levels are walked */
-    bool forward = false; /* texture positions must not be negative */
+        false; // with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle
+    bool chains = false; // levels are walked
+    bool forward = false; // texture positions must not be negative
     bool writesPlanes = false, readsPriority = false;
-    int64_t firstWord = 0, endWord = 0; /* of the Shahei plane */
+    int64_t firstWord = 0, endWord = 0; // of the Shahei plane
 
     ninefold::Axes &axes() { return scene.axes; }
     bool textured() { return axes().filter != 6 && axes().filter != 7 && !scene.subject.fillsPlanes(); }
 
-    /* memory */
+    // memory
     Place place(int slot, uint32_t bytes, uint32_t align, uint32_t roomBefore, uint32_t roomAfter);
     void addWindow(int slot, int64_t begin, int64_t end);
     void fill(const Window &window, Pool pool);
 
-    /* what is drawn into */
+    // what is drawn into
     void frame();
     void clipRange(int32_t size, int32_t &low, int32_t &high);
     void planes();
 
-    /* where */
+    // where
     void primitive();
     bool visible() const;
     void rectangle();
@@ -63,7 +63,7 @@ private:
     void origin();
     void farOut();
 
-    /* textures and positions in them */
+    // textures and positions in them
     struct Size {
         int log2Width, log2Height;
     };
@@ -84,7 +84,7 @@ private:
     void lineTable(Place &table, int slot, int texture, bool skips);
     void shifts();
 
-    /* the rest */
+    // the rest
     void colours();
     void factors();
     void rule();

@@ -1,4 +1,4 @@
-/* Where a scene draws. */
+// Where a scene draws.
 #include "builder.h"
 
 #include <algorithm>
@@ -7,11 +7,11 @@
 
 namespace support {
 
-/* Lengths around the sizes of vectors, plane words and chunks. */
+// Lengths around the sizes of vectors, plane words and chunks.
 constexpr int32_t lengths[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,  16,  17,  18, 23,
                                24, 25, 31, 32, 33, 47, 48, 49, 63, 64, 65, 79, 80, 81, 127, 128, 129, 200};
 
-/* Ends of a primitive against the clip range low to high: inside, over either end or both, outside, touching, of no size. */
+// Ends of a primitive against the clip range low to high: inside, over either end or both, outside, touching, of no size.
 void Builder::range(int32_t low, int32_t high, int32_t size, int32_t &from, int32_t &to)
 {
     const int32_t room = high - low;
@@ -25,13 +25,13 @@ void Builder::range(int32_t low, int32_t high, int32_t size, int32_t &from, int3
     else if (style < 95)
         from = low - random.between(0, 20);
     else if (style < 96)
-        from = high; /* touches */
+        from = high; // touches
     else if (style < 97)
         from = low - size;
     else
         from = random.between(low - size, high);
     to = from + size;
-    if (style >= 80 && style < 95) /* wider than the clip rectangle */
+    if (style >= 80 && style < 95) // wider than the clip rectangle
         to = std::max(to, high + random.between(0, 20));
     if (random.percent(1))
         to = from;
@@ -52,7 +52,7 @@ void Builder::rectangle()
     range(state.clipLeft, state.clipRight, length(columns), left, right);
     range(state.clipTop, state.clipBottom, random.percent(60) ? random.between(std::min(lines, 4), lines + 3) : length(lines),
           top, bottom);
-    if (random.percent(2) && !forward) { /* far out */
+    if (random.percent(2) && !forward) { // far out
         left -= random.between(0, 70000);
         right += random.between(0, 70000);
         if (axes().rectOpt != 3) {
@@ -96,7 +96,7 @@ void Builder::line()
         to.x = from.x;
     if (style == 1)
         to.y = from.y;
-    if (style == 2) { /* diagonal, or next to it */
+    if (style == 2) { // diagonal, or next to it
         const int32_t direction = random.pick({-1, 1});
         to.y = from.y + direction * (to.x - from.x) + random.between(-1, 1);
     }
@@ -119,45 +119,45 @@ void Builder::triangle()
         vertex[i].x = centreX + random.between(-reachX, reachX) / 2;
         vertex[i].y = centreY + random.between(-reachY, reachY) / 2;
     }
-    if (random.percent(50)) { /* one corner left, one right, one below or above: of some area */
+    if (random.percent(50)) { // one corner left, one right, one below or above: of some area
         vertex[0].x = centreX - random.between(1, reachX) / 2 - 1;
         vertex[1].x = centreX + random.between(1, reachX) / 2 + 1;
         vertex[2].y = centreY + random.pick({-1, 1}) * (reachY / 2 + 2);
     }
     switch (random.below(20)) {
-    case 0: /* flat top or bottom, as the third falls */
+    case 0: // flat top or bottom, as the third falls
     case 1: vertex[1].y = vertex[0].y; break;
-    case 2: /* upright edge */ vertex[1].x = vertex[0].x; break;
-    case 3: { /* on one line, or next to it */
+    case 2: vertex[1].x = vertex[0].x; break; // upright edge
+    case 3: { // on one line, or next to it
         const int32_t dx = vertex[1].x - vertex[0].x, dy = vertex[1].y - vertex[0].y;
         const int32_t times = random.pick({-1, 2, 3});
         vertex[2].x = vertex[0].x + times * dx + random.between(-1, 1);
         vertex[2].y = vertex[0].y + times * dy;
         break;
     }
-    case 4: /* one row, or one point */
+    case 4: // one row, or one point
         if (random.percent(20))
             vertex[1].y = vertex[2].y = vertex[0].y;
         else
             vertex[1].y = vertex[0].y + 1, vertex[2].y = vertex[0].y + random.between(0, 1);
         break;
-    case 5: /* the middle vertex at an edge of the clip rectangle */
+    case 5: // the middle vertex at an edge of the clip rectangle
         vertex[0].y = state.clipTop - random.between(1, 20);
         vertex[1].y = random.pick(
             {state.clipTop - 1, state.clipTop, state.clipTop + 1, state.clipBottom - 1, state.clipBottom, state.clipBottom + 1});
         vertex[2].y = state.clipBottom + random.between(-2, 20);
         break;
-    case 6: /* touches from outside */
+    case 6: // touches from outside
         vertex[0].y = random.pick({state.clipTop, state.clipBottom});
         vertex[1].y = vertex[0].y + random.between(-10, 10);
         break;
-    case 7: /* one far away */
+    case 7: // one far away
         vertex[0].x += random.between(-2000, 2000);
         vertex[0].y += random.between(-2000, 2000);
         if (random.percent(10))
             vertex[1].x += random.between(-90000, 90000);
         break;
-    case 8: /* covers all */
+    case 8: // covers all
         vertex[0] = {state.clipLeft - width - 4, state.clipTop - 3, 0};
         vertex[1] = {state.clipRight + width + 4, state.clipTop - 3, 0};
         vertex[2] = {state.clipLeft + width / 2, state.clipBottom + height + 9, 0};
@@ -198,7 +198,7 @@ void Builder::primitive()
     }
 }
 
-/* Whether some of the primitive is likely to be seen. */
+// Whether some of the primitive is likely to be seen.
 bool Builder::visible() const
 {
     const RenderState &state = scene.state;
@@ -223,8 +223,8 @@ bool Builder::visible() const
     return std::abs(cross) >= 30;
 }
 
-/* Moves vertices far away, to where products and shifts of coordinates lose bits. A rectangle's sizes may grow into their sign; lines and
- * triangles stay below 2^31. What is looked up row by row stays near, and so does a line's start: some lines are drawn without a test. */
+// Moves vertices far away, to where products and shifts of coordinates lose bits. A rectangle's sizes may grow into their sign; lines and
+// triangles stay below 2^31. What is looked up row by row stays near, and so does a line's start: some lines are drawn without a test.
 void Builder::farOut()
 {
     if (forward || !random.percent(25))

@@ -1,4 +1,4 @@
-/* What a scene draws from: textures, positions in them, line tables. */
+// What a scene draws from: textures, positions in them, line tables.
 #include "builder.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ Builder::Size Builder::textureSize()
 {
     const uint32_t style = random.below(100);
     Size size;
-    if (offsets && style < 70) { /* rows as long as the frame buffer's, so that the distance stays what it is */
+    if (offsets && style < 70) { // rows as long as the frame buffer's, so that the distance stays what it is
         const TextureSpec &frameTexture = scene.textures[static_cast<size_t>(scene.frameTexture)];
         size = {frameTexture.log2Width, frameTexture.log2Height};
     } else if (large) {
@@ -31,7 +31,7 @@ Builder::Size Builder::textureSize()
         size = {random.between(0, 8), 0};
     } else if (style < 65) {
         size = {random.between(1, 5), random.between(1, 5)};
-    } else if (style < 85 || small) { /* rows that hold whole vectors */
+    } else if (style < 85 || small) { // rows that hold whole vectors
         size = {random.between(4, 7), random.between(0, 4)};
     } else {
         size.log2Width = random.between(1, big ? 11 : 9);
@@ -40,10 +40,10 @@ Builder::Size Builder::textureSize()
     return size;
 }
 
-/* A texture in a slot, and with `chain` its levels in the slots behind it. */
+// A texture in a slot, and with `chain` its levels in the slots behind it.
 int Builder::texture(int slot, Size size, Pool pool, bool chain)
 {
-    /* halved, or of a host's own making: any sizes */
+    // halved, or of a host's own making: any sizes
     const bool regular = !chain || !random.percent(12);
     int count = 1;
     if (chain) {
@@ -89,13 +89,13 @@ void Builder::textures()
     if (textured())
         scene.tex0 = source(tex0Slot);
     const bool needsSecond = axes().multi == 0 || scene.subject.is("DrawRectGradRule_GEN_RULE_MIPMAP_TEST");
-    if (needsSecond || random.percent(30)) /* or one that an earlier draw left behind */
+    if (needsSecond || random.percent(30)) // or one that an earlier draw left behind
         scene.tex1 = source(tex1Slot);
     if (axes().rule || random.percent(10)) {
         const Size size = textureSize();
         scene.tex2 = texture(ruleSlot, size, random.pick({noisePool, solidPool, solidPool, extremePool}), false);
         const Window &window = scene.windows[static_cast<size_t>(scene.windowCount - 1)];
-        if (random.percent(50)) { /* values around the ends of the soft edge */
+        if (random.percent(50)) { // values around the ends of the soft edge
             std::byte *const bytes = world.begin(window.slot) + window.begin;
             const int32_t low = scene.state.ruleThreshold, high = wrapping(int64_t{low} + scene.state.ruleWidth);
             for (uint32_t at = 0; at + 4 <= window.end - window.begin; at += 4) {
@@ -105,7 +105,7 @@ void Builder::textures()
             }
         }
     }
-    /* what an earlier draw of a mip filter left behind */
+    // what an earlier draw of a mip filter left behind
     const bool readsStale = scene.subject.is("DrawRectGradRule_GEN_RULE_TEST");
     if (readsStale || random.percent(50)) {
         const Size size = textureSize(), size1 = textureSize();
@@ -117,7 +117,7 @@ void Builder::textures()
     scene.state.mipRatio = static_cast<int32_t>(random.word());
 }
 
-/* Moves textures into memory that the draw writes. */
+// Moves textures into memory that the draw writes.
 void Builder::overlaps()
 {
     std::vector<int> sources;
@@ -163,7 +163,7 @@ void Builder::overlaps()
     }
 }
 
-/* Puts a texture, all its levels included, at the scene's distance from the frame buffer. */
+// Puts a texture, all its levels included, at the scene's distance from the frame buffer.
 void Builder::atOffset()
 {
     std::vector<int> sources;
@@ -179,7 +179,7 @@ void Builder::atOffset()
         scene.textures[static_cast<size_t>(wanted.level[static_cast<size_t>(i)])].pixels = there;
     const Window &window = scene.windows[0];
     if (there.offset < window.begin || there.offset + 4 * int64_t{wanted.width()} * wanted.height() > window.end)
-        std::abort(); /* there is room for all */
+        std::abort(); // there is room for all
 }
 
 void Builder::maps()
@@ -201,7 +201,7 @@ void Builder::maps()
         wanted.runs = true;
     }
     if (axes().rectOpt == 6) {
-        /* a bit for each pixel of the frame buffer, whatever the texture's size */
+        // a bit for each pixel of the frame buffer, whatever the texture's size
         scene.zeros = place(zerosSlot, static_cast<uint32_t>(2 * (endWord - firstWord)), 2, 32, 32);
         scene.zeros.offset -= 2 * firstWord;
         fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], random.pick({noisePool, runPool, stripePool}));
@@ -209,13 +209,13 @@ void Builder::maps()
     }
 }
 
-/* Whether each pixel is to read the texel of its own column and row: then the distance that is read at is that of the texture. */
+// Whether each pixel is to read the texel of its own column and row: then the distance that is read at is that of the texture.
 bool Builder::readsInPlace()
 {
     return offsets && random.percent(60);
 }
 
-/* A 16.16 step from a pixel to the next. */
+// A 16.16 step from a pixel to the next.
 int32_t Builder::step()
 {
     const int32_t finest = chains ? -1 : -4, coarsest = chains ? 7 : 4;
@@ -225,7 +225,7 @@ int32_t Builder::step()
     return static_cast<int32_t>(random.percent(30) ? -size : size);
 }
 
-/* Positions at the ends of `count` pixels. */
+// Positions at the ends of `count` pixels.
 Builder::Path Builder::path(int32_t count, int log2Size)
 {
     const int32_t size = 1 << log2Size;
@@ -249,11 +249,11 @@ Builder::Path Builder::path(int32_t count, int log2Size)
     } else {
         from = static_cast<int32_t>(random.word());
         to = static_cast<int32_t>(random.word());
-        if (random.percent(50)) /* from where it may wrap soon */
+        if (random.percent(50)) // from where it may wrap soon
             to = from + int64_t{count} * step();
     }
     result = {wrapping(from), wrapping(to)};
-    if (forward) /* and far enough from 0 that no step, rounded down for a level, leads below it */
+    if (forward) // and far enough from 0 that no step, rounded down for a level, leads below it
         result = {(result.from & 0x3FFFFFFF) | 0x08000000, (result.to & 0x3FFFFFFF) | 0x08000000};
     return result;
 }
@@ -268,7 +268,7 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
             return forward ? (result & 0x3FFFFFFF) | 0x08000000 : result;
         };
         for (int i = 0; i < 4; ++i) {
-            /* the corners of a rectangle follow from two of them */
+            // the corners of a rectangle follow from two of them
             const Vertex &forU = axes().shape == 2 ? vertex[i] : vertex[i & 1];
             const Vertex &forV = axes().shape == 2 ? vertex[i] : axes().rectOpt == 2 ? vertex[i >> 1] : vertex[i & 1];
             uv[i] = {position(forU.x + state.originX), position(forV.y + state.originY)};
@@ -288,7 +288,7 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
         for (int i = 2; i < 4; ++i)
             uv[i] = {path(width, size.log2Width).to, path(height, size.log2Height).to};
         const bool corners = axes().rectOpt == 2;
-        if (corners && random.percent(70)) { /* a skewed picture, perhaps with one corner moved */
+        if (corners && random.percent(70)) { // a skewed picture, perhaps with one corner moved
             const Path skewU = path(height, size.log2Width), skewV = path(width, size.log2Height);
             const auto along = [this](int32_t from, Path by) {
                 const int32_t sum = wrapping(int64_t{from} + by.to - by.from);
@@ -307,7 +307,7 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
     const int32_t down[2] = {random.percent(50) ? 0 : step(), step()};
     const Path start{path(8, size.log2Width).from, path(8, size.log2Height).from};
     for (int i = 0; i < 4; ++i) {
-        if (style < 75) { /* a picture laid over the triangle */
+        if (style < 75) { // a picture laid over the triangle
             const int64_t x = int64_t{vertex[i].x} - vertex[0].x, y = int64_t{vertex[i].y} - vertex[0].y;
             uv[i] = {wrapping(start.from + x * across[0] + y * across[1]), wrapping(start.to + x * down[0] + y * down[1])};
         } else {
@@ -315,7 +315,7 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
         }
     }
     if (axes().pers && !random.percent(15)) {
-        /* perspective serves positions from 0 up */
+        // perspective serves positions from 0 up
         const int bits = random.percent(70) ? 24 : random.between(16, 31);
         for (int i = 0; i < 4; ++i) {
             uv[i].u &= wrapping((int64_t{1} << bits) - 1);

@@ -32,8 +32,8 @@ std::string format(const char *text, Values... values)
     return part;
 }
 
-/* A field as a number that does not depend on where its world lies: a texture by index, other pointers by whether they are still
- * the same. */
+// A field as a number that does not depend on where its world lies: a texture by index, other pointers by whether they are still
+// the same.
 uint64_t fieldValue(const Field &field, const RenderState &start, const RenderState &end, const World &world, size_t at)
 {
     const char *const bytes = reinterpret_cast<const char *>(&end) + field.offset;
@@ -130,7 +130,7 @@ std::string Comparer::pixelDifferences(const Window &window, size_t beforeOffset
     if (same(window.begin, window.end - window.begin))
         return "";
 
-    /* a pixel, a word of sixteen bits, or a byte */
+    // a pixel, a word of sixteen bits, or a byte
     const bool drawn = window.slot <= prioritySlot;
     const uint32_t size = window.slot == planeSlot ? 2 : window.slot == prioritySlot ? 1 : 4;
     const Place &base = window.slot == frameSlot ? scene.pixels : window.slot == planeSlot ? scene.plane : scene.priority;

@@ -1,4 +1,4 @@
-/* Draws a scene with the library and with the reference, and compares all that is left behind. */
+// Draws a scene with the library and with the reference, and compares all that is left behind.
 #ifndef SUPPORT_CHECK_H
 #define SUPPORT_CHECK_H
 
@@ -11,30 +11,30 @@
 
 namespace support {
 
-/* Instruction sets that this machine has; sets are numbered from 0. */
+// Instruction sets that this machine has; sets are numbered from 0.
 int setCount();
 const char *setName(int set);
 
 class Comparer {
 public:
-    /* Starts the library and fetches the kernels, before anything is drawn. Large scenes want memory of their own. */
+    // Starts the library and fetches the kernels, before anything is drawn. Large scenes want memory of their own.
     explicit Comparer(Kind kind = Kind::plain);
 
-    /* What differs, if anything, with one instruction set; -1: with each. `all`: not the first difference only, and the scene. */
+    // What differs, if anything, with one instruction set; -1: with each. `all`: not the first difference only, and the scene.
     std::optional<std::string> check(const Subject &subject, SceneId id, int set = -1, bool all = false);
 
-    /* A sum over what the reference, or the library, leaves behind. */
+    // A sum over what the reference, or the library, leaves behind.
     uint32_t referenceSum(const Subject &subject, SceneId id);
     uint32_t librarySum(const Subject &subject, SceneId id, int set);
 
-    /* Tells which set is about to draw. */
+    // Tells which set is about to draw.
     void (*beforeDraw)(int set) = nullptr;
 
 private:
     World libraryWorld, referenceWorld;
-    std::vector<std::pair<uint32_t, DrawFunc>> kernels; /* by code */
-    std::vector<std::byte> before; /* the windows that are written, as they were */
-    std::vector<std::byte> textureBytes; /* the library's texture records */
+    std::vector<std::pair<uint32_t, DrawFunc>> kernels; // by code
+    std::vector<std::byte> before; // the windows that are written, as they were
+    std::vector<std::byte> textureBytes; // the library's texture records
     Scene scene;
     RenderState libraryStart, referenceStart, referenceEnd;
 
@@ -46,7 +46,7 @@ private:
     std::string pixelDifferences(const Window &window, size_t beforeOffset, bool all) const;
 };
 
-/* Functions that the kernel table names. */
+// Functions that the kernel table names.
 size_t distinctKernels();
 
 } // namespace support

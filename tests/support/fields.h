@@ -1,4 +1,4 @@
-/* The fields of the render state by name. */
+// The fields of the render state by name.
 #ifndef SUPPORT_FIELDS_H
 #define SUPPORT_FIELDS_H
 

@@ -22,7 +22,7 @@ std::string goldenPath()
     return NINEFOLD_TEST_DIR "/golden/sums.txt";
 }
 
-/* Lines of a record's number and sixteen sums from there on; then lines of a function's name and its sum. */
+// Lines of a record's number and sixteen sums from there on; then lines of a function's name and its sum.
 std::vector<uint32_t> readGolden(const std::string &path)
 {
     std::vector<uint32_t> sums;

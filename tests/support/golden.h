@@ -1,4 +1,4 @@
-/* Sums that are checked in: one for each code and each named function, over fixed small scenes, as the reference draws them. */
+// Sums that are checked in: one for each code and each named function, over fixed small scenes, as the reference draws them.
 #ifndef SUPPORT_GOLDEN_H
 #define SUPPORT_GOLDEN_H
 
@@ -12,10 +12,10 @@ namespace support {
 
 constexpr uint32_t goldenScenes = 4;
 
-/* The sum of a subject: by the reference with set -1, else by the library with this instruction set. */
+// The sum of a subject: by the reference with set -1, else by the library with this instruction set.
 uint32_t goldenSum(Comparer &comparer, const Subject &subject, int set);
 
-/* In the order of catalogueSubjects() and then of namedSubjects(). Empty if the file cannot be read. */
+// In the order of catalogueSubjects() and then of namedSubjects(). Empty if the file cannot be read.
 std::vector<uint32_t> readGolden(const std::string &path);
 bool writeGolden(const std::string &path, const std::vector<uint32_t> &sums);
 std::string goldenPath();

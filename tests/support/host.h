@@ -1,4 +1,4 @@
-/* Operators: pairs of the library's and the reference's, and two of a host's own that record how they are called. */
+// Operators: pairs of the library's and the reference's, and two of a host's own that record how they are called.
 #ifndef SUPPORT_HOST_H
 #define SUPPORT_HOST_H
 
@@ -9,7 +9,7 @@
 
 namespace support {
 
-/* What the host's own operators were called with, and in which order. */
+// What the host's own operators were called with, and in which order.
 struct Calls {
     uint64_t digest = 0;
     uint64_t count = 0;
@@ -18,14 +18,14 @@ struct Calls {
 };
 extern Calls calls;
 
-/* An operator by number. */
+// An operator by number.
 enum : int {
     nullOperator,
-    hostMulti, /* what they return depends on all calls so far */
+    hostMulti, // what they return depends on all calls so far
     hostBlend,
-    libraryOperators, /* and up */
-    multiOperators = libraryOperators, /* 20 values in each of two banks */
-    blendOperators = multiOperators + 40, /* values 13 to 20 */
+    libraryOperators, // and up
+    multiOperators = libraryOperators, // 20 values in each of two banks
+    blendOperators = multiOperators + 40, // values 13 to 20
     operatorCount = blendOperators + 8
 };
 
@@ -35,7 +35,7 @@ struct OperatorPair {
 OperatorPair operatorPair(int number);
 std::string operatorName(int number);
 
-/* Calls the library's start-up functions, once, and learns its operators from the setters. */
+// Calls the library's start-up functions, once, and learns its operators from the setters.
 void startLibrary();
 
 } // namespace support

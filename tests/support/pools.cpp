@@ -33,7 +33,7 @@ static std::vector<uint32_t> makePool(int pool)
                    : random.percent(50) ? noise & 0xFFFFFF
                                         : noise;
             break;
-        default: /* runs, of noise or of one colour */
+        default: // runs, of noise or of one colour
             if (left == 0) {
                 left = random.pick<uint32_t>(
                     {1, 2, 3, 5, 8, 15, 16, 17, 31, 32, 33, 63, 64, 65, 126, 127, 128, 129, 255, 256, 257, 300});

@@ -1,4 +1,4 @@
-/* Pools of pixels, made once, from which buffers are filled. */
+// Pools of pixels, made once, from which buffers are filled.
 #ifndef SUPPORT_POOLS_H
 #define SUPPORT_POOLS_H
 
@@ -8,12 +8,12 @@
 namespace support {
 
 enum Pool {
-    noisePool, /* a third of it zeros */
-    solidPool, /* no zero */
-    extremePool, /* channels at the ends and the middle of their range */
-    runPool, /* long runs of zeros, and of noise */
-    alphaPool, /* much that is opaque, or without alpha */
-    stripePool, /* long runs of zeros, and of one colour */
+    noisePool, // a third of it zeros
+    solidPool, // no zero
+    extremePool, // channels at the ends and the middle of their range
+    runPool, // long runs of zeros, and of noise
+    alphaPool, // much that is opaque, or without alpha
+    stripePool, // long runs of zeros, and of one colour
     poolCount
 };
 

@@ -1,5 +1,5 @@
-/* Numbers that are the same on every platform: scenes are made with them. A fuzzer hands in the bytes that they are made of; when those
- * are used up, numbers follow from the seed again. */
+// Numbers that are the same on every platform: scenes are made with them. A fuzzer hands in the bytes that they are made of; when those
+// are used up, numbers follow from the seed again.
 #ifndef SUPPORT_RANDOM_H
 #define SUPPORT_RANDOM_H
 
@@ -23,7 +23,7 @@ public:
 
     uint32_t word() { return !bytes.empty() ? fromBytes(4) : static_cast<uint32_t>(bits() >> 32); }
 
-    /* 0 to count - 1 */
+    // 0 to count - 1
     uint32_t below(uint32_t count)
     {
         if (!bytes.empty())
@@ -31,7 +31,7 @@ public:
         return static_cast<uint32_t>((bits() >> 32) * count >> 32);
     }
 
-    /* low to high, both included */
+    // low to high, both included
     int32_t between(int32_t low, int32_t high)
     {
         return low + static_cast<int32_t>(below(static_cast<uint32_t>(high - low) + 1));

@@ -18,7 +18,7 @@ const char *kindName(Kind kind)
 
 int64_t offsetOf(const Scene &scene)
 {
-    /* few scenes of each code still reach all distances between them */
+    // few scenes of each code still reach all distances between them
     const uint64_t first = Random(scene.subject.code).below(offsetCount);
     return static_cast<int64_t>((first + scene.id.number) % offsetCount) - offsetReach;
 }
@@ -57,7 +57,7 @@ RenderState bindScene(const Scene &scene, World &world, bool library)
         texture.origHeight = texture.height;
     }
     RenderState state;
-    std::memcpy(&state, &scene.state, sizeof state); /* with what lies between the fields */
+    std::memcpy(&state, &scene.state, sizeof state); // with what lies between the fields
     state.dstPixels = world.at<uint32_t>(scene.pixels);
     state.frameBuffer = textureAt(scene.frameTexture);
     state.shaheiPlane = world.at<uint16_t>(scene.plane);

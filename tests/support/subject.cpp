@@ -11,7 +11,7 @@ namespace {
 struct Named {
     const char *name;
     DrawFunc function;
-    ninefold::Axes axes; /* shape, pers, rule, prescale, filter, rect option, Shahei, blend, multi */
+    ninefold::Axes axes; // shape, pers, rule, prescale, filter, rect option, Shahei, blend, multi
 };
 
 constexpr ninefold::Axes fill{2, 0, 0, 0, 6, 7, 2, 0, 3};

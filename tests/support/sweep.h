@@ -1,4 +1,4 @@
-/* The differential over many codes and scenes. */
+// The differential over many codes and scenes.
 #ifndef SUPPORT_SWEEP_H
 #define SUPPORT_SWEEP_H
 
@@ -12,10 +12,10 @@ namespace support {
 
 struct Sweep {
     Kind kind = Kind::plain;
-    uint32_t scenes = 8; /* of each code */
+    uint32_t scenes = 8; // of each code
     uint64_t seed = 1;
     uint32_t firstScene = 0;
-    bool progress = false; /* printed now and then */
+    bool progress = false; // printed now and then
     bool stopAtFailure = false;
 };
 
@@ -23,17 +23,17 @@ struct SweepResult {
     uint64_t scenes = 0;
     double seconds = 0;
     std::vector<Subject> failed;
-    std::string text; /* of failures; empty if there is none */
+    std::string text; // of failures; empty if there is none
 };
 
-/* Scenes of each subject, with each instruction set. */
+// Scenes of each subject, with each instruction set.
 SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options);
 
-/* How many of the tried and the failed have each value of each axis. */
+// How many of the tried and the failed have each value of each axis.
 std::string tableByAxis(const std::vector<Subject> &tried, const std::vector<Subject> &failed);
 
-/* A sweep as the environment asks for it: NINEFOLD_SCENES scenes from NINEFOLD_SEED; of the codes every nth, from the kth on, for
- * NINEFOLD_SHARE=k/n. */
+// A sweep as the environment asks for it: NINEFOLD_SCENES scenes from NINEFOLD_SEED; of the codes every nth, from the kth on, for
+// NINEFOLD_SHARE=k/n.
 uint32_t scenesWanted(uint32_t otherwise);
 uint64_t seedWanted();
 bool inShare(size_t index);

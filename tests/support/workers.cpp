@@ -17,7 +17,7 @@
 #endif
 
 #ifdef NINEFOLD_COVERAGE
-extern "C" void __gcov_dump(); /* a child leaves without the end of a program, where counts are written */
+extern "C" void __gcov_dump(); // a child leaves without the end of a program, where counts are written
 #endif
 
 namespace support {
@@ -26,11 +26,11 @@ namespace {
 
 constexpr unsigned processLimit = 64;
 constexpr size_t reportBytes = 1 << 16;
-constexpr int hangSeconds = 120; /* on one scene; a scene takes less than a millisecond */
+constexpr int hangSeconds = 120; // on one scene; a scene takes less than a millisecond
 
 } // namespace
 
-/* Seen by parent and children. */
+// Seen by parent and children.
 struct Workers::Shared {
     std::atomic<size_t> next, done, reported;
     std::atomic<uint64_t> scenes;
@@ -57,7 +57,7 @@ Workers::Workers(size_t jobCount, unsigned processes) : count(jobCount), process
     if (memory == MAP_FAILED)
         throw std::bad_alloc();
 #endif
-    shared = static_cast<Shared *>(memory); /* zeros are its start */
+    shared = static_cast<Shared *>(memory); // zeros are its start
 }
 
 Workers::~Workers()

@@ -1,5 +1,5 @@
-/* Runs many small jobs in child processes, because the library draws from a global state, and because a kernel under test may
- * crash or never end. */
+// Runs many small jobs in child processes, because the library draws from a global state, and because a kernel under test may
+// crash or never end.
 #ifndef SUPPORT_WORKERS_H
 #define SUPPORT_WORKERS_H
 
@@ -20,15 +20,15 @@ public:
     Workers(const Workers &) = delete;
     Workers &operator=(const Workers &) = delete;
 
-    bool stopAtFailure = false; /* leave the jobs open that come after one */
+    bool stopAtFailure = false; // leave the jobs open that come after one
 
-    /* Of a child. The text of a failure is kept as long as there is room. */
+    // Of a child. The text of a failure is kept as long as there is room.
     void report(const std::string &text);
-    void doing(uint32_t scene, int set); /* named when the child dies */
+    void doing(uint32_t scene, int set); // named when the child dies
     void addScenes(uint64_t count);
 
-    /* Runs all jobs; `begin` once in each child, ahead of its first. `describe` names a job, its scene and set for a child that
-     * died; `progress` is called from time to time. */
+    // Runs all jobs; `begin` once in each child, ahead of its first. `describe` names a job, its scene and set for a child that
+    // died; `progress` is called from time to time.
     using Job = std::function<bool(size_t job)>;
     void run(const std::function<void()> &begin, const Job &job,
              const std::function<std::string(size_t, uint32_t, int)> &describe,
@@ -50,7 +50,7 @@ private:
     void work(const std::function<void()> &begin, const Job &job);
 };
 
-/* NINEFOLD_JOBS, or the number of processors. */
+// NINEFOLD_JOBS, or the number of processors.
 unsigned processCount();
 
 } // namespace support

@@ -12,7 +12,7 @@ namespace support {
 
 namespace {
 
-constexpr size_t gap = 0x10000; /* a multiple of every page size in use */
+constexpr size_t gap = 0x10000; // a multiple of every page size in use
 
 std::byte *reserve(size_t size)
 {

@@ -1,7 +1,5 @@
-/*
- * The memory of one scene. Every buffer that a draw may touch has a slot of its own, and there is no access to the pages on
- * either side of a slot. Two worlds have the same layout: the library draws in one, the reference in the other.
- */
+// The memory of one scene. Every buffer that a draw may touch has a slot of its own, and there is no access to the pages on
+// either side of a slot. Two worlds have the same layout: the library draws in one, the reference in the other.
 #ifndef SUPPORT_WORLD_H
 #define SUPPORT_WORLD_H
 
@@ -19,23 +17,23 @@ constexpr int levelLimit = 16;
 enum Slot : int {
     noSlot = -1,
     frameSlot,
-    planeSlot, /* Shahei plane */
-    prioritySlot, /* zBuffer */
+    planeSlot, // Shahei plane
+    prioritySlot, // zBuffer
     lines0Slot,
     lines1Slot,
-    shiftsSlot, /* scanShift */
-    runsSlot, /* maps of tex0 */
+    shiftsSlot, // scanShift
+    runsSlot, // maps of tex0
     zerosSlot,
     ruleSlot,
     stale0Slot,
     stale1Slot,
-    tex0Slot, /* and its levels */
-    tex1Slot = tex0Slot + levelLimit, /* and its levels */
+    tex0Slot, // and its levels
+    tex1Slot = tex0Slot + levelLimit, // and its levels
     slotCount = tex1Slot + levelLimit
 };
 
-/* What lies around a buffer in its slot is compared too. For the frame buffer and the planes there is room for a source that
- * hangs over their ends. */
+// What lies around a buffer in its slot is compared too. For the frame buffer and the planes there is room for a source that
+// hangs over their ends.
 constexpr uint32_t slotBytes(int slot)
 {
     switch (slot) {
@@ -49,7 +47,7 @@ constexpr uint32_t slotBytes(int slot)
     }
 }
 
-/* The same where frame buffers and textures go up to 4096 by 4096; a level has a quarter of the pixels of the one above it. */
+// The same where frame buffers and textures go up to 4096 by 4096; a level has a quarter of the pixels of the one above it.
 constexpr uint32_t largeSlotBytes(int slot)
 {
     constexpr uint32_t pixels = 0x1000000, room = 0x10000;
@@ -69,7 +67,7 @@ constexpr uint32_t largeSlotBytes(int slot)
     }
 }
 
-/* A byte position in a slot. It may lie outside of it where only what is reached from it lies inside. */
+// A byte position in a slot. It may lie outside of it where only what is reached from it lies inside.
 struct Place {
     int slot = noSlot;
     int64_t offset = 0;
@@ -94,7 +92,7 @@ public:
         return reinterpret_cast<T *>(reinterpret_cast<uintptr_t>(slots[place.slot]) + static_cast<uintptr_t>(place.offset));
     }
 
-    /* Whether an address lies in the memory, guard pages included. */
+    // Whether an address lies in the memory, guard pages included.
     bool holds(const void *address) const
     {
         const uintptr_t distance = reinterpret_cast<uintptr_t>(address) - reinterpret_cast<uintptr_t>(memory);
@@ -102,7 +100,7 @@ public:
     }
 
     std::byte *memory = nullptr;
-    std::vector<Texture> textures; /* the records that rs points to */
+    std::vector<Texture> textures; // the records that rs points to
 
 private:
     std::byte *slots[slotCount] = {};

@@ -1,5 +1,5 @@
-/* golden --write: draws the fixed scenes with the reference and writes their sums to tests/golden/. To be run when scenes change,
- * never to make a test pass. */
+// golden --write: draws the fixed scenes with the reference and writes their sums to tests/golden/. To be run when scenes change,
+// never to make a test pass.
 #include "support/golden.h"
 
 #include <cstdio>

@@ -1,9 +1,7 @@
-/*
- * Draws one scene of the differential with the library and the reference and shows what differs:
- *
- *     replay --code 0x369 --kind plain --seed 1 --scene 5 [--set 2]
- *     replay --named DrawRectTexRule --scene 3
- */
+// Draws one scene of the differential with the library and the reference and shows what differs:
+//
+//     replay --code 0x369 --kind plain --seed 1 --scene 5 [--set 2]
+//     replay --named DrawRectTexRule --scene 3
 #include "support/check.h"
 
 #include <cstdio>

@@ -1,9 +1,9 @@
-/* glyph_compare write FILE    draws a list of glyphs and writes them down
- * glyph_compare check FILE    draws them again and compares: metrics, sizes, every byte
- *
- * Written by FreeType and checked by GDI in Wine, the two must agree: bit for bit in 64 bits, to one grey level in 32, where Wine's
- * own FreeType rounds elsewhere. Wants VL Gothic, VL PGothic, IPAGothic, IPAPGothic and
- * Konatu. */
+// glyph_compare write FILE    draws a list of glyphs and writes them down
+// glyph_compare check FILE    draws them again and compares: metrics, sizes, every byte
+//
+// Written by FreeType and checked by GDI in Wine, the two must agree: bit for bit in 64 bits, to one grey level in 32, where Wine's
+// own FreeType rounds elsewhere. Wants VL Gothic, VL PGothic, IPAGothic, IPAPGothic and
+// Konatu.
 #include "glyph/source.h"
 
 #include <cstdio>
@@ -16,7 +16,7 @@ using namespace ninefold::glyph;
 
 namespace {
 
-/* Konatu has bitmaps for 12 and 13 pixels. The last is IPAGothic by its Japanese name. */
+// Konatu has bitmaps for 12 and 13 pixels. The last is IPAGothic by its Japanese name.
 constexpr const char *faces[] = {"VL Gothic",
                                  "VL PGothic",
                                  "IPAGothic",
@@ -30,7 +30,7 @@ constexpr int32_t weights[] = {400, 700};
 constexpr uint8_t slants[] = {0, 1};
 constexpr Format formats[] = {Format::Mono, Format::Grey4, Format::Grey16, Format::Grey64};
 
-/* ASCII, half-width kana, hiragana, katakana, kanji, full-width punctuation, undefined codes. */
+// ASCII, half-width kana, hiragana, katakana, kanji, full-width punctuation, undefined codes.
 constexpr unsigned char text[] =
     "AQWagijlmy0189.,!@&_~ \\\xB1\xB6\xC5\xDF\x82\xA0\x82\xAF\x82\xDB\x82\xF1\x83\x41\x83\x5C\x83\x7E\x83\x93"
     "\x88\xEA\x8D\x91\x93\xFA\x96\x7B\x8A\xBF\x8E\x9A\x95\x5C\x9E\xA4\xEA\xA2\xFB\xFC\x87\x40\x81\x60\x81\x40\x81\x9A"
@@ -70,7 +70,7 @@ bool close(const std::vector<uint8_t> &written, const std::vector<uint8_t> &draw
     return true;
 }
 
-/* Runs over a font, glyph by glyph. False at the end of the file. */
+// Runs over a font, glyph by glyph. False at the end of the file.
 bool run(const FontDescription &font, bool write, std::FILE *file)
 {
     Source &source = platformSource();

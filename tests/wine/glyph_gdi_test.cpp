@@ -1,5 +1,5 @@
-/* The GDI source, with every call of its written down and passed on. This program brings that source itself, so the linker leaves
- * the library's one out. */
+// The GDI source, with every call of its written down and passed on. This program brings that source itself, so the linker leaves
+// the library's one out.
 #include <windows.h>
 
 #include <cstring>
@@ -159,7 +159,7 @@ TEST_P(GlyphGdi, LeavesNoObjectBehind)
 {
     char text[] = "A";
     const DWORD before = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    for (int i = 0; i < 20000; ++i) { /* more than a process may own */
+    for (int i = 0; i < 20000; ++i) { // more than a process may own
         rs.fontCursorX = rs.fontCursorY = rs.fontLineBottom = 0;
         if (i % 2)
             rs.fontCursorY = 63;
