@@ -105,7 +105,7 @@ struct Job {
     Work work;
     double pixels = 0;         // drawn per call, on average
     bool perCall = false;      // report nanoseconds per call instead of per pixel
-    const char* unit = nullptr; // what a pixel is called, if it is none
+    const char *unit = nullptr; // what a pixel is called, if it is none
     double goal = 1;           // at most this ratio to the best peer, or to the yardstick where there is one; 0: none
     double scalarGoal = 1;     // the same to the scalar loop
     double budget = 0;         // nanoseconds of a call, as the yardstick
@@ -113,12 +113,12 @@ struct Job {
     DrawFunc kernel = nullptr; // in place of one with a draw code
     DrawFunc scalar = nullptr;
     std::function<void()> setup;           // what rs needs beyond prepareState
-    std::function<void(Contenders&)> more; // contenders beside the common ones
+    std::function<void(Contenders &)> more; // contenders beside the common ones
     bool ownOnly = false;                  // no peer has it
     bool refused = false;                  // draws nothing, which is the point
     std::vector<double> samples;           // nanoseconds of a call, taken before; in place of contenders
 
-    const char* unitName() const { return unit ? unit : perCall ? "call" : "pixel"; }
+    const char *unitName() const { return unit ? unit : perCall ? "call" : "pixel"; }
 };
 
 // Takes the time of the start-up calls in processes that have not called anything yet: to be called first of all.
@@ -126,7 +126,7 @@ void recordStartUp(int samples);
 
 // A contender that draws one primitive a call, by index; `finish` ends a turn, for those that queue.
 template <class Draw, class Finish>
-Contender contender(std::string name, Role role, std::string note, const Work& work, Draw draw, Finish finish)
+Contender contender(std::string name, Role role, std::string note, const Work &work, Draw draw, Finish finish)
 {
     const long mask = long(work.primitives.empty() ? 1 : work.primitives.size()) - 1;
     return {std::move(name), role, std::move(note), {}, [draw, finish, mask](long calls) {
@@ -137,30 +137,30 @@ Contender contender(std::string name, Role role, std::string note, const Work& w
             1};
 }
 template <class Draw>
-Contender contender(std::string name, Role role, std::string note, const Work& work, Draw draw)
+Contender contender(std::string name, Role role, std::string note, const Work &work, Draw draw)
 {
     return contender(std::move(name), role, std::move(note), work, draw, [] {});
 }
 
 // Peers register themselves: a maker adds its contenders for a work, none if it has no such operation.
-using Maker = void (*)(const Work&, Contenders&);
+using Maker = void (*)(const Work &, Contenders &);
 struct Peer {
-    Peer(const char* name, Maker make);
+    Peer(const char *name, Maker make);
 };
-const std::vector<std::pair<std::string, Maker>>& peers();
+const std::vector<std::pair<std::string, Maker>> &peers();
 
 // All contenders of a job. It must outlive them.
-Contenders contendersOf(const Job& job);
+Contenders contendersOf(const Job &job);
 
 // The library's contenders (one for each set that the machine has) and the scalar loop.
-void addOurs(const Job& job, Contenders& contenders);
-void addMemcpy(const Job& job, Contenders& contenders);
+void addOurs(const Job &job, Contenders &contenders);
+void addMemcpy(const Job &job, Contenders &contenders);
 
 // A kernel of ours in the best set, in another role.
-Contender kernelAs(std::string name, Role role, const Job& job, const ninefold::Axes& axes, std::function<void()> setup);
+Contender kernelAs(std::string name, Role role, const Job &job, const ninefold::Axes &axes, std::function<void()> setup);
 
 // Fills rs for a work: frame buffer, clip, textures, planes, factors. The planes keep what they hold.
-void prepareState(const Work& work);
+void prepareState(const Work &work);
 
 std::vector<Job> allJobs();
 

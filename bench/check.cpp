@@ -13,7 +13,7 @@ namespace {
 
 using Picture = std::vector<uint32_t>;
 
-Picture draw(const Contender& contender, long calls)
+Picture draw(const Contender &contender, long calls)
 {
     fillFrame();
     if (contender.prepare)
@@ -22,7 +22,7 @@ Picture draw(const Contender& contender, long calls)
     return Picture(frame().pixels, frame().pixels + frameSize * frameSize);
 }
 
-void write(const Picture& picture, const std::filesystem::path& path)
+void write(const Picture &picture, const std::filesystem::path &path)
 {
     std::ofstream out(path, std::ios::binary);
     out << "P6 " << frameSize << ' ' << frameSize << " 255\n";
@@ -40,7 +40,7 @@ int differenceOf(uint32_t a, uint32_t b)
 
 // Of a pixel from the most alike around its place in the other picture, as the mean of the channels: coverage rules differ by a
 // pixel.
-double nearestDifference(const Picture& picture, const Picture& other, int x, int y)
+double nearestDifference(const Picture &picture, const Picture &other, int x, int y)
 {
     int least = 765;
     for (int v = std::max(y - 1, 0); v <= std::min(y + 1, frameSize - 1); ++v)
@@ -54,7 +54,7 @@ struct Comparison {
     double difference = 0; // mean over what either has drawn
 };
 
-Comparison compare(const Picture& picture, const Picture& ours, const Picture& before)
+Comparison compare(const Picture &picture, const Picture &ours, const Picture &before)
 {
     Comparison result;
     size_t either = 0;
@@ -72,20 +72,20 @@ Comparison compare(const Picture& picture, const Picture& ours, const Picture& b
 
 } // namespace
 
-int checkContenders(const std::vector<Job>& jobs, const std::filesystem::path& pictures)
+int checkContenders(const std::vector<Job> &jobs, const std::filesystem::path &pictures)
 {
     int wrong = 0;
     if (!pictures.empty())
         std::filesystem::create_directories(pictures);
     std::printf("%-40s %-16s %10s %10s\n", "job", "contender", "drawn", "difference");
-    for (const Job& job : jobs) {
+    for (const Job &job : jobs) {
         if (job.kernel || job.work.primitives.empty())
             continue; // nothing in the frame buffer
         const Contenders contenders = contendersOf(job);
         fillFrame();
         const Picture before(frame().pixels, frame().pixels + frameSize * frameSize);
         Picture ours;
-        for (const Contender& contender : contenders) {
+        for (const Contender &contender : contenders) {
             if (contender.role == Role::memcpy || contender.role == Role::yardstick ||
                 (job.ownOnly && contender.role != Role::ours))
                 continue;

@@ -28,7 +28,7 @@ struct Code {
 };
 
 // Codes that differ only in what happens to a pixel once its source is there.
-std::string familyOf(const Axes& axes)
+std::string familyOf(const Axes &axes)
 {
     Axes family{};
     family.shape = axes.shape, family.pers = axes.pers, family.filter = axes.filter, family.rectOpt = axes.rectOpt;
@@ -38,12 +38,12 @@ std::string familyOf(const Axes& axes)
     return name.erase(blend, std::strlen(".copy"));
 }
 
-double pixelsOf(const Axes& axes) { return axes.shape == 0 ? cell - 1 : axes.shape == 1 ? cell * cell : cell * cell * 0.45; }
+double pixelsOf(const Axes &axes) { return axes.shape == 0 ? cell - 1 : axes.shape == 1 ? cell * cell : cell * cell * 0.45; }
 
-Texture* mixedRule()
+Texture *mixedRule()
 {
-    static Texture* const rule = [] {
-        Texture* const made = CreateTexture(256, 256);
+    static Texture *const rule = [] {
+        Texture *const made = CreateTexture(256, 256);
         seed();
         for (int i = 0; i < 256 * 256; ++i) // with the edge at 100 to 150, 30 % are outside and 30 % in it
             made->pixels[i] = uint32_t(i % 10 < 3 ? random(101) : i % 10 < 6 ? 101 + random(49) : 150 + random(106));
@@ -52,7 +52,7 @@ Texture* mixedRule()
     return rule;
 }
 
-void prepareFor(const Axes& axes)
+void prepareFor(const Axes &axes)
 {
     static Work work;
     static std::vector<LineTableRecord> table(cell);
@@ -88,7 +88,7 @@ void prepareFor(const Axes& axes)
     rs.lineTable0 = rs.lineTable1 = table.data();
 }
 
-double timed(const Code& code)
+double timed(const Code &code)
 {
     prepareFor(code.axes);
     static const std::vector<int> places = [] {
@@ -128,12 +128,12 @@ double medianOf(std::vector<double> values)
 
 } // namespace
 
-int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, const std::filesystem::path& csv)
+int timeFamilies(const std::vector<std::string> &filters, const Effort &effort, const std::filesystem::path &csv)
 {
     std::vector<Code> codes;
-    ninefold::forEachCombination([&](const Axes& axes) {
+    ninefold::forEachCombination([&](const Axes &axes) {
         const std::string name = ninefold::nameOf(axes);
-        const auto matches = [&](const std::string& filter) { return name.find(filter) != std::string::npos; };
+        const auto matches = [&](const std::string &filter) { return name.find(filter) != std::string::npos; };
         if (filters.empty() || std::any_of(filters.begin(), filters.end(), matches))
             codes.push_back({axes, SearchDrawFunc(ninefold::codeOf(axes)), name});
     });
@@ -147,16 +147,16 @@ int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, 
     fillFrame();
     const int rounds = std::max(effort.rounds / 5, 2);
     for (int round = 0; round < rounds; ++round)
-        for (Code& code : codes)
+        for (Code &code : codes)
             code.nanoseconds = std::min(code.nanoseconds, timed(code));
 
     std::map<std::string, std::vector<double>> families;
-    for (const Code& code : codes)
+    for (const Code &code : codes)
         families[familyOf(code.axes)].push_back(code.nanoseconds);
     const auto rank = [&] {
-        for (Code& code : codes)
+        for (Code &code : codes)
             code.toFamily = code.nanoseconds / medianOf(families[familyOf(code.axes)]);
-        std::sort(codes.begin(), codes.end(), [](const Code& a, const Code& b) { return a.toFamily > b.toFamily; });
+        std::sort(codes.begin(), codes.end(), [](const Code &a, const Code &b) { return a.toFamily > b.toFamily; });
     };
     rank();
     // What stands far out may have met something else on the machine: once more, longer.
@@ -168,7 +168,7 @@ int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, 
     std::printf("%-28s %7s %12s %10s %10s\n", "family, 64x64", "codes", "median ns", "ns/px", "slowest");
     for (auto& [name, times] : families) {
         const auto of =
-            std::find_if(codes.begin(), codes.end(), [&, family = name](const Code& c) { return familyOf(c.axes) == family; });
+            std::find_if(codes.begin(), codes.end(), [&, family = name](const Code &c) { return familyOf(c.axes) == family; });
         std::printf("%-28s %7zu %12.0f %10.3f %9.2fx\n", name.c_str(), times.size(), medianOf(times),
                     medianOf(times) / pixelsOf(of->axes), of->toFamily);
     }
@@ -179,16 +179,16 @@ int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, 
 
     std::ofstream out(csv);
     out << "code,name,ns_per_call,to_family\n";
-    for (const Code& code : codes)
+    for (const Code &code : codes)
         out << ninefold::codeOf(code.axes) << ',' << code.name << ',' << code.nanoseconds << ',' << code.toFamily << '\n';
     std::printf("written: %s\n", csv.c_str());
     return 0;
 }
 
-int timeScale(const std::vector<std::string>& filters, const Effort& effort)
+int timeScale(const std::vector<std::string> &filters, const Effort &effort)
 {
     struct Row {
-        const char* name;
+        const char *name;
         Axes axes;
     };
     const auto axes = [](int shape, int rectOpt, int filter, Blend blend) {
@@ -213,14 +213,14 @@ int timeScale(const std::vector<std::string>& filters, const Effort& effort)
                         {"triangle.gouraud", axes(2, 7, 7, copy)},
                         {"perspective.point.copy", perspective}};
     constexpr int sizes[] = {64, 128, 256, 512, 1024, 2048, 4096};
-    std::vector<Texture*> frames;
+    std::vector<Texture *> frames;
     for (int size : sizes) {
         frames.push_back(CreateTexture(unsigned(size), unsigned(size)));
         ClearTexture(frames.back());
     }
     std::vector<uint8_t> priorities(size_t(sizes[6]) * sizes[6], 128);
 
-    const auto prepare = [&](const Row* row, size_t frame) {
+    const auto prepare = [&](const Row *row, size_t frame) {
         if (row)
             prepareFor(row->axes);
         SetFrameBuffer(frames[frame]);
@@ -242,7 +242,7 @@ int timeScale(const std::vector<std::string>& filters, const Effort& effort)
     for (int size : sizes)
         std::printf(" %8d", size);
     std::printf("  worst/best\n");
-    const auto print = [&](const std::string& name, double share, const Contenders& contenders) {
+    const auto print = [&](const std::string &name, double share, const Contenders &contenders) {
         const std::vector<Measured> all = measure(contenders, effort);
         std::printf("%-26s", name.c_str());
         double least = 1e30, most = 0;
@@ -255,8 +255,8 @@ int timeScale(const std::vector<std::string>& filters, const Effort& effort)
         std::fflush(stdout);
     };
     bool any = false;
-    for (const Row& row : rows) {
-        const auto matches = [&](const std::string& filter) { return std::string(row.name).find(filter) != std::string::npos; };
+    for (const Row &row : rows) {
+        const auto matches = [&](const std::string &filter) { return std::string(row.name).find(filter) != std::string::npos; };
         if (!filters.empty() && std::none_of(filters.begin(), filters.end(), matches))
             continue;
         any = true;
@@ -284,7 +284,7 @@ int timeScale(const std::vector<std::string>& filters, const Effort& effort)
                                                       std::min(64 * 256, sizes[i] * sizes[i]) * 4);
                               }});
     print("memcpy", 1, contenders);
-    for (Texture* frame : frames)
+    for (Texture *frame : frames)
         DeleteTexture(frame);
     SetFrameBuffer(frameBuffer());
     return 0;

@@ -9,9 +9,9 @@ namespace bench {
 
 // Times every code whose name contains one of the filters on 64 by 64 pixels in the best set; prints the families and the twenty
 // codes that are slowest against the median of theirs, and writes all to a CSV file.
-int timeFamilies(const std::vector<std::string>& filters, const Effort& effort, const std::filesystem::path& csv);
+int timeFamilies(const std::vector<std::string> &filters, const Effort &effort, const std::filesystem::path &csv);
 
 // Times some kernels from 64 by 64 to 4096 by 4096 pixels.
-int timeScale(const std::vector<std::string>& filters, const Effort& effort);
+int timeScale(const std::vector<std::string> &filters, const Effort &effort);
 
 } // namespace bench

@@ -25,19 +25,19 @@ std::vector<Primitive> rectangles(int count, int width, int height, int textureS
         p.vertex[1] = {p.vertex[0].x + width, p.vertex[0].y + height, 0};
         p.uv[0] = {place(textureSize - sourceWidth) << 16, place(textureSize - sourceHeight) << 16};
         p.uv[1] = {p.uv[0].u + int32_t(width * scale * 65536), p.uv[0].v + int32_t(height * scale * 65536)};
-        for (uint32_t& colour : p.color)
+        for (uint32_t &colour : p.color)
             colour = 0xFF000000 | uint32_t(random(1 << 24));
         all.push_back(p);
     }
     return all;
 }
 
-Job rectangleJob(const std::string& name, Kind kind, const ninefold::Axes& axes, Content content, int size, double scale)
+Job rectangleJob(const std::string &name, Kind kind, const ninefold::Axes &axes, Content content, int size, double scale)
 {
     Job job;
     job.name = name + "/" + std::to_string(size) + "x" + std::to_string(size);
     job.axes = axes;
-    Work& work = job.work;
+    Work &work = job.work;
     work.kind = kind;
     work.blend = Blend(axes.blend);
     work.bilinear = axes.filter == 1;
@@ -45,7 +45,7 @@ Job rectangleJob(const std::string& name, Kind kind, const ninefold::Axes& axes,
     work.textureSize = size < frameSize ? smallTexture : scale > 1 ? 2 * frameSize : frameSize;
     work.primitives = rectangles(size < frameSize ? smallPrimitives : 1, size, size, work.textureSize, scale);
     if (kind == Kind::stretch)
-        for (const Primitive& p : work.primitives) {
+        for (const Primitive &p : work.primitives) {
             const double u = p.uv[0].u / 65536.0, v = p.uv[0].v / 65536.0, x = p.vertex[0].x, y = p.vertex[0].y;
             work.maps.push_back({{{scale, 0, u - scale * x}, {0, scale, v - scale * y}, {0, 0, 1}}});
         }

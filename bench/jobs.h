@@ -15,11 +15,11 @@ ninefold::Axes axesOf(int shape, int rectOpt, int filter, Blend blend);
 std::vector<Primitive> rectangles(int count, int width, int height, int textureSize, double scale);
 
 // Work and size of a rectangle of size by size pixels: one over the whole frame, else small ones in turn, per call.
-Job rectangleJob(const std::string& name, Kind kind, const ninefold::Axes& axes, Content content, int size, double scale = 1);
+Job rectangleJob(const std::string &name, Kind kind, const ninefold::Axes &axes, Content content, int size, double scale = 1);
 
-void addSpriteJobs(std::vector<Job>& jobs); // unit scale and stretched rectangles
-void addShapeJobs(std::vector<Job>& jobs);  // quads, triangles, lines, colours
-void addOwnJobs(std::vector<Job>& jobs);    // what no peer has, against yardsticks
-void addGlyphJobs(std::vector<Job>& jobs);
+void addSpriteJobs(std::vector<Job> &jobs); // unit scale and stretched rectangles
+void addShapeJobs(std::vector<Job> &jobs);  // quads, triangles, lines, colours
+void addOwnJobs(std::vector<Job> &jobs);    // what no peer has, against yardsticks
+void addGlyphJobs(std::vector<Job> &jobs);
 
 } // namespace bench

@@ -25,18 +25,18 @@ constexpr FT_ULong characters[] = {'T',    'e',    'x',    't',    ' ',    '1', 
                                    0x672C, 0x8A9E, 0x306E, 0x6587, 0x5B57, 0x3092, 0x66F8, 0x304F};
 
 struct Font {
-    const char* name;
+    const char *name;
     int em, weight, quality;
     bool italic;
 };
 
-Texture* atlas()
+Texture *atlas()
 {
-    static Texture* const made = CreateTexture(1024, 1024);
+    static Texture *const made = CreateTexture(1024, 1024);
     return made;
 }
 
-void prepareFont(const Font& font)
+void prepareFont(const Font &font)
 {
     static char name[sizeof fontName];
     std::memcpy(name, fontName, sizeof fontName);
@@ -48,12 +48,12 @@ void prepareFont(const Font& font)
     rs.fontItalic = font.italic;
 }
 
-void drawText(char* (*draw)(char*))
+void drawText(char *(*draw)(char *))
 {
     static char line[sizeof text];
     std::memcpy(line, text, sizeof text);
     rs.fontCursorX = rs.fontCursorY = rs.fontLineBottom = 0;
-    for (char* next = line; next && *next;)
+    for (char *next = line; next && *next;)
         next = draw(next);
 }
 
@@ -64,28 +64,28 @@ struct Face {
 
     Face()
     {
-        FcPattern* const wanted = FcNameParse(reinterpret_cast<const FcChar8*>(fontName));
+        FcPattern *const wanted = FcNameParse(reinterpret_cast<const FcChar8 *>(fontName));
         FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
         FcDefaultSubstitute(wanted);
         FcResult result;
-        FcPattern* const found = FcFontMatch(nullptr, wanted, &result);
-        FcChar8* file = nullptr;
+        FcPattern *const found = FcFontMatch(nullptr, wanted, &result);
+        FcChar8 *file = nullptr;
         if (found && FcPatternGetString(found, FC_FILE, 0, &file) == FcResultMatch && !FT_Init_FreeType(&library))
-            FT_New_Face(library, reinterpret_cast<const char*>(file), 0, &face);
+            FT_New_Face(library, reinterpret_cast<const char *>(file), 0, &face);
         if (found)
             FcPatternDestroy(found);
         FcPatternDestroy(wanted);
     }
-    Face(const Face&) = delete;
-    Face& operator=(const Face&) = delete;
+    Face(const Face &) = delete;
+    Face &operator=(const Face &) = delete;
     ~Face() { FT_Done_FreeType(library); }
 };
 
 // White with the coverage as alpha, row by row.
-void expand(const FT_Bitmap& bitmap, uint32_t* to)
+void expand(const FT_Bitmap &bitmap, uint32_t *to)
 {
     for (unsigned y = 0; y < bitmap.rows; ++y, to += atlas()->width) {
-        const uint8_t* const row = bitmap.buffer + long(y) * bitmap.pitch;
+        const uint8_t *const row = bitmap.buffer + long(y) * bitmap.pitch;
         for (unsigned x = 0; x < bitmap.width; ++x) {
             const uint32_t alpha =
                 bitmap.pixel_mode == FT_PIXEL_MODE_MONO ? (row[x >> 3] >> (7 - (x & 7)) & 1 ? 255 : 0) : row[x];
@@ -94,7 +94,7 @@ void expand(const FT_Bitmap& bitmap, uint32_t* to)
     }
 }
 
-void draw(FT_Face face, const Font& font, FT_ULong character, unsigned& x)
+void draw(FT_Face face, const Font &font, FT_ULong character, unsigned &x)
 {
     const bool mono = font.quality == 0;
     FT_Load_Char(face, character, mono ? FT_LOAD_TARGET_MONO : FT_LOAD_TARGET_NORMAL);
@@ -110,7 +110,7 @@ void draw(FT_Face face, const Font& font, FT_ULong character, unsigned& x)
     x += slot->bitmap.width;
 }
 
-void addFreeType(const Font& font, bool rimmed, Contenders& contenders)
+void addFreeType(const Font &font, bool rimmed, Contenders &contenders)
 {
     const auto held = std::make_shared<Face>();
     if (!held->face)
@@ -128,19 +128,19 @@ void addFreeType(const Font& font, bool rimmed, Contenders& contenders)
 
 } // namespace
 
-void addGlyphJobs(std::vector<Job>& jobs)
+void addGlyphJobs(std::vector<Job> &jobs)
 {
     constexpr Font fonts[] = {{"16px.mono", 16, 400, 0, false},
                               {"16px.grey", 16, 400, 3, false},
                               {"32px.grey", 32, 400, 3, false},
                               {"32px.grey.bold.italic", 32, 700, 3, true}};
-    for (const Font& font : fonts)
+    for (const Font &font : fonts)
         for (const bool rimmed : {false, true}) {
             Job job;
             job.name = std::string(rimmed ? "glyphs.rimmed/" : "glyphs.plain/") + font.name;
             job.unit = "glyph";
             job.pixels = double(std::size(characters));
-            job.more = [font, rimmed](Contenders& contenders) {
+            job.more = [font, rimmed](Contenders &contenders) {
                 contenders.push_back({"ninefold/v1", Role::ours, "finds its face anew for each glyph",
                                       [font] { prepareFont(font); },
                                       [rimmed](long calls) {
@@ -155,7 +155,7 @@ void addGlyphJobs(std::vector<Job>& jobs)
 
 #else
 
-void addGlyphJobs(std::vector<Job>&) {}
+void addGlyphJobs(std::vector<Job> &) {}
 
 #endif
 

@@ -23,7 +23,7 @@ DrawFunc volatile found; // what look-ups have given
 
 // The shapes over the whole frame that gates and rules are tried on.
 struct Shape {
-    const char* name;
+    const char *name;
     Kind kind;
     Axes axes;
     Content content;
@@ -41,10 +41,10 @@ std::vector<Shape> shapes()
             {"perspective.bilinear.copy", Kind::perspective, perspective, Content::opaque, 1}};
 }
 
-Job shapeJob(const std::string& prefix, const Shape& shape)
+Job shapeJob(const std::string &prefix, const Shape &shape)
 {
     Job job = rectangleJob(prefix + shape.name, shape.kind, shape.axes, shape.content, frameSize, shape.scale);
-    Primitive& p = job.work.primitives[0];
+    Primitive &p = job.work.primitives[0];
     if (shape.kind == Kind::corners || shape.kind == Kind::perspective) {
         // Turned a little, depths from near to far.
         p.uv[0] = {100 << 16, 20 << 16}, p.uv[1] = {900 << 16, 120 << 16}, p.uv[2] = {20 << 16, 800 << 16};
@@ -56,7 +56,7 @@ Job shapeJob(const std::string& prefix, const Shape& shape)
 }
 
 // The same work by another kernel, for yardsticks.
-std::shared_ptr<Job> besides(const Job& job, const Axes& axes)
+std::shared_ptr<Job> besides(const Job &job, const Axes &axes)
 {
     const auto other = std::make_shared<Job>();
     other->work = job.work;
@@ -82,21 +82,21 @@ std::function<void()> ruleSetup(int value)
     };
 }
 
-void addRules(std::vector<Job>& jobs)
+void addRules(std::vector<Job> &jobs)
 {
     struct Place {
-        const char* name;
+        const char *name;
         int value;
     };
-    for (const Place& place : {Place{"outside", 50}, Place{"edge", 125}, Place{"inside", 200}})
-        for (const Shape& shape : shapes()) {
+    for (const Place &place : {Place{"outside", 50}, Place{"edge", 125}, Place{"inside", 200}})
+        for (const Shape &shape : shapes()) {
             Job job = shapeJob(std::string("rule.") + place.name + ".", shape);
             job.axes.rule = 1;
             job.setup = ruleSetup(place.value);
             job.refused = place.value == 50;
             job.goal = job.refused ? 1.3 : 0;
             // Outside nothing but the rule needs to be read; elsewhere the kernel without a rule is drawn as well.
-            job.more = [plain = besides(job, shape.axes), value = place.value](Contenders& contenders) {
+            job.more = [plain = besides(job, shape.axes), value = place.value](Contenders &contenders) {
                 const bool drawn = value > 100;
                 const Contender kernel = kernelAs("", Role::yardstick, *plain, plain->axes, {});
                 contenders.push_back({drawn ? "no rule + read" : "read rule", Role::yardstick, "", kernel.prepare,
@@ -112,15 +112,15 @@ void addRules(std::vector<Job>& jobs)
         }
 }
 
-void addGates(std::vector<Job>& jobs)
+void addGates(std::vector<Job> &jobs)
 {
-    for (const Shape& shape : shapes()) {
+    for (const Shape &shape : shapes()) {
         Job plane = shapeJob("taken.", shape);
         plane.axes.shahei = 1;
         plane.setup = [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); };
         plane.goal = 1.3;
         plane.refused = true;
-        plane.more = [](Contenders& contenders) {
+        plane.more = [](Contenders &contenders) {
             contenders.push_back({"read plane", Role::yardstick, "",
                                   [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); },
                                   [spans = frameSpans()](long calls) {
@@ -130,14 +130,14 @@ void addGates(std::vector<Job>& jobs)
         };
         jobs.push_back(plane);
     }
-    for (const Shape& shape : shapes()) {
+    for (const Shape &shape : shapes()) {
         Job priority = shapeJob("behind.", shape);
         priority.axes.shahei = 3;
         priority.axes.blend = alpha;
         priority.setup = [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); };
         priority.goal = 1.3;
         priority.refused = true;
-        priority.more = [](Contenders& contenders) {
+        priority.more = [](Contenders &contenders) {
             contenders.push_back({"read priorities", Role::yardstick, "",
                                   [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); },
                                   [spans = frameSpans()](long calls) {
@@ -150,10 +150,10 @@ void addGates(std::vector<Job>& jobs)
 }
 
 // A second texture or a colour through a multi operator, in place of the frame buffer through the blend of that name.
-void addMulti(std::vector<Job>& jobs)
+void addMulti(std::vector<Job> &jobs)
 {
     struct Row {
-        const char* name;
+        const char *name;
         int operation; // of SetBlendModeMulti and of the blend axis alike
         int multi, bank;
     };
@@ -162,7 +162,7 @@ void addMulti(std::vector<Job>& jobs)
                             {"tex1.mul2", 8, 0, 0},   {"tex1.screen", 9, 0, 0},       {"tex1.overlay", 10, 0, 0},
                             {"tex1.merge", 11, 0, 0}, {"tex1.scaled.alpha", 1, 0, 1}, {"tex1.scaled.mul", 7, 0, 1},
                             {"corners.mul", 7, 1, 0}, {"colour.alpha", 1, 2, 0},      {"colour.mul", 7, 2, 0}};
-    for (const Row& row : rows) {
+    for (const Row &row : rows) {
         Job job = rectangleJob(std::string("multi.") + row.name, Kind::blit, axesOf(1, 0, 0, copy), Content::opaque, frameSize);
         job.axes.multi = uint8_t(row.multi);
         job.ownOnly = true;
@@ -174,7 +174,7 @@ void addMulti(std::vector<Job>& jobs)
         };
         const auto blend = besides(job, axesOf(1, 0, 0, Blend(row.operation)));
         blend->work.content = Content::soft;
-        job.more = [blend](Contenders& contenders) {
+        job.more = [blend](Contenders &contenders) {
             contenders.push_back(kernelAs("blend alone", Role::yardstick, *blend, blend->axes, {}));
         };
         jobs.push_back(job);
@@ -184,7 +184,7 @@ void addMulti(std::vector<Job>& jobs)
 uint32_t hostOperator(uint32_t first, uint32_t second) { return first ^ (second & 0x00FFFFFF) ^ 0x5A; }
 PixelOperator volatile hostPointer = hostOperator; // so that the call stays a call
 
-void addCustom(std::vector<Job>& jobs)
+void addCustom(std::vector<Job> &jobs)
 {
     for (const bool multi : {false, true})
         for (int size : {frameSize, 8}) {
@@ -198,7 +198,7 @@ void addCustom(std::vector<Job>& jobs)
                 rs.tex1 = rs.tex0;
                 rs.blendFunc = rs.multiFunc = hostOperator;
             };
-            job.more = [size](Contenders& contenders) {
+            job.more = [size](Contenders &contenders) {
                 std::vector<Span> spans;
                 for (int y = 0; y < size; ++y)
                     spans.push_back({y, 0, size});
@@ -213,20 +213,20 @@ void addCustom(std::vector<Job>& jobs)
 }
 
 // Against the same kernel without mip levels drawn twice, on the level and on the next.
-void addMip(std::vector<Job>& jobs)
+void addMip(std::vector<Job> &jobs)
 {
     struct Row {
-        const char* name;
+        const char *name;
         int shape, rectOpt, filter, plainFilter;
         int multi;
     };
     constexpr Row rows[] = {{"mip.point.stretch", 1, 1, 2, 0, 3},     {"mip.point.mixed.stretch", 1, 1, 2, 0, 2},
                             {"mip.bilinear.stretch", 1, 1, 5, 1, 3},  {"mip.point.triangles", 2, 7, 2, 0, 3},
                             {"mip.point.mixed.triangles", 2, 7, 2, 0, 2}, {"mip.bilinear.triangles", 2, 7, 5, 1, 3}};
-    for (const Row& row : rows) {
+    for (const Row &row : rows) {
         Job job = rectangleJob(row.name, row.shape == 2 ? Kind::corners : Kind::stretch,
                                axesOf(row.shape, row.rectOpt, row.filter, copy), Content::opaque, frameSize, 3);
-        Primitive& p = job.work.primitives[0];
+        Primitive &p = job.work.primitives[0];
         if (row.shape == 2)
             p.uv[3] = p.uv[1], p.uv[1].v = p.uv[0].v, p.uv[2] = {p.uv[0].u, p.uv[3].v};
         job.axes.multi = uint8_t(row.multi);
@@ -240,15 +240,15 @@ void addMip(std::vector<Job>& jobs)
         for (size_t i : {0, 1}) {
             levels[i] = besides(job, axesOf(row.shape, row.rectOpt, row.plainFilter, copy));
             levels[i]->axes.multi = uint8_t(i == 0 ? row.multi : 3);
-            for (TexCoord& uv : levels[i]->work.primitives[0].uv)
+            for (TexCoord &uv : levels[i]->work.primitives[0].uv)
                 uv = {uv.u >> (i + 1), uv.v >> (i + 1)};
         }
-        job.more = [levels, setup = job.setup](Contenders& contenders) {
+        job.more = [levels, setup = job.setup](Contenders &contenders) {
             std::array<Contender, 2> plain;
             for (size_t i : {0, 1})
                 plain[i] = kernelAs("", Role::yardstick, *levels[i], levels[i]->axes, setup);
             contenders.push_back({"two plain draws", Role::yardstick, "", plain[0].prepare, [=](long calls) {
-                                      const Texture* const base = texture(levels[0]->work.content, levels[0]->work.textureSize);
+                                      const Texture *const base = texture(levels[0]->work.content, levels[0]->work.textureSize);
                                       for (long n = 0; n < calls; ++n)
                                           for (size_t i : {0, 1}) {
                                               rs.tex0 = base->mip[i + 1];
@@ -260,32 +260,32 @@ void addMip(std::vector<Job>& jobs)
     }
 }
 
-void addRuns(std::vector<Job>& jobs)
+void addRuns(std::vector<Job> &jobs)
 {
     for (const Blend blend : {copy, alpha})
         for (int size : {frameSize, 64}) {
             Job job = rectangleJob(blend == copy ? "runs.copy" : "runs.alpha", Kind::blit, axesOf(1, 5, 0, blend),
                                    Content::sparse, size);
-            for (Primitive& p : job.work.primitives)
+            for (Primitive &p : job.work.primitives)
                 p.vertex[0].x = std::max(p.vertex[0].x, size == frameSize ? 0 : 128), p.vertex[1].x = p.vertex[0].x + size;
             job.note = "70 % transparent";
             job.ownOnly = true;
-            job.more = [plain = besides(job, axesOf(1, 0, 0, blend))](Contenders& contenders) {
+            job.more = [plain = besides(job, axesOf(1, 0, 0, blend))](Contenders &contenders) {
                 contenders.push_back(kernelAs("no map", Role::yardstick, *plain, plain->axes, {}));
             };
             jobs.push_back(job);
         }
 }
 
-void addOcclusion(std::vector<Job>& jobs)
+void addOcclusion(std::vector<Job> &jobs)
 {
     struct Row {
-        const char* name;
+        const char *name;
         DrawFunc kernel;
         int pixelsPerByte;
     };
     constexpr Row rows[] = {{"occlusion.bytes", DrawZbufferPolygon, 1}, {"occlusion.bits", DrawShaheiPolygonSet, 8}};
-    for (const Row& row : rows)
+    for (const Row &row : rows)
         for (const bool large : {true, false}) {
             Job job;
             job.name = std::string(row.name) + (large ? "/large" : "/30px");
@@ -304,7 +304,7 @@ void addOcclusion(std::vector<Job>& jobs)
             job.pixels = (double(p.vertex[1].x - p.vertex[0].x) * (p.vertex[2].y - p.vertex[0].y) -
                           double(p.vertex[2].x - p.vertex[0].x) * (p.vertex[1].y - p.vertex[0].y)) /
                          2;
-            job.more = [row, p, pixels = job.pixels](Contenders& contenders) {
+            job.more = [row, p, pixels = job.pixels](Contenders &contenders) {
                 const int rowsDrawn = p.vertex[2].y - p.vertex[0].y;
                 const size_t bytes = size_t(pixels) / size_t(rowsDrawn * row.pixelsPerByte);
                 contenders.push_back({"memset", Role::yardstick, "of as many bytes in as many rows", {}, [=](long calls) {
@@ -319,7 +319,7 @@ void addOcclusion(std::vector<Job>& jobs)
         }
 }
 
-void addLookUp(std::vector<Job>& jobs)
+void addLookUp(std::vector<Job> &jobs)
 {
     for (const bool hit : {true, false}) {
         Job job;
@@ -327,11 +327,11 @@ void addLookUp(std::vector<Job>& jobs)
         job.perCall = true;
         job.budget = hit ? 5 : 25;
         job.ownOnly = true;
-        job.more = [hit](Contenders& contenders) {
+        job.more = [hit](Contenders &contenders) {
             // Codes all over the catalogue, in random order, each unlike the one before.
             std::vector<Axes> modes;
             int n = 0;
-            ninefold::forEachCombination([&](const Axes& a) {
+            ninefold::forEachCombination([&](const Axes &a) {
                 if (n++ % 480 == 0)
                     modes.push_back(a);
             });
@@ -340,7 +340,7 @@ void addLookUp(std::vector<Job>& jobs)
                 std::swap(modes[i], modes[size_t(random(int(i)))]);
             modes.resize(64);
             contenders.push_back({"ninefold/v1", Role::ours, "CreateDrawCode and SearchDrawFunc", {}, [modes, hit](long calls) {
-                                      const auto set = [](const Axes& a) {
+                                      const auto set = [](const Axes &a) {
                                           rs.persMode = a.pers, rs.ruleAlphaMode = a.rule, rs.prescaleMode = a.prescale;
                                           rs.filterMode = a.filter, rs.rectOptMode = a.rectOpt, rs.shaheiMode = a.shahei;
                                           rs.blendMode = a.blend, rs.multiMode = a.multi, rs.shapeMode = a.shape;
@@ -359,7 +359,7 @@ void addLookUp(std::vector<Job>& jobs)
 
 std::vector<double> startUpSamples;
 
-void addStartUp(std::vector<Job>& jobs)
+void addStartUp(std::vector<Job> &jobs)
 {
     Job job;
     job.name = "startup";
@@ -400,7 +400,7 @@ void recordStartUp(int samples)
     }
 }
 
-void addOwnJobs(std::vector<Job>& jobs)
+void addOwnJobs(std::vector<Job> &jobs)
 {
     seed();
     addRules(jobs);

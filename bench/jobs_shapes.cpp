@@ -13,10 +13,10 @@ namespace {
 int32_t fixed(double value) { return int32_t(std::lround(value * 65536)); }
 
 // The whole frame through a map, as one primitive with the four corners' places in the texture.
-Job quadJob(const std::string& name, Kind kind, const ninefold::Axes& axes, Content content, const Map& map)
+Job quadJob(const std::string &name, Kind kind, const ninefold::Axes &axes, Content content, const Map &map)
 {
     Job job = rectangleJob(name, kind, axes, content, frameSize);
-    Primitive& p = job.work.primitives[0];
+    Primitive &p = job.work.primitives[0];
     for (int corner = 0; corner < 4; ++corner) {
         const double x = corner & 1 ? frameSize : 0, y = corner & 2 ? frameSize : 0;
         const auto row = [&](int i) { return map.m[i][0] * x + map.m[i][1] * y + map.m[i][2]; };
@@ -53,11 +53,11 @@ Map perspectiveMap()
     return through(places, values);
 }
 
-void addQuads(std::vector<Job>& jobs)
+void addQuads(std::vector<Job> &jobs)
 {
     const Map turned = rotation();
-    const auto add = [&](const char* name, Kind kind, const ninefold::Axes& axes, Content content, const Map& map,
-                         const char* note) {
+    const auto add = [&](const char *name, Kind kind, const ninefold::Axes &axes, Content content, const Map &map,
+                         const char *note) {
         jobs.push_back(quadJob(name, kind, axes, content, map));
         jobs.back().note = note;
     };
@@ -80,9 +80,9 @@ void addQuads(std::vector<Job>& jobs)
     add("perspective.bilinear.copy", Kind::perspective, axes, Content::opaque, perspectiveMap(), "two triangles");
 }
 
-double areaOf(const Primitive& p)
+double areaOf(const Primitive &p)
 {
-    const Vertex* v = p.vertex;
+    const Vertex *v = p.vertex;
     return std::abs(double(v[1].x - v[0].x) * (v[2].y - v[0].y) - double(v[2].x - v[0].x) * (v[1].y - v[0].y)) / 2;
 }
 
@@ -117,7 +117,7 @@ std::vector<Primitive> triangles(bool large, double least, double most, int text
     return all;
 }
 
-Map mapOf(const Primitive& p)
+Map mapOf(const Primitive &p)
 {
     double places[3][3], values[3][3];
     for (int i = 0; i < 3; ++i) {
@@ -127,15 +127,15 @@ Map mapOf(const Primitive& p)
     return through(places, values);
 }
 
-void addTriangles(std::vector<Job>& jobs)
+void addTriangles(std::vector<Job> &jobs)
 {
     struct Size {
-        const char* name;
+        const char *name;
         double least, most;
     };
     constexpr Size sizes[] = {{"large", 0, 0}, {"30px", 16, 18}, {"5to50px", 3, 29}};
     struct Row {
-        const char* name;
+        const char *name;
         Kind kind;
         int filter;
         Blend blend;
@@ -149,8 +149,8 @@ void addTriangles(std::vector<Job>& jobs)
         {"triangle.gouraud", Kind::gouraudTriangle, 7, copy, scalar::gouraudTriangle},
         {"triangle.flat", Kind::flatTriangle, 6, copy, scalar::flatTriangle},
     };
-    for (const Size& size : sizes)
-        for (const Row& row : rows) {
+    for (const Size &size : sizes)
+        for (const Row &row : rows) {
             seed();
             const bool large = size.most == 0;
             Job job;
@@ -159,14 +159,14 @@ void addTriangles(std::vector<Job>& jobs)
             job.scalar = row.scalar;
             job.goal = row.kind == Kind::flatTriangle ? 1 : 0.5; // peers fill as fast as memory goes
             job.perCall = !large;
-            Work& work = job.work;
+            Work &work = job.work;
             work.kind = row.kind;
             work.blend = row.blend;
             work.bilinear = row.filter == 1;
             work.content = row.blend == alpha ? Content::sprite : Content::opaque;
             work.textureSize = large ? frameSize : smallTexture;
             work.primitives = triangles(large, size.least, size.most, work.textureSize);
-            for (const Primitive& p : work.primitives) {
+            for (const Primitive &p : work.primitives) {
                 work.maps.push_back(mapOf(p));
                 job.pixels += areaOf(p) / double(work.primitives.size());
             }
@@ -174,7 +174,7 @@ void addTriangles(std::vector<Job>& jobs)
         }
 }
 
-void addColours(std::vector<Job>& jobs)
+void addColours(std::vector<Job> &jobs)
 {
     for (int size : {8, 16, 32}) {
         seed();
@@ -187,19 +187,19 @@ void addColours(std::vector<Job>& jobs)
         Job gouraud = rectangleJob("gouraud", Kind::gouraudRect, axesOf(1, 7, 7, copy), Content::opaque, size);
         gouraud.goal = 0.5;
         // Colours of a plane, which peers draw alike as two triangles.
-        for (Primitive& p : gouraud.work.primitives)
+        for (Primitive &p : gouraud.work.primitives)
             p.color[0] = 0xFF204060, p.color[1] = 0xFFE05080, p.color[2] = 0xFF30D070, p.color[3] = 0xFFF0E090;
         jobs.push_back(gouraud);
     }
 }
 
-void addLines(std::vector<Job>& jobs)
+void addLines(std::vector<Job> &jobs)
 {
     struct Length {
-        const char* name;
+        const char *name;
         int least, most;
     };
-    for (const Length& length : {Length{"11px", 11, 11}, {"470px", 470, 470}, {"3to30px", 3, 30}}) {
+    for (const Length &length : {Length{"11px", 11, 11}, {"470px", 470, 470}, {"3to30px", 3, 30}}) {
         seed();
         Job job;
         job.name = std::string("line/") + length.name;
@@ -228,7 +228,7 @@ void addLines(std::vector<Job>& jobs)
 
 } // namespace
 
-void addShapeJobs(std::vector<Job>& jobs)
+void addShapeJobs(std::vector<Job> &jobs)
 {
     addQuads(jobs);
     addTriangles(jobs);

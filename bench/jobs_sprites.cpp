@@ -8,7 +8,7 @@ namespace bench {
 namespace {
 
 struct UnitRow {
-    const char* name;
+    const char *name;
     Blend blend;
     Content content;
     double goal;
@@ -31,7 +31,7 @@ constexpr UnitRow unitRows[] = {
 };
 
 struct StretchRow {
-    const char* name;
+    const char *name;
     int filter;
     Blend blend;
     double magnification;
@@ -56,7 +56,7 @@ Job glyphJob()
     Job job = rectangleJob("unit.alpha", Kind::blit, axesOf(1, 0, 0, alpha), Content::soft, 16);
     job.name = "unit.alpha/glyphs";
     job.pixels = 0;
-    for (Primitive& p : job.work.primitives) {
+    for (Primitive &p : job.work.primitives) {
         const int width = 4 + random(11), height = 8 + random(11);
         p = rectangles(1, width, height, smallTexture, 1)[0];
         job.pixels += double(width) * height / smallPrimitives;
@@ -67,13 +67,13 @@ Job glyphJob()
 
 } // namespace
 
-void addSpriteJobs(std::vector<Job>& jobs)
+void addSpriteJobs(std::vector<Job> &jobs)
 {
     Job fill = rectangleJob("fill", Kind::fill, axesOf(1, 7, 6, copy), Content::opaque, frameSize);
     fill.scalar = scalar::flatRect;
     jobs.push_back(fill);
     for (int size : {frameSize, 8, 16, 32})
-        for (const UnitRow& row : unitRows) {
+        for (const UnitRow &row : unitRows) {
             seed();
             Job job = rectangleJob(std::string("unit.") + row.name, Kind::blit, axesOf(1, 0, 0, row.blend), row.content, size);
             job.goal = row.goal;
@@ -82,7 +82,7 @@ void addSpriteJobs(std::vector<Job>& jobs)
         }
     jobs.push_back(glyphJob());
     for (int size : {frameSize, 8, 16, 32})
-        for (const StretchRow& row : stretchRows) {
+        for (const StretchRow &row : stretchRows) {
             if (size < frameSize && !row.small)
                 continue;
             seed();

@@ -12,7 +12,7 @@ namespace bench {
 
 namespace {
 
-constexpr const char* usage =
+constexpr const char *usage =
     "usage: bench [OPTION...] [FILTER...]\n"
     "Times the library against other libraries, a plain loop and memcpy on the jobs whose name contains one of the filters\n"
     "(default: all), and writes bench.csv and bench.html beside the program.\n"
@@ -28,28 +28,28 @@ struct Options {
     std::vector<std::string> filters;
 };
 
-int fail(const std::string& message)
+int fail(const std::string &message)
 {
     std::fprintf(stderr, "bench: %s\n%s", message.c_str(), usage);
     return 2;
 }
 
-std::vector<std::pair<std::string, Maker>>& registered()
+std::vector<std::pair<std::string, Maker>> &registered()
 {
     static std::vector<std::pair<std::string, Maker>> all;
     return all;
 }
 
-std::filesystem::path besideProgram(const char* name)
+std::filesystem::path besideProgram(const char *name)
 {
     return std::filesystem::canonical("/proc/self/exe").parent_path() / name;
 }
 
-int timeJobs(const std::vector<Job>& jobs, const Effort& effort)
+int timeJobs(const std::vector<Job> &jobs, const Effort &effort)
 {
     std::vector<Row> rows;
     printHeading();
-    for (const Job& job : jobs) {
+    for (const Job &job : jobs) {
         fillFrame();
         std::vector<Measured> measured =
             job.samples.empty() ? measure(contendersOf(job), effort)
@@ -66,9 +66,9 @@ int timeJobs(const std::vector<Job>& jobs, const Effort& effort)
     return 0;
 }
 
-int run(const Options& options)
+int run(const Options &options)
 {
-    const Effort& effort = options.quick ? quick : thorough;
+    const Effort &effort = options.quick ? quick : thorough;
     recordStartUp(options.list || options.check ? 0 : effort.rounds);
     MakeUVLShiftTable();
     MakeShaheiRunlengthTbl();
@@ -83,8 +83,8 @@ int run(const Options& options)
         useSmoothPictures();
 
     std::vector<Job> jobs;
-    for (Job& job : allJobs()) {
-        const auto matches = [&](const std::string& filter) { return job.name.find(filter) != std::string::npos; };
+    for (Job &job : allJobs()) {
+        const auto matches = [&](const std::string &filter) { return job.name.find(filter) != std::string::npos; };
         if (options.filters.empty() || std::any_of(options.filters.begin(), options.filters.end(), matches))
             jobs.push_back(std::move(job));
     }
@@ -92,9 +92,9 @@ int run(const Options& options)
         return fail("no job's name contains that; see bench --list");
 
     if (options.list) {
-        for (const Job& job : jobs) {
+        for (const Job &job : jobs) {
             std::printf("%s:", job.name.c_str());
-            for (const Contender& contender : contendersOf(job))
+            for (const Contender &contender : contendersOf(job))
                 std::printf(" %s", contender.name.c_str());
             std::printf("\n");
         }
@@ -109,7 +109,7 @@ int run(const Options& options)
     return timeJobs(jobs, effort);
 }
 
-int parse(int argc, char** argv)
+int parse(int argc, char **argv)
 {
     Options options;
     for (int i = 1; i < argc; ++i) {
@@ -140,10 +140,10 @@ int parse(int argc, char** argv)
 
 } // namespace
 
-Peer::Peer(const char* name, Maker make) { registered().emplace_back(name, make); }
+Peer::Peer(const char *name, Maker make) { registered().emplace_back(name, make); }
 
-const std::vector<std::pair<std::string, Maker>>& peers() { return registered(); }
+const std::vector<std::pair<std::string, Maker>> &peers() { return registered(); }
 
 } // namespace bench
 
-int main(int argc, char** argv) { return bench::parse(argc, argv); }
+int main(int argc, char **argv) { return bench::parse(argc, argv); }

@@ -7,9 +7,9 @@ struct Map {
     double m[3][3]; // the place (x, y, 1) times this, divided by its third component
 };
 
-inline Map inverse(const Map& map)
+inline Map inverse(const Map &map)
 {
-    const auto& a = map.m;
+    const auto &a = map.m;
     Map result;
     double determinant = 0;
     for (int i = 0; i < 3; ++i)

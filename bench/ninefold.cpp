@@ -9,12 +9,12 @@ namespace bench {
 
 namespace {
 
-constexpr const char* setNames[] = {"v1", "v3", "v4"};
+constexpr const char *setNames[] = {"v1", "v3", "v4"};
 
 bool isTriangle(Kind kind) { return kind == Kind::triangle || kind == Kind::flatTriangle || kind == Kind::gouraudTriangle; }
 
 // A map that has depth along y alone has straight rows at an even pace, which is what a line table holds.
-void fillTable(std::vector<LineTableRecord>& table, const Map& map)
+void fillTable(std::vector<LineTableRecord> &table, const Map &map)
 {
     const auto fixed = [&](int i, int x, int y) {
         const double weight = map.m[2][0] * x + map.m[2][1] * y + map.m[2][2];
@@ -25,9 +25,9 @@ void fillTable(std::vector<LineTableRecord>& table, const Map& map)
 }
 
 // Calls a kernel with what a host stores for each primitive of that kind, and nothing more.
-Contender storesOf(std::string name, Role role, const Work& work, bool triangles, DrawFunc kernel)
+Contender storesOf(std::string name, Role role, const Work &work, bool triangles, DrawFunc kernel)
 {
-    const Primitive* const primitives = work.primitives.data();
+    const Primitive *const primitives = work.primitives.data();
     const auto make = [&](auto store) {
         return contender(std::move(name), role, "", work, [=](size_t i) {
             store(primitives[i]);
@@ -37,7 +37,7 @@ Contender storesOf(std::string name, Role role, const Work& work, bool triangles
     // A rectangle by its four corners as two triangles, the rule texture upright at one texel a pixel.
     const auto halves = [&] {
         return contender(std::move(name), role, "", work, [=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             const Vertex corner[4] = {p.vertex[0],
                                       {p.vertex[1].x, p.vertex[0].y, p.vertex[2].z},
                                       {p.vertex[0].x, p.vertex[1].y, p.vertex[3].z},
@@ -52,39 +52,39 @@ Contender storesOf(std::string name, Role role, const Work& work, bool triangles
             }
         });
     };
-    const auto corners = [](const Primitive& p) { rs.vertex[0] = p.vertex[0], rs.vertex[1] = p.vertex[1]; };
+    const auto corners = [](const Primitive &p) { rs.vertex[0] = p.vertex[0], rs.vertex[1] = p.vertex[1]; };
     switch (work.kind) {
     case Kind::fill:
     case Kind::line:
-        return make([=](const Primitive& p) { corners(p), rs.color[0] = p.color[0]; });
-    case Kind::blit: return make([=](const Primitive& p) { corners(p), rs.uv0[0] = p.uv[0]; });
-    case Kind::stretch: return make([=](const Primitive& p) { corners(p), rs.uv0[0] = p.uv[0], rs.uv0[1] = p.uv[1]; });
+        return make([=](const Primitive &p) { corners(p), rs.color[0] = p.color[0]; });
+    case Kind::blit: return make([=](const Primitive &p) { corners(p), rs.uv0[0] = p.uv[0]; });
+    case Kind::stretch: return make([=](const Primitive &p) { corners(p), rs.uv0[0] = p.uv[0], rs.uv0[1] = p.uv[1]; });
     case Kind::corners:
         if (triangles)
             return halves();
-        return make([=](const Primitive& p) { corners(p), std::memcpy(rs.uv0, p.uv, sizeof rs.uv0); });
+        return make([=](const Primitive &p) { corners(p), std::memcpy(rs.uv0, p.uv, sizeof rs.uv0); });
     case Kind::perspective: return halves();
     case Kind::triangle:
-        return make([](const Primitive& p) {
+        return make([](const Primitive &p) {
             for (int v = 0; v < 3; ++v)
                 rs.vertex[v] = p.vertex[v], rs.uv0[v] = p.uv[v];
         });
     case Kind::flatTriangle:
-        return make([](const Primitive& p) {
+        return make([](const Primitive &p) {
             std::memcpy(rs.vertex, p.vertex, 3 * sizeof(Vertex));
             rs.color[0] = p.color[0];
         });
     case Kind::gouraudTriangle:
-        return make([](const Primitive& p) {
+        return make([](const Primitive &p) {
             for (int v = 0; v < 3; ++v)
                 rs.vertex[v] = p.vertex[v], rs.color[v] = p.color[v];
         });
-    case Kind::gouraudRect: return make([=](const Primitive& p) { corners(p), std::memcpy(rs.color, p.color, sizeof rs.color); });
+    case Kind::gouraudRect: return make([=](const Primitive &p) { corners(p), std::memcpy(rs.color, p.color, sizeof rs.color); });
     default: return make(corners);
     }
 }
 
-Contender caller(std::string name, Role role, const Job& job, DrawFunc kernel, int set, std::function<void()> setup)
+Contender caller(std::string name, Role role, const Job &job, DrawFunc kernel, int set, std::function<void()> setup)
 {
     Contender made = storesOf(std::move(name), role, job.work, job.axes.shape == 2, kernel);
     made.prepare = [work = &job.work, set, setup = std::move(setup)] {
@@ -98,7 +98,7 @@ Contender caller(std::string name, Role role, const Job& job, DrawFunc kernel, i
 
 } // namespace
 
-void prepareState(const Work& work)
+void prepareState(const Work &work)
 {
     static std::vector<uint16_t> plane(frameSize * frameSize / 16 + 64);
     static std::vector<uint8_t> zBuffer(frameSize * frameSize, 128);
@@ -120,7 +120,7 @@ void prepareState(const Work& work)
     rs.mosaicSize = rs.mosaicSize1 = 4;
     rs.scanShift = nullptr;
     if (!work.primitives.empty()) {
-        const Primitive& p = work.primitives[0];
+        const Primitive &p = work.primitives[0];
         std::memcpy(rs.vertex, p.vertex, sizeof rs.vertex);
         std::memcpy(rs.uv0, p.uv, sizeof rs.uv0);
         std::memcpy(rs.uv1, p.uv, sizeof rs.uv1);
@@ -128,7 +128,7 @@ void prepareState(const Work& work)
     }
 }
 
-void addOurs(const Job& job, Contenders& contenders)
+void addOurs(const Job &job, Contenders &contenders)
 {
     const DrawFunc kernel = job.kernel                    ? job.kernel
                             : ninefold::exists(job.axes) ? SearchDrawFunc(ninefold::codeOf(job.axes))
@@ -143,12 +143,12 @@ void addOurs(const Job& job, Contenders& contenders)
         contenders.push_back(caller("scalar", Role::scalar, job, job.scalar, 0, job.setup));
 }
 
-Contender kernelAs(std::string name, Role role, const Job& job, const ninefold::Axes& axes, std::function<void()> setup)
+Contender kernelAs(std::string name, Role role, const Job &job, const ninefold::Axes &axes, std::function<void()> setup)
 {
     return caller(std::move(name), role, job, SearchDrawFunc(ninefold::codeOf(axes)), ninefold::bestSet(), std::move(setup));
 }
 
-Contenders contendersOf(const Job& job)
+Contenders contendersOf(const Job &job)
 {
     Contenders contenders;
     if (!job.work.primitives.empty())
@@ -163,17 +163,17 @@ Contenders contendersOf(const Job& job)
     return contenders;
 }
 
-void addMemcpy(const Job& job, Contenders& contenders)
+void addMemcpy(const Job &job, Contenders &contenders)
 {
-    const Work& work = job.work;
+    const Work &work = job.work;
     const Surface target = frame(), source = straight(work.content, work.textureSize);
     struct Block {
-        uint32_t* to;
+        uint32_t *to;
         size_t bytes, rows;
     };
     // Rectangles as they are, by rows; of other shapes half of the box; lines stretched out.
     std::vector<Block> blocks;
-    for (const Primitive& p : work.primitives) {
+    for (const Primitive &p : work.primitives) {
         const bool line = work.kind == Kind::line;
         const int points = isTriangle(work.kind) ? 3 : 2;
         int left = frameSize, top = frameSize, right = 0, bottom = 0;
@@ -184,14 +184,14 @@ void addMemcpy(const Job& job, Contenders& contenders)
         int width = right - left, rows = points == 3 ? (bottom - top + 1) / 2 : bottom - top;
         if (line)
             width = std::max(width, rows), rows = 1, left = std::min(left, frameSize - width);
-        uint32_t* const to = target.pixels + top * frameSize + left;
+        uint32_t *const to = target.pixels + top * frameSize + left;
         blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1}
                                             : Block{to, size_t(width) * 4, size_t(rows)});
     }
     contenders.push_back(contender("memcpy", Role::memcpy, "", work, [=](size_t i) {
-        const Block& block = blocks[i];
-        uint32_t* to = block.to;
-        const uint32_t* from = source.pixels;
+        const Block &block = blocks[i];
+        uint32_t *to = block.to;
+        const uint32_t *from = source.pixels;
         for (size_t row = 0; row < block.rows; ++row, to += frameSize, from += source.width)
             std::memcpy(to, from, block.bytes);
     }));

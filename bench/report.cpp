@@ -9,13 +9,13 @@ namespace bench {
 
 namespace {
 
-const char* roleName(Role role)
+const char *roleName(Role role)
 {
-    static constexpr const char* names[] = {"memcpy", "ours", "scalar", "yardstick", "peer", "less"};
+    static constexpr const char *names[] = {"memcpy", "ours", "scalar", "yardstick", "peer", "less"};
     return names[int(role)];
 }
 
-std::string number(const char* form, double value)
+std::string number(const char *form, double value)
 {
     char text[32];
     std::snprintf(text, sizeof text, form, value);
@@ -28,15 +28,15 @@ std::string figure(double value)
     return number(value < 0.1 ? "%.4f" : value < 1 ? "%.3f" : value < 10 ? "%.2f" : value < 100 ? "%.1f" : "%.0f", value);
 }
 
-std::string figure(const Row& row, const Measured* measured) { return measured ? figure(row.unit(*measured)) : "-"; }
+std::string figure(const Row &row, const Measured *measured) { return measured ? figure(row.unit(*measured)) : "-"; }
 
-std::string ratioTo(const Row& row, const Measured* other)
+std::string ratioTo(const Row &row, const Measured *other)
 {
-    const Measured* ours = row.ours();
+    const Measured *ours = row.ours();
     return ours && other ? figure(ratio(*ours, *other)) : "-";
 }
 
-bool misses(const Measured* ours, const Measured* rival, double goal)
+bool misses(const Measured *ours, const Measured *rival, double goal)
 {
     return goal > 0 && ours && rival && ratio(*ours, *rival) > goal;
 }
@@ -45,7 +45,7 @@ struct Tally {
     int measured = 0, missed = 0;
     double logarithms = 0;
 
-    void add(const Measured* ours, const Measured* rival, double goal)
+    void add(const Measured *ours, const Measured *rival, double goal)
     {
         if (!ours || !rival)
             return;
@@ -53,7 +53,7 @@ struct Tally {
         missed += misses(ours, rival, goal);
         logarithms += std::log(ratio(*ours, *rival));
     }
-    void print(const char* what) const
+    void print(const char *what) const
     {
         if (measured)
             std::printf("against %s: %d rows, geometric mean %.3f, %d above their goal\n", what, measured,
@@ -61,7 +61,7 @@ struct Tally {
     }
 };
 
-std::string escaped(const std::string& text, bool quoted)
+std::string escaped(const std::string &text, bool quoted)
 {
     std::string result;
     for (char c : text)
@@ -74,39 +74,39 @@ std::string escaped(const std::string& text, bool quoted)
 
 } // namespace
 
-const Measured* Row::find(Role role, const std::string& name) const
+const Measured *Row::find(Role role, const std::string &name) const
 {
-    for (const Measured& each : contenders)
+    for (const Measured &each : contenders)
         if (each.role == role && (name.empty() || each.name == name))
             return &each;
     return nullptr;
 }
 
-const Measured* Row::best(Role role) const
+const Measured *Row::best(Role role) const
 {
-    const Measured* best = nullptr;
-    for (const Measured& each : contenders)
+    const Measured *best = nullptr;
+    for (const Measured &each : contenders)
         if (each.role == role && (!best || each.median() < best->median()))
             best = &each;
     return best;
 }
 
-const Measured* Row::ours() const
+const Measured *Row::ours() const
 {
-    const Measured* last = nullptr; // sets come baseline first
-    for (const Measured& each : contenders)
+    const Measured *last = nullptr; // sets come baseline first
+    for (const Measured &each : contenders)
         if (each.role == Role::ours)
             last = &each;
     return last;
 }
 
-const Measured* Row::rival() const
+const Measured *Row::rival() const
 {
-    const Measured* yardstick = best(Role::yardstick);
+    const Measured *yardstick = best(Role::yardstick);
     return yardstick ? yardstick : best(Role::peer);
 }
 
-double Row::unit(const Measured& measured) const { return measured.median() / (job.perCall ? 1 : job.pixels); }
+double Row::unit(const Measured &measured) const { return measured.median() / (job.perCall ? 1 : job.pixels); }
 
 void printHeading()
 {
@@ -114,7 +114,7 @@ void printHeading()
                 "rival", "", "/memcpy", "/rival", "/scalar");
 }
 
-void printRow(const Row& row)
+void printRow(const Row &row)
 {
     const Measured *memcpy = row.find(Role::memcpy), *scalar = row.find(Role::scalar), *rival = row.rival();
     std::printf("%-40s %-5s %8s %8s %8s %8s %8s %8s  %-20s %8s %8s%s %7s%s\n", row.job.name.c_str(), row.job.unitName(),
@@ -127,10 +127,10 @@ void printRow(const Row& row)
     std::fflush(stdout);
 }
 
-void printSummary(const std::vector<Row>& rows)
+void printSummary(const std::vector<Row> &rows)
 {
     Tally peers, sprites, yardsticks, scalars;
-    for (const Row& row : rows) {
+    for (const Row &row : rows) {
         const bool sprite = row.job.perCall && row.job.axes.shape == 1;
         (row.best(Role::yardstick) ? yardsticks : sprite ? sprites : peers).add(row.ours(), row.rival(), row.job.goal);
         scalars.add(row.ours(), row.find(Role::scalar), row.job.scalarGoal);
@@ -142,12 +142,12 @@ void printSummary(const std::vector<Row>& rows)
     scalars.print("the scalar loop");
 }
 
-void writeCsv(const std::vector<Row>& rows, const std::filesystem::path& path)
+void writeCsv(const std::vector<Row> &rows, const std::filesystem::path &path)
 {
     std::ofstream out(path);
     out << "job,contender,role,unit,median_ns,least_ns,to_memcpy,to_best_peer,goal,note\n";
-    for (const Row& row : rows)
-        for (const Measured& each : row.contenders) {
+    for (const Row &row : rows)
+        for (const Measured &each : row.contenders) {
             const double scale = row.job.perCall ? 1 : row.job.pixels;
             const Measured *memcpy = row.find(Role::memcpy), *rival = row.rival();
             out << row.job.name << ',' << each.name << ',' << roleName(each.role) << ',' << row.job.unitName() << ','
@@ -157,7 +157,7 @@ void writeCsv(const std::vector<Row>& rows, const std::filesystem::path& path)
         }
 }
 
-void writePage(const std::vector<Row>& rows, const std::filesystem::path& path)
+void writePage(const std::vector<Row> &rows, const std::filesystem::path &path)
 {
     std::ofstream out(path);
     out << "<!doctype html><meta charset=utf-8><title>Ninefold: benchmark</title>\n<style>\n"
@@ -173,17 +173,17 @@ void writePage(const std::vector<Row>& rows, const std::filesystem::path& path)
            "<span class=\"b peer\">&emsp;</span>peers <span class=\"b less\">&emsp;</span>peers that leave work out\n"
            "<span class=\"b yardstick\">&emsp;</span>yardsticks <span class=\"b memcpy\">&emsp;</span>"
            "memcpy of the same bytes</p>\n";
-    for (const Row& row : rows) {
+    for (const Row &row : rows) {
         double longest = 0;
-        for (const Measured& each : row.contenders)
+        for (const Measured &each : row.contenders)
             longest = std::max(longest, row.unit(each));
-        const Measured* rival = row.rival();
+        const Measured *rival = row.rival();
         out << "<h2>" << row.job.name << " <small>ns per " << row.job.unitName();
         if (row.ours() && rival)
             out << ", " << ratioTo(row, rival) << " of " << rival->name
                 << (misses(row.ours(), rival, row.job.goal) ? " <span class=miss>above " + figure(row.job.goal) + "</span>" : "");
         out << "</small></h2>\n";
-        for (const Measured& each : row.contenders)
+        for (const Measured &each : row.contenders)
             out << "<div class=r><span>" << each.name << "</span><span><span class=\"b " << roleName(each.role)
                 << "\" style=\"width:" << number("%.1f", 55 * row.unit(each) / longest) << "%\"></span>" << figure(row.unit(each))
                 << " <small>" << escaped(each.note, false) << "</small></span></div>\n";

@@ -11,17 +11,17 @@ struct Row {
     Job job;
     std::vector<Measured> contenders;
 
-    const Measured* find(Role role, const std::string& name = {}) const;
-    const Measured* best(Role role) const;
-    const Measured* ours() const;  // the best set that the machine has
-    const Measured* rival() const; // what `goal` is measured by: the best peer, or the yardstick
-    double unit(const Measured& measured) const; // nanoseconds per pixel or per call
+    const Measured *find(Role role, const std::string &name = {}) const;
+    const Measured *best(Role role) const;
+    const Measured *ours() const;  // the best set that the machine has
+    const Measured *rival() const; // what `goal` is measured by: the best peer, or the yardstick
+    double unit(const Measured &measured) const; // nanoseconds per pixel or per call
 };
 
 void printHeading();
-void printRow(const Row& row); // as soon as it is there
-void printSummary(const std::vector<Row>& rows);
-void writeCsv(const std::vector<Row>& rows, const std::filesystem::path& path);
-void writePage(const std::vector<Row>& rows, const std::filesystem::path& path);
+void printRow(const Row &row); // as soon as it is there
+void printSummary(const std::vector<Row> &rows);
+void writeCsv(const std::vector<Row> &rows, const std::filesystem::path &path);
+void writePage(const std::vector<Row> &rows, const std::filesystem::path &path);
 
 } // namespace bench

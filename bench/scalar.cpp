@@ -41,7 +41,7 @@ struct Box {
     }
 };
 
-uint32_t* rowAt(int x, int y) { return rs.dstPixels + (y << rs.dstShift) + x; }
+uint32_t *rowAt(int x, int y) { return rs.dstPixels + (y << rs.dstShift) + x; }
 
 template <class Blend>
 [[gnu::always_inline]] inline void unit(Blend blend)
@@ -49,16 +49,16 @@ template <class Blend>
     Box box;
     if (!box.set())
         return;
-    const Texture& texture = *rs.tex0;
+    const Texture &texture = *rs.tex0;
     const uint32_t maskU = texture.width - 1, maskV = texture.height - 1, shift = texture.log2Width;
     const uint32_t u0 = uint32_t((rs.uv0[0].u >> 16) + box.dx);
     uint32_t v = uint32_t((rs.uv0[0].v >> 16) + box.dy) & maskV;
-    uint32_t* row = rowAt(box.left, box.top);
+    uint32_t *row = rowAt(box.left, box.top);
     const uint32_t pitch = rs.dstPitch;
     const int columns = box.right - box.left;
     for (int y = box.top; y < box.bottom; ++y, row += pitch, v = (v + 1) & maskV) {
-        const uint32_t* const source = texture.pixels + (v << shift);
-        uint32_t* d = row;
+        const uint32_t *const source = texture.pixels + (v << shift);
+        uint32_t *d = row;
         uint32_t u = u0;
         for (int n = columns; n; --n, ++d, ++u)
             if (const uint32_t texel = source[u & maskU])
@@ -67,7 +67,7 @@ template <class Blend>
 }
 
 template <bool fourChannels>
-[[gnu::always_inline]] inline uint32_t mixed(const Texture& texture, uint32_t u, uint32_t v, uint32_t centre)
+[[gnu::always_inline]] inline uint32_t mixed(const Texture &texture, uint32_t u, uint32_t v, uint32_t centre)
 {
     const uint32_t maskU = texture.width - 1, maskV = texture.height - 1, shift = texture.log2Width;
     const uint32_t fx = u >> 8 & 255, fy = v >> 8 & 255;
@@ -101,19 +101,19 @@ template <bool bilinear, bool fourChannels, class Blend>
     Box box;
     if (!box.set(x0, y0, x1, y1))
         return;
-    const Texture& texture = *rs.tex0;
+    const Texture &texture = *rs.tex0;
     const uint32_t maskU = texture.width - 1, maskV = texture.height - 1, shift = texture.log2Width;
     const int32_t du = int32_t(uint32_t(uRight) - uint32_t(uLeft)) / box.width;
     const int32_t dv = int32_t(uint32_t(vBottom) - uint32_t(vTop)) / box.height;
     const uint32_t u0 = uint32_t(uLeft) + uint32_t(du) * uint32_t(box.dx);
     uint32_t v = uint32_t(vTop) + uint32_t(dv) * uint32_t(box.dy);
-    uint32_t* row = rowAt(box.left, box.top);
+    uint32_t *row = rowAt(box.left, box.top);
     const uint32_t pitch = rs.dstPitch;
     const int columns = box.right - box.left;
     for (int y = box.top; y < box.bottom; ++y, row += pitch, v += uint32_t(dv)) {
         const uint32_t line = bilinear ? v >> 16 & maskV : uint32_t(int32_t(v) / 65536) & maskV;
-        const uint32_t* const source = texture.pixels + (line << shift);
-        uint32_t* d = row;
+        const uint32_t *const source = texture.pixels + (line << shift);
+        uint32_t *d = row;
         uint32_t u = u0;
         for (int n = columns; n; --n, ++d, u += uint32_t(du)) {
             uint32_t texel = source[u >> 16 & maskU];
@@ -137,7 +137,7 @@ struct Edge {
     int32_t x, stepX;
     Attributes<count> a, step;
 
-    void set(int xFrom, int xTo, int rows, const Attributes<count>& from, const Attributes<count>& to, int32_t bias)
+    void set(int xFrom, int xTo, int rows, const Attributes<count> &from, const Attributes<count> &to, int32_t bias)
     {
         x = int32_t(uint32_t(xFrom) << 16) + bias;
         stepX = int32_t(uint32_t(xTo - xFrom) << 16) / rows;
@@ -154,7 +154,7 @@ struct Edge {
 };
 
 template <int count, class Pixel>
-[[gnu::always_inline]] inline void walk(Edge<count>& left, Edge<count>& right, int& y, int rows, Pixel pixel)
+[[gnu::always_inline]] inline void walk(Edge<count> &left, Edge<count> &right, int &y, int rows, Pixel pixel)
 {
     if (rs.clipTop > y) {
         const int skipped = std::min(rows, rs.clipTop - y);
@@ -178,7 +178,7 @@ template <int count, class Pixel>
             x = clipLeft;
         }
         end = std::min(end, clipRight);
-        for (uint32_t* d = rowAt(x, y); x < end; ++x, ++d) {
+        for (uint32_t *d = rowAt(x, y); x < end; ++x, ++d) {
             pixel(d, a);
             for (int i = 0; i < count; ++i)
                 a.value[i] += step.value[i];
@@ -189,7 +189,7 @@ template <int count, class Pixel>
 template <int count, class Load, class Pixel>
 [[gnu::always_inline]] inline void triangle(int32_t bias, Load load, Pixel pixel)
 {
-    const Vertex* const vertex = rs.vertex;
+    const Vertex *const vertex = rs.vertex;
     int t = 0, b = 1, c = 2;
     if (vertex[0].y > vertex[1].y)
         t = 1, b = 0;
@@ -218,7 +218,7 @@ template <int count, class Load, class Pixel>
         return;
     }
     const bool middleLeft = (xM - xT) * (yB - yT) - (xB - xT) * (yM - yT) < 0;
-    Edge<count>& shortEdge = middleLeft ? left : right;
+    Edge<count> &shortEdge = middleLeft ? left : right;
     (middleLeft ? right : left).set(xT, xB, yB - yT, aT, aB, bias);
     shortEdge.set(xT, xM, yM - yT, aT, aM, bias);
     walk(left, right, y, yM - yT, pixel);
@@ -229,11 +229,11 @@ template <int count, class Load, class Pixel>
 template <bool bilinear, bool fourChannels, class Blend>
 [[gnu::always_inline]] inline void texturedTriangle(Blend blend)
 {
-    const Texture& texture = *rs.tex0;
+    const Texture &texture = *rs.tex0;
     const uint32_t maskU = texture.width - 1, maskV = texture.height - 1, shift = texture.log2Width;
     triangle<2>(
         0x8000, [](int i) { return Attributes<2>{{uint32_t(rs.uv0[i].u), uint32_t(rs.uv0[i].v)}}; },
-        [&](uint32_t* d, const Attributes<2>& a) {
+        [&](uint32_t *d, const Attributes<2> &a) {
             uint32_t texel = texture.pixels[((a.value[1] >> 16 & maskV) << shift) + (a.value[0] >> 16 & maskU)];
             if (!texel)
                 return;
@@ -272,7 +272,7 @@ void gouraudTriangle()
             const uint32_t c = rs.color[i];
             return Attributes<4>{{c >> 8 & 0xFF0000, c & 0xFF0000, (c & 0xFF00) << 8, (c & 0xFF) << 16}};
         },
-        [](uint32_t* d, const Attributes<4>& a) {
+        [](uint32_t *d, const Attributes<4> &a) {
             const uint32_t low = ((a.value[2] & 0xFFFF00FF) | a.value[3] >> 8) >> 8;
             *d = low | ((((a.value[0] & 0xFFFF00FF) << 8) | a.value[1]) & 0xFFFF0000);
         });
@@ -281,7 +281,7 @@ void gouraudTriangle()
 void flatTriangle()
 {
     triangle<0>(
-        0, [](int) { return Attributes<0>(); }, [colour = rs.color[0]](uint32_t* d, const Attributes<0>&) { *d = colour; });
+        0, [](int) { return Attributes<0>(); }, [colour = rs.color[0]](uint32_t *d, const Attributes<0> &) { *d = colour; });
 }
 
 void flatRect()
@@ -289,7 +289,7 @@ void flatRect()
     Box box;
     if (!box.set())
         return;
-    uint32_t* row = rowAt(box.left, box.top);
+    uint32_t *row = rowAt(box.left, box.top);
     const uint32_t pitch = rs.dstPitch, colour = rs.color[0];
     const int columns = box.right - box.left;
     for (int y = box.top; y < box.bottom; ++y, row += pitch)

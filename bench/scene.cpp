@@ -11,13 +11,13 @@ namespace {
 
 bool smooth = false;
 
-std::mt19937& state()
+std::mt19937 &state()
 {
     static std::mt19937 generator;
     return generator;
 }
 
-uint32_t noisePixel(std::mt19937& generator, Content content)
+uint32_t noisePixel(std::mt19937 &generator, Content content)
 {
     const uint32_t colour = generator() & 0xFFFFFF;
     const uint32_t dice = generator() % 100, alpha = generator() & 255;
@@ -46,7 +46,7 @@ uint32_t premultiply(uint32_t pixel)
 }
 
 // Holes of 20 to 100 pixels between islands that take 30 % in all, with the alphas of soft.
-void punch(Texture* texture, std::mt19937& generator)
+void punch(Texture *texture, std::mt19937 &generator)
 {
     for (uint32_t i = 0; i < texture->width * texture->height;) {
         const uint32_t island = 10 + generator() % 32, hole = 20 + generator() % 80;
@@ -56,10 +56,10 @@ void punch(Texture* texture, std::mt19937& generator)
     }
 }
 
-Texture* variant(Content content, int size, bool premultiplied)
+Texture *variant(Content content, int size, bool premultiplied)
 {
-    static std::map<std::tuple<Content, int, bool>, Texture*> made;
-    Texture*& texture = made[{content, size, premultiplied}];
+    static std::map<std::tuple<Content, int, bool>, Texture *> made;
+    Texture *&texture = made[{content, size, premultiplied}];
     if (texture)
         return texture;
     texture = CreateTexture(unsigned(size), unsigned(size));
@@ -76,21 +76,21 @@ Texture* variant(Content content, int size, bool premultiplied)
         CreateZeroPixelMap(texture);
         return texture;
     }
-    const Texture* source = variant(content, size, false);
+    const Texture *source = variant(content, size, false);
     for (size_t i = 0; i < words; ++i)
         texture->pixels[i] = premultiply(source->pixels[i]);
     return texture;
 }
 
-Surface surface(Texture* texture) { return {texture->pixels, int(texture->width), int(texture->height)}; }
+Surface surface(Texture *texture) { return {texture->pixels, int(texture->width), int(texture->height)}; }
 
 } // namespace
 
 void useSmoothPictures() { smooth = true; }
 
-Texture* frameBuffer()
+Texture *frameBuffer()
 {
-    static Texture* const buffer = CreateTexture(frameSize, frameSize);
+    static Texture *const buffer = CreateTexture(frameSize, frameSize);
     return buffer;
 }
 
@@ -103,14 +103,14 @@ void fillFrame()
         frameBuffer()->pixels[i] = smooth ? 0xFF406080 : 0xFF000000 | uint32_t(generator());
 }
 
-Texture* texture(Content content, int size) { return variant(content, size, false); }
+Texture *texture(Content content, int size) { return variant(content, size, false); }
 Surface straight(Content content, int size) { return surface(variant(content, size, false)); }
 Surface premultiplied(Content content, int size) { return surface(variant(content, size, true)); }
 
-Texture* ruleTexture(int value)
+Texture *ruleTexture(int value)
 {
-    static std::map<int, Texture*> made;
-    Texture*& texture = made[value];
+    static std::map<int, Texture *> made;
+    Texture *&texture = made[value];
     if (!texture) {
         texture = CreateTexture(frameSize, frameSize);
         for (size_t i = 0; i < size_t(frameSize) * frameSize; ++i)

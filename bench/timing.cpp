@@ -17,7 +17,7 @@ double now()
     return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
 }
 
-void prepare(const Contender& contender)
+void prepare(const Contender &contender)
 {
     if (contender.prepare)
         contender.prepare();
@@ -31,7 +31,7 @@ double medianOf(std::vector<double> values)
 }
 
 // Calls that fill a turn, a multiple of 64 where there are that many, so that each turn draws every primitive alike.
-long callsFor(const Contender& contender, double batchSeconds)
+long callsFor(const Contender &contender, double batchSeconds)
 {
     long calls = 1;
     double seconds = secondsOf(contender, calls);
@@ -43,7 +43,7 @@ long callsFor(const Contender& contender, double batchSeconds)
 
 } // namespace
 
-double secondsOf(const Contender& contender, long calls)
+double secondsOf(const Contender &contender, long calls)
 {
     const double start = now();
     contender.run(calls);
@@ -53,7 +53,7 @@ double secondsOf(const Contender& contender, long calls)
 double Measured::median() const { return medianOf(nanoseconds); }
 double Measured::least() const { return *std::min_element(nanoseconds.begin(), nanoseconds.end()); }
 
-double ratio(const Measured& a, const Measured& b)
+double ratio(const Measured &a, const Measured &b)
 {
     std::vector<double> ratios(a.nanoseconds.size());
     for (size_t i = 0; i < ratios.size(); ++i)
@@ -64,11 +64,11 @@ double ratio(const Measured& a, const Measured& b)
 // A loop of our own and no benchmark library: those measure one contender to its end before the next, or shuffle whole
 // repetitions of seconds. Clocks and neighbours change faster than that, so here every contender has a turn of a millisecond in
 // every round, and what counts is the ratio of two turns of the same round.
-std::vector<Measured> measure(const Contenders& contenders, const Effort& effort)
+std::vector<Measured> measure(const Contenders &contenders, const Effort &effort)
 {
     std::vector<Measured> all;
     std::vector<long> calls;
-    for (const Contender& contender : contenders) {
+    for (const Contender &contender : contenders) {
         all.push_back({contender.name, contender.note, contender.role, {}});
         prepare(contender);
         contender.run(1); // first calls compile, allocate, fault pages in

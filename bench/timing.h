@@ -21,10 +21,10 @@ struct Measured {
 };
 
 // Median over the rounds of a's time against b's in the same round.
-double ratio(const Measured& a, const Measured& b);
+double ratio(const Measured &a, const Measured &b);
 
-double secondsOf(const Contender& contender, long calls);
+double secondsOf(const Contender &contender, long calls);
 
-std::vector<Measured> measure(const Contenders& contenders, const Effort& effort);
+std::vector<Measured> measure(const Contenders &contenders, const Effort &effort);
 
 } // namespace bench

@@ -13,7 +13,7 @@ namespace {
 #define BENCH_SETS
 #endif
 
-BENCH_SETS uint32_t countAbove(const uint32_t* texels, int width, uint32_t threshold)
+BENCH_SETS uint32_t countAbove(const uint32_t *texels, int width, uint32_t threshold)
 {
     uint32_t count = 0;
     for (int i = 0; i < width; ++i)
@@ -21,7 +21,7 @@ BENCH_SETS uint32_t countAbove(const uint32_t* texels, int width, uint32_t thres
     return count;
 }
 
-BENCH_SETS uint32_t joined(const uint16_t* words, int count)
+BENCH_SETS uint32_t joined(const uint16_t *words, int count)
 {
     uint16_t all = 0xFFFF;
     for (int i = 0; i < count; ++i)
@@ -29,7 +29,7 @@ BENCH_SETS uint32_t joined(const uint16_t* words, int count)
     return all;
 }
 
-BENCH_SETS uint32_t largest(const uint8_t* bytes, int width)
+BENCH_SETS uint32_t largest(const uint8_t *bytes, int width)
 {
     uint8_t most = 0;
     for (int i = 0; i < width; ++i)
@@ -39,37 +39,37 @@ BENCH_SETS uint32_t largest(const uint8_t* bytes, int width)
 
 } // namespace
 
-uint32_t readRuleValues(const uint32_t* texels, const std::vector<Span>& spans, int threshold)
+uint32_t readRuleValues(const uint32_t *texels, const std::vector<Span> &spans, int threshold)
 {
     uint32_t count = 0;
-    for (const Span& span : spans)
+    for (const Span &span : spans)
         count += countAbove(texels + span.y * frameSize + span.left, span.width, uint32_t(threshold));
     return count;
 }
 
-uint32_t readPlane(const uint16_t* plane, const std::vector<Span>& spans)
+uint32_t readPlane(const uint16_t *plane, const std::vector<Span> &spans)
 {
     uint32_t all = 0xFFFF;
-    for (const Span& span : spans) {
+    for (const Span &span : spans) {
         const int first = span.left >> 4, last = (span.left + span.width + 15) >> 4;
         all &= joined(plane + (span.y * frameSize >> 4) + first, last - first);
     }
     return all;
 }
 
-uint32_t readPriorities(const uint8_t* zBuffer, const std::vector<Span>& spans, int reference)
+uint32_t readPriorities(const uint8_t *zBuffer, const std::vector<Span> &spans, int reference)
 {
     uint32_t passed = 0;
-    for (const Span& span : spans)
+    for (const Span &span : spans)
         passed += largest(zBuffer + span.y * frameSize + span.left, span.width) >= uint32_t(reference);
     return passed;
 }
 
-void callPerPixel(uint32_t* frame, const uint32_t* texels, const std::vector<Span>& spans, Operator call)
+void callPerPixel(uint32_t *frame, const uint32_t *texels, const std::vector<Span> &spans, Operator call)
 {
-    for (const Span& span : spans) {
-        uint32_t* const d = frame + span.y * frameSize + span.left;
-        const uint32_t* const s = texels + span.y * frameSize + span.left;
+    for (const Span &span : spans) {
+        uint32_t *const d = frame + span.y * frameSize + span.left;
+        const uint32_t *const s = texels + span.y * frameSize + span.left;
         for (int i = 0; i < span.width; ++i)
             if (s[i])
                 d[i] = call(d[i], s[i]);

@@ -14,11 +14,11 @@ struct Span {
 };
 
 // Each returns something of what it has read.
-uint32_t readRuleValues(const uint32_t* texels, const std::vector<Span>& spans, int threshold);
-uint32_t readPlane(const uint16_t* plane, const std::vector<Span>& spans);
-uint32_t readPriorities(const uint8_t* zBuffer, const std::vector<Span>& spans, int reference);
+uint32_t readRuleValues(const uint32_t *texels, const std::vector<Span> &spans, int threshold);
+uint32_t readPlane(const uint16_t *plane, const std::vector<Span> &spans);
+uint32_t readPriorities(const uint8_t *zBuffer, const std::vector<Span> &spans, int reference);
 
 using Operator = uint32_t (*)(uint32_t first, uint32_t second);
-void callPerPixel(uint32_t* frame, const uint32_t* texels, const std::vector<Span>& spans, Operator call);
+void callPerPixel(uint32_t *frame, const uint32_t *texels, const std::vector<Span> &spans, Operator call);
 
 } // namespace bench

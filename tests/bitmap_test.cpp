@@ -1,3 +1,4 @@
+// Bitmap files: where the picture is placed, and files that are cut short or lie about their size.
 #include "texture_ptr.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// Stipples: the table of fades, the patterns, and which of them draws a pixel.
 #include <ninefold/render_state.h>
 
 #include "core/tables.h"

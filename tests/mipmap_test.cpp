@@ -1,3 +1,4 @@
+// Mip chains: how levels are averaged, made and released.
 #include "texture_ptr.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// The scalar definitions of the operators, and what the setters put behind blendFunc and multiFunc.
 #include "ops/operators.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// Run-length maps, zero-pixel maps and the run lists of plane words.
 #include <ninefold/render_state.h>
 
 #include "core/tables.h"

@@ -1,5 +1,5 @@
-#ifndef NINEFOLD_TESTS_TEXTURE_PTR_H
-#define NINEFOLD_TESTS_TEXTURE_PTR_H
+// Textures that tests own.
+#pragma once
 
 #include <ninefold/texture.h>
 
@@ -40,5 +40,3 @@ inline std::vector<uint32_t> pixelsOf(const TexturePtr &texture)
 {
     return pixelsOf(*texture);
 }
-
-#endif

@@ -1,3 +1,4 @@
+// Textures: sizes, reference counts, copies and replaced colours; and the setters that store a field.
 #include <ninefold/render_state.h>
 
 #include "core/tables.h"

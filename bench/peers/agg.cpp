@@ -27,9 +27,9 @@ using CompositeFormat = agg::pixfmt_custom_blend_rgba<Composite, agg::rendering_
 using CompositeRenderer = agg::renderer_base<CompositeFormat>;
 using Interpolator = agg::span_interpolator_linear<>;
 
-agg::rendering_buffer bufferOf(const Surface& surface)
+agg::rendering_buffer bufferOf(const Surface &surface)
 {
-    return {reinterpret_cast<agg::int8u*>(surface.pixels), unsigned(surface.width), unsigned(surface.height), surface.width * 4};
+    return {reinterpret_cast<agg::int8u *>(surface.pixels), unsigned(surface.width), unsigned(surface.height), surface.width * 4};
 }
 
 agg::rgba8 colourOf(uint32_t c) { return {c >> 16 & 255, c >> 8 & 255, c & 255, c >> 24}; }
@@ -45,13 +45,13 @@ struct Canvas {
     agg::span_allocator<agg::rgba8> allocator;
     agg::renderer_primitives<Renderer> primitives{renderer};
 
-    explicit Canvas(const Work& work)
+    explicit Canvas(const Work &work)
         : source(bufferOf(work.blend == alpha || work.content == Content::key ? premultiplied(work.content, work.textureSize)
                                                                              : straight(work.content, work.textureSize)))
     {
     }
 
-    void polygon(const Vertex* v, int count)
+    void polygon(const Vertex *v, int count)
     {
         rasterizer.reset();
         rasterizer.move_to_d(v[0].x, v[0].y);
@@ -59,27 +59,27 @@ struct Canvas {
             rasterizer.line_to_d(v[i].x, v[i].y);
     }
     template <class Span>
-    void fill(Span& span)
+    void fill(Span &span)
     {
         agg::render_scanlines_bin(rasterizer, scanline, renderer, allocator, span);
     }
 };
 
-void make(const Work& work, Contenders& contenders)
+void make(const Work &work, Contenders &contenders)
 {
     const auto canvas = std::make_shared<Canvas>(work);
-    const Primitive* const primitives = work.primitives.data();
-    const auto add = [&](const char* note, auto draw) {
+    const Primitive *const primitives = work.primitives.data();
+    const auto add = [&](const char *note, auto draw) {
         contenders.push_back(contender("agg", Role::peer, note, work, [=](size_t i) { draw(*canvas, primitives[i], i); }));
     };
     switch (work.kind) {
     case Kind::fill:
-        add("copy_bar", [](Canvas& c, const Primitive& p, size_t) {
+        add("copy_bar", [](Canvas &c, const Primitive &p, size_t) {
             c.renderer.copy_bar(p.vertex[0].x, p.vertex[0].y, p.vertex[1].x - 1, p.vertex[1].y - 1, colourOf(p.color[0]));
         });
         return;
     case Kind::line:
-        add("renderer_primitives", [](Canvas& c, const Primitive& p, size_t) {
+        add("renderer_primitives", [](Canvas &c, const Primitive &p, size_t) {
             using Primitives = agg::renderer_primitives<Renderer>;
             c.primitives.line_color(colourOf(p.color[0]));
             c.primitives.line(Primitives::coord(p.vertex[0].x), Primitives::coord(p.vertex[0].y),
@@ -87,14 +87,14 @@ void make(const Work& work, Contenders& contenders)
         });
         return;
     case Kind::flatTriangle:
-        add("binary scanlines", [](Canvas& c, const Primitive& p, size_t) {
+        add("binary scanlines", [](Canvas &c, const Primitive &p, size_t) {
             c.polygon(p.vertex, 3);
             agg::render_scanlines_bin_solid(c.rasterizer, c.scanline, c.renderer, colourOf(p.color[0]));
         });
         return;
     case Kind::gouraudTriangle:
-        add("binary scanlines", [](Canvas& c, const Primitive& p, size_t) {
-            const Vertex* const v = p.vertex;
+        add("binary scanlines", [](Canvas &c, const Primitive &p, size_t) {
+            const Vertex *const v = p.vertex;
             agg::span_gouraud_rgba<agg::rgba8> span(colourOf(p.color[0]), colourOf(p.color[1]), colourOf(p.color[2]), v[0].x,
                                                     v[0].y, v[1].x, v[1].y, v[2].x, v[2].y);
             c.polygon(v, 3);
@@ -105,7 +105,7 @@ void make(const Work& work, Contenders& contenders)
     }
     if (work.kind == Kind::blit) {
         const auto composite = [&](agg::comp_op_e op) {
-            add("no transparent test", [op](Canvas& c, const Primitive& p, size_t) {
+            add("no transparent test", [op](Canvas &c, const Primitive &p, size_t) {
                 c.compositeFormat.comp_op(op);
                 const agg::rect_i from(p.texelU(), p.texelV(), p.texelU() + p.width() - 1, p.texelV() + p.height() - 1);
                 c.composite.blend_from(c.sourceFormat, &from, p.vertex[0].x - from.x1, p.vertex[0].y - from.y1);
@@ -114,13 +114,13 @@ void make(const Work& work, Contenders& contenders)
         switch (work.blend) {
         case copy:
         case alpha:
-            add("premultiplied source", [](Canvas& c, const Primitive& p, size_t) {
+            add("premultiplied source", [](Canvas &c, const Primitive &p, size_t) {
                 const agg::rect_i from(p.texelU(), p.texelV(), p.texelU() + p.width() - 1, p.texelV() + p.height() - 1);
                 c.renderer.blend_from(c.sourceFormat, &from, p.vertex[0].x - from.x1, p.vertex[0].y - from.y1);
             });
             break;
         case constAlpha:
-            add("no transparent test", [](Canvas& c, const Primitive& p, size_t) {
+            add("no transparent test", [](Canvas &c, const Primitive &p, size_t) {
                 const agg::rect_i from(p.texelU(), p.texelV(), p.texelU() + p.width() - 1, p.texelV() + p.height() - 1);
                 c.renderer.blend_from(c.sourceFormat, &from, p.vertex[0].x - from.x1, p.vertex[0].y - from.y1, 128);
             });
@@ -135,12 +135,12 @@ void make(const Work& work, Contenders& contenders)
     if ((work.kind == Kind::stretch || work.kind == Kind::corners || work.kind == Kind::triangle) &&
         (work.blend == copy || work.blend == alpha)) {
         const auto transforms = std::make_shared<std::vector<agg::trans_affine>>();
-        for (const Map& map : work.maps) {
-            const auto& m = map.m;
+        for (const Map &map : work.maps) {
+            const auto &m = map.m;
             transforms->emplace_back(m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]);
         }
         add("binary scanlines; premultiplied source",
-            [transforms, bilinear = work.bilinear, triangle = work.kind == Kind::triangle](Canvas& c, const Primitive& p,
+            [transforms, bilinear = work.bilinear, triangle = work.kind == Kind::triangle](Canvas &c, const Primitive &p,
                                                                                            size_t i) {
                 using Accessor = agg::image_accessor_clone<Format>;
                 Interpolator interpolator((*transforms)[i]);

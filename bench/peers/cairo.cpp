@@ -13,9 +13,9 @@ using SurfacePointer = std::shared_ptr<cairo_surface_t>;
 using Context = std::shared_ptr<cairo_t>;
 using Pattern = std::shared_ptr<cairo_pattern_t>;
 
-SurfacePointer wrap(const Surface& surface, cairo_format_t format)
+SurfacePointer wrap(const Surface &surface, cairo_format_t format)
 {
-    return {cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(surface.pixels), format, surface.width,
+    return {cairo_image_surface_create_for_data(reinterpret_cast<unsigned char *>(surface.pixels), format, surface.width,
                                                 surface.height, surface.width * 4),
             cairo_surface_destroy};
 }
@@ -23,10 +23,10 @@ SurfacePointer wrap(const Surface& surface, cairo_format_t format)
 struct Operation {
     bool known;
     cairo_operator_t op;
-    const char* note;
+    const char *note;
 };
 
-Operation operationOf(const Work& work)
+Operation operationOf(const Work &work)
 {
     switch (work.blend) {
     case copy:
@@ -44,9 +44,9 @@ Operation operationOf(const Work& work)
 }
 
 double channel(uint32_t colour, int shift) { return (colour >> shift & 255) / 255.0; }
-void setColour(cairo_t* context, uint32_t c) { cairo_set_source_rgb(context, channel(c, 16), channel(c, 8), channel(c, 0)); }
+void setColour(cairo_t *context, uint32_t c) { cairo_set_source_rgb(context, channel(c, 16), channel(c, 8), channel(c, 0)); }
 
-void trianglePath(cairo_t* context, const Vertex* v)
+void trianglePath(cairo_t *context, const Vertex *v)
 {
     cairo_move_to(context, v[0].x, v[0].y);
     cairo_line_to(context, v[1].x, v[1].y);
@@ -54,20 +54,20 @@ void trianglePath(cairo_t* context, const Vertex* v)
     cairo_close_path(context);
 }
 
-void make(const Work& work, Contenders& contenders)
+void make(const Work &work, Contenders &contenders)
 {
     const SurfacePointer target = wrap(frame(), CAIRO_FORMAT_RGB24);
     const Context context(cairo_create(target.get()), cairo_destroy);
-    cairo_t* const c = context.get();
+    cairo_t *const c = context.get();
     cairo_set_antialias(c, CAIRO_ANTIALIAS_NONE);
-    const Primitive* const primitives = work.primitives.data();
-    const auto add = [&](const char* note, auto draw) {
+    const Primitive *const primitives = work.primitives.data();
+    const auto add = [&](const char *note, auto draw) {
         contenders.push_back(contender(
             "cairo", Role::peer, note, work, [=, keep = std::pair(target, context)](size_t i) { draw(i); },
             [=, keep = target] { cairo_surface_flush(keep.get()); }));
         contenders.back().prepare = [=, keep = target] { cairo_surface_mark_dirty(keep.get()); };
     };
-    const auto rectangle = [=](const Primitive& p) { cairo_rectangle(c, p.vertex[0].x, p.vertex[0].y, p.width(), p.height()); };
+    const auto rectangle = [=](const Primitive &p) { cairo_rectangle(c, p.vertex[0].x, p.vertex[0].y, p.width(), p.height()); };
     switch (work.kind) {
     case Kind::fill:
         add("", [=](size_t i) {
@@ -79,7 +79,7 @@ void make(const Work& work, Contenders& contenders)
     case Kind::line:
         cairo_set_line_width(c, 1);
         add("stroke of width 1", [=](size_t i) {
-            const Vertex* const v = primitives[i].vertex;
+            const Vertex *const v = primitives[i].vertex;
             setColour(c, primitives[i].color[0]);
             cairo_move_to(c, v[0].x + 0.5, v[0].y + 0.5);
             cairo_line_to(c, v[1].x + 0.5, v[1].y + 0.5);
@@ -95,8 +95,8 @@ void make(const Work& work, Contenders& contenders)
         return;
     case Kind::gouraudTriangle:
         add("mesh pattern", [=](size_t i) {
-            const Primitive& p = primitives[i];
-            cairo_pattern_t* const mesh = cairo_pattern_create_mesh();
+            const Primitive &p = primitives[i];
+            cairo_pattern_t *const mesh = cairo_pattern_create_mesh();
             cairo_mesh_pattern_begin_patch(mesh);
             cairo_mesh_pattern_move_to(mesh, p.vertex[0].x, p.vertex[0].y);
             cairo_mesh_pattern_line_to(mesh, p.vertex[1].x, p.vertex[1].y);
@@ -121,9 +121,9 @@ void make(const Work& work, Contenders& contenders)
                                             : wrap(straight(work.content, work.textureSize), CAIRO_FORMAT_RGB24);
     cairo_set_operator(c, operation.op);
     std::vector<Pattern> patterns;
-    for (const Map& map : work.maps) {
+    for (const Map &map : work.maps) {
         Pattern pattern(cairo_pattern_create_for_surface(source.get()), cairo_pattern_destroy);
-        const auto& m = map.m;
+        const auto &m = map.m;
         const cairo_matrix_t matrix{m[0][0], m[1][0], m[0][1], m[1][1], m[0][2], m[1][2]};
         cairo_pattern_set_matrix(pattern.get(), &matrix);
         cairo_pattern_set_filter(pattern.get(), work.bilinear ? CAIRO_FILTER_BILINEAR : CAIRO_FILTER_NEAREST);
@@ -134,7 +134,7 @@ void make(const Work& work, Contenders& contenders)
     switch (work.kind) {
     case Kind::blit:
         add(operation.note, [=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             cairo_set_source_surface(c, source.get(), p.vertex[0].x - p.texelU(), p.vertex[0].y - p.texelV());
             cairo_pattern_set_filter(cairo_get_source(c), CAIRO_FILTER_NEAREST);
             rectangle(p);

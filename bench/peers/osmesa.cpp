@@ -48,26 +48,26 @@ void upload()
 
 using TextureName = std::shared_ptr<GLuint>;
 
-TextureName textureOf(const Work& work)
+TextureName textureOf(const Work &work)
 {
-    TextureName name(new GLuint(0), [](GLuint* made) { glDeleteTextures(1, made), delete made; });
+    TextureName name(new GLuint(0), [](GLuint *made) { glDeleteTextures(1, made), delete made; });
     glGenTextures(1, name.get());
     glBindTexture(GL_TEXTURE_2D, *name);
-    const Texture* const source = texture(work.content, work.textureSize);
+    const Texture *const source = texture(work.content, work.textureSize);
     const GLint filter = work.bilinear ? GL_LINEAR : GL_NEAREST;
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
                     !work.mipmapped ? filter : work.bilinear ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST_MIPMAP_NEAREST);
     const int levels = work.mipmapped ? int(source->mipCount) : 1;
     for (int level = 0; level < levels; ++level) {
-        const Texture* const each = level ? source->mip[level] : source;
+        const Texture *const each = level ? source->mip[level] : source;
         glTexImage2D(GL_TEXTURE_2D, level, GL_RGBA8, GLsizei(each->width), GLsizei(each->height), 0, GL_BGRA, GL_UNSIGNED_BYTE,
                      each->pixels);
     }
     return name;
 }
 
-void make(const Work& work, Contenders& contenders)
+void make(const Work &work, Contenders &contenders)
 {
     const bool textured = work.kind == Kind::stretch || work.kind == Kind::corners || work.kind == Kind::triangle ||
                           work.kind == Kind::perspective || work.kind == Kind::table;
@@ -97,12 +97,12 @@ void make(const Work& work, Contenders& contenders)
             }
         };
     };
-    const Primitive* const primitives = work.primitives.data();
+    const Primitive *const primitives = work.primitives.data();
     const float texel = 1 / (65536.0f * float(work.textureSize));
     switch (work.kind) {
     case Kind::line:
         add([=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             glBegin(GL_LINES);
             colour(p.color[0]);
             for (int v : {0, 1})
@@ -132,7 +132,7 @@ void make(const Work& work, Contenders& contenders)
     case Kind::fill:
     case Kind::gouraudRect:
         add([=, gouraud = work.kind == Kind::gouraudRect](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             glBegin(GL_TRIANGLE_STRIP);
             for (int v = 0; v < 4; ++v) {
                 colour(p.color[gouraud ? v : 0]);
@@ -143,7 +143,7 @@ void make(const Work& work, Contenders& contenders)
         break;
     case Kind::triangle:
         add([=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             glBegin(GL_TRIANGLES);
             for (int v = 0; v < 3; ++v) {
                 glTexCoord2f(float(p.uv[v].u) * texel, float(p.uv[v].v) * texel);
@@ -160,8 +160,8 @@ void make(const Work& work, Contenders& contenders)
         std::vector<Corner> corners;
         for (size_t i = 0; i < work.primitives.size(); ++i)
             for (int v = 0; v < 4; ++v) {
-                const Primitive& p = primitives[i];
-                const auto& m = work.maps[i].m;
+                const Primitive &p = primitives[i];
+                const auto &m = work.maps[i].m;
                 const int x = p.vertex[v & 1].x, y = p.vertex[v >> 1].y;
                 const auto row = [&](int k) { return float(m[k][0] * x + m[k][1] * y + m[k][2]); };
                 corners.push_back({row(0) / float(work.textureSize), row(1) / float(work.textureSize), row(2), x, y});
@@ -169,7 +169,7 @@ void make(const Work& work, Contenders& contenders)
         add([=](size_t i) {
             glBegin(GL_TRIANGLE_STRIP);
             for (size_t v = 0; v < 4; ++v) {
-                const Corner& corner = corners[4 * i + v];
+                const Corner &corner = corners[4 * i + v];
                 glTexCoord4f(corner.s, corner.t, 0, corner.q);
                 glVertex2i(corner.x, corner.y);
             }

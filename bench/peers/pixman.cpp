@@ -11,13 +11,13 @@ namespace {
 
 using Image = std::shared_ptr<pixman_image_t>;
 
-Image image(pixman_format_code_t format, const Surface& surface)
+Image image(pixman_format_code_t format, const Surface &surface)
 {
     return {pixman_image_create_bits(format, surface.width, surface.height, surface.pixels, surface.width * 4),
             pixman_image_unref};
 }
 
-pixman_transform_t transformOf(const Map& map)
+pixman_transform_t transformOf(const Map &map)
 {
     pixman_f_transform_t exact;
     for (int i = 0; i < 3; ++i)
@@ -31,10 +31,10 @@ pixman_transform_t transformOf(const Map& map)
 struct Operation {
     bool known;
     pixman_op_t op;
-    const char* note;
+    const char *note;
 };
 
-Operation operationOf(const Work& work)
+Operation operationOf(const Work &work)
 {
     switch (work.blend) {
     case copy:
@@ -50,13 +50,13 @@ Operation operationOf(const Work& work)
     }
 }
 
-void make(const Work& work, Contenders& contenders)
+void make(const Work &work, Contenders &contenders)
 {
     const Image target = image(PIXMAN_x8r8g8b8, frame());
-    const Primitive* const primitives = work.primitives.data();
+    const Primitive *const primitives = work.primitives.data();
     if (work.kind == Kind::fill) {
         contenders.push_back(contender("pixman", Role::peer, "pixman_fill", work, [=, bits = frame()](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             pixman_fill(bits.pixels, bits.width, 32, p.vertex[0].x, p.vertex[0].y, p.width(), p.height(), p.color[0]);
         }));
         return;
@@ -64,10 +64,10 @@ void make(const Work& work, Contenders& contenders)
     if (work.kind == Kind::flatTriangle) {
         std::vector<pixman_triangle_t> triangles;
         std::vector<Image> colours;
-        const auto point = [](const Vertex& v) {
+        const auto point = [](const Vertex &v) {
             return pixman_point_fixed_t{pixman_int_to_fixed(v.x), pixman_int_to_fixed(v.y)};
         };
-        for (const Primitive& p : work.primitives) {
+        for (const Primitive &p : work.primitives) {
             triangles.push_back({point(p.vertex[0]), point(p.vertex[1]), point(p.vertex[2])});
             const auto channel = [c = p.color[0]](int shift) { return uint16_t((c >> shift & 255) * 257); };
             const pixman_color_t colour{channel(16), channel(8), channel(0), 0xFFFF};
@@ -94,7 +94,7 @@ void make(const Work& work, Contenders& contenders)
     if (work.kind == Kind::blit) {
         pixman_image_set_repeat(source.get(), PIXMAN_REPEAT_NORMAL);
         contenders.push_back(contender("pixman", Role::peer, operation.note, work, [=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             pixman_image_composite32(op, source.get(), mask.get(), target.get(), p.texelU(), p.texelV(), 0, 0, p.vertex[0].x,
                                      p.vertex[0].y, p.width(), p.height());
         }));
@@ -110,10 +110,10 @@ void make(const Work& work, Contenders& contenders)
         pixman_image_set_filter(source.get(), work.bilinear ? PIXMAN_FILTER_BILINEAR : PIXMAN_FILTER_NEAREST, nullptr, 0);
         pixman_image_set_repeat(source.get(), mapped ? PIXMAN_REPEAT_PAD : PIXMAN_REPEAT_NORMAL);
         std::vector<std::pair<int, int>> starts;
-        for (const Primitive& p : work.primitives)
+        for (const Primitive &p : work.primitives)
             starts.emplace_back(mapped ? 0 : int(p.texelU() / map.m[0][0]), mapped ? 0 : int(p.texelV() / map.m[1][1]));
         contenders.push_back(contender("pixman", Role::peer, operation.note, work, [=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             pixman_image_composite32(op, source.get(), mask.get(), target.get(), starts[i].first, starts[i].second, 0, 0,
                                      p.vertex[0].x, p.vertex[0].y, p.width(), p.height());
         }));

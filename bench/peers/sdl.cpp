@@ -11,7 +11,7 @@ namespace {
 
 using SurfacePointer = std::shared_ptr<SDL_Surface>;
 
-SurfacePointer wrap(const Surface& surface, SDL_PixelFormatEnum format)
+SurfacePointer wrap(const Surface &surface, SDL_PixelFormatEnum format)
 {
     return {SDL_CreateRGBSurfaceWithFormatFrom(surface.pixels, surface.width, surface.height, 32, surface.width * 4, format),
             SDL_FreeSurface};
@@ -20,10 +20,10 @@ SurfacePointer wrap(const Surface& surface, SDL_PixelFormatEnum format)
 struct Operation {
     bool known;
     SDL_BlendMode mode;
-    const char* note;
+    const char *note;
 };
 
-Operation operationOf(const Work& work)
+Operation operationOf(const Work &work)
 {
     switch (work.blend) {
     case copy: return {true, SDL_BLENDMODE_NONE, work.content == Content::key ? "colour key" : "no transparent test"};
@@ -35,20 +35,20 @@ Operation operationOf(const Work& work)
     }
 }
 
-SDL_Rect rectOf(const Primitive& p) { return {p.vertex[0].x, p.vertex[0].y, p.width(), p.height()}; }
+SDL_Rect rectOf(const Primitive &p) { return {p.vertex[0].x, p.vertex[0].y, p.width(), p.height()}; }
 
 SDL_Color colourOf(uint32_t c) { return {uint8_t(c >> 16), uint8_t(c >> 8), uint8_t(c), uint8_t(c >> 24)}; }
 
 // What the software renderer can: triangles, textured without filter or of colours, and lines. It queues; the queue is drawn at
 // the end of a turn.
-void makeRenderer(const Work& work, const SurfacePointer& target, Contenders& contenders)
+void makeRenderer(const Work &work, const SurfacePointer &target, Contenders &contenders)
 {
     const std::shared_ptr<SDL_Renderer> renderer(SDL_CreateSoftwareRenderer(target.get()), SDL_DestroyRenderer);
     const auto flush = [=, keep = target] { SDL_RenderFlush(renderer.get()); };
-    const Primitive* const primitives = work.primitives.data();
+    const Primitive *const primitives = work.primitives.data();
     if (work.kind == Kind::line) {
         contenders.push_back(contender("sdl", Role::peer, "queued", work, [=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             const SDL_Color c = colourOf(p.color[0]);
             SDL_SetRenderDrawColor(renderer.get(), c.r, c.g, c.b, c.a);
             SDL_RenderDrawLine(renderer.get(), p.vertex[0].x, p.vertex[0].y, p.vertex[1].x, p.vertex[1].y);
@@ -64,7 +64,7 @@ void makeRenderer(const Work& work, const SurfacePointer& target, Contenders& co
         SDL_SetTextureBlendMode(texture.get(), operationOf(work).mode);
     }
     std::vector<SDL_Vertex> vertices;
-    for (const Primitive& p : work.primitives) {
+    for (const Primitive &p : work.primitives) {
         SDL_Vertex corner[4]{};
         const bool rectangle = work.kind == Kind::gouraudRect;
         for (int v = 0; v < (rectangle ? 4 : 3); ++v) {
@@ -87,10 +87,10 @@ void makeRenderer(const Work& work, const SurfacePointer& target, Contenders& co
     }, flush));
 }
 
-void make(const Work& work, Contenders& contenders)
+void make(const Work &work, Contenders &contenders)
 {
     const SurfacePointer target = wrap(frame(), SDL_PIXELFORMAT_RGB888);
-    const Primitive* const primitives = work.primitives.data();
+    const Primitive *const primitives = work.primitives.data();
     if (work.kind == Kind::fill) {
         contenders.push_back(contender("sdl", Role::peer, "SDL_FillRect", work, [=](size_t i) {
             const SDL_Rect rect = rectOf(primitives[i]);
@@ -120,21 +120,21 @@ void make(const Work& work, Contenders& contenders)
             SDL_SetSurfaceAlphaMod(source.get(), 128);
         if (work.kind == Kind::blit) {
             contenders.push_back(contender("sdl", Role::peer, operation.note, work, [=](size_t i) {
-                const Primitive& p = primitives[i];
+                const Primitive &p = primitives[i];
                 const SDL_Rect from{p.texelU(), p.texelV(), p.width(), p.height()};
                 SDL_Rect to = rectOf(p);
                 SDL_BlitSurface(source.get(), &from, target.get(), &to);
             }));
         } else if (!work.bilinear) {
             contenders.push_back(contender("sdl", Role::peer, operation.note, work, [=](size_t i) {
-                const Primitive& p = primitives[i];
+                const Primitive &p = primitives[i];
                 const SDL_Rect from{p.texelU(), p.texelV(), p.sourceWidth(), p.sourceHeight()};
                 SDL_Rect to = rectOf(p);
                 SDL_BlitScaled(source.get(), &from, target.get(), &to);
             }));
         } else if (work.blend == copy) {
             contenders.push_back(contender("sdl", Role::peer, operation.note, work, [=](size_t i) {
-                const Primitive& p = primitives[i];
+                const Primitive &p = primitives[i];
                 const SDL_Rect from{p.texelU(), p.texelV(), p.sourceWidth(), p.sourceHeight()}, to = rectOf(p);
                 SDL_SoftStretchLinear(source.get(), &from, target.get(), &to);
             }));

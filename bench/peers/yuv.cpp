@@ -9,20 +9,20 @@ namespace bench {
 
 namespace {
 
-uint8_t* bytes(const Surface& surface, int x, int y)
+uint8_t *bytes(const Surface &surface, int x, int y)
 {
-    return reinterpret_cast<uint8_t*>(surface.pixels + y * surface.width + x);
+    return reinterpret_cast<uint8_t *>(surface.pixels + y * surface.width + x);
 }
 
-void make(const Work& work, Contenders& contenders)
+void make(const Work &work, Contenders &contenders)
 {
     const Surface target = frame();
-    const Primitive* const primitives = work.primitives.data();
+    const Primitive *const primitives = work.primitives.data();
     const int targetPitch = target.width * 4;
-    const auto to = [=](const Primitive& p) { return bytes(target, p.vertex[0].x, p.vertex[0].y); };
+    const auto to = [=](const Primitive &p) { return bytes(target, p.vertex[0].x, p.vertex[0].y); };
     if (work.kind == Kind::fill) {
         contenders.push_back(contender("libyuv", Role::peer, "ARGBRect", work, [=](size_t i) {
-            const Primitive& p = primitives[i];
+            const Primitive &p = primitives[i];
             libyuv::ARGBRect(to({}), targetPitch, p.vertex[0].x, p.vertex[0].y, p.width(), p.height(), p.color[0]);
         }));
         return;
@@ -30,11 +30,11 @@ void make(const Work& work, Contenders& contenders)
     const Surface source =
         work.blend == alpha ? premultiplied(work.content, work.textureSize) : straight(work.content, work.textureSize);
     const int sourcePitch = source.width * 4;
-    const auto from = [=](const Primitive& p) { return bytes(source, p.texelU(), p.texelV()); };
+    const auto from = [=](const Primitive &p) { return bytes(source, p.texelU(), p.texelV()); };
     if (work.kind == Kind::blit) {
-        const auto withTarget = [&](const char* note, auto operation) {
+        const auto withTarget = [&](const char *note, auto operation) {
             contenders.push_back(contender("libyuv", Role::peer, note, work, [=](size_t i) {
-                const Primitive& p = primitives[i];
+                const Primitive &p = primitives[i];
                 operation(from(p), sourcePitch, to(p), targetPitch, to(p), targetPitch, p.width(), p.height());
             }));
         };
@@ -44,13 +44,13 @@ void make(const Work& work, Contenders& contenders)
         case multiply: withTarget("no transparent test", libyuv::ARGBMultiply); break;
         case subtract:
             contenders.push_back(contender("libyuv", Role::peer, "no transparent test", work, [=](size_t i) {
-                const Primitive& p = primitives[i];
+                const Primitive &p = primitives[i];
                 libyuv::ARGBSubtract(to(p), targetPitch, from(p), sourcePitch, to(p), targetPitch, p.width(), p.height());
             }));
             break;
         case constAlpha:
             contenders.push_back(contender("libyuv", Role::peer, "no transparent test", work, [=](size_t i) {
-                const Primitive& p = primitives[i];
+                const Primitive &p = primitives[i];
                 libyuv::ARGBInterpolate(to(p), targetPitch, from(p), sourcePitch, to(p), targetPitch, p.width(), p.height(), 128);
             }));
             break;
@@ -61,7 +61,7 @@ void make(const Work& work, Contenders& contenders)
         const libyuv::FilterMode filter = work.bilinear ? libyuv::kFilterBilinear : libyuv::kFilterNone;
         if (work.blend == copy) {
             contenders.push_back(contender("libyuv", Role::peer, "no transparent test", work, [=](size_t i) {
-                const Primitive& p = primitives[i];
+                const Primitive &p = primitives[i];
                 libyuv::ARGBScale(from(p), sourcePitch, p.sourceWidth(), p.sourceHeight(), to(p), targetPitch, p.width(),
                                   p.height(), filter);
             }));
@@ -69,7 +69,7 @@ void make(const Work& work, Contenders& contenders)
             const auto scaled = std::make_shared<std::vector<uint8_t>>(size_t(targetPitch) * frameSize);
             contenders.push_back(
                 contender("libyuv", Role::peer, "scaled, then blended; premultiplied source", work, [=](size_t i) {
-                    const Primitive& p = primitives[i];
+                    const Primitive &p = primitives[i];
                     const int pitch = p.width() * 4;
                     libyuv::ARGBScale(from(p), sourcePitch, p.sourceWidth(), p.sourceHeight(), scaled->data(), pitch, p.width(),
                                       p.height(), filter);
@@ -78,7 +78,7 @@ void make(const Work& work, Contenders& contenders)
         }
     }
     if (work.kind == Kind::corners && work.blend == copy && !work.bilinear) {
-        const auto& m = work.maps[0].m;
+        const auto &m = work.maps[0].m;
         const float stepU = float(m[0][0]), stepV = float(m[1][0]), downU = float(m[0][1]), downV = float(m[1][1]);
         const float startU = float(m[0][2]), startV = float(m[1][2]);
         contenders.push_back(

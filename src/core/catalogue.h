@@ -21,7 +21,7 @@ struct Axes {
     uint8_t blend;    // 0 to 12 without 3
     uint8_t multi;    // 0 second texture, 1 corner colours, 2 one colour, 3 none
 
-    constexpr bool operator==(const Axes&) const = default;
+    constexpr bool operator==(const Axes &) const = default;
 };
 
 // The values of each axis in table order, outermost axis first.
@@ -36,16 +36,16 @@ constexpr uint8_t multis[] = {0, 1, 2, 3};
 } // namespace axis
 
 // The plane is for opaque work, the Z test for what is blended over it.
-constexpr bool pairExists(const Axes& a)
+constexpr bool pairExists(const Axes &a)
 {
     const bool plane = a.shahei == 1 || a.shahei == 2, zTest = a.shahei == 3 || a.shahei == 5;
     return (!plane || a.blend == 0) && (!zTest || a.blend != 0);
 }
 
-constexpr bool multiExists(const Axes& a) { return a.multi == 3 || (a.filter != 6 && a.filter != 7); }
+constexpr bool multiExists(const Axes &a) { return a.multi == 3 || (a.filter != 6 && a.filter != 7); }
 
 // Whether shape, pers, rule, prescale, filter and rect option go together; Shahei mode, blend and multi are not looked at.
-constexpr bool familyExists(const Axes& a)
+constexpr bool familyExists(const Axes &a)
 {
     const bool colours = a.filter == 6 || a.filter == 7, mip = a.filter >= 2 && a.filter <= 5;
     if (a.shape == 0)
@@ -57,13 +57,13 @@ constexpr bool familyExists(const Axes& a)
     return a.rectOpt == 0 ? !mip : a.rectOpt == 5 || a.rectOpt == 6 ? a.filter == 0 : true;
 }
 
-constexpr bool exists(const Axes& a)
+constexpr bool exists(const Axes &a)
 {
     const bool plane = a.shahei == 1 || a.shahei == 2;
     return familyExists(a) && pairExists(a) && multiExists(a) && !(a.rectOpt == 5 && plane) && !(a.rectOpt == 6 && !plane);
 }
 
-constexpr uint32_t codeOf(const Axes& a)
+constexpr uint32_t codeOf(const Axes &a)
 {
     uint32_t code = a.pers;
     code = code << 1 | a.rule;
@@ -93,7 +93,7 @@ constexpr uint32_t crcEntry(uint32_t byte)
 }
 
 template <class Visitor>
-constexpr void forEachCombination(Visitor&& visit)
+constexpr void forEachCombination(Visitor &&visit)
 {
     for (uint8_t shape : axis::shapes)
         for (uint8_t pers : axis::flags)
@@ -121,7 +121,7 @@ constexpr std::array<uint32_t, recordCount> makeCodes()
 {
     std::array<uint32_t, recordCount> codes{};
     size_t n = 0;
-    forEachCombination([&](const Axes& a) { codes[n++] = codeOf(a); });
+    forEachCombination([&](const Axes &a) { codes[n++] = codeOf(a); });
     if (n != recordCount)
         throw "the catalogue does not have its number of records";
     return codes;
@@ -129,18 +129,18 @@ constexpr std::array<uint32_t, recordCount> makeCodes()
 
 // The readable name of a combination, the same in tests, benchmark, gallery and messages: shape, source, filter, blend, then what
 // else is on. For example rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale.
-inline std::string nameOf(const Axes& a)
+inline std::string nameOf(const Axes &a)
 {
-    static constexpr const char* shapeNames[] = {"line", "rect", "tri"};
-    static constexpr const char* rectOptNames[] = {"unit", "stretch", "corners", "table", "?", "runs", "planeruns", ""};
-    static constexpr const char* filterNames[] = {"point", "bilinear", "mip",     "linepoint", "linebilinear",
+    static constexpr const char *shapeNames[] = {"line", "rect", "tri"};
+    static constexpr const char *rectOptNames[] = {"unit", "stretch", "corners", "table", "?", "runs", "planeruns", ""};
+    static constexpr const char *filterNames[] = {"point", "bilinear", "mip",     "linepoint", "linebilinear",
                                                   "mipbilinear", "flat", "gouraud", "mosaic"};
-    static constexpr const char* shaheiNames[] = {"", "plane", "plane+z", "z", "mask", "z+mask"};
-    static constexpr const char* blendNames[] = {"copy", "alpha", "constalpha", "?",      "alphafast", "add",  "sub",
+    static constexpr const char *shaheiNames[] = {"", "plane", "plane+z", "z", "mask", "z+mask"};
+    static constexpr const char *blendNames[] = {"copy", "alpha", "constalpha", "?",      "alphafast", "add",  "sub",
                                                  "mul",  "mul2",  "screen",     "overlay", "merge",    "custom"};
-    static constexpr const char* multiNames[] = {"tex1", "corners", "colour", ""};
+    static constexpr const char *multiNames[] = {"tex1", "corners", "colour", ""};
     std::string name = shapeNames[a.shape];
-    const auto add = [&name](const char* word) {
+    const auto add = [&name](const char *word) {
         if (*word)
             name.append(".").append(word);
     };

@@ -14,7 +14,7 @@ constexpr uint32_t bucketCount = 0x8000;
 
 // Zero until MakeDrawFuncTable.
 DrawFuncRecord records[recordCount];
-DrawFuncRecord* buckets[bucketCount];
+DrawFuncRecord *buckets[bucketCount];
 uint32_t crcTable[256];
 bool crcTableMade;
 
@@ -46,9 +46,9 @@ uint32_t hashOf(uint32_t code)
     return ~crc;
 }
 
-const DrawFuncRecord* find(uint32_t code)
+const DrawFuncRecord *find(uint32_t code)
 {
-    const DrawFuncRecord* record = buckets[hashOf(code) & (bucketCount - 1)];
+    const DrawFuncRecord *record = buckets[hashOf(code) & (bucketCount - 1)];
     while (record && record->code != code)
         record = record->next;
     return record;
@@ -57,9 +57,9 @@ const DrawFuncRecord* find(uint32_t code)
 template <size_t... unit>
 void fillRecords(std::index_sequence<unit...>)
 {
-    const TableUnit* const units[] = {&kernelsOf<unit>()...};
+    const TableUnit *const units[] = {&kernelsOf<unit>()...};
     size_t n = 0;
-    forEachCombination([&](const Axes& a) {
+    forEachCombination([&](const Axes &a) {
         const uint32_t code = codeOf(a);
         records[n] = {nullptr, code, hashOf(code), units[n / unitSize]->at[n % unitSize]};
         ++n;
@@ -94,10 +94,10 @@ void MakeDrawFuncTable(void)
             crcTable[byte] = crcEntry(byte);
     }
     fillRecords(std::make_index_sequence<tableUnits>());
-    for (DrawFuncRecord*& head : buckets)
+    for (DrawFuncRecord *&head : buckets)
         head = nullptr;
-    for (DrawFuncRecord& record : records) {
-        DrawFuncRecord*& head = buckets[record.hash & (bucketCount - 1)];
+    for (DrawFuncRecord &record : records) {
+        DrawFuncRecord *&head = buckets[record.hash & (bucketCount - 1)];
         record.next = head;
         head = &record;
     }
@@ -113,7 +113,7 @@ DrawFunc SearchDrawFunc(unsigned long drawCode)
     for (bool isDefault = false;; isDefault = true) {
         if (code == cachedCode)
             return cachedFunc;
-        if (const DrawFuncRecord* record = find(code)) {
+        if (const DrawFuncRecord *record = find(code)) {
             cachedCode = code;
             return cachedFunc = record->func;
         }

@@ -1,6 +1,5 @@
 // What differs between platforms: aligned memory and reading a file.
-#ifndef NINEFOLD_CORE_PLATFORM_H
-#define NINEFOLD_CORE_PLATFORM_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -22,5 +21,3 @@ struct FileBytes {
 bool readFile(const char *path, FileBytes &file);
 
 }
-
-#endif

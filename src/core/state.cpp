@@ -1,3 +1,4 @@
+// The render state, its setters, and the table of perspective shifts.
 #include <ninefold/render_state.h>
 
 #include "core/tables.h"

@@ -1,6 +1,5 @@
 // The tables that only the library touches. Like rs they lie in zeroed storage until the start-up functions fill them.
-#ifndef NINEFOLD_CORE_TABLES_H
-#define NINEFOLD_CORE_TABLES_H
+#pragma once
 
 #include <cstdint>
 
@@ -21,5 +20,3 @@ extern int8_t runBytes[557056];
 extern int8_t *runLists[65536];
 
 }
-
-#endif

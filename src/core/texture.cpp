@@ -1,3 +1,4 @@
+// Textures: their memory, and copies within and between them.
 #include <ninefold/texture.h>
 
 #include "core/platform.h"

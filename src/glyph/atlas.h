@@ -1,6 +1,5 @@
 // Text into an atlas: reads a character, has it rasterised, finds its place and writes its pixels.
-#ifndef NINEFOLD_GLYPH_ATLAS_H
-#define NINEFOLD_GLYPH_ATLAS_H
+#pragma once
 
 #include "glyph/source.h"
 
@@ -12,5 +11,3 @@ enum class Style { Plain, Rimmed };
 char *drawCharacter(char *text, Style style, Source &source);
 
 }
-
-#endif

@@ -1,6 +1,5 @@
 // What the atlas asks of a glyph rasteriser. One file a platform implements it: gdi.cpp, freetype.cpp, none.cpp.
-#ifndef NINEFOLD_GLYPH_SOURCE_H
-#define NINEFOLD_GLYPH_SOURCE_H
+#pragma once
 
 #include <cstdint>
 
@@ -55,5 +54,3 @@ constexpr bool isLeadByte932(uint8_t byte)
 }
 
 }
-
-#endif

@@ -2,8 +2,7 @@
 // rounds, and some results carry bits from channel to channel or leave a fixed alpha; pictures rest on every one of those bits.
 //
 // In the formulas above the functions d and s are one channel of either operand; A is the alpha of the source.
-#ifndef NINEFOLD_OPS_BLEND_H
-#define NINEFOLD_OPS_BLEND_H
+#pragma once
 
 #include "ops/inline.h"
 
@@ -144,5 +143,3 @@ NINEFOLD_INLINE uint32_t opOr(uint32_t dst, uint32_t src)
 }
 
 }
-
-#endif

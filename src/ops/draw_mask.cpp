@@ -1,3 +1,4 @@
+// Stipples: the 256 steps of a fade, and the patterns behind them.
 #include <ninefold/render_state.h>
 
 #include "core/tables.h"

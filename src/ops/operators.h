@@ -1,7 +1,6 @@
 // The operators that blendFunc and multiFunc can point to. One enumeration covers both kinds, since a host may put any of them
 // behind either pointer; kernels ask operatorIndex which one a pointer is and draw with its row form.
-#ifndef NINEFOLD_OPS_OPERATORS_H
-#define NINEFOLD_OPS_OPERATORS_H
+#pragma once
 
 #include <ninefold/render_state.h>
 
@@ -148,5 +147,3 @@ extern const std::array<PixelOperator, opCount> operators;
 int operatorIndex(PixelOperator function);
 
 }
-
-#endif

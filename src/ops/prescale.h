@@ -1,6 +1,5 @@
 // Scaling by a factor in which 256 is one. Factors above 256 are allowed: the words wrap and blue spills into red's half.
-#ifndef NINEFOLD_OPS_PRESCALE_H
-#define NINEFOLD_OPS_PRESCALE_H
+#pragma once
 
 #include "ops/inline.h"
 
@@ -30,5 +29,3 @@ NINEFOLD_INLINE uint32_t prescaleSource(int blend, uint32_t source, uint32_t fac
 }
 
 }
-
-#endif

@@ -1,3 +1,4 @@
+// 24-bit bitmap files.
 #include <ninefold/texture.h>
 
 #include "core/platform.h"

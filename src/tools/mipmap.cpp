@@ -1,3 +1,4 @@
+// Mip chains.
 #include <ninefold/texture.h>
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// Maps of transparent pixels, and the run lists of plane words.
 #include <ninefold/render_state.h>
 
 #include "core/tables.h"

@@ -1,6 +1,5 @@
 // 32-bit arithmetic that wraps, and the ramps that everything in a row of pixels follows.
-#ifndef REFERENCE_ARITHMETIC_H
-#define REFERENCE_ARITHMETIC_H
+#pragma once
 
 #include <cstdint>
 
@@ -72,5 +71,3 @@ inline Ramp rampBetween(int32_t from, int32_t to, int32_t count)
 }
 
 } // namespace reference
-
-#endif

@@ -1,6 +1,5 @@
 // Reading a texture at a 16.16 position, in all the forms that the filters have.
-#ifndef REFERENCE_FETCH_H
-#define REFERENCE_FETCH_H
+#pragma once
 
 #include <cstdint>
 
@@ -61,5 +60,3 @@ private:
 uint32_t levelsMixedWithAlpha(uint32_t level, uint32_t below, uint32_t weight);
 
 } // namespace reference
-
-#endif

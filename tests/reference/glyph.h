@@ -1,7 +1,6 @@
 // Slow model of the atlas: where a glyph goes, which pixels it becomes, and its rim. Knows no rasteriser: what the glyph service
 // would have answered is handed in.
-#ifndef REFERENCE_GLYPH_H
-#define REFERENCE_GLYPH_H
+#pragma once
 
 #include <cstdint>
 #include <functional>
@@ -35,5 +34,3 @@ struct GlyphState {
 bool placeGlyph(GlyphState &state, const ServedGlyph &glyph, bool rim);
 
 }
-
-#endif

@@ -1,3 +1,4 @@
+// Lines.
 #include "operators.h"
 #include "shapes.h"
 

@@ -1,6 +1,5 @@
 // A draw code taken apart.
-#ifndef REFERENCE_MODES_H
-#define REFERENCE_MODES_H
+#pragma once
 
 #include <cstdint>
 
@@ -56,5 +55,3 @@ struct Modes {
 };
 
 } // namespace reference
-
-#endif

@@ -1,5 +1,5 @@
-#ifndef REFERENCE_OCCLUSION_H
-#define REFERENCE_OCCLUSION_H
+// Occlusion triangles.
+#pragma once
 
 #include <string_view>
 
@@ -11,5 +11,3 @@ namespace reference {
 bool drawOcclusion(std::string_view name, RenderState &state);
 
 } // namespace reference
-
-#endif

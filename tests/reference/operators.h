@@ -1,6 +1,5 @@
 // What happens to one pair of packed pixels.
-#ifndef REFERENCE_OPERATORS_H
-#define REFERENCE_OPERATORS_H
+#pragma once
 
 #include <cstdint>
 
@@ -26,5 +25,3 @@ uint32_t weighted(uint32_t first, uint32_t firstWeight, uint32_t second, uint32_
 uint32_t softEdge(const RenderState &state, uint32_t dst, uint32_t src, int32_t ruleValue);
 
 } // namespace reference
-
-#endif

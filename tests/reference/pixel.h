@@ -1,6 +1,5 @@
 // The path of one pixel, and the two ways along a row of pixels.
-#ifndef REFERENCE_PIXEL_H
-#define REFERENCE_PIXEL_H
+#pragma once
 
 #include <optional>
 
@@ -94,5 +93,3 @@ uint32_t packedInRange(const Ramp (&colour)[4], int32_t distance);
 uint32_t packedGouraud(const Ramp (&colour)[4], int32_t distance);
 
 } // namespace reference
-
-#endif

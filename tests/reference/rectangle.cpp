@@ -1,3 +1,4 @@
+// Rectangles of every rect option.
 #include <algorithm>
 #include <utility>
 

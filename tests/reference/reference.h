@@ -3,8 +3,7 @@
 //
 // It draws from the state that it is given, not from the global `rs`, and writes what the library would write: the frame buffer,
 // the planes and the scratch fields of the mip filters.
-#ifndef REFERENCE_REFERENCE_H
-#define REFERENCE_REFERENCE_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -54,5 +53,3 @@ std::vector<uint16_t> zeroPixelMap(const Texture &texture);
 std::vector<int8_t> runList(uint16_t word);
 
 } // namespace reference
-
-#endif

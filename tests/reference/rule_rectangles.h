@@ -1,5 +1,5 @@
-#ifndef REFERENCE_RULE_RECTANGLES_H
-#define REFERENCE_RULE_RECTANGLES_H
+// The exported rule rectangles.
+#pragma once
 
 #include <string_view>
 
@@ -11,5 +11,3 @@ namespace reference {
 bool drawRuleRectangle(std::string_view name, RenderState &state);
 
 } // namespace reference
-
-#endif

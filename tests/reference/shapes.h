@@ -1,6 +1,5 @@
 // What draws each shape, for a code already taken apart.
-#ifndef REFERENCE_SHAPES_H
-#define REFERENCE_SHAPES_H
+#pragma once
 
 #include "modes.h"
 #include "pixel.h"
@@ -46,5 +45,3 @@ SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNum
                           int32_t width);
 
 } // namespace reference
-
-#endif

@@ -1,6 +1,5 @@
 // The 256 stipples of a dissolve.
-#ifndef REFERENCE_STIPPLE_H
-#define REFERENCE_STIPPLE_H
+#pragma once
 
 namespace reference {
 
@@ -8,5 +7,3 @@ namespace reference {
 bool stippleBit(int number, int row, int bit);
 
 } // namespace reference
-
-#endif

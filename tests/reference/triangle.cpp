@@ -1,3 +1,4 @@
+// Triangles, affine and in perspective.
 #include <algorithm>
 #include <utility>
 

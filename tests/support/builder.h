@@ -1,6 +1,5 @@
 // Makes a scene.
-#ifndef SUPPORT_BUILDER_H
-#define SUPPORT_BUILDER_H
+#pragma once
 
 #include "pools.h"
 #include "random.h"
@@ -13,7 +12,6 @@ inline int32_t wrapping(int64_t value)
     return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(value)));
 }
 
-// Sums of scenes are checked in, so no expression may draw two random numbers in an order that a compiler is free to choose.
 // Of a difference that may need 33 bits: as drawing takes it.
 inline int32_t distanceOf(int32_t a, int32_t b)
 {
@@ -21,6 +19,7 @@ inline int32_t distanceOf(int32_t a, int32_t b)
     return difference < 0 ? wrapping(-int64_t{difference}) : difference;
 }
 
+// Sums of scenes are checked in, so no expression may draw two random numbers in an order that a compiler is free to choose.
 class Builder {
 public:
     Builder(Scene &sceneToFill, World &worldToFill, Random numbers) : scene(sceneToFill), world(worldToFill), random(numbers) {}
@@ -33,8 +32,7 @@ private:
 
     bool big = false, small = false, overlap = false, guard = false, offsets = false, large = false;
     bool atEnd = false; // of the slot, with guard
-    bool tight =
-        false; // with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle
+    bool tight = false; // with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle
     bool chains = false; // levels are walked
     bool forward = false; // texture positions must not be negative
     bool writesPlanes = false, readsPriority = false;
@@ -92,5 +90,3 @@ private:
 };
 
 } // namespace support
-
-#endif

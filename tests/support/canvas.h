@@ -1,6 +1,5 @@
 // A frame buffer with its planes, and the little that a test needs to draw on them and to look at them.
-#ifndef NINEFOLD_TESTS_SUPPORT_CANVAS_H
-#define NINEFOLD_TESTS_SUPPORT_CANVAS_H
+#pragma once
 
 #include <ninefold/ninefold.h>
 
@@ -418,5 +417,3 @@ private:
 };
 
 }
-
-#endif

@@ -1,6 +1,5 @@
 // Draws a scene with the library and with the reference, and compares all that is left behind.
-#ifndef SUPPORT_CHECK_H
-#define SUPPORT_CHECK_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -50,5 +49,3 @@ private:
 size_t distinctKernels();
 
 } // namespace support
-
-#endif

@@ -1,6 +1,5 @@
 // What prepares drawing, against the reference: mip levels, run maps, stipples, run lists, operators and the look-up.
-#ifndef SUPPORT_EXPORTS_H
-#define SUPPORT_EXPORTS_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -11,5 +10,3 @@ namespace support {
 std::string checkExports(uint64_t seed, uint32_t rounds);
 
 } // namespace support
-
-#endif

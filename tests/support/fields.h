@@ -1,6 +1,5 @@
 // The fields of the render state by name.
-#ifndef SUPPORT_FIELDS_H
-#define SUPPORT_FIELDS_H
+#pragma once
 
 #include <cstddef>
 #include <vector>
@@ -20,5 +19,3 @@ struct Field {
 const std::vector<Field> &fields();
 
 } // namespace support
-
-#endif

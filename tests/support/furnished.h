@@ -1,6 +1,5 @@
 // A canvas on which every kernel of the catalogue can draw: textures with chains and maps, tables, planes and factors are all set.
-#ifndef NINEFOLD_TESTS_SUPPORT_FURNISHED_H
-#define NINEFOLD_TESTS_SUPPORT_FURNISHED_H
+#pragma once
 
 #include "support/canvas.h"
 
@@ -121,5 +120,3 @@ protected:
 };
 
 }
-
-#endif

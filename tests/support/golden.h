@@ -1,6 +1,5 @@
 // Sums that are checked in: one for each code and each named function, over fixed small scenes, as the reference draws them.
-#ifndef SUPPORT_GOLDEN_H
-#define SUPPORT_GOLDEN_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -21,5 +20,3 @@ bool writeGolden(const std::string &path, const std::vector<uint32_t> &sums);
 std::string goldenPath();
 
 } // namespace support
-
-#endif

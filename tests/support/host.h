@@ -1,6 +1,5 @@
 // Operators: pairs of the library's and the reference's, and two of a host's own that record how they are called.
-#ifndef SUPPORT_HOST_H
-#define SUPPORT_HOST_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -39,5 +38,3 @@ std::string operatorName(int number);
 void startLibrary();
 
 } // namespace support
-
-#endif

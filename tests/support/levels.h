@@ -1,6 +1,5 @@
 // Mip chains whose texels tell where they are from, and the arithmetic of two levels one channel at a time.
-#ifndef NINEFOLD_TESTS_SUPPORT_LEVELS_H
-#define NINEFOLD_TESTS_SUPPORT_LEVELS_H
+#pragma once
 
 #include <ninefold/texture.h>
 
@@ -100,5 +99,3 @@ inline uint32_t bilinearBelowInTriangles(const Texture &t, int32_t u, int32_t v,
 }
 
 }
-
-#endif

@@ -1,6 +1,5 @@
 // Pools of pixels, made once, from which buffers are filled.
-#ifndef SUPPORT_POOLS_H
-#define SUPPORT_POOLS_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -22,5 +21,3 @@ constexpr uint32_t poolWords = 0x10000;
 const std::byte *poolBytes(Pool pool);
 
 } // namespace support
-
-#endif

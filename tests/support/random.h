@@ -1,7 +1,6 @@
 // Numbers that are the same on every platform: scenes are made with them. A fuzzer hands in the bytes that they are made of; when those
 // are used up, numbers follow from the seed again.
-#ifndef SUPPORT_RANDOM_H
-#define SUPPORT_RANDOM_H
+#pragma once
 
 #include <cstdint>
 #include <initializer_list>
@@ -59,5 +58,3 @@ private:
 };
 
 } // namespace support
-
-#endif

@@ -1,7 +1,6 @@
 // Scenes: what a kernel is called with. A scene follows from its number alone, by integer arithmetic alone. It stays inside the
 // domain where what is drawn is defined, and goes to its edges.
-#ifndef SUPPORT_SCENE_H
-#define SUPPORT_SCENE_H
+#pragma once
 
 #include <array>
 #include <cstdint>
@@ -86,5 +85,3 @@ RenderState bindScene(const Scene &scene, World &world, bool library);
 std::string describeScene(const Scene &scene, const World &world);
 
 } // namespace support
-
-#endif

@@ -1,6 +1,5 @@
 // What is drawn: the kernel of a draw code, or an exported function with a name.
-#ifndef SUPPORT_SUBJECT_H
-#define SUPPORT_SUBJECT_H
+#pragma once
 
 #include <string>
 #include <vector>
@@ -30,5 +29,3 @@ const std::vector<Subject> &catalogueSubjects();
 const std::vector<Subject> &namedSubjects();
 
 } // namespace support
-
-#endif

@@ -1,6 +1,5 @@
 // The differential over many codes and scenes.
-#ifndef SUPPORT_SWEEP_H
-#define SUPPORT_SWEEP_H
+#pragma once
 
 #include <functional>
 #include <string>
@@ -40,5 +39,3 @@ bool inShare(size_t index);
 std::vector<Subject> sharedCatalogue();
 
 } // namespace support
-
-#endif

@@ -1,6 +1,5 @@
 // The spans of a triangle once more, row by row in plain integers, with whatever attributes its vertices carry.
-#ifndef NINEFOLD_TESTS_SUPPORT_TRAPEZOID_H
-#define NINEFOLD_TESTS_SUPPORT_TRAPEZOID_H
+#pragma once
 
 #include <algorithm>
 #include <array>
@@ -85,5 +84,3 @@ inline Picture draw(std::array<Corner, 3> corners, int64_t bias, const Clip &cli
 }
 
 }
-
-#endif

@@ -1,7 +1,6 @@
 // Runs many small jobs in child processes, because the library draws from a global state, and because a kernel under test may
 // crash or never end.
-#ifndef SUPPORT_WORKERS_H
-#define SUPPORT_WORKERS_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -54,5 +53,3 @@ private:
 unsigned processCount();
 
 } // namespace support
-
-#endif

@@ -1,7 +1,6 @@
 // The memory of one scene. Every buffer that a draw may touch has a slot of its own, and there is no access to the pages on
 // either side of a slot. Two worlds have the same layout: the library draws in one, the reference in the other.
-#ifndef SUPPORT_WORLD_H
-#define SUPPORT_WORLD_H
+#pragma once
 
 #include <algorithm>
 #include <cstddef>
@@ -108,5 +107,3 @@ private:
 };
 
 } // namespace support
-
-#endif
