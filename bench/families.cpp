@@ -166,7 +166,7 @@ int timeFamilies(const std::vector<std::string> &filters, const Effort &effort, 
     rank();
 
     std::printf("%-28s %7s %12s %10s %10s\n", "family, 64x64", "codes", "median ns", "ns/px", "slowest");
-    for (auto& [name, times] : families) {
+    for (auto &[name, times] : families) {
         const auto of =
             std::find_if(codes.begin(), codes.end(), [&, family = name](const Code &c) { return familyOf(c.axes) == family; });
         std::printf("%-28s %7zu %12.0f %10.3f %9.2fx\n", name.c_str(), times.size(), medianOf(times),

@@ -2,7 +2,6 @@
 
 #include "scene.h"
 
-#include <algorithm>
 
 namespace bench {
 

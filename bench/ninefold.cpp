@@ -155,7 +155,7 @@ Contenders contendersOf(const Job &job)
         addMemcpy(job, contenders);
     addOurs(job, contenders);
     if (!job.ownOnly)
-        for (const auto& [name, make] : peers())
+        for (const auto &[name, make] : peers())
             if (!job.work.mipmapped || name == "osmesa") // the others have no mip levels
                 make(job.work, contenders);
     if (job.more)

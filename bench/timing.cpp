@@ -1,7 +1,6 @@
 #include "timing.h"
 
 #include <algorithm>
-#include <cmath>
 #include <ctime>
 
 namespace bench {

@@ -2,7 +2,6 @@
 // instruction set and chosen by the processor.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 

@@ -3,7 +3,6 @@
 #include "sheet.h"
 
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>

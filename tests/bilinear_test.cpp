@@ -47,23 +47,12 @@ uint32_t mixAt(const Texture &t, int32_t u, int32_t v, bool four)
     return mix(weightsAt(fx, fy), texel(column, line), texel(besides, line), texel(column, next), texel(besides, next), four);
 }
 
-uint32_t seenFirst, seenSecond;
-int callCount;
-
-// Lets the first operand through and keeps what it was given last.
-uint32_t watch(uint32_t first, uint32_t second)
-{
-    seenFirst = first, seenSecond = second;
-    ++callCount;
-    return first;
-}
-
 class Bilinear : public Canvas {
 protected:
     void SetUp() override
     {
         Canvas::SetUp();
-        rs.multiFunc = watch;
+        rs.multiFunc = watch<0>;
         // Texels whose channels are all different.
         rs.tex0 = rs.tex1 = texture(16, 16, [](uint32_t u, uint32_t v) { return 0x10203040 + 0x0D070503 * u + 0x05110B17 * v; });
     }
@@ -147,7 +136,7 @@ TEST_F(Bilinear, OnlyTheCentreIsTestedForZero)
             EXPECT_EQ(plane[0], 0) << m;
         }
     }
-    // A set centre among zeros is darkened toward black: 0xF0 / 4.
+    // A set centre among zeros is darkened towards black: 0xF0 / 4.
     rs.tex0 = texture(4, 4, [](uint32_t u, uint32_t v) { return u == 1 && v == 1 ? 0xFFF0F0F0 : 0; });
     for (const Modes &m : forms(0, 3)) {
         if (isStippled(m))

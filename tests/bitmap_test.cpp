@@ -1,12 +1,11 @@
 // Bitmap files: where the picture is placed, and files that are cut short or lie about their size.
-#include "texture_ptr.h"
+#include "support/texture_ptr.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
 
 namespace {

@@ -9,7 +9,6 @@
 #include <bit>
 #include <climits>
 #include <cstring>
-#include <set>
 #include <vector>
 
 namespace {

@@ -8,26 +8,16 @@ using namespace canvas;
 
 namespace {
 
-uint32_t seenFirst, seenSecond;
-int callCount;
-
-uint32_t watch(uint32_t first, uint32_t second)
-{
-    seenFirst = first, seenSecond = second;
-    ++callCount;
-    return first + 0x00010000;
-}
-
 class Driver : public Canvas {
 protected:
     void SetUp() override
     {
         Canvas::SetUp();
         base = rs.tex0 = levels::fill(texture(64, 64), levels::idAt);
-        second = levels::fill(texture(64, 64), [](uint32_t l, uint32_t u, uint32_t v) { return ~levels::idAt(l, v, u) | 0x40000000; });
+        second = levels::fill(texture(64, 64), levels::otherIdAt);
         rs.tex1 = nullptr;
         rs.tex2 = solid(255);
-        rs.multiFunc = watch;
+        rs.multiFunc = watch<0x10000>;
         rs.writeMask = 0xFFFFFFFF;
         stale();
     }
@@ -62,6 +52,17 @@ protected:
                 return static_cast<int>(l) - 1;
         ADD_FAILURE() << "mipTex is no level";
         return -2;
+    }
+
+    // After a draw from level 1 of tex0 and level 2 of tex1.
+    void expectPutBack(const State &before, const Modes &m)
+    {
+        EXPECT_EQ(rs.tex0, base);
+        EXPECT_EQ(rs.tex1, second);
+        EXPECT_EQ(std::memcmp(rs.uv0, before.rs.uv0, sizeof rs.uv0), 0) << m;
+        EXPECT_EQ(std::memcmp(rs.uv1, before.rs.uv1, sizeof rs.uv1), 0) << m;
+        EXPECT_EQ(rs.mipTex, base->mip[2]);
+        EXPECT_EQ(rs.mipTex1, second->mip[3]);
     }
 
     static std::vector<Modes> rectangleForms()
@@ -229,12 +230,7 @@ TEST_F(RectangleDriver, PutsEverythingBackAlsoWhenNothingIsDrawn)
             wipe();
             draw(m);
             EXPECT_EQ(untouched(), clippedAway) << m;
-            EXPECT_EQ(rs.tex0, base);
-            EXPECT_EQ(rs.tex1, second);
-            EXPECT_EQ(std::memcmp(rs.uv0, before.rs.uv0, sizeof rs.uv0), 0) << m;
-            EXPECT_EQ(std::memcmp(rs.uv1, before.rs.uv1, sizeof rs.uv1), 0) << m;
-            EXPECT_EQ(rs.mipTex, base->mip[2]);
-            EXPECT_EQ(rs.mipTex1, second->mip[3]);
+            expectPutBack(before, m);
         }
     }
 }
@@ -285,7 +281,7 @@ TEST_F(RectangleDriver, FourCornersGoByWholeTexelLengthsOfTwoEdges)
         EXPECT_EQ(rs.mipFrac, 255);
         rs.uv0[1].u -= 1; // 5 by 8: 9.43, truncated
         EXPECT_EQ(chosenLevel(m), -1);
-        rs.uv0[1] = {texels(-6) - 0xFFFF, texels(-8) - 0xFFFF}; // truncated toward zero
+        rs.uv0[1] = {texels(-6) - 0xFFFF, texels(-8) - 0xFFFF}; // truncated towards zero
         EXPECT_EQ(chosenLevel(m), 1);
         EXPECT_EQ(rs.mipFrac, 255);
     }
@@ -445,12 +441,7 @@ TEST_F(TriangleDriver, PutsEverythingBackAndLeavesTheFourthCoordinateAlone)
             wipe();
             draw(m);
             EXPECT_EQ(untouched(), clippedAway) << m;
-            EXPECT_EQ(rs.tex0, base);
-            EXPECT_EQ(rs.tex1, second);
-            EXPECT_EQ(std::memcmp(rs.uv0, before.rs.uv0, sizeof rs.uv0), 0) << m;
-            EXPECT_EQ(std::memcmp(rs.uv1, before.rs.uv1, sizeof rs.uv1), 0) << m;
-            EXPECT_EQ(rs.mipTex, base->mip[2]);
-            EXPECT_EQ(rs.mipTex1, second->mip[3]);
+            expectPutBack(before, m);
             EXPECT_EQ(rs.mipRatio, 0x30000) << "that of tex0";
         }
     }

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 
 using namespace canvas;
 using ninefold::Axes;
@@ -234,8 +233,7 @@ TEST_F(WrappedOperators, DrawLikeTheLibrarysOwn)
             func();
             rs.multiFunc = wrappedMulti, rs.blendFunc = wrappedBlend;
             const State after = state();
-            ASSERT_TRUE(after.pixels == expected.pixels && after.plane == expected.plane && after.z == expected.z)
-                << nameOf(a) << " operator " << value;
+            ASSERT_TRUE(after.looksLike(expected)) << nameOf(a) << " operator " << value;
             restore(before);
         });
     }

@@ -35,6 +35,18 @@ protected:
         lines[4].startU = NINEFOLD_SKIP_ROW;
     }
 
+    // Row y shows pixel y above the gap, and pixel y - 1 below it.
+    void expectDiagonalThatLags(const Modes &m)
+    {
+        for (int y = 0; y < 8; ++y) {
+            Pixels expected(16, ground);
+            const int x = y < 4 ? y : y - 1;
+            if (y != 4)
+                expected[size_t(x)] = idAt(uint32_t(x), uint32_t(y));
+            EXPECT_EQ(row(y, 0, 16), expected) << m << " row " << y;
+        }
+    }
+
     static Pixels texelRow(uint32_t v, int n)
     {
         Pixels pixels;
@@ -159,14 +171,7 @@ TEST_F(LineTable, BehindAGapTheStippleRowIsThatOfTheRowAbove)
         wipe();
         rs.zRef = 0;
         draw(m);
-        for (int y = 0; y < 8; ++y) {
-            Pixels expected(16, ground);
-            if (y < 4)
-                expected[size_t(y)] = idAt(uint32_t(y), uint32_t(y));
-            if (y > 4)
-                expected[size_t(y - 1)] = idAt(uint32_t(y - 1), uint32_t(y));
-            EXPECT_EQ(row(y, 0, 16), expected) << m << " row " << y;
-        }
+        expectDiagonalThatLags(m);
     }
 }
 
@@ -204,14 +209,7 @@ TEST_F(LineTable, BehindAGapTheRuleRowIsThatOfTheRowAbove)
         wipe();
         rs.zRef = 0;
         draw(m);
-        for (int y = 0; y < 8; ++y) {
-            Pixels expected(16, ground);
-            if (y < 4)
-                expected[size_t(y)] = idAt(uint32_t(y), uint32_t(y));
-            if (y > 4)
-                expected[size_t(y - 1)] = idAt(uint32_t(y - 1), uint32_t(y));
-            EXPECT_EQ(row(y, 0, 16), expected) << m << " row " << y;
-        }
+        expectDiagonalThatLags(m);
     }
 }
 

@@ -4,21 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 
 using namespace canvas;
 
 namespace {
-
-uint32_t seenFirst, seenSecond;
-int callCount;
-
-uint32_t watch(uint32_t first, uint32_t second)
-{
-    seenFirst = first, seenSecond = second;
-    ++callCount;
-    return first + 0x00010000;
-}
 
 class Mip : public Canvas {
 protected:
@@ -28,13 +17,13 @@ protected:
     {
         Canvas::SetUp();
         base = rs.tex0 = levels::fill(texture(128, 64), levels::idAt);
-        second = rs.tex1 = levels::fill(texture(64, 64), [](uint32_t l, uint32_t u, uint32_t v) { return ~levels::idAt(l, v, u) | 0x40000000; });
+        second = rs.tex1 = levels::fill(texture(64, 64), levels::otherIdAt);
         rs.lineTable0 = &line0;
         rs.lineTable1 = &line1;
         rs.writeMask = 0xFFFFFFFF;
         rs.mipFrac = 201, rs.mipFrac1 = 99;
         rs.mipTex = rs.mipTex1 = nullptr;
-        rs.multiFunc = watch;
+        rs.multiFunc = watch<0x10000>;
         rs.color[0] = 0x00334455;
     }
 
@@ -51,11 +40,6 @@ protected:
     }
 
     // Makes lines read `level` of tex0: as many texels a pixel.
-    void segmentOfLevel(int level, int pixels = 8, int32_t startU = 0x52468, int32_t startV = 0x61357)
-    {
-        segment(pixels, (pixels << level), 0, startU, startV);
-    }
-
     Texture *base, *second;
     LineTableRecord line0{}, line1{};
 };
@@ -471,7 +455,7 @@ TEST_F(LineForms, FilterFiveReadsTheLevelsFirstTexelOutsideThePlaneWalk)
             draw(lineForm(5, shahei, 3, rule));
             EXPECT_EQ(row(0, 0, 8), Pixels(8, base->mip[1]->pixels[0])) << shahei; // alpha and all
             prepare();
-            rs.multiFunc = watch;
+            rs.multiFunc = watch<0x10000>;
             draw(lineForm(5, shahei, 0, rule));
             EXPECT_EQ(seenFirst, base->mip[1]->pixels[0]);
             EXPECT_EQ(seenSecond, second->mip[1]->pixels[0]);
@@ -540,7 +524,7 @@ TEST_F(LineForms, FilterFivesSecondOperandKeepsFourChannels)
     // A zero centre in tex1 lets the mix of tex0 go on.
     levels::fill(second, [](uint32_t l, uint32_t, uint32_t) { return l == 1 ? 0 : 0xFFFFFFFF; });
     prepare();
-    rs.multiFunc = watch;
+    rs.multiFunc = watch<0x10000>;
     draw(lineForm(5, 1, 0));
     EXPECT_EQ(callCount, 0);
     EXPECT_EQ(at(2, 0), levels::mix3(levels::bilinear(*base->mip[1], u(2), v(), false), levels::bilinearBelow(*base->mip[2], u(2), v(), false), lineFrac));
@@ -740,7 +724,7 @@ TEST_F(RectangleForms, FilterFivesZeroCentreInTheSecondTextureLetsTheMixGoOn)
     levels::fill(second, [](uint32_t l, uint32_t, uint32_t) { return l == 1 ? 0 : 0xFFFFFFFF; });
     const Modes m{.filter = 5, .rectOpt = 1, .multi = 0};
     prepare(m);
-    rs.multiFunc = watch;
+    rs.multiFunc = watch<0x10000>;
     draw(m);
     EXPECT_EQ(callCount, 0);
     expectPicture(m, [&](int x, int y) {

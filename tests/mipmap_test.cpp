@@ -1,5 +1,5 @@
 // Mip chains: how levels are averaged, made and released.
-#include "texture_ptr.h"
+#include "support/texture_ptr.h"
 
 #include <gtest/gtest.h>
 

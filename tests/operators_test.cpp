@@ -7,7 +7,6 @@
 #include <cstring>
 #include <random>
 #include <set>
-#include <vector>
 
 using namespace ninefold::ops;
 

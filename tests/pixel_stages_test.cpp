@@ -1,7 +1,7 @@
 // The draw mask and prescale as kernels apply them.
 #include <ninefold/ninefold.h>
 
-#include "texture_ptr.h"
+#include "support/texture_ptr.h"
 
 #include <gtest/gtest.h>
 

@@ -232,7 +232,7 @@ TEST_F(Rule, FollowsReversedCornersAlsoWhereTheSourceDoesNot)
             clear();
             place(m, 8, 4, 24, 12);
             corners(flip & 1 ? 24 : 8, flip & 2 ? 12 : 4, flip & 1 ? 8 : 24, flip & 2 ? 4 : 12);
-            // From vertex[0] on a texel a pixel; toward it from the other side, the first column stands at uv2[1].
+            // From vertex[0] on a texel a pixel; towards it from the other side, the first column stands at uv2[1].
             rs.uv2[0] = {0, 0}, rs.uv2[1] = {texels(16), texels(8)};
             draw(m);
             const int x = flip & 1 ? 24 - 3 : 8 + 3, y = flip & 2 ? 12 - 2 : 4 + 2;

@@ -2,7 +2,7 @@
 #include <ninefold/render_state.h>
 
 #include "core/tables.h"
-#include "texture_ptr.h"
+#include "support/texture_ptr.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,6 @@
 #include <opencv2/imgproc.hpp>
 
 #include <array>
-#include <memory>
 
 namespace bench {
 

@@ -3,7 +3,6 @@
 #include "scene.h"
 #include "sheet.h"
 
-#include <cmath>
 #include <numbers>
 
 namespace gallery {

@@ -3,7 +3,6 @@
 #include "sheet.h"
 #include "text.h"
 
-#include <algorithm>
 
 namespace gallery {
 

@@ -6,9 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
-#include <random>
 #include <string>
 
 namespace {

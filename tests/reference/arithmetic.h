@@ -25,7 +25,7 @@ inline int32_t shiftLeft(int32_t a, uint32_t bits)
     return static_cast<int32_t>(static_cast<uint32_t>(a) << bits);
 }
 
-// Truncates toward zero; the smallest number divided by -1 gives itself.
+// Truncates towards zero; the smallest number divided by -1 gives itself.
 inline int32_t divide(int32_t a, int32_t b)
 {
     return b == -1 ? sub(0, a) : a / b;
@@ -37,7 +37,7 @@ inline int32_t magnitude(int32_t a)
     return a < 0 ? sub(0, a) : a;
 }
 
-// A 16.16 value as a whole number, toward zero: -0.5 gives 0, unlike a shift.
+// A 16.16 value as a whole number, towards zero: -0.5 gives 0, unlike a shift.
 inline int32_t whole(int32_t position)
 {
     return position / 65536;
@@ -64,7 +64,7 @@ struct Ramp {
     }
 };
 
-// From `from` toward `to` in `count` steps; the step truncates, so `to` itself may not be met.
+// From `from` towards `to` in `count` steps; the step truncates, so `to` itself may not be met.
 inline Ramp rampBetween(int32_t from, int32_t to, int32_t count)
 {
     return {from, divide(sub(to, from), count)};

@@ -19,13 +19,13 @@ uint32_t texelAt(const Texture &texture, int32_t column, int32_t row);
 // The texel that holds `at`.
 uint32_t pointTexel(const Texture &texture, Position at);
 
-// The same with the row found toward zero, as in stretched rectangles.
+// The same with the row found towards zero, as in stretched rectangles.
 uint32_t pointTexelRowToZero(const Texture &texture, Position at);
 
 // The texel of the next smaller level under the position `at` of the level before it.
 uint32_t pointTexelBelow(const Texture &below, Position at);
 
-// `value` taken toward zero to a multiple of `size`.
+// `value` taken towards zero to a multiple of `size`.
 int32_t quantised(int32_t value, int32_t size);
 
 // What mip-mapped bilinear sampling of line tables and four-corner rectangles reads without a plane walk: its masks let no bit of
@@ -35,7 +35,7 @@ uint32_t firstTexel(const Texture &texture, Position at);
 // One of two texels around `at`, chosen by a stipple of the frame-buffer column.
 uint32_t stippledTexel(const Texture &texture, Position at, int32_t column);
 
-// The three neighbours of a texel toward which `at` lies, and the weights of the four, 256 in all.
+// The three neighbours of a texel towards which `at` lies, and the weights of the four, 256 in all.
 struct FourTexels {
     int32_t sideU, sideV; // +1 or -1
     uint32_t centre, across, along, diagonal; // weights: texel itself, same row, same column, neither

@@ -1,7 +1,6 @@
 // The exported rule rectangles: two simple ones, and two of the table's kind that have no code.
 #include "rule_rectangles.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "operators.h"

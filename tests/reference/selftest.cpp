@@ -380,7 +380,7 @@ void stretchedExamples()
     drawWith(stretched, {.option = 1});
     CHECK(unit.pixels == stretched.pixels);
     {
-        World world; // a step of 0x5555; rows toward zero, columns down
+        World world; // a step of 0x5555; rows towards zero, columns down
         world.state.tex0 = &tile.texture;
         world.state.uv0[0] = {-0x8000, -0x8000};
         world.state.uv0[1] = {0x8000, -0x8000};

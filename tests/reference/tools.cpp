@@ -1,5 +1,4 @@
 // What prepares a texture ahead of drawing.
-#include <algorithm>
 
 #include "reference.h"
 

@@ -13,7 +13,6 @@
 #include <cstring>
 #include <initializer_list>
 #include <ostream>
-#include <string>
 #include <vector>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_UNDEFINED__)
@@ -78,6 +77,17 @@ constexpr int32_t texels(int n) { return n * 0x10000; }
 constexpr uint32_t idAt(uint32_t u, uint32_t v) { return 0xFF000000u | v << 12 | u; }
 
 constexpr uint32_t ground = 0x11223344;
+
+// A host's own operator: keeps what it was given last, and gives the first operand plus something that shows.
+inline uint32_t seenFirst, seenSecond;
+inline int callCount;
+template <uint32_t plus>
+uint32_t watch(uint32_t first, uint32_t second)
+{
+    seenFirst = first, seenSecond = second;
+    ++callCount;
+    return first + plus;
+}
 
 class Canvas : public testing::Test {
 protected:
@@ -290,10 +300,10 @@ protected:
         std::vector<uint8_t> z;
         RenderState rs;
 
+        bool looksLike(const State &other) const { return pixels == other.pixels && plane == other.plane && z == other.z; }
         bool operator==(const State &other) const
         {
-            return pixels == other.pixels && plane == other.plane && z == other.z &&
-                   std::memcmp(&rs, &other.rs, sizeof(RenderState)) == 0;
+            return looksLike(other) && std::memcmp(&rs, &other.rs, sizeof(RenderState)) == 0;
         }
 
         uint64_t sum() const

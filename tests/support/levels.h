@@ -13,6 +13,9 @@ constexpr uint32_t idAt(uint32_t l, uint32_t u, uint32_t v)
     return 0x80000000 + (l << 24) + ((u * 37 + l * 101) % 256 << 16) + ((v * 59 + l * 77) % 256 << 8) + (u * 11 + v * 7 + l * 53) % 256;
 }
 
+// The same of another texture, with columns and rows exchanged.
+constexpr uint32_t otherIdAt(uint32_t l, uint32_t u, uint32_t v) { return ~idAt(l, v, u) | 0x40000000; }
+
 // Makes the chain and fills every level by pixelAt(level, u, v).
 template <class PixelAt>
 Texture *fill(Texture *t, PixelAt &&pixelAt)

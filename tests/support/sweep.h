@@ -1,7 +1,6 @@
 // The differential over many codes and scenes.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
