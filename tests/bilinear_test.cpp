@@ -9,7 +9,10 @@ using namespace canvas;
 
 namespace {
 
-bool isFour(int blend) { return blend == 1 || blend == 2 || blend == 4; }
+bool isFour(int blend)
+{
+    return blend == 1 || blend == 2 || blend == 4;
+}
 
 bool isStippled(const Modes &m)
 {
@@ -41,9 +44,11 @@ uint32_t mixAt(const Texture &t, int32_t u, int32_t v, bool four)
 {
     const uint32_t fx = static_cast<uint32_t>(u) >> 8 & 255, fy = static_cast<uint32_t>(v) >> 8 & 255;
     const auto texel = [&](int column, int line) {
-        return t.pixels[(static_cast<uint32_t>(line) & (t.height - 1)) * t.width + (static_cast<uint32_t>(column) & (t.width - 1))];
+        return t
+            .pixels[(static_cast<uint32_t>(line) & (t.height - 1)) * t.width + (static_cast<uint32_t>(column) & (t.width - 1))];
     };
-    const int column = u >> 16, line = v >> 16, besides = fx < 128 ? column - 1 : column + 1, next = fy < 128 ? line - 1 : line + 1;
+    const int column = u >> 16, line = v >> 16, besides = fx < 128 ? column - 1 : column + 1,
+              next = fy < 128 ? line - 1 : line + 1;
     return mix(weightsAt(fx, fy), texel(column, line), texel(besides, line), texel(column, next), texel(besides, next), four);
 }
 
@@ -163,7 +168,8 @@ TEST_F(Bilinear, NeighboursWrapOnAllSides)
         }
     }
     // By hand: at (0, 0) the four are (0, 0), (15, 0), (0, 15) and (15, 15).
-    rs.tex0 = texture(16, 16, [](uint32_t u, uint32_t v) { return 0xFF000000 | (u == 15 ? 40u : 0) | (v == 15 ? 80u << 8 : 0) | 4 << 16; });
+    rs.tex0 = texture(
+        16, 16, [](uint32_t u, uint32_t v) { return 0xFF000000 | (u == 15 ? 40u : 0) | (v == 15 ? 80u << 8 : 0) | 4 << 16; });
     wipe();
     point({.rectOpt = 1}, 0, 0, rs.uv0);
     draw({.filter = 1, .rectOpt = 1});
@@ -264,7 +270,8 @@ TEST_F(Bilinear, UnitRectanglesKeepTheFractionsOfTheirStart)
 {
     for (int shahei : {0, 1, 2, 4}) {
         const Modes m{.filter = 1, .shahei = shahei};
-        for (const auto &[u, v] : {std::pair{0x34567, 0x5ABCD}, {-0x34567, -0x1234}, {texels(100) + 0x8001, texels(-77) + 0x7FFF}}) {
+        for (const auto &[u, v] :
+             {std::pair{0x34567, 0x5ABCD}, {-0x34567, -0x1234}, {texels(100) + 0x8001, texels(-77) + 0x7FFF}}) {
             rs.uv0[0] = {u, v};
             corners(3, 2, 40, 20);
             clip(8, 5, 30, 18);
@@ -272,7 +279,8 @@ TEST_F(Bilinear, UnitRectanglesKeepTheFractionsOfTheirStart)
             draw(m);
             for (int y = 5; y < 18; ++y)
                 for (int x = 8; x < 30; ++x)
-                    ASSERT_EQ(at(x, y), mixAt(*rs.tex0, u + texels(x - 3), v + texels(y - 2), false)) << m << " at " << x << ", " << y;
+                    ASSERT_EQ(at(x, y), mixAt(*rs.tex0, u + texels(x - 3), v + texels(y - 2), false))
+                        << m << " at " << x << ", " << y;
             EXPECT_TRUE(groundOutside(8, 5, 30, 18));
         }
     }
@@ -326,8 +334,9 @@ TEST_F(FractionField, EveryPairOfFractionsIsMixedByItsWeights)
     rs.lineTable0 = rs.lineTable1 = table.data();
     corners(0, 0, 256, 256);
     for (int multi : {3, 0}) { // the second texture shows through its operator, in four channels
-        for (Modes m : {Modes{.filter = 1, .rectOpt = 1}, Modes{.filter = 1, .rectOpt = 2, .shahei = 1}, Modes{.filter = 1, .rectOpt = 3, .shahei = 1},
-                        Modes{.filter = 4, .rectOpt = 3, .shahei = 1}, Modes{.shape = 2, .filter = 1}}) {
+        for (Modes m : {Modes{.filter = 1, .rectOpt = 1}, Modes{.filter = 1, .rectOpt = 2, .shahei = 1},
+                        Modes{.filter = 1, .rectOpt = 3, .shahei = 1}, Modes{.filter = 4, .rectOpt = 3, .shahei = 1},
+                        Modes{.shape = 2, .filter = 1}}) {
             if (m.filter == 4)
                 CreateMipmapTexture(rs.tex0);
             m.multi = multi;
@@ -383,7 +392,8 @@ protected:
     {
         const uint32_t fx = static_cast<uint32_t>(u) >> 8 & 255, fy = static_cast<uint32_t>(v) >> 8 & 255;
         const auto texel = [&](int column, int line) {
-            return t.pixels[(static_cast<uint32_t>(line) & (t.height - 1)) * t.width + (static_cast<uint32_t>(column) & (t.width - 1))];
+            return t.pixels[(static_cast<uint32_t>(line) & (t.height - 1)) * t.width +
+                            (static_cast<uint32_t>(column) & (t.width - 1))];
         };
         const int column = u >> 16, line = fy < 128 ? (v >> 16) - 1 : v >> 16;
         const uint32_t n = fx < 128 ? fx + 128 : fx - 128;
@@ -431,7 +441,8 @@ TEST_F(StippledChoice, TakesThePairByTheFractions)
     // The positions of the test, on the patterns' diagonal, are all clear from pattern 127 on: below a fraction of 128 the second of the
     // pair is always taken, at 255 too. In between both show.
     for (const Modes &m : stippledForms()) {
-        for (const auto &[fx, least, most] : {std::array{0, 0, 0}, {0x4000, 0, 0}, {0x7F00, 0, 0}, {0xA000, 1, 15}, {0xC000, 1, 15}, {0xFF00, 16, 16}}) {
+        for (const auto &[fx, least, most] :
+             {std::array{0, 0, 0}, {0x4000, 0, 0}, {0x7F00, 0, 0}, {0xA000, 1, 15}, {0xC000, 1, 15}, {0xFF00, 16, 16}}) {
             wipe();
             corners(0, 0, 16, 1);
             for (TexCoord &uv : rs.uv0)

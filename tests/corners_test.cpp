@@ -50,7 +50,8 @@ TEST_F(FourCorners, AParallelogramAlongTheAxesIsTheStretch)
 
 TEST_F(FourCorners, RowsAndColumnsBothFloor)
 {
-    quad({-0x8000, -0x8000}, {-0x8000 + texels(4), -0x8000}, {-0x8000, -0x8000 + texels(4)}, {-0x8000 + texels(4), -0x8000 + texels(4)});
+    quad({-0x8000, -0x8000}, {-0x8000 + texels(4), -0x8000}, {-0x8000, -0x8000 + texels(4)},
+         {-0x8000 + texels(4), -0x8000 + texels(4)});
     corners(0, 0, 4, 4);
     for (const Modes &m : forms()) {
         wipe();
@@ -71,7 +72,8 @@ TEST_F(FourCorners, EqualTopCornersMakeTheTopRowOneTexel)
         // Row k runs from 20 - k by 2k / 16 texels a pixel.
         for (int k = 1; k < 16; ++k)
             for (int x = 0; x < 16; ++x)
-                ASSERT_EQ(at(x, k), idAt(uint32_t(texels(20 - k) + k * 0x2000 * x) >> 16, uint32_t(2 + k))) << m << " at " << x << ", " << k;
+                ASSERT_EQ(at(x, k), idAt(uint32_t(texels(20 - k) + k * 0x2000 * x) >> 16, uint32_t(2 + k)))
+                    << m << " at " << x << ", " << k;
     }
 }
 
@@ -125,7 +127,8 @@ TEST_F(FourCorners, EdgesStepDownAndEachRowIsDividedAnew)
             for (int x = 0; x < 7; ++x)
                 ASSERT_EQ(at(x, y), idAt(uint32_t(left + step * x) >> 16, 0)) << m << " at " << x << ", " << y;
         }
-        EXPECT_EQ(row(2, 0, 7), (Pixels{idAt(6, 0), idAt(5, 0), idAt(4, 0), idAt(4, 0), idAt(3, 0), idAt(2, 0), idAt(1, 0)})) << m;
+        EXPECT_EQ(row(2, 0, 7), (Pixels{idAt(6, 0), idAt(5, 0), idAt(4, 0), idAt(4, 0), idAt(3, 0), idAt(2, 0), idAt(1, 0)}))
+            << m;
     }
 }
 

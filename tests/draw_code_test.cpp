@@ -161,15 +161,15 @@ TEST(DrawCode, ShapesAboveTwoKeepRectOptionAndMultiButNoPerspective)
 
 TEST(DrawCode, ValuesTooWideSpillIntoTheFieldToTheLeft)
 {
-    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 0, 0, 7, 1), 0x769u);         // multi 4 is blend 1
-    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 0, 33, 3, 1), 0x8769u);       // blend 32 is Shahei 1
-    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 8, 0, 3, 1), 0x40369u);       // Shahei 8 is rect option 1
-    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 9, 0, 0, 3, 1), 0x240369u);      // rect option 8 is filter 1
-    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 16, 0, 0, 0, 3, 1), 0x2000369u);    // filter 16 is prescale
-    EXPECT_EQ(CreateDrawCodeSub(0, 0, 2, 0, 0, 0, 0, 3, 1), 0x4000369u);     // prescale 2 is rule
-    EXPECT_EQ(CreateDrawCodeSub(0, 2, 0, 0, 0, 0, 0, 3, 1), 0x8000369u);     // rule 2 is pers
-    EXPECT_EQ(CreateDrawCodeSub(2, 0, 0, 0, 0, 0, 0, 3, 2), 0x101C036Au);    // pers 2 is bit 28
-    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 0, -1, 3, 1), 0xFFFFFF69u);   // a negative blend fills all above
+    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 0, 0, 7, 1), 0x769u); // multi 4 is blend 1
+    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 0, 33, 3, 1), 0x8769u); // blend 32 is Shahei 1
+    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 8, 0, 3, 1), 0x40369u); // Shahei 8 is rect option 1
+    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 9, 0, 0, 3, 1), 0x240369u); // rect option 8 is filter 1
+    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 16, 0, 0, 0, 3, 1), 0x2000369u); // filter 16 is prescale
+    EXPECT_EQ(CreateDrawCodeSub(0, 0, 2, 0, 0, 0, 0, 3, 1), 0x4000369u); // prescale 2 is rule
+    EXPECT_EQ(CreateDrawCodeSub(0, 2, 0, 0, 0, 0, 0, 3, 1), 0x8000369u); // rule 2 is pers
+    EXPECT_EQ(CreateDrawCodeSub(2, 0, 0, 0, 0, 0, 0, 3, 2), 0x101C036Au); // pers 2 is bit 28
+    EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 0, -1, 3, 1), 0xFFFFFF69u); // a negative blend fills all above
     EXPECT_EQ(CreateDrawCodeSub(0, 0, 0, 0, 0, 0, 0, -1, 1), 0xFFFFFF69u);
 }
 
@@ -262,8 +262,9 @@ TEST(Catalogue, StandsInTableOrder)
                          shaheis[] = {0, 4, 1, 2, 3, 5};
     const auto rankOf = [&](uint32_t code) {
         const Axes a = axesOf(code);
-        return std::array<ptrdiff_t, 9>{rank(shapes, a.shape), a.pers, a.rule, a.prescale, rank(filters, a.filter),
-                                   rank(rectOpts, a.rectOpt), rank(shaheis, a.shahei), a.blend, a.multi};
+        return std::array<ptrdiff_t, 9>{
+            rank(shapes, a.shape),   a.pers,  a.rule, a.prescale, rank(filters, a.filter), rank(rectOpts, a.rectOpt),
+            rank(shaheis, a.shahei), a.blend, a.multi};
     };
     const auto all = makeCodes();
     for (size_t k = 1; k < all.size(); ++k)

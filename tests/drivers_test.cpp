@@ -152,7 +152,8 @@ TEST_F(RectangleDriver, OctavesStartAtPowersOfTwoAndTheWeightFallsInside)
     const struct {
         int32_t density;
         int level, frac;
-    } cases[] = {{0x20000, 1, 255}, {0x30000, 1, 127}, {0x3FFFF, 1, 0}, {0x40000, 2, 255}, {0x7FFFF, 2, 0}, {0x80000, 3, 255}, {0xC8000, 3, 111}};
+    } cases[] = {{0x20000, 1, 255}, {0x30000, 1, 127}, {0x3FFFF, 1, 0},  {0x40000, 2, 255},
+                 {0x7FFFF, 2, 0},   {0x80000, 3, 255}, {0xC8000, 3, 111}};
     for (const Modes &m : rectangleForms()) {
         for (const auto &c : cases) {
             if (m.rectOpt == 2 && c.density & 0xFFFF)
@@ -384,9 +385,9 @@ TEST_F(TriangleDriver, TrianglesWithoutAreaOrOutsideDrawNothingAndChangeNoField)
     rs.tex1 = second;
     for (const Modes &m : triangleForms()) {
         const int placements[][6] = {
-            {10, 10, 10, 15, 10, 20},                // collinear
-            {10, 10, 14, 14, 18, 18},                // on a diagonal
-            {0, 0, 8, 0, 0, -8},                     // above the clip: ends at row 0, and only rows before that are its own
+            {10, 10, 10, 15, 10, 20}, // collinear
+            {10, 10, 14, 14, 18, 18}, // on a diagonal
+            {0, 0, 8, 0, 0, -8}, // above the clip: ends at row 0, and only rows before that are its own
             {10, 32, 18, 32, 10, 40}, {10, 12, 18, 12, 40, 12},
         };
         for (const auto &p : placements) {
@@ -516,11 +517,13 @@ protected:
     uint32_t mixAt(int x, int y) const { return levels::mix3(texelAt(x, y), belowAt(x, y), frac); }
     uint32_t bilinearMixAt(int x, int y) const
     {
-        return levels::mix3(levels::bilinear(*base->mip[1], u(x), v(y), false), levels::bilinearBelowInTriangles(*base->mip[2], u(x), v(y), false), frac);
+        return levels::mix3(levels::bilinear(*base->mip[1], u(x), v(y), false),
+                            levels::bilinearBelowInTriangles(*base->mip[2], u(x), v(y), false), frac);
     }
     uint32_t secondMixAt(int x, int y) const
     {
-        return levels::mix4(levels::bilinear(*second->mip[1], u1(x), v1(y), true), levels::bilinearBelowInTriangles(*second->mip[2], u1(x), v1(y), true), frac1);
+        return levels::mix4(levels::bilinear(*second->mip[1], u1(x), v1(y), true),
+                            levels::bilinearBelowInTriangles(*second->mip[2], u1(x), v1(y), true), frac1);
     }
 
     template <class Visitor>
@@ -530,8 +533,13 @@ protected:
             for (int shahei = 0; shahei < 6; ++shahei)
                 for (int rule : rules)
                     for (int multi : multis) {
-                        const Modes m{.shape = 2, .pers = pers, .rule = rule, .filter = filter, .shahei = shahei,
-                                      .blend = shahei == 3 || shahei == 5 ? 11 : 0, .multi = multi};
+                        const Modes m{.shape = 2,
+                                      .pers = pers,
+                                      .rule = rule,
+                                      .filter = filter,
+                                      .shahei = shahei,
+                                      .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                                      .multi = multi};
                         stale();
                         wipe();
                         callCount = 0;
@@ -559,7 +567,9 @@ TEST_F(TriangleForms, FilterTwoAloneShowsTheNextLevelWithItsOwnAlpha)
 
 TEST_F(TriangleForms, FilterTwoAloneTestsTheLevelForZeroAndDrawsTheNextLevelsZero)
 {
-    levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 2 || (l == 1 && tu % 4 == 2) ? 0 : levels::idAt(l, tu, tv); });
+    levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) {
+        return l == 2 || (l == 1 && tu % 4 == 2) ? 0 : levels::idAt(l, tu, tv);
+    });
     forEachForm(2, {3}, {0}, [&](const Modes &m) {
         draw(m);
         expectPicture(m, [&](int x, int) { return (u(x) >> 16) % 4 == 2 ? ground : 0u; });
@@ -638,7 +648,8 @@ TEST_F(TriangleForms, FilterTwosMixHasAlphaZeroWhichAlphaBlendsShow)
 
 TEST_F(TriangleForms, FilterTwoWithASecondTextureAndARule)
 {
-    levels::fill(second, [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 2 ? 0 : levels::idAt(l, tv, tu); });
+    levels::fill(second,
+                 [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 2 ? 0 : levels::idAt(l, tv, tu); });
     rs.multiFunc = [](uint32_t f, uint32_t s) { return f * 3 + s; };
     forEachForm(2, {0}, {1}, [&](const Modes &m) {
         draw(m);
@@ -666,7 +677,8 @@ TEST_F(TriangleForms, FilterFiveMixesFourTexelsOfBothLevels)
         expectPicture(m, [&](int x, int y) { return bilinearMixAt(x, y); });
     });
     // The taps differ from the rectangles'.
-    EXPECT_NE(levels::bilinearBelowInTriangles(*base->mip[2], u(1), v(2), false), levels::bilinearBelow(*base->mip[2], u(1), v(2), false));
+    EXPECT_NE(levels::bilinearBelowInTriangles(*base->mip[2], u(1), v(2), false),
+              levels::bilinearBelow(*base->mip[2], u(1), v(2), false));
 }
 
 TEST_F(TriangleForms, FilterFivesFourthTapMovesAWholeTexelOfTheLevelBelow)
@@ -723,8 +735,9 @@ TEST_F(TriangleForms, AStaleWeightIsReadWhereTheSearchFindsNone)
         rs.mipFrac1 = left;
         draw({.shape = 2, .filter = 5, .multi = 0});
         const int32_t pu = startU1 + 0x8000, pv = startV1 + 0x8000 * 2;
-        EXPECT_EQ(at(1, 2), levels::mix4(levels::bilinear(*second, pu, pv, true), levels::bilinearBelowInTriangles(*second->mip[1], pu, pv, true),
-                                         static_cast<uint32_t>(left)))
+        EXPECT_EQ(at(1, 2),
+                  levels::mix4(levels::bilinear(*second, pu, pv, true),
+                               levels::bilinearBelowInTriangles(*second->mip[1], pu, pv, true), static_cast<uint32_t>(left)))
             << left;
     }
 }

@@ -23,8 +23,9 @@ TEST_F(EveryKernel, DrawsTheSameUnderEveryInstructionSetAndWhateverTheModesSay)
             if (set)
                 scrambleModes();
             func();
-            for (int32_t *mode : {&rs.prescaleMode, &rs.prescaleMultiMode, &rs.filterMode, &rs.rectOptMode, &rs.shaheiMode,
-                                  &rs.blendMode, &rs.blendModeMulti, &rs.multiMode, &rs.shapeMode, &rs.ruleAlphaMode, &rs.persMode})
+            for (int32_t *mode :
+                 {&rs.prescaleMode, &rs.prescaleMultiMode, &rs.filterMode, &rs.rectOptMode, &rs.shaheiMode, &rs.blendMode,
+                  &rs.blendModeMulti, &rs.multiMode, &rs.shapeMode, &rs.ruleAlphaMode, &rs.persMode})
                 *mode = 0; // takes no part in the comparison
             const uint64_t sum = state().sum();
             restore(before);
@@ -115,9 +116,9 @@ TEST_F(EveryKernel, EmptyAndClippedAwayRectanglesTouchNothing)
         {20, 10, 20, 20}, // no width
         {10, 15, 30, 15}, // no height
         {40, 10, 50, 20}, // left edge at the clip's right
-        {2, 10, 8, 20},   // right edge at the clip's left
+        {2, 10, 8, 20}, // right edge at the clip's left
         {10, 24, 20, 30}, // top at the clip's bottom
-        {10, 2, 20, 6},   // bottom at the clip's top
+        {10, 2, 20, 6}, // bottom at the clip's top
         {-5, -5, -5, 60}, {60, 7, 60, 7}, {-9, 9, -3, 12},
     };
     const State before = state();
@@ -150,12 +151,12 @@ TEST_F(EveryKernel, TrianglesWithoutARowInsideTheClipTouchNoPlane)
     clip(8, 6, 40, 24);
     const int placements[][6] = {
         {10, 15, 20, 15, 30, 15}, {30, 15, 10, 15, 20, 15}, {7, 9, 7, 9, 7, 9}, // on one row
-        {10, 1, 20, 2, 15, 5},    // above the clip
-        {10, 1, 20, 2, 15, 6},    // its last row is the one above
+        {10, 1, 20, 2, 15, 5}, // above the clip
+        {10, 1, 20, 2, 15, 6}, // its last row is the one above
         {10, 24, 20, 25, 15, 30}, // starts at the clip's bottom
-        {0, 8, 4, 8, 0, 20},      // left
-        {44, 8, 60, 8, 60, 20},   // right
-        {20, 8, 20, 14, 20, 20},  // no area and no width
+        {0, 8, 4, 8, 0, 20}, // left
+        {44, 8, 60, 8, 60, 20}, // right
+        {20, 8, 20, 14, 20, 20}, // no area and no width
     };
     rs.scanShift = nullptr;
     const State before = state();

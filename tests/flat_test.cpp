@@ -121,7 +121,8 @@ TEST_F(FlatRectangle, GatesTakeTheirPixels)
                     if (shahei == 3 || shahei == 5)
                         drawn = drawn && before.z[i] >= 0x80;
                     ASSERT_EQ(at(x, y), drawn ? 0xFFAA5500 : ground) << m << " shahei " << shahei << " at " << x << ", " << y;
-                    ASSERT_EQ(taken(x, y), bit || (drawn && (shahei == 1 || shahei == 2))) << m << " shahei " << shahei << " at " << x << ", " << y;
+                    ASSERT_EQ(taken(x, y), bit || (drawn && (shahei == 1 || shahei == 2)))
+                        << m << " shahei " << shahei << " at " << x << ", " << y;
                     ASSERT_EQ(zAt(x, y), drawn && shahei == 2 ? 0x80 : before.z[i]) << m << " shahei " << shahei;
                 }
             }
@@ -137,7 +138,8 @@ protected:
         uint32_t pixel = 0;
         for (int shift = 0; shift < 32; shift += 8) {
             const auto channel = [shift](int k) { return static_cast<int>(rs.color[k] >> shift & 255) << 16; };
-            const int left = channel(0) + (channel(2) - channel(0)) / h * y, right = channel(1) + (channel(3) - channel(1)) / h * y;
+            const int left = channel(0) + (channel(2) - channel(0)) / h * y,
+                      right = channel(1) + (channel(3) - channel(1)) / h * y;
             pixel |= static_cast<uint32_t>((left + (right - left) / w * x) >> 16 & 255) << shift;
         }
         return pixel;
@@ -224,7 +226,8 @@ TEST_F(GouraudRectangle, UnderThePlaneWalkSkippedPixelsStep)
         draw(with(gouraudRect, shahei));
         for (int y = 3; y < 29; ++y)
             for (int x = 21; x < 212; ++x)
-                ASSERT_EQ(at(x, y), before[size_t(y * 16 + x / 16)] >> (15 - x % 16) & 1 ? ground : colourAt(x - 21, y - 3, 191, 26));
+                ASSERT_EQ(at(x, y),
+                          before[size_t(y * 16 + x / 16)] >> (15 - x % 16) & 1 ? ground : colourAt(x - 21, y - 3, 191, 26));
     }
 }
 
@@ -324,7 +327,8 @@ TEST_F(ColourTriangle, ColoursFollowTheirVerticesAndAgreeWithAPlainWalk)
                     uint32_t colour = ground;
                     if (const auto pixel = expected.find({x, y}); pixel != expected.end()) {
                         const auto &c = pixel->second;
-                        colour = uint32_t(c[0] >> 16) << 24 | uint32_t(c[1] >> 16) << 16 | uint32_t(c[2] >> 16) << 8 | uint32_t(c[3] >> 16);
+                        colour = uint32_t(c[0] >> 16) << 24 | uint32_t(c[1] >> 16) << 16 | uint32_t(c[2] >> 16) << 8 |
+                                 uint32_t(c[3] >> 16);
                     }
                     ASSERT_EQ(at(x, y), colour) << "round " << round << " at " << x << ", " << y;
                 }
@@ -354,7 +358,8 @@ TEST_F(ColourTriangle, AShiftBeyondTheClipSkipsItsRowAndTheRestStepsOn)
             draw(with(m, shahei));
             for (int y = 0; y < 32; ++y)
                 for (int x = 0; x < 64; ++x)
-                    ASSERT_EQ(at(x, y), y == 5 || y == 6 || y == 9 ? ground : straight.pixels[size_t(y * 64 + x)]) << x << ", " << y;
+                    ASSERT_EQ(at(x, y), y == 5 || y == 6 || y == 9 ? ground : straight.pixels[size_t(y * 64 + x)])
+                        << x << ", " << y;
             if (m.filter == 7) { // 8 of blue a pixel, 8 of green a row
                 EXPECT_EQ(at(7, 10), 0xFF000000u + 8 * 0x800 + 3 * 8);
             }

@@ -3,7 +3,6 @@
 #define NINEFOLD_GLYPHS 0
 #include "glyph/none.cpp"
 
-
 #include <gtest/gtest.h>
 #include <ninefold/ninefold.h>
 

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-
 using namespace canvas;
 using ninefold::Axes;
 using ninefold::nameOf;

@@ -82,14 +82,16 @@ protected:
             for (const SetTable *set : sets) {
                 set->operators[wide][size_t(op)](nullptr, out.at, first.at, second.at, each, pick.at, chunk);
                 for (int i = 0; i < chunk; ++i)
-                    ASSERT_EQ(out.at[i], expected.at[i]) << "operator " << int(op) << " of " << std::hex << first.at[i] << " and " << second.at[i];
+                    ASSERT_EQ(out.at[i], expected.at[i])
+                        << "operator " << int(op) << " of " << std::hex << first.at[i] << " and " << second.at[i];
             }
         }
     }
 
     void expectRandomPairs(ops::Op op, bool wide, uint64_t count)
     {
-        expectPairs(op, wide, count, [this](uint64_t, uint32_t &f, uint32_t &s) { f = uint32_t(random()), s = uint32_t(random()); });
+        expectPairs(op, wide, count,
+                    [this](uint64_t, uint32_t &f, uint32_t &s) { f = uint32_t(random()), s = uint32_t(random()); });
     }
 
     // All pairs of channel values, equal in all channels of a word but alpha.
@@ -177,7 +179,8 @@ TEST_F(RowOperators, AgreeOnRandomWords)
 
 TEST_F(RowOperators, WideFormsAgreeForFactorsBeyondTheirRange)
 {
-    std::vector<uint32_t> factors = {256, 257, 300, 511, 512, 4095, 0xFFFF, 0x10000, 0x10001, 0x10100, 0x7FFFFFFF, 0x80000000, 0xFFFFFF00, 0xFFFFFFFF};
+    std::vector<uint32_t> factors = {256,     257,     300,     511,        512,        4095,       0xFFFF,
+                                     0x10000, 0x10001, 0x10100, 0x7FFFFFFF, 0x80000000, 0xFFFFFF00, 0xFFFFFFFF};
     for (int k = 0; k < 40; ++k)
         factors.push_back(uint32_t(random()) >> k % 24);
     for (uint32_t factor : factors) {
@@ -299,7 +302,8 @@ protected:
     }
 
     // n pixels of these operands, of which `live` go on, onto a row that starts anywhere.
-    void expectRow(const Form &form, const Words &destination, const Words &source, const Words &live, const Words &rule, int n, int offset = 0)
+    void expectRow(const Form &form, const Words &destination, const Words &source, const Words &live, const Words &rule, int n,
+                   int offset = 0)
     {
         forEachSet([&](const SetTable &set) {
             const Back back = form.of(set);
@@ -337,8 +341,8 @@ protected:
                     expected = ops::opConstAlpha(destination.at[i], expected, w);
                 }
                 ASSERT_EQ(dst[i], live.at[i] ? expected : destination.at[i])
-                    << "blend " << form.blend << " prescale " << form.prescale << " soft " << form.soft << " wide " << form.wide << " pixel " << i << std::hex
-                    << " destination " << destination.at[i] << " source " << source.at[i];
+                    << "blend " << form.blend << " prescale " << form.prescale << " soft " << form.soft << " wide " << form.wide
+                    << " pixel " << i << std::hex << " destination " << destination.at[i] << " source " << source.at[i];
                 const bool marked = form.marks != Marks::none && live.at[i];
                 const int bit = offset % 16 + i;
                 ASSERT_EQ(plane[1 + bit / 16] >> (15 - bit % 16) & 1, marked);

@@ -24,7 +24,11 @@ protected:
         for (int shahei : shaheis)
             for (int filter : {0, 8, 3, 2})
                 if (filter != 2 || (multi == 3 && shahei != 1 && shahei != 2))
-                    all.push_back({.filter = filter, .rectOpt = 3, .shahei = shahei, .blend = shahei == 3 || shahei == 5 ? 11 : 0, .multi = multi});
+                    all.push_back({.filter = filter,
+                                   .rectOpt = 3,
+                                   .shahei = shahei,
+                                   .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                                   .multi = multi});
         return all;
     }
 
@@ -59,10 +63,10 @@ protected:
 TEST_F(LineTable, EachRowHasASegmentOfItsOwn)
 {
     place({}, 8, 4, 16, 8);
-    lines[0] = {texels(3), texels(5), texels(11), texels(5)};  // unit scale
+    lines[0] = {texels(3), texels(5), texels(11), texels(5)}; // unit scale
     lines[1] = {texels(20), texels(9), texels(12), texels(9)}; // mirrored
     lines[2] = {texels(30), texels(2), texels(30), texels(10)}; // straight down one column
-    lines[3] = {texels(0), texels(0), texels(4), texels(8)};   // slanted, half a column a pixel
+    lines[3] = {texels(0), texels(0), texels(4), texels(8)}; // slanted, half a column a pixel
     for (const Modes &m : forms({0, 4})) {
         clear();
         draw(m);
@@ -115,7 +119,11 @@ TEST_F(LineTable, ATableOfLeftOutRowsDrawsNothingAndTouchesNoPlane)
     for (int shahei = 0; shahei < 6; ++shahei) {
         for (int filter : {0, 8, 1, 2, 3, 4, 5}) {
             for (int multi = 0; multi < 4; ++multi) {
-                const Modes m{.filter = filter, .rectOpt = 3, .shahei = shahei, .blend = shahei == 3 || shahei == 5 ? 11 : 0, .multi = multi};
+                const Modes m{.filter = filter,
+                              .rectOpt = 3,
+                              .shahei = shahei,
+                              .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                              .multi = multi};
                 wipe();
                 std::fill(plane.begin(), plane.end(), uint16_t{0x1248});
                 const State before = state();
@@ -267,7 +275,8 @@ TEST_F(LineTable, CornerColoursStepOverGaps)
         wipe();
         draw(m);
         for (int y = 0; y < 8; ++y)
-            EXPECT_EQ(row(y, 0, 16), y == 4 ? Pixels(16, ground) : Pixels(16, 0xFF000000 + uint32_t(y) * 10)) << m << " row " << y;
+            EXPECT_EQ(row(y, 0, 16), y == 4 ? Pixels(16, ground) : Pixels(16, 0xFF000000 + uint32_t(y) * 10))
+                << m << " row " << y;
     }
 }
 

@@ -19,7 +19,8 @@ Points walk(int x0, int y0, int x1, int y1, int left, int top, int right, int bo
     const int lenX = std::abs(x1 - x0) + 1, lenY = std::abs(y1 - y0) + 1;
     const bool steep = lenX < lenY;
     const int begin = steep ? y0 : x0, end = steep ? y1 : x1, from = steep ? x0 : y0, to = steep ? x1 : y1;
-    const int lo = steep ? top : left, hi = steep ? bottom : right, minorLo = steep ? left : top, minorHi = steep ? right : bottom;
+    const int lo = steep ? top : left, hi = steep ? bottom : right, minorLo = steep ? left : top,
+              minorHi = steep ? right : bottom;
     int len = steep ? lenY : lenX;
     int t = (to - from) * 65536;
     t += t < 1 ? -32768 : 32768;
@@ -83,7 +84,10 @@ protected:
         rs.writeMask = 0xFFFFFFFF;
     }
 
-    static Modes line(int filter, int shahei = 0) { return {.shape = 0, .filter = filter, .shahei = shahei, .blend = shahei == 3 || shahei == 5 ? 11 : 0}; }
+    static Modes line(int filter, int shahei = 0)
+    {
+        return {.shape = 0, .filter = filter, .shahei = shahei, .blend = shahei == 3 || shahei == 5 ? 11 : 0};
+    }
 
     void expectPoints(const Points &expected)
     {
@@ -93,8 +97,8 @@ protected:
             for (int y = 0; y < 32; ++y)
                 for (int x = 0; x < 64; ++x)
                     ASSERT_EQ(at(x, y) != ground, std::find(expected.begin(), expected.end(), std::pair(x, y)) != expected.end())
-                        << x << ", " << y << " of (" << rs.vertex[0].x << ", " << rs.vertex[0].y << ") to (" << rs.vertex[1].x << ", " << rs.vertex[1].y
-                        << ")";
+                        << x << ", " << y << " of (" << rs.vertex[0].x << ", " << rs.vertex[0].y << ") to (" << rs.vertex[1].x
+                        << ", " << rs.vertex[1].y << ")";
         }
     }
 
@@ -309,8 +313,8 @@ TEST_F(Line, PlanesAndStippleAreTestedBitByBit)
         for (uint16_t &row : rs.drawMask)
             row = static_cast<uint16_t>(random() & random());
         rs.zRef = 0x180;
-        const int ends[] = {static_cast<int>(random() % 80) - 8, static_cast<int>(random() % 40) - 4, static_cast<int>(random() % 80) - 8,
-                            static_cast<int>(random() % 40) - 4};
+        const int ends[] = {static_cast<int>(random() % 80) - 8, static_cast<int>(random() % 40) - 4,
+                            static_cast<int>(random() % 80) - 8, static_cast<int>(random() % 40) - 4};
         corners(ends[0], ends[1], ends[2], ends[3]);
         const Points points = walk(ends[0], ends[1], ends[2], ends[3], 0, 0, 64, 32);
         for (int shahei = 0; shahei < 6; ++shahei) {

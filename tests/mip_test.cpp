@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-
 using namespace canvas;
 
 namespace {
@@ -29,7 +28,12 @@ protected:
 
     static Modes lineForm(int filter, int shahei = 0, int multi = 3, int rule = 0)
     {
-        return {.rule = rule, .filter = filter, .rectOpt = 3, .shahei = shahei, .blend = shahei == 3 || shahei == 5 ? 11 : 0, .multi = multi};
+        return {.rule = rule,
+                .filter = filter,
+                .rectOpt = 3,
+                .shahei = shahei,
+                .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                .multi = multi};
     }
 
     // One row of `pixels`, its segment `u` texels wide and `v` high from a start.
@@ -178,7 +182,8 @@ TEST_F(LineLevel, EachRowChoosesItsOwn)
         draw(lineForm(filter));
         for (int level = 0; level < 6; ++level)
             for (int x = 0; x < 8; ++x)
-                ASSERT_EQ(at(x, level), levels::point(*base->mip[level], (0x2468 >> level) + texels(x), 0x1357 >> level)) << level;
+                ASSERT_EQ(at(x, level), levels::point(*base->mip[level], (0x2468 >> level) + texels(x), 0x1357 >> level))
+                    << level;
     }
 }
 
@@ -342,7 +347,8 @@ TEST_F(LineForms, FilterFourMixesTheLevelUnderThePlaneWalkAndChoosesOtherwise)
             const Texture &level = *base->mip[1];
             const bool left = (u(x) >> 8 & 255) < 128, above = (v() >> 8 & 255) < 128;
             const int column = u(x) >> 16, line = (v() >> 16) - above;
-            const uint32_t a = levels::texel(level, left ? column - 1 : column, line), b = levels::texel(level, left ? column : column + 1, line);
+            const uint32_t a = levels::texel(level, left ? column - 1 : column, line),
+                           b = levels::texel(level, left ? column : column + 1, line);
             EXPECT_TRUE(at(x, 0) == a || at(x, 0) == b) << shahei << " at " << x;
         }
     }
@@ -367,7 +373,8 @@ TEST_F(LineForms, FilterTwoWithoutAnOperatorIsThePointSampleButUnderThePlaneWalk
             draw(lineForm(2, shahei, 3, rule));
             const bool next = (shahei == 1 || shahei == 2) && !rule;
             for (int x = 0; x < 8; ++x)
-                EXPECT_EQ(at(x, 0), next ? levels::texel(*base->mip[2], u(x) >> 17, v() >> 17) : levels::point(*base->mip[1], u(x), v()))
+                EXPECT_EQ(at(x, 0),
+                          next ? levels::texel(*base->mip[2], u(x) >> 17, v() >> 17) : levels::point(*base->mip[1], u(x), v()))
                     << shahei << " rule " << rule;
             if (shahei == 0) {
                 const State two = state();
@@ -381,7 +388,9 @@ TEST_F(LineForms, FilterTwoWithoutAnOperatorIsThePointSampleButUnderThePlaneWalk
 
 TEST_F(LineForms, FilterTwoTestsTheLevelForZeroAndStoresTheNextLevelsZero)
 {
-    levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 2 ? 0u : (l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tu, tv)); });
+    levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) {
+        return l == 2 ? 0u : (l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tu, tv));
+    });
     for (int shahei : {1, 2}) {
         prepare();
         rs.zRef = 0x5A;
@@ -405,7 +414,8 @@ TEST_F(LineForms, FilterTwoMixesLevelsForItsOperator)
                 std::fill_n(rs.color, 4, 0x00334455u);
                 draw(m);
                 for (int x = 0; x < 8; ++x) {
-                    const uint32_t texel = levels::point(*base->mip[1], u(x), v()), below = levels::texel(*base->mip[2], u(x) >> 17, v() >> 17);
+                    const uint32_t texel = levels::point(*base->mip[1], u(x), v()),
+                                   below = levels::texel(*base->mip[2], u(x) >> 17, v() >> 17);
                     EXPECT_EQ(at(x, 0), levels::mix3(texel, below, fracOf(m)) + 0x10000) << m << " at " << x;
                 }
                 EXPECT_EQ(seenSecond, 0x00334455u) << m;
@@ -416,7 +426,8 @@ TEST_F(LineForms, FilterTwoMixesLevelsForItsOperator)
 
 TEST_F(LineForms, FilterTwoMixesLevelsOfBothTexturesAndUnmixesWhereTheSecondIsZero)
 {
-    levels::fill(second, [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tv, tu); });
+    levels::fill(second,
+                 [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tv, tu); });
     for (int shahei = 0; shahei < 6; ++shahei) {
         for (int rule : {0, 1}) {
             const Modes m = lineForm(2, shahei, 0, rule);
@@ -424,8 +435,10 @@ TEST_F(LineForms, FilterTwoMixesLevelsOfBothTexturesAndUnmixesWhereTheSecondIsZe
             rs.multiFunc = [](uint32_t f, uint32_t s) { return f * 3 + s; };
             draw(m);
             for (int x = 0; x < 8; ++x) {
-                const uint32_t texel = levels::point(*base->mip[1], u(x), v()), below = levels::texel(*base->mip[2], u(x) >> 17, v() >> 17);
-                const uint32_t texel1 = levels::point(*second->mip[1], u1(x), v1()), below1 = levels::texel(*second->mip[2], u1(x) >> 17, v1() >> 17);
+                const uint32_t texel = levels::point(*base->mip[1], u(x), v()),
+                               below = levels::texel(*base->mip[2], u(x) >> 17, v() >> 17);
+                const uint32_t texel1 = levels::point(*second->mip[1], u1(x), v1()),
+                               below1 = levels::texel(*second->mip[2], u1(x) >> 17, v1() >> 17);
                 const uint32_t first = levels::mix3(texel, below, fracOf(m)), other = levels::mix3(texel1, below1, lineFrac1);
                 EXPECT_EQ(at(x, 0), texel1 ? first * 3 + other : texel) << m << " at " << x;
             }
@@ -488,7 +501,8 @@ TEST_F(LineForms, FilterFiveWithNegativePositionsReadsTheLevelOnly)
             draw(lineForm(5, shahei, 3));
             const Texture &level = *base->mip[1];
             for (int x = 0; x < 8; ++x)
-                EXPECT_NE(std::find(level.pixels, level.pixels + level.width * level.height, at(x, 0)), level.pixels + level.width * level.height);
+                EXPECT_NE(std::find(level.pixels, level.pixels + level.width * level.height, at(x, 0)),
+                          level.pixels + level.width * level.height);
         }
     }
 }
@@ -500,7 +514,8 @@ TEST_F(LineForms, FilterFiveMixesFourTexelsOfBothLevelsUnderThePlaneWalk)
             prepare();
             draw(lineForm(5, shahei, 3, rule));
             for (int x = 0; x < 8; ++x) {
-                const uint32_t upper = levels::bilinear(*base->mip[1], u(x), v(), false), lower = levels::bilinearBelow(*base->mip[2], u(x), v(), false);
+                const uint32_t upper = levels::bilinear(*base->mip[1], u(x), v(), false),
+                               lower = levels::bilinearBelow(*base->mip[2], u(x), v(), false);
                 EXPECT_EQ(at(x, 0), levels::mix3(upper, lower, lineFrac)) << x;
             }
         }
@@ -527,7 +542,8 @@ TEST_F(LineForms, FilterFivesSecondOperandKeepsFourChannels)
     rs.multiFunc = watch<0x10000>;
     draw(lineForm(5, 1, 0));
     EXPECT_EQ(callCount, 0);
-    EXPECT_EQ(at(2, 0), levels::mix3(levels::bilinear(*base->mip[1], u(2), v(), false), levels::bilinearBelow(*base->mip[2], u(2), v(), false), lineFrac));
+    EXPECT_EQ(at(2, 0), levels::mix3(levels::bilinear(*base->mip[1], u(2), v(), false),
+                                     levels::bilinearBelow(*base->mip[2], u(2), v(), false), lineFrac));
 }
 
 TEST_F(LineForms, FilterFivesFourChannelMixByHand)
@@ -543,7 +559,9 @@ TEST_F(LineForms, FilterFivesFourChannelMixByHand)
 
 TEST_F(LineForms, FilterFiveTestsTheCentreOfTheLevelOnly)
 {
-    levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 2 || (l == 1 && tu % 4 == 1) ? 0 : levels::idAt(l, tu, tv); });
+    levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) {
+        return l == 2 || (l == 1 && tu % 4 == 1) ? 0 : levels::idAt(l, tu, tv);
+    });
     prepare();
     draw(lineForm(5, 1));
     for (int x = 0; x < 8; ++x) {
@@ -607,8 +625,12 @@ protected:
             for (int shahei = 0; shahei < 6; ++shahei)
                 for (int rule : {0, 1})
                     for (int multi : multis) {
-                        const Modes m{.rule = rule, .filter = filter, .rectOpt = rectOpt, .shahei = shahei,
-                                      .blend = shahei == 3 || shahei == 5 ? 11 : 0, .multi = multi};
+                        const Modes m{.rule = rule,
+                                      .filter = filter,
+                                      .rectOpt = rectOpt,
+                                      .shahei = shahei,
+                                      .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                                      .multi = multi};
                         prepare(m);
                         visit(m, shahei == 1 || shahei == 2);
                     }
@@ -637,13 +659,16 @@ TEST_F(RectangleForms, FilterTwoMixesLevelsForItsOperator)
 
 TEST_F(RectangleForms, FilterTwosSecondOperandIsMixedInThreeChannelsAndAZeroUnmixes)
 {
-    levels::fill(second, [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tv, tu); });
+    levels::fill(second,
+                 [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tv, tu); });
     rs.multiFunc = [](uint32_t f, uint32_t s) { return f * 3 + s; };
     forEachForm(2, {0}, [&](const Modes &m, bool) {
         draw(m);
         expectPicture(m, [&](int x, int y) {
-            const uint32_t texel1 = levels::point(*second->mip[1], u1(x), v1(y)), below1 = levels::texel(*second->mip[2], u1(x) >> 17, v1(y) >> 17);
-            return texel1 ? levels::mix3(texelAt(x, y), belowAt(x, y), frac) * 3 + levels::mix3(texel1, below1, frac1) : texelAt(x, y);
+            const uint32_t texel1 = levels::point(*second->mip[1], u1(x), v1(y)),
+                           below1 = levels::texel(*second->mip[2], u1(x) >> 17, v1(y) >> 17);
+            return texel1 ? levels::mix3(texelAt(x, y), belowAt(x, y), frac) * 3 + levels::mix3(texel1, below1, frac1)
+                          : texelAt(x, y);
         });
     });
 }
@@ -666,10 +691,12 @@ TEST_F(RectangleForms, FilterTwosRowsTruncateInTheStretchForTheLevelAndFloorBelo
                 draw(m);
                 // 2 texels a pixel down, 3 across: level 1, weight 255 - 0.
                 const int line = rectOpt == 1 ? 0 : -1;
-                const uint32_t texel = levels::texel(*base->mip[1], u(7) >> 16, line), below = levels::texel(*base->mip[2], u(7) >> 17, -1);
+                const uint32_t texel = levels::texel(*base->mip[1], u(7) >> 16, line),
+                               below = levels::texel(*base->mip[2], u(7) >> 17, -1);
                 EXPECT_EQ(at(7, 0), multi != 3 ? levels::mix3(texel, below, 255) : shahei ? below : texel) << m;
                 if (multi == 0) {
-                    const uint32_t texel1 = levels::texel(*second->mip[1], u(7) >> 16, line), below1 = levels::texel(*second->mip[2], u(7) >> 17, -1);
+                    const uint32_t texel1 = levels::texel(*second->mip[1], u(7) >> 16, line),
+                                   below1 = levels::texel(*second->mip[2], u(7) >> 17, -1);
                     EXPECT_EQ(seenSecond, levels::mix3(texel1, below1, 255)) << m;
                 }
             }
@@ -683,7 +710,8 @@ TEST_F(RectangleForms, FilterFiveMixesFourTexelsOfBothLevelsButInFourCornerRecta
         const bool firstTexel = m.rectOpt == 2 && !walk;
         draw(m);
         expectPicture(m, [&](int x, int y) {
-            const uint32_t upper = levels::bilinear(*base->mip[1], u(x), v(y), false), lower = levels::bilinearBelow(*base->mip[2], u(x), v(y), false);
+            const uint32_t upper = levels::bilinear(*base->mip[1], u(x), v(y), false),
+                           lower = levels::bilinearBelow(*base->mip[2], u(x), v(y), false);
             return (firstTexel ? base->mip[1]->pixels[0] : levels::mix3(upper, lower, frac)) + (m.multi == 2 ? 0x10000 : 0);
         });
     });
@@ -696,7 +724,8 @@ TEST_F(RectangleForms, FilterFivesSecondOperandKeepsFourChannels)
         const bool firstTexel = m.rectOpt == 2 && !walk;
         draw(m);
         expectPicture(m, [&](int x, int y) {
-            const uint32_t upper = levels::bilinear(*second->mip[1], u1(x), v1(y), true), lower = levels::bilinearBelow(*second->mip[2], u1(x), v1(y), true);
+            const uint32_t upper = levels::bilinear(*second->mip[1], u1(x), v1(y), true),
+                           lower = levels::bilinearBelow(*second->mip[2], u1(x), v1(y), true);
             return firstTexel ? second->mip[1]->pixels[0] : levels::mix4(upper, lower, frac1);
         });
     });
@@ -728,7 +757,8 @@ TEST_F(RectangleForms, FilterFivesZeroCentreInTheSecondTextureLetsTheMixGoOn)
     draw(m);
     EXPECT_EQ(callCount, 0);
     expectPicture(m, [&](int x, int y) {
-        return levels::mix3(levels::bilinear(*base->mip[1], u(x), v(y), false), levels::bilinearBelow(*base->mip[2], u(x), v(y), false), frac);
+        return levels::mix3(levels::bilinear(*base->mip[1], u(x), v(y), false),
+                            levels::bilinearBelow(*base->mip[2], u(x), v(y), false), frac);
     });
 }
 
@@ -740,8 +770,10 @@ TEST_F(RectangleForms, FilterFiveHalvesNegativePositionsTowardZero)
         spread(rectOpt, rs.uv0, {-texels(12) + 0x1234, -texels(6) + 0x4321}, texels(24), texels(12));
         draw(m);
         expectPicture(m, [&](int x, int y) {
-            const int32_t pu = ((-texels(12) + 0x1234) >> 1) + texels(12) / 8 * x, pv = ((-texels(6) + 0x4321) >> 1) + texels(6) / 4 * y;
-            return levels::mix3(levels::bilinear(*base->mip[1], pu, pv, false), levels::bilinearBelow(*base->mip[2], pu, pv, false), frac);
+            const int32_t pu = ((-texels(12) + 0x1234) >> 1) + texels(12) / 8 * x,
+                          pv = ((-texels(6) + 0x4321) >> 1) + texels(6) / 4 * y;
+            return levels::mix3(levels::bilinear(*base->mip[1], pu, pv, false),
+                                levels::bilinearBelow(*base->mip[2], pu, pv, false), frac);
         });
     }
 }

@@ -9,7 +9,10 @@ using namespace canvas;
 
 namespace {
 
-int q(int x, int size) { return x / size * size; }
+int q(int x, int size)
+{
+    return x / size * size;
+}
 
 class Mosaic : public Canvas {
 protected:

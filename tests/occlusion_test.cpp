@@ -152,9 +152,9 @@ TEST_F(Occlusion, NothingIsTouchedByTrianglesOnOneRowCrossedOrOutside)
         {9, 10, 40, 10, 20, 10}, // one row
         {20, 10, 20, 15, 20, 25}, // no width
         {40, 10, 38, 15, 33, 26}, // crossed by truncation in most rows
-        {0, 9, 8, 9, 0, 20},      // left of the clip
-        {56, 9, 63, 9, 60, 20},   // right
-        {10, 1, 30, 2, 20, 8},    // above
+        {0, 9, 8, 9, 0, 20}, // left of the clip
+        {56, 9, 63, 9, 60, 20}, // right
+        {10, 1, 30, 2, 20, 8}, // above
         {10, 28, 30, 29, 20, 31}, // below
     };
     for (const auto &p : placements) {
@@ -275,7 +275,8 @@ TEST_F(TopClip, IsLimitedInTheTwoTrapezoidsOfAGeneralTriangle)
     clip(9, 6, 64, 32); // jump 5, cut to the 4 of the upper part; the lower starts at row 8 and is not above clipTop
     for (const Fill &f : fills)
         expectFilled(f, [&](int x, int y) { return y >= 8 && y < 16 && inside(x, y); });
-    clip(6, 10, 64, 32); // the upper part jumps 2, from row 6 on, though that is above clipTop; the lower one by -2: rows 6, 7 anew
+    clip(6, 10, 64,
+         32); // the upper part jumps 2, from row 6 on, though that is above clipTop; the lower one by -2: rows 6, 7 anew
     std::fill(plane.begin(), plane.end(), uint16_t{0});
     DrawShaheiPolygonSet();
     for (int y = 0; y < 32; ++y) {

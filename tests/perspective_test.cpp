@@ -22,7 +22,10 @@ int shiftOf(int32_t coordinate)
 }
 
 // The binary fraction of a / w, 32 bits of it.
-int32_t fraction(uint32_t a, uint32_t w) { return static_cast<int32_t>((uint64_t{a % w} << 32) / w); }
+int32_t fraction(uint32_t a, uint32_t w)
+{
+    return static_cast<int32_t>((uint64_t{a % w} << 32) / w);
+}
 
 class Perspective : public Canvas {
 protected:
@@ -39,20 +42,31 @@ protected:
         const auto least = [](const TexCoord *uv, int32_t TexCoord::*c) {
             return std::min({shiftOf(uv[0].*c), shiftOf(uv[1].*c), shiftOf(uv[2].*c)});
         };
-        Scene s{least(rs.uv0, &TexCoord::u), least(rs.uv0, &TexCoord::v), least(rs.uv1, &TexCoord::u), least(rs.uv1, &TexCoord::v), {}};
-        const auto over = [](int32_t c, int shift, int32_t depth) { return int64_t{static_cast<int32_t>(static_cast<uint32_t>(c) << shift)} / depth; };
+        Scene s{least(rs.uv0, &TexCoord::u),
+                least(rs.uv0, &TexCoord::v),
+                least(rs.uv1, &TexCoord::u),
+                least(rs.uv1, &TexCoord::v),
+                {}};
+        const auto over = [](int32_t c, int shift, int32_t depth) {
+            return int64_t{static_cast<int32_t>(static_cast<uint32_t>(c) << shift)} / depth;
+        };
         std::array<trapezoid::Corner, 3> corners;
         for (size_t k = 0; k < 3; ++k) {
             const Vertex &v = rs.vertex[k];
-            corners[k] = {v.x + rs.originX, v.y + rs.originY,
-                          {over(rs.uv0[k].u, s.shiftU0, v.z), over(rs.uv0[k].v, s.shiftV0, v.z), over(rs.uv1[k].u, s.shiftU1, v.z),
-                           over(rs.uv1[k].v, s.shiftV1, v.z), 0x7FFFFFFF / v.z, rs.uv2[k].u, rs.uv2[k].v}};
+            corners[k] = {v.x + rs.originX,
+                          v.y + rs.originY,
+                          {over(rs.uv0[k].u, s.shiftU0, v.z), over(rs.uv0[k].v, s.shiftV0, v.z),
+                           over(rs.uv1[k].u, s.shiftU1, v.z), over(rs.uv1[k].v, s.shiftV1, v.z), 0x7FFFFFFF / v.z, rs.uv2[k].u,
+                           rs.uv2[k].v}};
         }
         s.pixels = trapezoid::draw(corners, 0x8000, {rs.clipLeft, rs.clipTop, rs.clipRight, rs.clipBottom});
         return s;
     }
 
-    static int32_t coordinate(int64_t a, int64_t w, int shift) { return fraction(static_cast<uint32_t>(a), static_cast<uint32_t>(w)) >> (shift + 1); }
+    static int32_t coordinate(int64_t a, int64_t w, int shift)
+    {
+        return fraction(static_cast<uint32_t>(a), static_cast<uint32_t>(w)) >> (shift + 1);
+    }
 };
 
 TEST_F(Perspective, TheShiftTableBringsTheHighestOfSevenBitsToTheTop)
@@ -102,7 +116,8 @@ TEST_F(Perspective, TheMiddleOfAnEdgeIsNearerToTheFarEnd)
     // (0 + 16) / 2 = 8: v is 12, not 24. At row 12: 1/z = 1/2, v/z = 12: 24.
     triangle(0, 0, 32, 0, 0, 16);
     rs.vertex[0].z = rs.vertex[1].z = 1, rs.vertex[2].z = 3;
-    rs.uv0[0] = {texels(5), texels(0) + 0x4000}, rs.uv0[1] = {texels(5), texels(0) + 0x4000}, rs.uv0[2] = {texels(5), texels(48) + 0x4000};
+    rs.uv0[0] = {texels(5), texels(0) + 0x4000}, rs.uv0[1] = {texels(5), texels(0) + 0x4000},
+    rs.uv0[2] = {texels(5), texels(48) + 0x4000};
     draw({.shape = 2, .pers = 1});
     EXPECT_EQ(at(0, 0), idAt(5, 0));
     EXPECT_EQ(at(0, 4), idAt(5, 5)); // 1/z = 5/6, v/z = 4.2: 5.05
@@ -139,7 +154,8 @@ TEST_F(Perspective, OneShiftServesAllThreeVertices)
     // Without shift at depth 100,000 u = 5.5 is 4.57 texels (3 * 2^32 / 21474 >> 1); with a shift of 7, 5.49. One vertex at 16384 texels,
     // or a negative one, takes the shift from all; v keeps its own.
     rs.tex0 = texture(16, 16, [](uint32_t u, uint32_t v) { return 0xFF000000 + 256 * v + u; });
-    for (const auto &[other, expected] : {std::pair{0x58000, 5u}, {texels(255), 5u}, {texels(16384), 4u}, {-1, 4u}, {INT32_MIN, 4u}}) {
+    for (const auto &[other, expected] :
+         {std::pair{0x58000, 5u}, {texels(255), 5u}, {texels(16384), 4u}, {-1, 4u}, {INT32_MIN, 4u}}) {
         for (bool inU : {true, false}) {
             triangle(0, 0, 8, 0, 0, 8);
             for (int k = 0; k < 3; ++k)
@@ -208,7 +224,8 @@ TEST_F(Perspective, EveryPixelIsDividedExactly)
                     if (!rule || (((ru / 65536) ^ (rv / 65536)) & 1)) {
                         expected = levels::point(*rs.tex0, coordinate(a[0], a[4], s.shiftU0), coordinate(a[1], a[4], s.shiftV0));
                         if (multi == 0)
-                            expected = expected * 0x10001 + levels::point(*rs.tex1, coordinate(a[2], a[4], s.shiftU1), coordinate(a[3], a[4], s.shiftV1));
+                            expected = expected * 0x10001 + levels::point(*rs.tex1, coordinate(a[2], a[4], s.shiftU1),
+                                                                          coordinate(a[3], a[4], s.shiftV1));
                     }
                 }
                 ASSERT_EQ(at(x, y), expected) << "round " << round << " at " << x << ", " << y;
@@ -231,7 +248,7 @@ TEST_F(Perspective, OtherFiltersSampleAtTheSameCoordinates)
             draw({.shape = 2, .pers = 1, .filter = filter, .shahei = shahei});
             for (const auto &[place, a] : s.pixels) {
                 const int32_t u = coordinate(a[0], a[4], s.shiftU0), v = coordinate(a[1], a[4], s.shiftV0);
-                const uint32_t expected = filter == 8                  ? levels::texel(*rs.tex0, (u >> 16) / 5 * 5, (v >> 16) / 5 * 5)
+                const uint32_t expected = filter == 8 ? levels::texel(*rs.tex0, (u >> 16) / 5 * 5, (v >> 16) / 5 * 5)
                                           : filter == 1 || filter == 5 ? levels::bilinear(*rs.tex0, u, v, false)
                                                                        : levels::point(*rs.tex0, u, v);
                 ASSERT_EQ(at(place.first, place.second), expected) << filter << " at " << place.first << ", " << place.second;
@@ -300,7 +317,9 @@ protected:
         func();
         const uint32_t w = static_cast<uint32_t>(0x7FFFFFFF / depth);
         for (int x = 0; x < 64; ++x) {
-            const uint32_t expected = 0x80000000 | (static_cast<uint32_t>(fraction(static_cast<uint32_t>(a) - static_cast<uint32_t>(x), w) >> 17) & 65535);
+            const uint32_t expected =
+                0x80000000 |
+                (static_cast<uint32_t>(fraction(static_cast<uint32_t>(a) - static_cast<uint32_t>(x), w) >> 17) & 65535);
             ASSERT_EQ(at(x, 0), expected) << "dividend " << a - x << " over " << w;
         }
     }
@@ -337,7 +356,8 @@ TEST_F(Quotient, IsExactAroundEveryKindOfTexelBorder)
 TEST_F(Quotient, IsExactWhereTheDividendIsNextToTheDivisor)
 {
     underSets([&](DrawFunc func) {
-        for (int32_t depth : {1, 2, 3, 5, 7, 10, 255, 256, 257, 1000, 32767, 32768, 65535, 65536, 100003, 1 << 20, (1 << 20) + 7, 5000000})
+        for (int32_t depth :
+             {1, 2, 3, 5, 7, 10, 255, 256, 257, 1000, 32767, 32768, 65535, 65536, 100003, 1 << 20, (1 << 20) + 7, 5000000})
             for (int64_t offset : {0, 1, 2, 17, 63})
                 if (0x7FFFFFFF / depth - offset >= 64 && (int64_t{0x7FFFFFFF} / depth - offset) * depth <= 0x7FFFFFFF)
                     expectRow(0x7FFFFFFF / depth - offset, depth, func);
@@ -402,7 +422,8 @@ TEST_F(Quotient, RandomDividendsAndDivisorsInEveryLane)
             const int64_t w0 = 0x7FFFFFFF / rs.vertex[0].z, w1 = 0x7FFFFFFF / rs.vertex[1].z;
             func();
             for (int x = 0; x < 64; ++x) {
-                const uint32_t a = static_cast<uint32_t>(a0 + (a1 - a0) / 64 * x), w = static_cast<uint32_t>(w0 + (w1 - w0) / 64 * x);
+                const uint32_t a = static_cast<uint32_t>(a0 + (a1 - a0) / 64 * x),
+                               w = static_cast<uint32_t>(w0 + (w1 - w0) / 64 * x);
                 ASSERT_EQ(at(x, 0), 0x80000000 | (static_cast<uint32_t>(fraction(a, w) >> 17) & 65535)) << a << " over " << w;
             }
         }

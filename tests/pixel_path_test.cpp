@@ -236,7 +236,8 @@ TEST_F(NarrowFrame, ARectangleWalksTheWordOfItsFirstRowOnEveryRow)
             plane[1] = 0x2000; // rows 2 and 3; pixel 2
             draw(m);
             // The first row takes the bits; the others find them taken.
-            EXPECT_EQ(row(2, 0, 8), (Pixels{ground, idAt(1, 2), ground, idAt(3, 2), idAt(4, 2), idAt(5, 2), idAt(6, 2), ground})) << m;
+            EXPECT_EQ(row(2, 0, 8), (Pixels{ground, idAt(1, 2), ground, idAt(3, 2), idAt(4, 2), idAt(5, 2), idAt(6, 2), ground}))
+                << m;
             EXPECT_EQ(drawnCount(), 5) << m;
             EXPECT_EQ(plane, (std::vector<uint16_t>{0, 0x7E00, 0, 0})) << m;
         }
@@ -251,7 +252,8 @@ TEST_F(NarrowFrame, ATriangleFindsTheWordOfEachRow)
     rs.uv0[0] = {0, texels(1)}, rs.uv0[1] = {texels(8), texels(1)}, rs.uv0[2] = {0, texels(9)};
     draw(m);
     // Rows 2 and 3 share a word, rows 4 and 5, rows 6 and 7: the lower of each pair finds its pixels taken.
-    EXPECT_EQ(row(1, 0, 8), (Pixels{idAt(0, 1), idAt(1, 1), idAt(2, 1), idAt(3, 1), idAt(4, 1), idAt(5, 1), idAt(6, 1), idAt(7, 1)}));
+    EXPECT_EQ(row(1, 0, 8),
+              (Pixels{idAt(0, 1), idAt(1, 1), idAt(2, 1), idAt(3, 1), idAt(4, 1), idAt(5, 1), idAt(6, 1), idAt(7, 1)}));
     EXPECT_EQ(row(2, 0, 8), (Pixels{idAt(0, 2), idAt(1, 2), idAt(2, 2), idAt(3, 2), idAt(4, 2), idAt(5, 2), idAt(6, 2), ground}));
     EXPECT_EQ(row(3, 0, 8), Pixels(8, ground));
     EXPECT_EQ(row(4, 0, 6), (Pixels{idAt(0, 4), idAt(1, 4), idAt(2, 4), idAt(3, 4), idAt(4, 4), ground}));
@@ -294,7 +296,8 @@ TEST_F(ZTest, PassesWhereThePlaneIsNotBelowTheLowByteOfZRef)
                 draw(m);
                 for (int y = 0; y < 8; ++y)
                     for (int x = 0; x < 64; ++x)
-                        ASSERT_EQ(at(x, y), inside(1, 0, 40, 8, x, y) && zAt(x, y) >= r.reference ? idAt(uint32_t(x), uint32_t(y)) : ground)
+                        ASSERT_EQ(at(x, y),
+                                  inside(1, 0, 40, 8, x, y) && zAt(x, y) >= r.reference ? idAt(uint32_t(x), uint32_t(y)) : ground)
                             << m << " zRef " << r.zRef << " at " << x << ", " << y;
                 EXPECT_EQ(z, before) << "is read only";
             }
@@ -357,7 +360,8 @@ TEST_F(Stipple, StandsStillOnTheScreen)
                 draw(m);
                 for (int y = top; y < top + 2; ++y)
                     for (int x = left + 1; x < left + 40; ++x)
-                        ASSERT_EQ(at(x, y) == ground, (y % 16 == 0 && x % 16 == 0) || (y % 16 == 15 && x % 16 == 14)) << m << x << " " << y;
+                        ASSERT_EQ(at(x, y) == ground, (y % 16 == 0 && x % 16 == 0) || (y % 16 == 15 && x % 16 == 14))
+                            << m << x << " " << y;
             }
         }
     }
@@ -473,7 +477,8 @@ protected:
 
 TEST_F(CornerColours, RunDownTheEdgesAndAcrossEachRowWithTruncatedSteps)
 {
-    EXPECT_EQ(expected(0, 100, 200, 40, 0), (Pixels{0xFF000000, 0xFF00000E, 0xFF00001C, 0xFF00002A, 0xFF000039, 0xFF000047, 0xFF000055}));
+    EXPECT_EQ(expected(0, 100, 200, 40, 0),
+              (Pixels{0xFF000000, 0xFF00000E, 0xFF00001C, 0xFF00002A, 0xFF000039, 0xFF000047, 0xFF000055}));
     for (const Modes &m : pointForms(0, 0, 1)) {
         if (m.shape == 2)
             continue;
@@ -510,7 +515,8 @@ TEST_F(CornerColours, FollowReversedCornersInRectOptionsOneTwoThreeOnly)
             if (follow && flip & 2)
                 std::swap(c[0], c[2]), std::swap(c[1], c[3]);
             for (int line = 0; line < 3; ++line)
-                EXPECT_EQ(row(5 + line, 10, 17), expected(c[0], c[1], c[2], c[3], line)) << m << " flip " << flip << " row " << line;
+                EXPECT_EQ(row(5 + line, 10, 17), expected(c[0], c[1], c[2], c[3], line))
+                    << m << " flip " << flip << " row " << line;
         }
     }
 }
@@ -558,9 +564,9 @@ TEST_F(Prescale, FadesAlphaUnderAlphaBlendsAndDimsColourUnderTheOthers)
         int blend;
         uint32_t plain, halved;
     } cases[] = {
-        {0, 0xC0A06020, 0xC0503010},  {1, 0x00805428, 0x00514336}, {2, 0x00534435, 0x00534435}, {4, 0x00805428, 0x00514336},
-        {5, 0x01C39364, 0x01736354},  {6, 0x4F010024, 0x4F000234}, {7, 0x00151308, 0x000A0904}, {8, 0x002A2610, 0x00141208},
-        {9, 0xFFAD815D, 0xFF685B51},  {10, 0x002A2610, 0x00141208}, {11, 0x11A03320, 0x11503310}, {12, 0xD1825364, 0xD1720354},
+        {0, 0xC0A06020, 0xC0503010}, {1, 0x00805428, 0x00514336},  {2, 0x00534435, 0x00534435},  {4, 0x00805428, 0x00514336},
+        {5, 0x01C39364, 0x01736354}, {6, 0x4F010024, 0x4F000234},  {7, 0x00151308, 0x000A0904},  {8, 0x002A2610, 0x00141208},
+        {9, 0xFFAD815D, 0xFF685B51}, {10, 0x002A2610, 0x00141208}, {11, 0x11A03320, 0x11503310}, {12, 0xD1825364, 0xD1720354},
     };
     rs.tex0 = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 0xC0A06020; }));
     std::fill_n(rs.color, 4, 0xC0A06020);

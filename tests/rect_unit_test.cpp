@@ -122,7 +122,8 @@ TEST_F(UnitRectangle, NegativePositionsRepeatTheTextureWithoutEnd)
     rs.uv0[0] = {texels(-4099), texels(-6)}; // -4099 is 1 and -6 is 2, wrapped
     corners(0, 0, 8, 3);
     draw({});
-    EXPECT_EQ(row(0, 0, 8), (Pixels{idAt(1, 2), idAt(2, 2), idAt(3, 2), idAt(0, 2), idAt(1, 2), idAt(2, 2), idAt(3, 2), idAt(0, 2)}));
+    EXPECT_EQ(row(0, 0, 8),
+              (Pixels{idAt(1, 2), idAt(2, 2), idAt(3, 2), idAt(0, 2), idAt(1, 2), idAt(2, 2), idAt(3, 2), idAt(0, 2)}));
     EXPECT_EQ(at(0, 1), idAt(1, 3));
     EXPECT_EQ(at(0, 2), idAt(1, 0));
 }

@@ -77,8 +77,8 @@ TEST_F(TextureRule, WipesTheSourceInByTheSecondTexture)
                 ASSERT_EQ(at(x, y), edge(ground, idAt(uint32_t(x), uint32_t(y)), (x * 4 + y) & 255)) << x << ", " << y;
         EXPECT_TRUE(groundOutside(4, 2, 60, 30));
     }
-    EXPECT_EQ(at(10, 2), ground);                 // 42
-    EXPECT_EQ(at(40, 5), idAt(40, 5));            // 165
+    EXPECT_EQ(at(10, 2), ground); // 42
+    EXPECT_EQ(at(40, 5), idAt(40, 5)); // 165
     EXPECT_EQ(at(25, 5) >> 24, 0u) << "soft: 105";
 }
 
@@ -122,13 +122,16 @@ TEST_F(TextureRule, BothTexturesAreStretchedWithTruncatedStepsAndFlooredColumnsA
         clip(round ? 13 : 0, round ? 9 : 0, round ? 50 : 64, round ? 25 : 32);
         clear();
         run(DrawRectTexRule);
-        const int du = (texels(30) + 0x28000) / 56, dv = (texels(13) + 0x18000) / 28, ru = (texels(11) + 0x38000) / 56, rv = (texels(9) + 0x28000) / 28;
+        const int du = (texels(30) + 0x28000) / 56, dv = (texels(13) + 0x18000) / 28, ru = (texels(11) + 0x38000) / 56,
+                  rv = (texels(9) + 0x28000) / 28;
         for (int y = rs.clipTop; y < rs.clipBottom; ++y) {
             for (int x = rs.clipLeft; x < rs.clipRight; ++x) {
                 uint32_t expected = ground;
                 if (x >= 4 && x < 60 && y >= 2 && y < 30) {
-                    const uint32_t source = levels::texel(*rs.tex0, (-0x28000 + du * (x - 4)) >> 16, (-0x18000 + dv * (y - 2)) / 65536);
-                    const uint32_t value = levels::texel(*rs.tex1, (-0x38000 + ru * (x - 4)) >> 16, (-0x28000 + rv * (y - 2)) / 65536) & 255;
+                    const uint32_t source =
+                        levels::texel(*rs.tex0, (-0x28000 + du * (x - 4)) >> 16, (-0x18000 + dv * (y - 2)) / 65536);
+                    const uint32_t value =
+                        levels::texel(*rs.tex1, (-0x38000 + ru * (x - 4)) >> 16, (-0x28000 + rv * (y - 2)) / 65536) & 255;
                     expected = edge(ground, source, int(value));
                 }
                 ASSERT_EQ(at(x, y), expected) << x << ", " << y;
@@ -148,7 +151,8 @@ TEST_F(TextureRule, CoordinatesFollowReversedCorners)
         for (int y = 2; y < 30; ++y) {
             for (int x = 4; x < 60; ++x) { // column 4 stands at 60 when reversed, and steps go down
                 const int u = flip & 1 ? 64 - x : x, v = flip & 2 ? 32 - y : y;
-                ASSERT_EQ(at(x, y), edge(ground, idAt(uint32_t(u), uint32_t(v)), (u * 4 + v) & 255)) << flip << " at " << x << ", " << y;
+                ASSERT_EQ(at(x, y), edge(ground, idAt(uint32_t(u), uint32_t(v)), (u * 4 + v) & 255))
+                    << flip << " at " << x << ", " << y;
             }
         }
         EXPECT_EQ(std::memcmp(&before[0], rs.uv0, 2 * sizeof(TexCoord)), 0);
@@ -180,7 +184,8 @@ TEST_F(TextureRule, LooksAtNoModeMaskOrPlane)
 TEST_F(TextureRule, EmptyAndClippedAwayRectanglesTouchNothing)
 {
     clip(8, 6, 40, 24);
-    const int placements[][4] = {{20, 10, 20, 20}, {10, 15, 30, 15}, {40, 10, 50, 20}, {2, 10, 8, 20}, {10, 24, 20, 30}, {10, 2, 20, 6}};
+    const int placements[][4] = {{20, 10, 20, 20}, {10, 15, 30, 15}, {40, 10, 50, 20},
+                                 {2, 10, 8, 20},   {10, 24, 20, 30}, {10, 2, 20, 6}};
     for (const auto &p : placements) {
         for (void (*function)() : {DrawRectTexRule, DrawRectGradRule}) {
             overAll(p[0], p[1], p[2], p[3]);
@@ -205,7 +210,8 @@ protected:
 
     static void values(uint32_t c0, uint32_t c1, uint32_t c2, uint32_t c3)
     {
-        rs.color[0] = 0xFFEEDD00 | c0, rs.color[1] = 0x12345600 | c1, rs.color[2] = 0x80808000 | c2, rs.color[3] = c3; // low bytes count
+        rs.color[0] = 0xFFEEDD00 | c0, rs.color[1] = 0x12345600 | c1, rs.color[2] = 0x80808000 | c2,
+        rs.color[3] = c3; // low bytes count
     }
 
     // The rule value in a w by h rectangle of these corners.
@@ -266,7 +272,8 @@ TEST_F(GradientRule, CornerValuesFollowTheirVertices)
             for (int y = std::max(2, rs.clipTop); y < std::min(30, rs.clipBottom); ++y) {
                 for (int x = std::max(4, rs.clipLeft); x < std::min(60, rs.clipRight); ++x) {
                     const int u = flip & 1 ? 64 - x : x, v = flip & 2 ? 32 - y : y;
-                    ASSERT_EQ(at(x, y), edge(ground, idAt(uint32_t(u), uint32_t(v)), valueAt(x - 4, y - 2, 56, 28, c[0], c[1], c[2], c[3])))
+                    ASSERT_EQ(at(x, y),
+                              edge(ground, idAt(uint32_t(u), uint32_t(v)), valueAt(x - 4, y - 2, 56, 28, c[0], c[1], c[2], c[3])))
                         << flip << " at " << x << ", " << y;
                 }
             }
@@ -312,7 +319,8 @@ protected:
     void SetUp() override
     {
         RuleRectangle::SetUp();
-        base = rs.tex0 = levels::fill(texture(64, 32), [](uint32_t l, uint32_t u, uint32_t v) { return (u * 3 + v) % 11 ? levels::idAt(l, u, v) : 0; });
+        base = rs.tex0 = levels::fill(
+            texture(64, 32), [](uint32_t l, uint32_t u, uint32_t v) { return (u * 3 + v) % 11 ? levels::idAt(l, u, v) : 0; });
         second = rs.tex1 = levels::fill(texture(32, 32), levels::idAt);
         rs.tex2 = texture(16, 16, [](uint32_t u, uint32_t v) { return 0xFFFFFF00 | (u * 13 + v * 7); });
         rs.ruleThreshold = 60, rs.ruleWidth = 100;
@@ -348,12 +356,14 @@ protected:
             const int left = uv[0].u + (uv[2].u - uv[0].u) / 24 * line, right = uv[1].u + (uv[3].u - uv[1].u) / 24 * line;
             const int leftV = uv[0].v + (uv[2].v - uv[0].v) / 24 * line, rightV = uv[1].v + (uv[3].v - uv[1].v) / 24 * line;
             for (int x = 0; x < 64; ++x) {
-                const bool was = before[size_t(y * 4 + x / 16)] >> (15 - x % 16) & 1, mask = rs.drawMask[y & 15] >> (15 - x % 16) & 1;
+                const bool was = before[size_t(y * 4 + x / 16)] >> (15 - x % 16) & 1,
+                           mask = rs.drawMask[y & 15] >> (15 - x % 16) & 1;
                 uint32_t expected = ground;
                 bool mark = false;
                 if (x >= 5 && x < 53 && y >= 3 && y < 27 && !was && !mask) {
                     const int column = x - 5, u = left + (right - left) / 48 * column, v = leftV + (rightV - leftV) / 48 * column;
-                    const int value = static_cast<int>(levels::texel(*rs.tex2, (rs.uv2[0].u + u2 * column) / 65536, (rs.uv2[0].v + v2 * line) / 65536) & 255);
+                    const int value = static_cast<int>(
+                        levels::texel(*rs.tex2, (rs.uv2[0].u + u2 * column) / 65536, (rs.uv2[0].v + v2 * line) / 65536) & 255);
                     uint32_t key = 0;
                     const uint32_t source = sample(u, v, key);
                     if (rs.ruleThreshold < value && key) {
@@ -406,7 +416,8 @@ TEST_F(ScreenRule, BelowTwoTexelsItSamplesTheBaseBilinearly)
 
 TEST_F(ScreenRule, FromTwoTexelsOnItChoosesALevel)
 {
-    for (const auto &[scale, level, frac] : {std::tuple{0x20000, 1, 255}, {0x30000, 1, 127}, {0x3FFFF, 1, 0}, {0x40000, 2, 255}, {0x180000, 4, 127}}) {
+    for (const auto &[scale, level, frac] :
+         {std::tuple{0x20000, 1, 255}, {0x30000, 1, 127}, {0x3FFFF, 1, 0}, {0x40000, 2, 255}, {0x180000, 4, 127}}) {
         std::copy(before.begin(), before.end(), plane.begin());
         clear();
         quad(scale);
@@ -428,7 +439,8 @@ TEST_F(ScreenRule, FromTwoTexelsOnItChoosesALevel)
         if (clamped < 3) { // smaller levels have too few set texels to tell
             expectPicture(shifted, [&, l = clamped, f = uint32_t(frac)](int u, int v, uint32_t &key) {
                 key = levels::point(*base->mip[l], u, v);
-                return levels::mix3(levels::bilinear(*base->mip[l], u, v, false), levels::bilinearBelow(*base->mip[l + 1], u, v, false), f);
+                return levels::mix3(levels::bilinear(*base->mip[l], u, v, false),
+                                    levels::bilinearBelow(*base->mip[l + 1], u, v, false), f);
             });
         }
     }

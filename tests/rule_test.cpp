@@ -147,7 +147,8 @@ TEST_F(Rule, FullPixelsKeepTheirAlphaSoftOnesHaveNone)
 TEST_F(Rule, OnlyTheLowByteOfARuleTexelCounts)
 {
     Texture *clean = texture(64, 32, [](uint32_t u, uint32_t v) { return (u * 5 + v * 3) & 255; });
-    Texture *dirty = texture(64, 32, [](uint32_t u, uint32_t v) { return ((u * 5 + v * 3) & 255) | (0x9E3779B9 * (u + 64 * v + 1) & 0xFFFFFF00); });
+    Texture *dirty = texture(
+        64, 32, [](uint32_t u, uint32_t v) { return ((u * 5 + v * 3) & 255) | (0x9E3779B9 * (u + 64 * v + 1) & 0xFFFFFF00); });
     rs.ruleThreshold = 90, rs.ruleWidth = 60;
     for (const Modes &m : forms()) {
         rs.tex2 = clean;
@@ -169,7 +170,13 @@ TEST_F(Rule, CoordinatesTruncateTowardZero)
     for (const Modes &m : forms()) {
         for (bool inU : {true, false}) {
             rs.tex2 = texture(16, 16, [&](uint32_t u, uint32_t v) { return (inU ? u : v) == 0 ? 255u : 0u; });
-            for (const auto &[start, passes] : {std::pair{0, true}, {-1, true}, {-0x8000, true}, {-0xFFFF, true}, {-0x10000, false}, {0xFFFF, true}, {0x10000, false}}) {
+            for (const auto &[start, passes] : {std::pair{0, true},
+                                                {-1, true},
+                                                {-0x8000, true},
+                                                {-0xFFFF, true},
+                                                {-0x10000, false},
+                                                {0xFFFF, true},
+                                                {0x10000, false}}) {
                 clear();
                 place(m, 0, 0, 1, 1);
                 for (int k = 0; k < 3; ++k)
@@ -327,8 +334,10 @@ TEST_F(Rule, ColourRectanglesMarkTheWholeRunAlsoWhatIsRefused)
                     draw(m);
                     for (int y = 0; y < 32; ++y) {
                         for (int x = 0; x < 64; ++x) {
-                            const bool was = y == 5 && x >= 24 && x < 28, inRun = x >= 3 && x < 60 && y >= 2 && y < 30 && x % 16 != 7 && !was;
-                            ASSERT_EQ(at(x, y) != ground, inRun && (x + y) % 3 && threshold == 10) << m << " at " << x << ", " << y;
+                            const bool was = y == 5 && x >= 24 && x < 28,
+                                       inRun = x >= 3 && x < 60 && y >= 2 && y < 30 && x % 16 != 7 && !was;
+                            ASSERT_EQ(at(x, y) != ground, inRun && (x + y) % 3 && threshold == 10)
+                                << m << " at " << x << ", " << y;
                             ASSERT_EQ(taken(x, y), was || inRun) << m << " at " << x << ", " << y;
                             ASSERT_EQ(zAt(x, y), inRun && shahei == 2 ? 0x66 : 0) << m;
                         }
@@ -431,8 +440,20 @@ TEST_F(SoftEdge, EveryValueHasItsWeightUnderEveryCurveThresholdAndWidth)
 {
     const State before = state();
     std::mt19937 random(101);
-    std::vector<std::pair<int, int>> edges = {{-1, 256}, {-1, 255}, {-1, 257}, {0, 255}, {0, 2}, {100, 2}, {100, 3}, {253, 2}, {-1, 2},
-                                              {10, 1000000}, {10, INT32_MAX - 300}, {-1000000, 1000100}, {-256, 300}, {-16777000, 16777100},
+    std::vector<std::pair<int, int>> edges = {{-1, 256},
+                                              {-1, 255},
+                                              {-1, 257},
+                                              {0, 255},
+                                              {0, 2},
+                                              {100, 2},
+                                              {100, 3},
+                                              {253, 2},
+                                              {-1, 2},
+                                              {10, 1000000},
+                                              {10, INT32_MAX - 300},
+                                              {-1000000, 1000100},
+                                              {-256, 300},
+                                              {-16777000, 16777100},
                                               {-30000000, 30000200}}; // the last wraps in its shift
     for (int k = 0; k < 200 / thin; ++k)
         edges.push_back({static_cast<int>(random() % 300) - 40, 1 + static_cast<int>(random() % 400)});
@@ -446,11 +467,12 @@ TEST_F(SoftEdge, EveryValueHasItsWeightUnderEveryCurveThresholdAndWidth)
                 stretch();
                 for (int m = 0; m < 256; ++m) {
                     const uint32_t d = before.pixels[size_t(m)], s = rs.tex0->pixels[m];
-                    const uint32_t expected = threshold >= m               ? d
-                                              : threshold + ruleWidth > m ? levels::mix3(s, d, weightAt(m, threshold, ruleWidth, curve))
-                                                                          : s;
-                    ASSERT_EQ(at(m, 0), expected)
-                        << "value " << m << " threshold " << threshold << " width " << ruleWidth << " curve " << curve << " " << ninefold::setNames[set];
+                    const uint32_t expected = threshold >= m ? d
+                                              : threshold + ruleWidth > m
+                                                  ? levels::mix3(s, d, weightAt(m, threshold, ruleWidth, curve))
+                                                  : s;
+                    ASSERT_EQ(at(m, 0), expected) << "value " << m << " threshold " << threshold << " width " << ruleWidth
+                                                  << " curve " << curve << " " << ninefold::setNames[set];
                 }
             }
         }
@@ -492,8 +514,8 @@ TEST_F(SoftEdge, IsTheSameInEveryFormThatReachesIt)
     draw({.rule = 1, .rectOpt = 1});
     const State expected = state();
     restore(before);
-    for (const Modes &m : {Modes{.rule = 1}, Modes{.rule = 1, .filter = 8}, Modes{.rule = 1, .shahei = 4}, Modes{.rule = 1, .shahei = 1},
-                           Modes{.rule = 1, .rectOpt = 5, .shahei = 4}}) {
+    for (const Modes &m : {Modes{.rule = 1}, Modes{.rule = 1, .filter = 8}, Modes{.rule = 1, .shahei = 4},
+                           Modes{.rule = 1, .shahei = 1}, Modes{.rule = 1, .rectOpt = 5, .shahei = 4}}) {
         restore(before);
         rs.ruleThreshold = 30, rs.ruleWidth = 170, rs.ruleCurve = 1;
         draw(m);

@@ -63,7 +63,8 @@ TEST_F(RunLength, AStartInsideAStretchReadsTheRestOfIt)
         corners(100, 0, 120, 1);
         clear();
         draw(m);
-        EXPECT_EQ(row(0, 99, 108), (Pixels{ground, idAt(13, 0), idAt(14, 0), idAt(15, 0), idAt(16, 0), idAt(17, 0), idAt(18, 0), idAt(19, 0), ground}));
+        EXPECT_EQ(row(0, 99, 108), (Pixels{ground, idAt(13, 0), idAt(14, 0), idAt(15, 0), idAt(16, 0), idAt(17, 0), idAt(18, 0),
+                                           idAt(19, 0), ground}));
         EXPECT_EQ(row(0, 116, 121), (Pixels{ground, idAt(30, 0), idAt(31, 0), idAt(32, 0), ground}));
         const State whole = state();
         clear();
@@ -215,7 +216,8 @@ TEST_F(RunLength, CornerColoursMoveWithTheHoles)
         rs.zRef = 0;
         draw(m);
         for (int x = 20; x < 70; ++x)
-            ASSERT_EQ(at(x, 1), (x - 20) % 10 < 4 && x - 20 < 64 ? 0xFF000000 + uint32_t(x - 20) * 4 : ground) << m << " at " << x;
+            ASSERT_EQ(at(x, 1), (x - 20) % 10 < 4 && x - 20 < 64 ? 0xFF000000 + uint32_t(x - 20) * 4 : ground)
+                << m << " at " << x;
     }
 }
 
@@ -242,9 +244,8 @@ TEST_F(RuleSlip, AStoppedPixelHoldsTheSourceBackToTheEndOfItsStretch)
     rule({10, 255, 0, 255, 9, 255, 255, 255, 255, 0, 255, 255});
     clear();
     draw({.rule = 1, .rectOpt = 5});
-    EXPECT_EQ(row(0, 99, 113),
-              (Pixels{ground, ground, idAt(0, 0), ground, idAt(1, 0), ground, idAt(2, 0), ground, ground, idAt(8, 0), ground, idAt(9, 0),
-                      idAt(10, 0), ground}));
+    EXPECT_EQ(row(0, 99, 113), (Pixels{ground, ground, idAt(0, 0), ground, idAt(1, 0), ground, idAt(2, 0), ground, ground,
+                                       idAt(8, 0), ground, idAt(9, 0), idAt(10, 0), ground}));
 }
 
 TEST_F(RuleSlip, IsThereWithEveryBlendAndMulti)

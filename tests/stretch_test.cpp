@@ -142,7 +142,8 @@ TEST_F(Stretch, RowsTruncateTowardZeroColumnsFloor)
 TEST_F(Stretch, OnlyWholeNegativeRowsReachTheLastRow)
 {
     for (const Modes &m : forms()) {
-        for (const auto &[v, expected] : {std::pair{-1, 0u}, {-0xFFFF, 0u}, {-0x10000, 31u}, {-0x10001, 31u}, {-0x1FFFF, 31u}, {-0x20000, 30u}}) {
+        for (const auto &[v, expected] :
+             {std::pair{-1, 0u}, {-0xFFFF, 0u}, {-0x10000, 31u}, {-0x10001, 31u}, {-0x1FFFF, 31u}, {-0x20000, 30u}}) {
             span(0, v, texels(1), v + 1);
             corners(0, 0, 1, 1);
             wipe();
@@ -184,7 +185,9 @@ TEST_F(Stretch, TheSecondTextureHasStepsAndReversalOfItsOwn)
         m.multi = 0;
         wipe();
         draw(m);
-        EXPECT_EQ(row(0, 0, 8), (Pixels{0xFF801008, 0xFF801007, 0xFF801007, 0xFF801006, 0xFF801006, 0xFF801005, 0xFF801005, 0xFF801004})) << m;
+        EXPECT_EQ(row(0, 0, 8),
+                  (Pixels{0xFF801008, 0xFF801007, 0xFF801007, 0xFF801006, 0xFF801006, 0xFF801005, 0xFF801005, 0xFF801004}))
+            << m;
         EXPECT_EQ(at(0, 1), 0xFF802008) << m;
     }
 }

@@ -75,7 +75,9 @@ TEST_F(Triangle, TheMiddleVertexMayLieOnEitherSideOfTheLongEdge)
     for (const Modes &m : forms()) {
         wipe();
         draw(m);
-        EXPECT_EQ(spans(1, 9), (std::vector<std::pair<int, int>>{{0, 0}, {8, 10}, {6, 10}, {4, 9}, {2, 9}, {4, 9}, {5, 9}, {7, 8}})) << m;
+        EXPECT_EQ(spans(1, 9),
+                  (std::vector<std::pair<int, int>>{{0, 0}, {8, 10}, {6, 10}, {4, 9}, {2, 9}, {4, 9}, {5, 9}, {7, 8}}))
+            << m;
     }
 }
 
@@ -151,7 +153,8 @@ TEST_F(Triangle, OnFlatEdgesTheLeftCornerComesFirstWhateverTheOrder)
 {
     // Left texels are 8, right ones 40: seen in every row's first pixel.
     rs.tex0 = equipped(index(64, 32));
-    const int shapes[][3][2] = {{{10, 4}, {26, 4}, {10, 20}}, {{10, 4}, {26, 4}, {26, 20}}, {{10, 20}, {26, 20}, {10, 4}}, {{10, 20}, {26, 20}, {26, 4}}};
+    const int shapes[][3][2] = {
+        {{10, 4}, {26, 4}, {10, 20}}, {{10, 4}, {26, 4}, {26, 20}}, {{10, 20}, {26, 20}, {10, 4}}, {{10, 20}, {26, 20}, {26, 4}}};
     for (const auto &shape : shapes) {
         std::vector<uint32_t> first;
         for (const auto &order : orders) {
@@ -251,11 +254,12 @@ TEST_F(Triangle, EdgesAndAttributesAgreeWithAPlainWalk)
             // Ties of x and y are common; some vertices lie outside.
             const int x = static_cast<int>(random() % 20) * 5 - 15, y = static_cast<int>(random() % 12) * 4 - 8;
             rs.vertex[k] = {x, y, 1};
-            rs.uv0[k] = {static_cast<int32_t>(random() % 0x800000) - 0x400000, static_cast<int32_t>(random() % 0x800000) - 0x400000};
+            rs.uv0[k] = {static_cast<int32_t>(random() % 0x800000) - 0x400000,
+                         static_cast<int32_t>(random() % 0x800000) - 0x400000};
             corners[size_t(k)] = {x, y, {rs.uv0[k].u, rs.uv0[k].v}};
         }
-        const trapezoid::Clip window{static_cast<int>(random() % 10), static_cast<int>(random() % 10), 40 + static_cast<int>(random() % 25),
-                                     20 + static_cast<int>(random() % 13)};
+        const trapezoid::Clip window{static_cast<int>(random() % 10), static_cast<int>(random() % 10),
+                                     40 + static_cast<int>(random() % 25), 20 + static_cast<int>(random() % 13)};
         clip(window.left, window.top, window.right, window.bottom);
         const trapezoid::Picture expected = trapezoid::draw(corners, 0x8000, window);
         clear();

@@ -32,7 +32,11 @@ protected:
         for (int filter : {0, 8})
             for (int pers : {0, 1})
                 for (int shahei = 0; shahei < 6; ++shahei)
-                    all.push_back({.shape = 2, .pers = pers, .filter = filter, .shahei = shahei, .blend = shahei == 3 || shahei == 5 ? 11 : 0});
+                    all.push_back({.shape = 2,
+                                   .pers = pers,
+                                   .filter = filter,
+                                   .shahei = shahei,
+                                   .blend = shahei == 3 || shahei == 5 ? 11 : 0});
         return all;
     }
 };
@@ -53,7 +57,8 @@ TEST_F(Walker, AnUpperTrapezoidAboveTheClipHandsItsEdgesOn)
             draw(m);
             for (int y = 0; y < 32; ++y)
                 for (int x = 0; x < 64; ++x)
-                    ASSERT_EQ(at(x, y), y < top ? ground : whole.pixels[size_t(y * 64 + x)]) << m << " top " << top << " at " << x << ", " << y;
+                    ASSERT_EQ(at(x, y), y < top ? ground : whole.pixels[size_t(y * 64 + x)])
+                        << m << " top " << top << " at " << x << ", " << y;
         }
         wipe();
         clip(0, 8, 64, 32);
@@ -105,7 +110,8 @@ TEST_F(Walker, SpansThatRoundingCrossesDrawNothingAndMarkNothing)
     // Slivers around a line, to either side.
     std::mt19937 random(23);
     for (int round = 0; round < 200; ++round) {
-        const int x = 20 + static_cast<int>(random() % 20), h1 = 1 + static_cast<int>(random() % 14), h2 = 1 + static_cast<int>(random() % 14);
+        const int x = 20 + static_cast<int>(random() % 20), h1 = 1 + static_cast<int>(random() % 14),
+                  h2 = 1 + static_cast<int>(random() % 14);
         const int dx = static_cast<int>(random() % 31) - 15;
         triangle(x, 1, x + dx * h1 / (h1 + h2), 1 + h1, x + dx, 1 + h1 + h2);
         mapByPlace();
@@ -236,7 +242,8 @@ TEST_F(Walker, ASpanClippedOnTheLeftShowsTheSameTexels)
         draw(m);
         for (int y = 0; y < 32; ++y)
             for (int x = 0; x < 64; ++x)
-                ASSERT_EQ(at(x, y), x < 17 || x >= 41 ? ground : whole.pixels[size_t(y * 64 + x)]) << m << " at " << x << ", " << y;
+                ASSERT_EQ(at(x, y), x < 17 || x >= 41 ? ground : whole.pixels[size_t(y * 64 + x)])
+                    << m << " at " << x << ", " << y;
     }
 }
 
@@ -306,7 +313,8 @@ TEST_F(Walker, ASecondTriangleFillsWhatTheFirstLeftOpen)
 TEST_F(Walker, SpansInOneWordAndSpansThatEndOnOneKeepTheBitsAround)
 {
     std::mt19937 random(31);
-    for (const auto &[left, right] : {std::pair{19, 27}, {16, 32}, {17, 32}, {16, 31}, {5, 16}, {15, 17}, {31, 33}, {48, 64}, {63, 64}}) {
+    for (const auto &[left, right] :
+         {std::pair{19, 27}, {16, 32}, {17, 32}, {16, 31}, {5, 16}, {15, 17}, {31, 33}, {48, 64}, {63, 64}}) {
         for (int shahei : {1, 2}) {
             wipe();
             for (uint16_t &word : plane)

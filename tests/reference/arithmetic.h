@@ -58,10 +58,7 @@ struct Ramp {
     int32_t start = 0;
     int32_t step = 0;
 
-    int32_t at(int32_t distance) const
-    {
-        return add(start, mul(step, distance));
-    }
+    int32_t at(int32_t distance) const { return add(start, mul(step, distance)); }
 };
 
 // From `from` towards `to` in `count` steps; the step truncates, so `to` itself may not be met.

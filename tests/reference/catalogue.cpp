@@ -31,36 +31,26 @@ static bool pairExists(int shahei, int blend)
         return false;
     switch (shahei) {
     case 0:
-    case 4:
-        return true;
+    case 4: return true;
     case 1:
-    case 2:
-        return blend == 0;
+    case 2: return blend == 0;
     case 3:
-    case 5:
-        return blend != 0;
-    default:
-        return false;
+    case 5: return blend != 0;
+    default: return false;
     }
 }
 
 static bool rectangleExists(const Modes &modes)
 {
     switch (modes.option) {
-    case 0:
-        return modes.filter == 0 || modes.filter == 1 || modes.filter == 8;
+    case 0: return modes.filter == 0 || modes.filter == 1 || modes.filter == 8;
     case 1:
     case 2:
-    case 3:
-        return modes.filter <= 5 || modes.filter == 8;
-    case 5:
-        return modes.filter == 0 && !modes.plane();
-    case 6:
-        return modes.filter == 0 && modes.plane();
-    case 7:
-        return !modes.textured() && modes.multi == 3;
-    default:
-        return false;
+    case 3: return modes.filter <= 5 || modes.filter == 8;
+    case 5: return modes.filter == 0 && !modes.plane();
+    case 6: return modes.filter == 0 && modes.plane();
+    case 7: return !modes.textured() && modes.multi == 3;
+    default: return false;
     }
 }
 
@@ -70,16 +60,13 @@ bool exists(uint32_t code)
     if (modes.code() != code || !pairExists(modes.shahei, modes.blend))
         return false;
     switch (modes.shape) {
-    case line:
-        return !modes.textured() && modes.option == 7 && modes.multi == 3 && !modes.rule && !modes.pers;
-    case rectangle:
-        return rectangleExists(modes) && !modes.pers;
+    case line: return !modes.textured() && modes.option == 7 && modes.multi == 3 && !modes.rule && !modes.pers;
+    case rectangle: return rectangleExists(modes) && !modes.pers;
     case triangle:
         if (modes.option != 7 || modes.filter > 8)
             return false;
         return modes.textured() || (modes.multi == 3 && !modes.prescale);
-    default:
-        return false;
+    default: return false;
     }
 }
 

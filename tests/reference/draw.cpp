@@ -15,9 +15,7 @@ void draw(uint32_t code, RenderState &state)
     if ((modes.filter == 3 || modes.filter == 4) && !perLine)
         return; // a level for each line, without lines
     switch (modes.shape) {
-    case line:
-        drawLine(modes, state);
-        break;
+    case line: drawLine(modes, state); break;
     case rectangle:
         if (!byLevel)
             drawRectangle(modes, state);
@@ -26,9 +24,7 @@ void draw(uint32_t code, RenderState &state)
         else
             drawCornersByLevel(modes, state);
         break;
-    default:
-        (byLevel ? drawTriangleByLevel : drawTriangle)(modes, state);
-        break;
+    default: (byLevel ? drawTriangleByLevel : drawTriangle)(modes, state); break;
     }
 }
 

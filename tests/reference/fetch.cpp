@@ -44,9 +44,7 @@ namespace {
 struct Fraction {
     int32_t x, y; // 0 to 255; a texel's centre is at 128
 
-    explicit Fraction(Position at) : x(at.u >> 8 & 255), y(at.v >> 8 & 255)
-    {
-    }
+    explicit Fraction(Position at) : x(at.u >> 8 & 255), y(at.v >> 8 & 255) {}
 };
 
 } // namespace

@@ -10,10 +10,7 @@ namespace {
 struct Axis {
     int32_t from, to, low, high; // ends; clip bounds, the high one exclusive
 
-    int32_t length() const
-    {
-        return add(magnitude(sub(to, from)), 1);
-    }
+    int32_t length() const { return add(magnitude(sub(to, from)), 1); }
 };
 
 class Line {
@@ -27,16 +24,13 @@ private:
     bool steep;
     bool inside[2];
     Axis major, minor;
-    int32_t length;    // pixels still to go, the end point included
+    int32_t length; // pixels still to go, the end point included
     int32_t direction; // along the major axis
     Ramp minorRamp;
     Ramp colour[4];
     int32_t steps = 0; // made so far
 
-    int32_t minorNow() const
-    {
-        return whole(minorRamp.at(steps));
-    }
+    int32_t minorNow() const { return whole(minorRamp.at(steps)); }
     void drawInside();
     void drawClipped();
     void pixel();

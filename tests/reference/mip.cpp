@@ -11,7 +11,7 @@ namespace {
 struct Choice {
     bool found = false;
     uint32_t octave = 0; // 0 where none was found
-    int32_t weight = 0;  // of the level against the next smaller one
+    int32_t weight = 0; // of the level against the next smaller one
 };
 
 // The octave of a 16.16 density. The bounds wrap: above the 14th octave they turn negative, so that negative densities land in
@@ -47,8 +47,7 @@ int32_t segmentLength(TexCoord from, TexCoord to)
 
 } // namespace
 
-SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNumber, const LineTableRecord &record,
-                          int32_t width)
+SourceRow lineLevelSource(const Modes &modes, RenderState &state, int textureNumber, const LineTableRecord &record, int32_t width)
 {
     const int32_t length = segmentLength({record.startU, record.startV}, {record.endU, record.endV});
     const Choice choice = octaveOf(divide(fromWhole(length), width));
@@ -155,12 +154,13 @@ void drawTriangleByLevel(const Modes &modes, RenderState &state)
         return;
     const auto density = [&corners, onScreen](const TexCoord(&uv)[4]) {
         const TexCoord &top = uv[corners.top], &mid = uv[corners.mid], &bot = uv[corners.bot];
-        const int32_t area = sub(mul(whole(sub(bot.v, top.v)), whole(sub(mid.u, top.u))),
-                                 mul(whole(sub(bot.u, top.u)), whole(sub(mid.v, top.v))));
+        const int32_t area =
+            sub(mul(whole(sub(bot.v, top.v)), whole(sub(mid.u, top.u))), mul(whole(sub(bot.u, top.u)), whole(sub(mid.v, top.v))));
         const uint32_t ratio = (static_cast<uint32_t>(rootOfArea(area)) << 16) / static_cast<uint32_t>(onScreen);
         return static_cast<int32_t>(ratio);
     };
-    drawByLevel(state, density, [](int32_t value) { return value <= 0x10000; }, drawTriangle, modes);
+    drawByLevel(
+        state, density, [](int32_t value) { return value <= 0x10000; }, drawTriangle, modes);
 }
 
 } // namespace reference

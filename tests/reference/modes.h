@@ -22,36 +22,15 @@ struct Modes {
     uint32_t code() const;
 
     // the plane is walked word by word
-    bool plane() const
-    {
-        return shahei == 1 || shahei == 2;
-    }
-    bool zTest() const
-    {
-        return shahei == 3 || shahei == 5;
-    }
-    bool stippled() const
-    {
-        return shahei == 4 || shahei == 5;
-    }
-    bool textured() const
-    {
-        return filter != 6 && filter != 7;
-    }
+    bool plane() const { return shahei == 1 || shahei == 2; }
+    bool zTest() const { return shahei == 3 || shahei == 5; }
+    bool stippled() const { return shahei == 4 || shahei == 5; }
+    bool textured() const { return filter != 6 && filter != 7; }
     // maps have removed the zeros of the source, or there is no source texture
-    bool zeroIsDrawn() const
-    {
-        return !textured() || (shape == rectangle && (option == 5 || option == 6));
-    }
+    bool zeroIsDrawn() const { return !textured() || (shape == rectangle && (option == 5 || option == 6)); }
     // blends that weigh by the alpha of the source
-    bool alphaBlend() const
-    {
-        return blend == 1 || blend == 2 || blend == 4;
-    }
-    bool hasColours() const
-    {
-        return multi == 1 || filter == 7;
-    }
+    bool alphaBlend() const { return blend == 1 || blend == 2 || blend == 4; }
+    bool hasColours() const { return multi == 1 || filter == 7; }
 };
 
 } // namespace reference

@@ -31,9 +31,7 @@ constexpr Fill fills[] = {
 
 class Filler {
 public:
-    Filler(const Fill &fillToDraw, RenderState &drawState) : fill(fillToDraw), state(drawState)
-    {
-    }
+    Filler(const Fill &fillToDraw, RenderState &drawState) : fill(fillToDraw), state(drawState) {}
     void draw();
 
 private:
@@ -64,18 +62,10 @@ void Filler::span(int32_t x, int32_t y, int32_t width)
     for (int32_t column = x; fill.bytes != Bytes::keep && column < x + width; ++column) {
         uint8_t &byte = state.zBuffer[rowStart + column];
         switch (fill.bytes) {
-        case Bytes::all:
-            byte = 255;
-            break;
-        case Bytes::none:
-            byte = 0;
-            break;
-        case Bytes::reference:
-            byte = static_cast<uint8_t>(state.zRef);
-            break;
-        default:
-            byte = static_cast<uint8_t>(~byte);
-            break;
+        case Bytes::all: byte = 255; break;
+        case Bytes::none: byte = 0; break;
+        case Bytes::reference: byte = static_cast<uint8_t>(state.zRef); break;
+        default: byte = static_cast<uint8_t>(~byte); break;
         }
     }
 }

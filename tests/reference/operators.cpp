@@ -43,12 +43,9 @@ uint32_t alphaMixed(uint32_t dst, uint32_t src)
 uint32_t alphaMixedFast(uint32_t dst, uint32_t src)
 {
     switch (channel(src, 3)) {
-    case 255:
-        return src;
-    case 0:
-        return dst;
-    default:
-        return alphaMixed(dst, src);
+    case 255: return src;
+    case 0: return dst;
+    default: return alphaMixed(dst, src);
     }
 }
 
@@ -116,9 +113,8 @@ uint32_t screened(uint32_t dst, uint32_t src)
 
 uint32_t overlaid(uint32_t dst, uint32_t src)
 {
-    return eachColour(dst, src, [](uint32_t d, uint32_t s) {
-        return d < 128 ? (d * s >> 8) * 2 : 255 - ((255 - d) * (255 - s) >> 8) * 2;
-    });
+    return eachColour(dst, src,
+                      [](uint32_t d, uint32_t s) { return d < 128 ? (d * s >> 8) * 2 : 255 - ((255 - d) * (255 - s) >> 8) * 2; });
 }
 
 uint32_t merged(uint32_t dst, uint32_t src)
@@ -153,44 +149,27 @@ uint32_t multiResult(int value, bool secondBank, uint32_t first, uint32_t second
     const uint32_t colour = secondBank ? dimmed(second) : second;
     const uint32_t weighing = secondBank ? faded(second) : second;
     switch (value) {
-    case 1:
-        return keepAlpha(first, alphaMixed(first, weighing));
+    case 1: return keepAlpha(first, alphaMixed(first, weighing));
     case 2: {
         const uint32_t mixed = constantMixed(first, second, factors->blendAlpha);
         return secondBank ? keepAlpha(first, mixed) : mixed;
     }
-    case 3:
-        return keepAlpha(first, constantMixed(first, second, factors->blendAlphaRgb));
-    case 4:
-        return keepAlpha(first, alphaMixedFast(first, weighing));
-    case 5:
-        return keepAlpha(first, added(first, colour));
-    case 6:
-        return keepAlpha(first, subtracted(first, colour));
-    case 7:
-        return keepAlpha(first, multiplied(first, colour));
-    case 8:
-        return keepAlpha(first, multipliedTwice(first, colour));
-    case 9:
-        return keepAlpha(first, screened(first, colour));
-    case 10:
-        return keepAlpha(first, overlaid(first, colour));
-    case 11:
-        return merged(first, secondBank ? colour | (second & 0xFF000000) : second);
-    case 14:
-        return keepAlpha(first, luma(colour));
-    case 15:
-        return keepAlpha(first, luma(first));
-    case 16:
-        return first ^ (colour & 0xFFFFFF);
-    case 17:
-        return first & (colour | 0xFF000000);
-    case 18:
-        return first | (colour & 0xFFFFFF);
-    case 19:
-        return first;
-    default:
-        return keepAlpha(first, colour);
+    case 3: return keepAlpha(first, constantMixed(first, second, factors->blendAlphaRgb));
+    case 4: return keepAlpha(first, alphaMixedFast(first, weighing));
+    case 5: return keepAlpha(first, added(first, colour));
+    case 6: return keepAlpha(first, subtracted(first, colour));
+    case 7: return keepAlpha(first, multiplied(first, colour));
+    case 8: return keepAlpha(first, multipliedTwice(first, colour));
+    case 9: return keepAlpha(first, screened(first, colour));
+    case 10: return keepAlpha(first, overlaid(first, colour));
+    case 11: return merged(first, secondBank ? colour | (second & 0xFF000000) : second);
+    case 14: return keepAlpha(first, luma(colour));
+    case 15: return keepAlpha(first, luma(first));
+    case 16: return first ^ (colour & 0xFFFFFF);
+    case 17: return first & (colour | 0xFF000000);
+    case 18: return first | (colour & 0xFFFFFF);
+    case 19: return first;
+    default: return keepAlpha(first, colour);
     }
 }
 
@@ -218,30 +197,18 @@ PixelOperator multiOf(long value)
 uint32_t blended(int blend, uint32_t dst, uint32_t src)
 {
     switch (blend) {
-    case 1:
-        return alphaMixed(dst, src);
-    case 2:
-        return constantMixed(dst, src, factors->blendAlpha);
-    case 4:
-        return alphaMixedFast(dst, src);
-    case 5:
-        return added(dst, src);
-    case 6:
-        return subtracted(dst, src);
-    case 7:
-        return multiplied(dst, src);
-    case 8:
-        return multipliedTwice(dst, src);
-    case 9:
-        return screened(dst, src);
-    case 10:
-        return overlaid(dst, src);
-    case 11:
-        return merged(dst, src);
-    case 12:
-        return factors->blendFunc(dst, src);
-    default:
-        return src;
+    case 1: return alphaMixed(dst, src);
+    case 2: return constantMixed(dst, src, factors->blendAlpha);
+    case 4: return alphaMixedFast(dst, src);
+    case 5: return added(dst, src);
+    case 6: return subtracted(dst, src);
+    case 7: return multiplied(dst, src);
+    case 8: return multipliedTwice(dst, src);
+    case 9: return screened(dst, src);
+    case 10: return overlaid(dst, src);
+    case 11: return merged(dst, src);
+    case 12: return factors->blendFunc(dst, src);
+    default: return src;
     }
 }
 
@@ -286,20 +253,13 @@ PixelOperator blendOperator(long mode)
     if (value < 13)
         return nullptr;
     switch (value) {
-    case 14:
-        return [](uint32_t, uint32_t src) { return luma(src); };
-    case 15:
-        return [](uint32_t dst, uint32_t) { return luma(dst); };
-    case 16:
-        return [](uint32_t dst, uint32_t src) { return dst ^ src; };
-    case 17:
-        return [](uint32_t dst, uint32_t src) { return dst & src; };
-    case 18:
-        return [](uint32_t dst, uint32_t src) { return dst | src; };
-    case 19:
-        return [](uint32_t dst, uint32_t) { return dst; };
-    default:
-        return [](uint32_t, uint32_t src) { return src; };
+    case 14: return [](uint32_t, uint32_t src) { return luma(src); };
+    case 15: return [](uint32_t dst, uint32_t) { return luma(dst); };
+    case 16: return [](uint32_t dst, uint32_t src) { return dst ^ src; };
+    case 17: return [](uint32_t dst, uint32_t src) { return dst & src; };
+    case 18: return [](uint32_t dst, uint32_t src) { return dst | src; };
+    case 19: return [](uint32_t dst, uint32_t) { return dst; };
+    default: return [](uint32_t, uint32_t src) { return src; };
     }
 }
 

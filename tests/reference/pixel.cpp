@@ -35,22 +35,16 @@ Form formOf(const Modes &modes)
     const bool isTriangle = modes.shape == triangle;
     switch (modes.filter) {
     case 1:
-    case 4:
-        return isTriangle || modes.option < 2 || modes.plane() ? Form::fourTexels : Form::stippled;
+    case 4: return isTriangle || modes.option < 2 || modes.plane() ? Form::fourTexels : Form::stippled;
     case 2:
         if (modes.multi != 3)
             return Form::pointLevels;
         return !modes.rule && (isTriangle || modes.plane()) ? Form::pointBelow : Form::point;
-    case 5:
-        return isTriangle || modes.option == 1 || modes.plane() ? Form::fourLevels : Form::firstTexel;
-    case 6:
-        return Form::flat;
-    case 7:
-        return Form::gouraud;
-    case 8:
-        return Form::mosaic;
-    default:
-        return Form::point;
+    case 5: return isTriangle || modes.option == 1 || modes.plane() ? Form::fourLevels : Form::firstTexel;
+    case 6: return Form::flat;
+    case 7: return Form::gouraud;
+    case 8: return Form::mosaic;
+    default: return Form::point;
     }
 }
 
@@ -128,27 +122,18 @@ std::optional<uint32_t> Painter::source(int32_t distance, int32_t behind) const
     const uint32_t share = static_cast<uint32_t>(state.mipFrac);
     uint32_t first = centre;
     switch (form) {
-    case Form::stippled:
-        first = stippledTexel(texture, at, add(row.origin, distance));
-        break;
-    case Form::fourTexels:
-        first = FourTexels(at).mix(texture, at, modes.alphaBlend());
-        break;
-    case Form::pointLevels:
-        first = weighted(centre, share, pointTexelBelow(*state.mipTex, at), 255 - share);
-        break;
-    case Form::pointBelow:
-        first = pointTexelBelow(*state.mipTex, at);
-        break;
+    case Form::stippled: first = stippledTexel(texture, at, add(row.origin, distance)); break;
+    case Form::fourTexels: first = FourTexels(at).mix(texture, at, modes.alphaBlend()); break;
+    case Form::pointLevels: first = weighted(centre, share, pointTexelBelow(*state.mipTex, at), 255 - share); break;
+    case Form::pointBelow: first = pointTexelBelow(*state.mipTex, at); break;
     case Form::fourLevels: {
         const FourTexels four(at);
-        const uint32_t below = modes.shape == triangle ? four.mixBelowInTriangle(*state.mipTex, at, false)
-                                                       : four.mixBelow(*state.mipTex, at, false);
+        const uint32_t below =
+            modes.shape == triangle ? four.mixBelowInTriangle(*state.mipTex, at, false) : four.mixBelow(*state.mipTex, at, false);
         first = weighted(four.mix(texture, at, false), share, below, 255 - share);
         break;
     }
-    default:
-        break;
+    default: break;
     }
 
     uint32_t result = first;
@@ -197,8 +182,8 @@ uint32_t Painter::withSecondTexture(uint32_t centre, uint32_t first, int32_t dis
         if (pointTexel(texture, at) == 0)
             return first;
         const FourTexels four(at);
-        const uint32_t below = modes.shape == triangle ? four.mixBelowInTriangle(*state.mipTex1, at, true)
-                                                       : four.mixBelow(*state.mipTex1, at, true);
+        const uint32_t below =
+            modes.shape == triangle ? four.mixBelowInTriangle(*state.mipTex1, at, true) : four.mixBelow(*state.mipTex1, at, true);
         return state.multiFunc(first, levelsMixedWithAlpha(four.mix(texture, at, true), below, share));
     }
     default: {

@@ -13,16 +13,16 @@ namespace reference {
 
 // How a kernel makes the source of a pixel.
 enum class Form {
-    flat,        // color[0]
-    gouraud,     // the four colour ramps
-    point,       // one texel
-    mosaic,      // the texel at the start of a block
-    stippled,    // one of two texels
-    fourTexels,  // bilinear
+    flat, // color[0]
+    gouraud, // the four colour ramps
+    point, // one texel
+    mosaic, // the texel at the start of a block
+    stippled, // one of two texels
+    fourTexels, // bilinear
     pointLevels, // a texel mixed with one of the next smaller level, for the multi stage
-    pointBelow,  // the texel of the next smaller level; the level's own only decides whether to draw
-    firstTexel,  // the first texel of the level
-    fourLevels   // bilinear on two levels, mixed
+    pointBelow, // the texel of the next smaller level; the level's own only decides whether to draw
+    firstTexel, // the first texel of the level
+    fourLevels // bilinear on two levels, mixed
 };
 
 Form formOf(const Modes &modes);
@@ -36,14 +36,14 @@ struct SourceRow {
 
 // What a row of pixels is drawn from.
 struct Row {
-    int32_t origin = 0;     // the column at which ramps start
-    int32_t pixels = 0;     // index of column 0 in frame buffer and zBuffer
-    int32_t plane = 0;      // index of the plane word that holds the row's first pixel
-    uint16_t mask = 0;      // stipple row
-    SourceRow source[2];    // tex0 and tex1
-    Ramp depth;             // perspective weight
-    Ramp ruleU, ruleV;      // in tex2
-    Ramp colour[4];         // alpha, red, green, blue, each 8.16
+    int32_t origin = 0; // the column at which ramps start
+    int32_t pixels = 0; // index of column 0 in frame buffer and zBuffer
+    int32_t plane = 0; // index of the plane word that holds the row's first pixel
+    uint16_t mask = 0; // stipple row
+    SourceRow source[2]; // tex0 and tex1
+    Ramp depth; // perspective weight
+    Ramp ruleU, ruleV; // in tex2
+    Ramp colour[4]; // alpha, red, green, blue, each 8.16
 };
 
 // A packed colour as four 8.16 values: alpha, red, green, blue.
@@ -53,17 +53,11 @@ struct Channels {
     explicit Channels(uint32_t packed);
 };
 
-enum class Outcome {
-    refusedByRule,
-    dropped,
-    written
-};
+enum class Outcome { refusedByRule, dropped, written };
 
 class Painter {
 public:
-    Painter(const Modes &drawModes, RenderState &drawState) : modes(drawModes), state(drawState), form(formOf(drawModes))
-    {
-    }
+    Painter(const Modes &drawModes, RenderState &drawState) : modes(drawModes), state(drawState), form(formOf(drawModes)) {}
 
     Row row;
 

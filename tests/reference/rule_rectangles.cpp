@@ -80,9 +80,8 @@ void drawRectGradRule(RenderState &state)
     }
     const Ramp left = rampBetween(corner[0], corner[2], box.height);
     const Ramp right = rampBetween(corner[1], corner[3], box.height);
-    drawWiped(state, box, [&](int32_t x, int32_t y) {
-        return rampBetween(left.at(y), right.at(y), box.width).at(x) >> 16 & 255;
-    });
+    drawWiped(state, box,
+              [&](int32_t x, int32_t y) { return rampBetween(left.at(y), right.at(y), box.width).at(x) >> 16 & 255; });
 }
 
 // Rule, four corners, plane walk, screen: a combination that the table does not hold.

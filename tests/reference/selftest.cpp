@@ -54,10 +54,7 @@ public:
         return picture;
     }
 
-    uint32_t &at(int x, int y)
-    {
-        return pixels[static_cast<size_t>(y) * texture.width + static_cast<size_t>(x)];
-    }
+    uint32_t &at(int x, int y) { return pixels[static_cast<size_t>(y) * texture.width + static_cast<size_t>(x)]; }
 
     void makeMaps()
     {
@@ -124,10 +121,7 @@ public:
         state.vertex[2] = c;
     }
 
-    uint32_t at(int x, int y) const
-    {
-        return pixels[static_cast<size_t>(y * 64 + x)];
-    }
+    uint32_t at(int x, int y) const { return pixels[static_cast<size_t>(y * 64 + x)]; }
 
     int drawn() const
     {
@@ -137,10 +131,7 @@ public:
         return count;
     }
 
-    bool taken(int x, int y) const
-    {
-        return (plane[static_cast<size_t>(y * 4 + x / 16)] & 0x8000 >> (x & 15)) != 0;
-    }
+    bool taken(int x, int y) const { return (plane[static_cast<size_t>(y * 4 + x / 16)] & 0x8000 >> (x & 15)) != 0; }
 };
 
 struct Axes {

@@ -20,8 +20,8 @@ void drawTriangleByLevel(const Modes &modes, RenderState &state);
 // A rectangle's corners with the origin added, in order, and cut to the clip rectangle.
 struct Box {
     int32_t fullLeft, fullTop, width, height; // before clipping
-    int32_t left, top, right, bottom;         // after
-    bool swapX, swapY;                        // vertex[0] was the right one, the lower one
+    int32_t left, top, right, bottom; // after
+    bool swapX, swapY; // vertex[0] was the right one, the lower one
 
     explicit Box(const RenderState &state);
     bool empty = false;

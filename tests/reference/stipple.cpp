@@ -37,7 +37,7 @@ bool stippleBit(int number, int row, int bit)
 std::array<uint16_t, 16> stipple(int index)
 {
     static constexpr uint16_t pairs[6][2] = {{0, 0},      {0xAAAA, 0x5555}, {0xAAAA, 0xAAAA},
-                                               {0, 0xFFFF}, {0xAAAA, 0xFFFF}, {0xAAAA, 0}};
+                                             {0, 0xFFFF}, {0xAAAA, 0xFFFF}, {0xAAAA, 0}};
     std::array<uint16_t, 16> rows{};
     int row = 0;
     for (uint16_t &bits : rows) {

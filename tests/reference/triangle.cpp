@@ -51,18 +51,7 @@ int32_t Corners::cross() const
 namespace {
 
 // What edges carry.
-enum Attribute : int {
-    edgeX,
-    u0,
-    v0,
-    u1,
-    v1,
-    u2,
-    v2,
-    depth,
-    alpha,
-    attributeCount = alpha + 4
-};
+enum Attribute : int { edgeX, u0, v0, u1, v1, u2, v2, depth, alpha, attributeCount = alpha + 4 };
 
 using Values = int32_t[attributeCount];
 

@@ -58,8 +58,8 @@ struct Modes {
 
 inline void PrintTo(const Modes &m, std::ostream *out)
 {
-    *out << "shape " << m.shape << " pers " << m.pers << " rule " << m.rule << " prescale " << m.prescale << " filter " << m.filter
-         << " rectOpt " << m.rectOpt << " shahei " << m.shahei << " blend " << m.blend << " multi " << m.multi;
+    *out << "shape " << m.shape << " pers " << m.pers << " rule " << m.rule << " prescale " << m.prescale << " filter "
+         << m.filter << " rectOpt " << m.rectOpt << " shahei " << m.shahei << " blend " << m.blend << " multi " << m.multi;
 }
 
 inline std::ostream &operator<<(std::ostream &out, const Modes &m)
@@ -71,10 +71,16 @@ inline std::ostream &operator<<(std::ostream &out, const Modes &m)
 constexpr int blends[] = {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12};
 
 // Whole texels in 16.16.
-constexpr int32_t texels(int n) { return n * 0x10000; }
+constexpr int32_t texels(int n)
+{
+    return n * 0x10000;
+}
 
 // What index textures hold: never 0, alpha 255, and the position can be read off.
-constexpr uint32_t idAt(uint32_t u, uint32_t v) { return 0xFF000000u | v << 12 | u; }
+constexpr uint32_t idAt(uint32_t u, uint32_t v)
+{
+    return 0xFF000000u | v << 12 | u;
+}
 
 constexpr uint32_t ground = 0x11223344;
 
@@ -159,10 +165,7 @@ protected:
         return t;
     }
 
-    Texture *solid(uint32_t colour)
-    {
-        return texture(1, 1, {colour});
-    }
+    Texture *solid(uint32_t colour) { return texture(1, 1, {colour}); }
 
     Texture *index(unsigned w, unsigned h) { return texture(w, h, idAt); }
 

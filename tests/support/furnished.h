@@ -76,8 +76,8 @@ protected:
     // Nothing that a kernel reads: the modes, and what the last look-up was.
     static void scrambleModes()
     {
-        rs.prescaleMode = rs.prescaleMultiMode = rs.filterMode = rs.rectOptMode = rs.shaheiMode = rs.blendMode = rs.blendModeMulti =
-            rs.multiMode = rs.shapeMode = rs.ruleAlphaMode = rs.persMode = 77;
+        rs.prescaleMode = rs.prescaleMultiMode = rs.filterMode = rs.rectOptMode = rs.shaheiMode = rs.blendMode =
+            rs.blendModeMulti = rs.multiMode = rs.shapeMode = rs.ruleAlphaMode = rs.persMode = 77;
         SearchDrawFunc(0x40769);
     }
 

@@ -10,11 +10,15 @@ namespace levels {
 // Texel (u, v) of level l. Channels differ, alpha is never 0.
 constexpr uint32_t idAt(uint32_t l, uint32_t u, uint32_t v)
 {
-    return 0x80000000 + (l << 24) + ((u * 37 + l * 101) % 256 << 16) + ((v * 59 + l * 77) % 256 << 8) + (u * 11 + v * 7 + l * 53) % 256;
+    return 0x80000000 + (l << 24) + ((u * 37 + l * 101) % 256 << 16) + ((v * 59 + l * 77) % 256 << 8) +
+           (u * 11 + v * 7 + l * 53) % 256;
 }
 
 // The same of another texture, with columns and rows exchanged.
-constexpr uint32_t otherIdAt(uint32_t l, uint32_t u, uint32_t v) { return ~idAt(l, v, u) | 0x40000000; }
+constexpr uint32_t otherIdAt(uint32_t l, uint32_t u, uint32_t v)
+{
+    return ~idAt(l, v, u) | 0x40000000;
+}
 
 // Makes the chain and fills every level by pixelAt(level, u, v).
 template <class PixelAt>
@@ -32,10 +36,14 @@ Texture *fill(Texture *t, PixelAt &&pixelAt)
 
 inline uint32_t texel(const Texture &t, int column, int line)
 {
-    return t.pixels[((static_cast<uint32_t>(line) & (t.height - 1)) << t.log2Width) + (static_cast<uint32_t>(column) & (t.width - 1))];
+    return t.pixels[((static_cast<uint32_t>(line) & (t.height - 1)) << t.log2Width) +
+                    (static_cast<uint32_t>(column) & (t.width - 1))];
 }
 
-inline uint32_t point(const Texture &t, int32_t u, int32_t v) { return texel(t, u >> 16, v >> 16); }
+inline uint32_t point(const Texture &t, int32_t u, int32_t v)
+{
+    return texel(t, u >> 16, v >> 16);
+}
 
 // (a * f + b * (255 - f)) / 256 in red, green and blue; alpha 0.
 inline uint32_t mix3(uint32_t a, uint32_t b, uint32_t f)

@@ -65,7 +65,7 @@ struct Scene {
     int multiOperator = 0, blendOperator = 0;
     uint32_t frameWidth = 0, frameHeight = 0;
     uint32_t searchedBefore = 0; // code of the look-up before the draw
-    int draws = 1;               // one after another, the next on what the one before left behind
+    int draws = 1; // one after another, the next on what the one before left behind
 
     // the first `written` of them may be drawn into
     std::array<Window, slotCount> windows;

@@ -41,13 +41,17 @@ struct Side {
     }
 };
 
-inline int column(int64_t x) { return static_cast<int>(x >= 0 ? x / 65536 : -((-x + 65535) / 65536)); }
+inline int column(int64_t x)
+{
+    return static_cast<int>(x >= 0 ? x / 65536 : -((-x + 65535) / 65536));
+}
 
 // bias: 0x8000 for textured triangles, 0 for those of colours alone. The shift of a row is added to both of its ends.
 inline Picture draw(std::array<Corner, 3> corners, int64_t bias, const Clip &clip, const std::function<int(int)> &shift = {})
 {
     Picture picture;
-    std::stable_sort(corners.begin(), corners.end(), [](const Corner &a, const Corner &b) { return a.y != b.y ? a.y < b.y : a.x < b.x; });
+    std::stable_sort(corners.begin(), corners.end(),
+                     [](const Corner &a, const Corner &b) { return a.y != b.y ? a.y < b.y : a.x < b.x; });
     const auto &[top, mid, bot] = corners;
     if (top.y == bot.y)
         return picture;

@@ -40,8 +40,8 @@ int main(int count, char **arguments)
         }
     }
     if (!found) {
-        std::puts(
-            "replay --code 0xCODE | --named FUNCTION  [--kind plain|big|small|overlap|guard|offset|large] [--seed N] [--scene N] [--set N]");
+        std::puts("replay --code 0xCODE | --named FUNCTION  [--kind plain|big|small|overlap|guard|offset|large] [--seed N] "
+                  "[--scene N] [--set N]");
         return 2;
     }
     std::printf("%s\n", subject.name().c_str());
