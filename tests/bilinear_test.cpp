@@ -438,8 +438,8 @@ TEST_F(StippledChoice, TakesThePairByTheFractions)
             EXPECT_EQ(at(0, 0), c.expected) << m << " " << c.fx << " " << c.fy;
         }
     }
-    // The positions of the test, on the patterns' diagonal, are all clear from pattern 127 on: below a fraction of 128 the second of the
-    // pair is always taken, at 255 too. In between both show.
+    // The positions of the test, on the patterns' diagonal, are all clear from pattern 127 on: below a fraction of 128 the second
+    // of the pair is always taken, at 255 too. In between both show.
     for (const Modes &m : stippledForms()) {
         for (const auto &[fx, least, most] :
              {std::array{0, 0, 0}, {0x4000, 0, 0}, {0x7F00, 0, 0}, {0xA000, 1, 15}, {0xC000, 1, 15}, {0xFF00, 16, 16}}) {

@@ -113,8 +113,8 @@ TEST_F(FourCorners, PairsFollowTheirVertices)
     }
 }
 
-// Edges first, then rows: left u 0 to 10 texels over 3 rows (218453 a row), right u 0 to 1 (21845), over 7 columns. Row 2 runs from
-// 436906 to 43690: -393216 / 7 = -56173.
+// Edges first, then rows: left u 0 to 10 texels over 3 rows (218453 a row), right u 0 to 1 (21845), over 7 columns. Row 2 runs
+// from 436906 to 43690: -393216 / 7 = -56173.
 TEST_F(FourCorners, EdgesStepDownAndEachRowIsDividedAnew)
 {
     quad({0, 0}, {0, 0}, {texels(10), 0}, {texels(1), 0});

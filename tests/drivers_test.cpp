@@ -290,7 +290,8 @@ TEST_F(RectangleDriver, FourCornersGoByWholeTexelLengthsOfTwoEdges)
 
 TEST_F(RectangleDriver, AbsoluteValuesAndComparisonsWrap)
 {
-    // The difference -2^31 over one pixel stays negative, is the smaller, passes the unsigned threshold and fits the sixteenth octave.
+    // The difference -2^31 over one pixel stays negative, is the smaller, passes the unsigned threshold and fits the sixteenth
+    // octave.
     corners(0, 0, 1, 1);
     rs.uv0[0] = {0, 0};
     rs.uv0[1] = {INT32_MIN, texels(40)};
@@ -489,8 +490,8 @@ TEST_F(TriangleDriver, VerticesMayComeInAnyOrder)
     }
 }
 
-// What a triangle shows on level 1 of both textures. Three texels a pixel in tex0: 1.5 on level 1, weight 127. In tex1 2.5: 1.25 on
-// level 1, weight 191.
+// What a triangle shows on level 1 of both textures. Three texels a pixel in tex0: 1.5 on level 1, weight 127. In tex1 2.5: 1.25
+// on level 1, weight 191.
 class TriangleForms : public Driver {
 protected:
     static constexpr int32_t startU = 0x53468, startV = 0x6B356, startU1 = 0x2DBCC, startV1 = 0x1A210;
@@ -683,8 +684,8 @@ TEST_F(TriangleForms, FilterFiveMixesFourTexelsOfBothLevels)
 
 TEST_F(TriangleForms, FilterFivesFourthTapMovesAWholeTexelOfTheLevelBelow)
 {
-    // At fractions of 64 the weights are 192 * 192 / 256 = 144, 48, 48, 16. The level below is red in one row each: v / 2 is in row 8,
-    // one texel up is row 7, half a texel up is row 8 again.
+    // At fractions of 64 the weights are 192 * 192 / 256 = 144, 48, 48, 16. The level below is red in one row each: v / 2 is in
+    // row 8, one texel up is row 7, half a texel up is row 8 again.
     for (Texture *t : {base->mip[1], base->mip[2]})
         std::fill_n(t->pixels, t->width * t->height, 0xFF000000u);
     std::fill_n(base->mip[2]->pixels + 7 * 16, 16, 0xFFFF0000u);

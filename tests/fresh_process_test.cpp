@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <random>
 #include <string>
 
 #if defined(_WIN32)
@@ -194,9 +195,9 @@ TEST_F(FreshLibrary, NamedKernelsStandInTheTable)
     EXPECT_EQ(search(0x81C036A), OWN(DrawPolygon_PERS_TEST));
 }
 
-// u = 5.5 texels at depth 100,000, on all vertices. Without shifts u / z is 0x58000 / 100000 = 3 and 1 / z is 0x7FFFFFFF / 100000 =
-// 21474: the quotient 3 * 2^32 / 21474 = 600023, halved, is 4.57 texels. Shifted left by 7 it is 461 * 2^32 / 21474, shifted back
-// by 8: 5.49.
+// u = 5.5 texels at depth 100,000, on all vertices. Without shifts u / z is 0x58000 / 100000 = 3 and 1 / z is 0x7FFFFFFF / 100000
+// = 21474: the quotient 3 * 2^32 / 21474 = 600023, halved, is 4.57 texels. Shifted left by 7 it is 461 * 2^32 / 21474, shifted
+// back by 8: 5.49.
 TEST_F(FreshLibrary, PerspectiveWithoutShiftTableIsCoarserButSound)
 {
     OWN(MakeDrawFuncTable)();

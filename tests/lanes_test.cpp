@@ -448,8 +448,8 @@ TEST_F(RowBacks, AgreeForEveryPrescaleFactorAndChannel)
     }
 }
 
-// Accumulators beyond 24 bits, which no primitive makes: bits 24 and up of green reach red, those of red reach alpha, those of blue reach
-// green's fraction and are cut; those of alpha are shifted out.
+// Accumulators beyond 24 bits, which no primitive makes: bits 24 and up of green reach red, those of red reach alpha, those of
+// blue reach green's fraction and are cut; those of alpha are shifted out.
 TEST_F(Lanes, ThePackOfRunningColoursLetsWhatIsAboveTheirRangeLeak)
 {
     const auto pack = [](uint32_t a, uint32_t r, uint32_t g, uint32_t b) {

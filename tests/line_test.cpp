@@ -141,8 +141,8 @@ TEST_F(Line, ATieOfLengthsGoesToX)
 
 TEST_F(Line, RowsOfAShallowLineByHand)
 {
-    // (0, 0) to (7, 2): t = 2.5 * 65536 = 163840, / 8 = 20480, from 0.5: 32768 + 20480 k. Row 1 from k = 2 (73728), row 2 from k = 5
-    // (135168).
+    // (0, 0) to (7, 2): t = 2.5 * 65536 = 163840, / 8 = 20480, from 0.5: 32768 + 20480 k. Row 1 from k = 2 (73728), row 2 from k
+    // = 5 (135168).
     expectPoints(0, 0, 7, 2, {{0, 0}, {1, 0}, {2, 1}, {3, 1}, {4, 1}, {5, 2}, {6, 2}});
     // (7, 2) back: -163840 / 8, from 2.5: 163840 - 20480 k. Row 1 from k = 2 (122880), row 0 from k = 5 (61440).
     expectPoints(7, 2, 0, 0, {{7, 2}, {6, 2}, {5, 1}, {4, 1}, {3, 1}, {2, 0}, {1, 0}});

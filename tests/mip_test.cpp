@@ -141,7 +141,8 @@ TEST_F(LineLevel, IsZeroBeyondTheLastOctave)
 
 TEST_F(LineLevel, OfANegativeStepIsTheSixteenth)
 {
-    // 28672 texels both ways are 40548 long, and 40548 << 16 is negative: not below 0x10000 << 15, and below 0x10000 << 16, which is 0.
+    // 28672 texels both ways are 40548 long, and 40548 << 16 is negative: not below 0x10000 << 15, and below 0x10000 << 16, which
+    // is 0.
     line0 = {-0x60000000, -0x60000000, 0x10000000, 0x10000000};
     corners(0, 0, 1, 1);
     expectLevel(1, 28672, 28672, 5); // the chain's last but one
@@ -548,8 +549,8 @@ TEST_F(LineForms, FilterFivesSecondOperandKeepsFourChannels)
 
 TEST_F(LineForms, FilterFivesFourChannelMixByHand)
 {
-    // All channels 255 in both levels, weights 127 and 128: alpha, red and green add up before they are cut, 255 * 255 / 256 = 254;
-    // blue is cut first, 255 * 127 / 256 + 255 * 128 / 256 = 126 + 127.
+    // All channels 255 in both levels, weights 127 and 128: alpha, red and green add up before they are cut, 255 * 255 / 256 =
+    // 254; blue is cut first, 255 * 127 / 256 + 255 * 128 / 256 = 126 + 127.
     levels::fill(second, [](uint32_t, uint32_t, uint32_t) { return 0xFFFFFFFF; });
     prepare();
     rs.multiFunc = [](uint32_t, uint32_t s) { return s; };

@@ -223,8 +223,8 @@ TEST_F(Mosaic, StretchedRowsTruncateBeforeTheyAreQuantised)
     EXPECT_EQ(at(0, 0), idAt(0, 30));
 }
 
-// tex1, 8 by 8, with blocks of 3 high (mosaicSize) and 5 wide (mosaicSize1): columns wrap before they are quantised everywhere; rows in
-// unit rectangles and triangles too, in the other rectangles after.
+// tex1, 8 by 8, with blocks of 3 high (mosaicSize) and 5 wide (mosaicSize1): columns wrap before they are quantised everywhere;
+// rows in unit rectangles and triangles too, in the other rectangles after.
 TEST_F(Mosaic, TheSecondTextureTakesColumnsBySize1AndWrapsThemFirst)
 {
     rs.tex0 = solid(0xFF000000);

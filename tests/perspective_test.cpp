@@ -131,8 +131,8 @@ TEST_F(Perspective, TheMiddleOfAnEdgeIsNearerToTheFarEnd)
 
 TEST_F(Perspective, LargerDepthsAreCoarser)
 {
-    // u = 5.5 texels: at depth 100,000 with a shift of 7, 461 * 2^32 / 21474 >> 8 is 5.4957. At 1,000,000: 46 * 2^32 / 2147 >> 8 = 5.485;
-    // at 100,000,000: 0 / 21.
+    // u = 5.5 texels: at depth 100,000 with a shift of 7, 461 * 2^32 / 21474 >> 8 is 5.4957. At 1,000,000: 46 * 2^32 / 2147 >> 8
+    // = 5.485; at 100,000,000: 0 / 21.
     rs.tex0 = texture(64, 1, [](uint32_t u, uint32_t) { return 0xFF000000 + u; });
     const struct {
         int32_t depth;
@@ -151,8 +151,8 @@ TEST_F(Perspective, LargerDepthsAreCoarser)
 
 TEST_F(Perspective, OneShiftServesAllThreeVertices)
 {
-    // Without shift at depth 100,000 u = 5.5 is 4.57 texels (3 * 2^32 / 21474 >> 1); with a shift of 7, 5.49. One vertex at 16384 texels,
-    // or a negative one, takes the shift from all; v keeps its own.
+    // Without shift at depth 100,000 u = 5.5 is 4.57 texels (3 * 2^32 / 21474 >> 1); with a shift of 7, 5.49. One vertex at 16384
+    // texels, or a negative one, takes the shift from all; v keeps its own.
     rs.tex0 = texture(16, 16, [](uint32_t u, uint32_t v) { return 0xFF000000 + 256 * v + u; });
     for (const auto &[other, expected] :
          {std::pair{0x58000, 5u}, {texels(255), 5u}, {texels(16384), 4u}, {-1, 4u}, {INT32_MIN, 4u}}) {
@@ -170,8 +170,8 @@ TEST_F(Perspective, OneShiftServesAllThreeVertices)
 
 TEST_F(Perspective, NegativeCoordinatesAreReadAsLargeUnsignedOnes)
 {
-    // u = -1 texel at depth 1: 0xFFFF0000 mod 0x7FFFFFFF = 0x7FFF0001; times 2^32 over 0x7FFFFFFF is 0xFFFE0003.fff...: 0xFFFE0003 or 4,
-    // halved -0xFFFF: texel -1.
+    // u = -1 texel at depth 1: 0xFFFF0000 mod 0x7FFFFFFF = 0x7FFF0001; times 2^32 over 0x7FFFFFFF is 0xFFFE0003.fff...:
+    // 0xFFFE0003 or 4, halved -0xFFFF: texel -1.
     rs.tex0 = index(64, 32);
     EXPECT_EQ(0xFFFF0000u % 0x7FFFFFFF, 0x7FFF0001u);
     triangle(0, 0, 8, 0, 0, 8);
@@ -292,9 +292,9 @@ TEST_F(Perspective, IsTheKernelExportedByName)
     EXPECT_FALSE(untouched());
 }
 
-// The quotient at its borders. In the first row of a triangle whose depths are all z, the reciprocal is 0x7FFFFFFF / z everywhere and the
-// dividend falls by 1 a pixel when u falls by z; a lower vertex at 16384 texels keeps the shift at 0. Texel borders stand where the
-// quotient passes a multiple of 2^17.
+// The quotient at its borders. In the first row of a triangle whose depths are all z, the reciprocal is 0x7FFFFFFF / z everywhere
+// and the dividend falls by 1 a pixel when u falls by z; a lower vertex at 16384 texels keeps the shift at 0. Texel borders stand
+// where the quotient passes a multiple of 2^17.
 class Quotient : public Perspective {
 protected:
     Quotient() : Perspective(64, 1) {}

@@ -554,8 +554,8 @@ TEST_F(CornerColours, WalkOnUnderThePlaneWalk)
     }
 }
 
-// Each blend of source C0A06020 over 11223344, plain and after prescale by a half: under 1, 2, 4 that makes the source 60A06020, under
-// the others C0503010.
+// Each blend of source C0A06020 over 11223344, plain and after prescale by a half: under 1, 2, 4 that makes the source 60A06020,
+// under the others C0503010.
 class Prescale : public PixelPath {};
 
 TEST_F(Prescale, FadesAlphaUnderAlphaBlendsAndDimsColourUnderTheOthers)
@@ -604,7 +604,8 @@ TEST_F(Prescale, FadesAlphaUnderAlphaBlendsAndDimsColourUnderTheOthers)
 
 TEST_F(Prescale, LeavesTheColourToTheAlphaBlend)
 {
-    // Alpha 200 * 64 / 256 = 50; red (200 * 50 + 0x22 * 205) / 256 = 66, green (100 * 50 + 0x33 * 205) / 256 = 60, blue as red from 0.
+    // Alpha 200 * 64 / 256 = 50; red (200 * 50 + 0x22 * 205) / 256 = 66, green (100 * 50 + 0x33 * 205) / 256 = 60, blue as red
+    // from 0.
     rs.tex0 = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 0xC8C86400; }));
     rs.prescale = 64;
     for (Modes m : pointForms(0, 1)) {

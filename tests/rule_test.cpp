@@ -202,7 +202,8 @@ TEST_F(Rule, OnNegativePositionsTheSourcesColumnFloorsAndTheRulesTruncates)
 
 TEST_F(Rule, LiesAlongTheAxesOfARectangleInEveryRectOption)
 {
-    // uv2[0] to uv2[1] from corner to corner; [2] and [3] are not read. Steps truncate: 20 texels over 48 columns, 11 over 24 rows.
+    // uv2[0] to uv2[1] from corner to corner; [2] and [3] are not read. Steps truncate: 20 texels over 48 columns, 11 over 24
+    // rows.
     rs.tex2 = texture(32, 32, [](uint32_t u, uint32_t v) { return (u + v) % 2 ? 255u : 0u; });
     rs.ruleThreshold = 10;
     for (const Modes &m : forms()) {

@@ -42,7 +42,8 @@ TEST_F(RunLength, AFullRowIsReadInStretchesOfAtMost127)
             ASSERT_EQ(at(x, 0), idAt(uint32_t(x), 0)) << m;
         EXPECT_EQ(at(1024, 0), ground);
     }
-    // The slip of a rule shows where stretches begin. The rule stops pixel 0 alone: the first 127 pixels read one texel further back.
+    // The slip of a rule shows where stretches begin. The rule stops pixel 0 alone: the first 127 pixels read one texel further
+    // back.
     rs.tex2 = texture(1024, 1, [](uint32_t u, uint32_t) { return u == 0 ? 0u : 255u; });
     rs.uv2[1] = {texels(1024), texels(1)};
     clear();
@@ -150,9 +151,9 @@ TEST_F(RunLength, AHoleOf127IsSkippedAsItStands)
     }
 }
 
-// A hole of 200 at columns 10 to 209 of 512, drawn 300 wide from column 0. After ten pixels the map says -128: 162 remain, and the
-// row goes on at pixel -118, column 10 - 128 = 394. From there 118 texels reach the texture's end (118 is the map's byte), 44 remain;
-// then the ten of the start once more, 34 remain; then the hole again, which ends the row.
+// A hole of 200 at columns 10 to 209 of 512, drawn 300 wide from column 0. After ten pixels the map says -128: 162 remain, and
+// the row goes on at pixel -118, column 10 - 128 = 394. From there 118 texels reach the texture's end (118 is the map's byte), 44
+// remain; then the ten of the start once more, 34 remain; then the hole again, which ends the row.
 TEST_F(RunLength, AHoleOf128OrMoreMovesBack)
 {
     rs.tex0 = holed(512, [](int u) { return u >= 10 && u < 210; });

@@ -49,7 +49,8 @@ TEST_F(Stretch, AStepOfOneTexelIsTheUnitCopy)
 
 TEST_F(Stretch, AStepThatDoesNotDivideIsTruncated)
 {
-    // A texel over three pixels: 0x5555, so that the position is 0xAAAA at the last. From 2/3 of a texel on: 0xAAAB, 0x10000, 0x15555.
+    // A texel over three pixels: 0x5555, so that the position is 0xAAAA at the last. From 2/3 of a texel on: 0xAAAB, 0x10000,
+    // 0x15555.
     corners(0, 0, 3, 1);
     for (const Modes &m : forms()) {
         wipe();
@@ -65,8 +66,8 @@ TEST_F(Stretch, AStepThatDoesNotDivideIsTruncated)
 
 TEST_F(Stretch, TheLostRemainderAddsUpOverTheRow)
 {
-    // 10 texels over 48 pixels: 655360 / 48 = 13653, so that pixel 47 stands at 641691, 9.79 texels; each texel starts where k * 13653
-    // passes it.
+    // 10 texels over 48 pixels: 655360 / 48 = 13653, so that pixel 47 stands at 641691, 9.79 texels; each texel starts where k *
+    // 13653 passes it.
     span(0, 0, texels(10), texels(1));
     corners(0, 0, 48, 1);
     for (const Modes &m : forms()) {
@@ -237,7 +238,8 @@ TEST_F(Stretch, PositionsWrapByTheTexturesMasks)
 
 TEST_F(Stretch, WhichVertexIsLeftIsDecidedWithTheOriginAdded)
 {
-    // vertex[0].x is almost the greatest number, vertex[1].x, 16 pixels on, wraps to almost the least. With the origin they are 10 and 26.
+    // vertex[0].x is almost the greatest number, vertex[1].x, 16 pixels on, wraps to almost the least. With the origin they are
+    // 10 and 26.
     rs.originX = static_cast<int32_t>(0x80000012u);
     rs.originY = static_cast<int32_t>(0x80000012u);
     rs.vertex[0] = {0x7FFFFFF8, 0x7FFFFFF8, 0};

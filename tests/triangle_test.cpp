@@ -70,7 +70,8 @@ TEST_F(Triangle, EdgesAreRoundedToTheNearestPixelAndExclusiveRightAndBelow)
 
 TEST_F(Triangle, TheMiddleVertexMayLieOnEitherSideOfTheLongEdge)
 {
-    // The mirror image: rounding makes it no mirror image of pixels. Long edge from 10.5 by -1/4, short edge by -2, then from 2.5 by 3/2.
+    // The mirror image: rounding makes it no mirror image of pixels. Long edge from 10.5 by -1/4, short edge by -2, then from 2.5
+    // by 3/2.
     triangle(10, 1, 2, 5, 8, 9);
     for (const Modes &m : forms()) {
         wipe();
@@ -308,8 +309,8 @@ TEST_F(Triangle, VerticesAreOrderedWithoutTheOrigin)
 
 TEST_F(Triangle, TheOrientationWraps)
 {
-    // The middle vertex lies to the right. 30000 * 90000 wraps to a negative number, which makes its edge the left one: all rows are
-    // crossed.
+    // The middle vertex lies to the right. 30000 * 90000 wraps to a negative number, which makes its edge the left one: all rows
+    // are crossed.
     triangle(0, 0, 30000, 10, 0, 20);
     clip(0, 0, 64, 32);
     clear();

@@ -12,7 +12,7 @@ extern "C" {
  * Rasterises the character at `text` (code page 932: one byte, or a lead byte and a second) with the font of rs.font... into the
  * atlas rs.tex0, at the cursor rs.fontCursorX, rs.fontCursorY, and leaves its place and metrics in rs.glyph.... Pixels are white
  * with alpha coverage; transparent ones are 0. Returns the next character, or null if `text` is null or the atlas is full. A
- * NUL is a character like any other: the caller stops at the end of its string.
+ * NUL is a character like any other: the caller stops at the end of its string. A lead byte always takes the byte behind it.
  *
  * The glyph then stands at glyphX, glyphY, glyphWidth by glyphHeight pixels. With the pen at (x, y) on the base line it is
  * drawn as a unit-scale rectangle with its top left corner at (x + glyphOriginX, y - glyphOriginY), and the pen moves on by

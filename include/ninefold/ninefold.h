@@ -6,7 +6,7 @@
  * rasterises text.
  *
  * Everything runs on the caller's thread: rs, the look-up's cache and the reference counts have no locks. Of every integer
- * argument the low 32 bits count. No function checks a pointer.
+ * argument the low 32 bits count. No function checks a pointer, except where its comment says so.
  */
 #ifndef NINEFOLD_NINEFOLD_H
 #define NINEFOLD_NINEFOLD_H

@@ -125,10 +125,10 @@ typedef struct RenderState {
     int32_t mipRatio;  /* texel density of the last driven triangle, 16.16 */
 
     /* glyph functions */
-    char *fontName;      /* face name, code page 932; with its NUL at most 32 bytes */
-    int32_t fontHeight;  /* cell height in pixels; negative: em height */
+    char *fontName;      /* face name, code page 932; with its NUL at most 32 bytes; null or empty: any face */
+    int32_t fontHeight;  /* cell height in pixels; negative: em height; 0: a height of the rasteriser's choice */
     int32_t fontWeight;  /* 400 normal, 700 bold */
-    int32_t fontQuality; /* 0 mono; 1, 2, 3: 4, 16, 64 grey levels */
+    int32_t fontQuality; /* 0 mono; 1, 2, 3: 4, 16, 64 grey levels; others garble glyphs */
     uint32_t fontItalic; /* low byte */
     uint32_t fontCursorX, fontCursorY; /* where the next glyph goes in the atlas, pixels; the host zeroes them for a new atlas */
     uint32_t fontLineBottom;           /* lowest edge so far of the atlas row; likewise */

@@ -71,8 +71,9 @@ NINEFOLD_API void ReplacePixel(Texture *texture, unsigned long newColor, unsigne
 /*
  * Loads an uncompressed 24-bit Windows bitmap into a new texture, top row first, every pixel with alpha 255; the area outside
  * the picture is the word 0. origWidth and origHeight hold the picture's size. The signature, depth and compression in the
- * header are not looked at. Null when the file cannot be opened, or when its width or height is negative or more than any pixel
- * store can hold. Bytes that the file lacks read as 0. `path` goes to the system as it is.
+ * header are not looked at. Null when the file cannot be opened, when its width or height is negative or more than any pixel
+ * store can hold, or when there is no memory for its pixels; throws std::bad_alloc where there is none for the file itself. Bytes
+ * that the file lacks read as 0. `path` goes to the system as it is.
  */
 NINEFOLD_API Texture *LoadTexture(char *path);
 
@@ -87,14 +88,15 @@ NINEFOLD_API Texture *LoadTextureAdjust(char *path, unsigned long alignX, unsign
 /* Gives a texture its chain of half-size levels (a truncating 2 by 2 box over all four channels), down to where the smaller
  * dimension is 1. Does nothing when the chain is already whole: after changing the pixels call DeleteMipmapTexture first.
  * Transparent pixels count as black with alpha 0. Filters 2 to 5 need a chain of at least two levels, so a texture of at least
- * 2 by 2. */
+ * 2 by 2. There must be memory for it: a third more than the pixels have. */
 NINEFOLD_API void CreateMipmapTexture(Texture *texture);
 
 /* Releases mip levels 1 and up and sets mipCount to 0. DeleteTexture does the same. */
 NINEFOLD_API void DeleteMipmapTexture(Texture *texture);
 
 /* Makes the run-length map that rect option 5 reads: one signed byte a pixel, n for n non-zero pixels from here to the right
- * within the row, -n for n zero pixels, limited to 127 and -128. Replaces an older map. Nothing keeps it current.
+ * within the row, -n for n zero pixels, limited to 127 and -128. Replaces an older map. Nothing keeps it current. Throws
+ * std::bad_alloc without memory for it, and leaves no map.
  *
  * Mind holes of 128 zero pixels and more: at one, rect option 5 goes on 128 pixels further left instead of right, also to the
  * left of the clip rectangle, and draws on from there. A sprite with such a hole needs 128 pixels of frame buffer before it (one
@@ -103,8 +105,9 @@ NINEFOLD_API void CreateRunlengthMap(Texture *texture);
 
 /* Makes the zero-pixel map that rect option 6 reads: 16-bit words, bit 15 leftmost, a set bit for a pixel whose word is 0. The
  * word of a pixel is its index divided by 16, its bit 15 - (x & 15), so rows of textures narrower than 16 share bits. Replaces
- * an older map. Nothing keeps it current. Rect option 6 reads it at the frame-buffer position of the pixel, whatever uv0 says:
- * the texture must be as wide as the frame buffer, reach as far down as what is drawn, and lie on it position for position. */
+ * an older map. Nothing keeps it current. Throws as CreateRunlengthMap does. Rect option 6 reads it at the frame-buffer position
+ * of the pixel, whatever uv0 says: the texture must be as wide as the frame buffer, reach as far down as what is drawn, and lie
+ * on it position for position. */
 NINEFOLD_API void CreateZeroPixelMap(Texture *texture);
 
 #ifdef __cplusplus

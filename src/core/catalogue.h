@@ -1,5 +1,5 @@
-// The catalogue: which combinations of the nine axes exist, in which order, under which code and name. Nothing else in the library
-// says what exists; counts, tables, names and kernels follow from here.
+// The catalogue: which combinations of the nine axes exist, in which order, under which code and name. Nothing else in the
+// library says what exists; counts, tables, names and kernels follow from here.
 #pragma once
 
 #include <array>

@@ -35,7 +35,7 @@ class Coverage {
 public:
     Coverage(const uint8_t *bytes, uint32_t size, uint32_t width, uint32_t quality)
         : bytes_(bytes), size_(size), quality_(quality),
-          // The mono stride falls a word short when width modulo 32 is 1 to 7, and such glyphs come out sheared. Hosts know them so.
+          // The mono stride falls a word short when width modulo 32 is 1 to 7: such glyphs come out sheared. Hosts know them so.
           stride_(((quality == 0 ? width >> 3 : width) + 3) & ~3u),
           // Quality above 3 is given mono bits, and reads them as grey of one level.
           levelBits_(quality <= 3 ? quality * 2 : 0)
@@ -57,8 +57,8 @@ private:
     uint32_t size_, quality_, stride_, levelBits_;
 };
 
-// The place of a glyph in the atlas. A glyph wider than the atlas runs on into the rows below; what would lie behind the last pixel
-// is dropped and reads as 0.
+// The place of a glyph in the atlas. A glyph wider than the atlas runs on into the rows below; what would lie behind the last
+// pixel is dropped and reads as 0.
 class Box {
 public:
     Box(const Texture &atlas, uint32_t x, uint32_t y, uint32_t boxWidth, uint32_t boxHeight)
@@ -107,8 +107,8 @@ uint32_t unrimmedPixel(uint32_t alpha)
     return alpha == 255 ? 0xffffffff : alpha << 24;
 }
 
-// Gives each pixel a grey that falls with the alpha of its surroundings inside the box. Works in place, in raster order: the pixels
-// above and to the left bring their new colours into the sum.
+// Gives each pixel a grey that falls with the alpha of its surroundings inside the box. Works in place, in raster order: the
+// pixels above and to the left bring their new colours into the sum.
 void darkenRim(Box &box)
 {
     // Outside the box, also at -1, there is nothing.

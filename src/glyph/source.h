@@ -35,8 +35,9 @@ public:
     virtual void open(const FontDescription &font) = 0;
     virtual bool isLeadByte(uint8_t byte) = 0;
 
-    // Fills `metrics`, and `bitmap` if `size` is not 0. Returns the bytes of the whole bitmap, or `failed`, which leaves `metrics`
-    // alone. `code` is a sign-extended byte, or a lead byte and a second one. `bitmap` must come cleared: padding is not written.
+    // Fills `metrics`, and `bitmap` if `size` is not 0. Returns the bytes of the whole bitmap, or `failed`, which leaves
+    // `metrics` alone. `code` is a sign-extended byte, or a lead byte and a second one. `bitmap` must come cleared: padding is
+    // not written.
     virtual uint32_t outline(uint32_t code, Format format, Metrics &metrics, uint32_t size, uint8_t *bitmap) = 0;
 
     virtual void close(Release order) = 0;

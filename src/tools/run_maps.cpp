@@ -49,7 +49,7 @@ void CreateZeroPixelMap(Texture *texture)
 
 void MakeShaheiRunlengthTbl(void)
 {
-    // The list of a word is that of its high byte, then that of its low byte, the two runs in the middle joined where they are alike.
+    // The list of a word is that of its high byte, then that of its low byte, the runs in the middle joined where they are alike.
     struct {
         int8_t runs[8];
         int count;

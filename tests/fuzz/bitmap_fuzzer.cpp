@@ -1,12 +1,11 @@
 // Bitmap files from arbitrary bytes: the loaders must stay inside the file and the texture, and agree with each other.
-//
-//     clang++ -std=c++20 -g -O1 -fsanitize=fuzzer,address,undefined -Iinclude -Isrc -DNINEFOLD_STATIC \
-//         tests/fuzz/bitmap_fuzzer.cpp src/tools/bitmap.cpp src/tools/mipmap.cpp src/core/texture.cpp src/core/platform.cpp
+// `make fuzz ARGS=bitmap` searches; in the tests it goes over the files in bitmaps/ and random ones.
 #include <ninefold/texture.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <string>
 
 namespace {

@@ -1,5 +1,6 @@
-// Scenes from arbitrary bytes: the library and the reference must leave the same behind. Bytes say what is drawn (two), the kind of
-// scene (one) and then every choice that the scene builder makes, for as long as they last; so scenes stay where drawing is defined.
+// Scenes from arbitrary bytes: the library and the reference must leave the same behind. Bytes say what is drawn (two), the kind
+// of scene (one) and then every choice that the scene builder makes, for as long as they last; so scenes stay where drawing is
+// defined.
 //
 //     make fuzz                                      searches for ten minutes
 //     build-fuzz/tests/fuzz/scene_fuzzer FILE        draws what was found once more, and shows it

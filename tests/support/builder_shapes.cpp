@@ -223,8 +223,9 @@ bool Builder::visible() const
     return std::abs(cross) >= 30;
 }
 
-// Moves vertices far away, to where products and shifts of coordinates lose bits. A rectangle's sizes may grow into their sign; lines and
-// triangles stay below 2^31. What is looked up row by row stays near, and so does a line's start: some lines are drawn without a test.
+// Moves vertices far away, to where products and shifts of coordinates lose bits. A rectangle's sizes may grow into their sign;
+// lines and triangles stay below 2^31. What is looked up row by row stays near, and so does a line's start: some lines are drawn
+// without a test.
 void Builder::farOut()
 {
     if (forward || !random.percent(25))

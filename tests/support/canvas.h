@@ -199,8 +199,8 @@ protected:
         return t;
     }
 
-    // Lays every texture over the frame buffer texel for pixel, and the shape over this rectangle: a triangle with legs of one length
-    // whose diagonal passes the rectangle by, cut out by the clip.
+    // Lays every texture over the frame buffer texel for pixel, and the shape over this rectangle: a triangle with legs of one
+    // length whose diagonal passes the rectangle by, cut out by the clip.
     void place(const Modes &m, int left, int top, int right, int bottom)
     {
         int right2 = right, bottom2 = bottom;

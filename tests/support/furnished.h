@@ -1,4 +1,5 @@
-// A canvas on which every kernel of the catalogue can draw: textures with chains and maps, tables, planes and factors are all set.
+// A canvas on which every kernel of the catalogue can draw: textures with chains and maps, tables, planes and factors are all
+// set.
 #pragma once
 
 #include "support/canvas.h"

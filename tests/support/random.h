@@ -1,5 +1,5 @@
-// Numbers that are the same on every platform: scenes are made with them. A fuzzer hands in the bytes that they are made of; when those
-// are used up, numbers follow from the seed again.
+// Numbers that are the same on every platform: scenes are made with them. A fuzzer hands in the bytes that they are made of; when
+// those are used up, numbers follow from the seed again.
 #pragma once
 
 #include <cstdint>

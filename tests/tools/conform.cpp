@@ -2,8 +2,9 @@
 //
 //     conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard,offset,large] [--stop]
 //
-// N scenes of each code (NINEFOLD_SCENES, or 60), half as many that are big, overlap or are guarded, which are the kinds without --kinds.
-// Of kind offset a source at each offset for each code, again for every sixty scenes; of the large ones a sixtieth. --stop: at the first failure.
+// N scenes of each code (NINEFOLD_SCENES, or 60), half as many that are big, overlap or are guarded, which are the kinds without
+// --kinds. Of kind offset a source at each offset for each code, again for every sixty scenes; of the large ones a sixtieth.
+// --stop: at the first failure.
 #include "support/check.h"
 #include "support/exports.h"
 #include "support/sweep.h"

@@ -1,9 +1,8 @@
 // glyph_compare write FILE    draws a list of glyphs and writes them down
 // glyph_compare check FILE    draws them again and compares: metrics, sizes, every byte
 //
-// Written by FreeType and checked by GDI in Wine, the two must agree: bit for bit in 64 bits, to one grey level in 32, where Wine's
-// own FreeType rounds elsewhere. Wants VL Gothic, VL PGothic, IPAGothic, IPAPGothic and
-// Konatu.
+// Written by FreeType and checked by GDI in Wine, the two must agree: bit for bit in 64 bits, to one grey level in 32, where
+// Wine's own FreeType rounds elsewhere. Wants VL Gothic, VL PGothic, IPAGothic, IPAPGothic and Konatu.
 #include "glyph/source.h"
 
 #include <cstdio>
