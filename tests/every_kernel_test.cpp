@@ -9,7 +9,25 @@ using ninefold::nameOf;
 
 namespace {
 
-class EveryKernel : public Furnished {};
+class EveryKernel : public Furnished {
+protected:
+    // Each kernel draws the same once more after change(axes, kernel, what there was before it drew).
+    template <class Change>
+    void expectTheSameAfter(Change &&change)
+    {
+        forEachKernel([&](const Axes &a, DrawFunc func) {
+            placeLargely(a.shape);
+            const State before = state();
+            func();
+            const State expected = state();
+            restore(before);
+            change(a, func, before);
+            func();
+            ASSERT_TRUE(state().looksLike(expected)) << nameOf(a);
+            restore(before);
+        });
+    }
+};
 
 TEST_F(EveryKernel, DrawsTheSameUnderEveryInstructionSetAndWhateverTheModesSay)
 {
@@ -175,30 +193,16 @@ TEST_F(EveryKernel, TrianglesWithoutARowInsideTheClipTouchNoPlane)
 
 TEST_F(EveryKernel, AddsTheOriginToItsVerticesOnly)
 {
-    forEachKernel([&](const Axes &a, DrawFunc func) {
-        placeLargely(a.shape);
-        const State before = state();
-        func();
-        const State expected = state();
-        restore(before);
+    expectTheSameAfter([](const Axes &, DrawFunc, const State &) {
         rs.originX = -20, rs.originY = 7;
         for (Vertex &v : rs.vertex)
             v.x += 20, v.y -= 7;
-        func();
-        const State after = state();
-        ASSERT_TRUE(after.looksLike(expected)) << nameOf(a);
-        restore(before);
     });
 }
 
 TEST_F(EveryKernel, ReadsOnlyTheVerticesOfItsShape)
 {
-    forEachKernel([&](const Axes &a, DrawFunc func) {
-        placeLargely(a.shape);
-        const State before = state();
-        func();
-        const State expected = state();
-        restore(before);
+    expectTheSameAfter([](const Axes &a, DrawFunc, const State &) {
         rs.vertex[3] = {-77, 1000, -5};
         if (a.shape != 2)
             rs.vertex[2] = {12, -345, 0};
@@ -218,29 +222,16 @@ TEST_F(EveryKernel, ReadsOnlyTheVerticesOfItsShape)
                 rs.uv0[k] = rs.uv1[k] = {-1, 0x7FFFFFFF};
         if (a.shape == 0)
             rs.color[2] = rs.color[3] = 0;
-        func();
-        const State after = state();
-        ASSERT_TRUE(after.looksLike(expected)) << nameOf(a);
-        restore(before);
     });
 }
 
 TEST_F(EveryKernel, CanBeKeptAndCalledAgain)
 {
-    forEachKernel([&](const Axes &a, DrawFunc func) {
-        placeLargely(a.shape);
-        const State before = state();
-        func();
-        const State expected = state();
-        restore(before);
+    expectTheSameAfter([&](const Axes &a, DrawFunc func, const State &before) {
         // Another primitive in between leaves nothing in the kernel.
         placeLargely(a.shape, true, true);
         rs.color[0] ^= 0xFFFFFF;
         func();
-        restore(before);
-        func();
-        const State after = state();
-        ASSERT_TRUE(after.looksLike(expected)) << nameOf(a);
         restore(before);
     });
 }
