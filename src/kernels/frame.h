@@ -1,4 +1,4 @@
-// What all frames share: the painter that sends the pixels of a row through the parts, and small helpers.
+// What all frames share: the painter that sends the pixels of a row through the parts, and what is small and shared.
 #pragma once
 
 #include "kernels/plan.h"
@@ -14,7 +14,7 @@ void drawFrame(PartIds ids);
 
 inline Source sourceOf(const Texture& t) { return {t.pixels, t.width - 1, t.height - 1, t.log2Width}; }
 
-// Signed division toward zero that wraps where the quotient does not fit.
+// Signed division towards zero that wraps where the quotient does not fit.
 inline uint32_t divided(uint32_t a, uint32_t b)
 {
     return int32_t(b) == -1 ? 0 - a : uint32_t(int32_t(a) / int32_t(b));
@@ -198,8 +198,8 @@ private:
     [[gnu::noinline]] void drawWords(const Span& s, int n)
     {
         const SetTable& set = *activeSet;
-        const Front plainFront = set.fronts[ids.frontUngated()];
-        const Back plainBack = set.backs[hasWideFactors()][ids.backUnmarked()];
+        const Front ungatedFront = set.fronts[ids.frontUngated()];
+        const Back unmarkedBack = set.backs[hasWideFactors()][ids.backUnmarked()];
         if (n <= 0) // an empty clip rectangle
             return;
         const int begin = int(s.x & 15), end = begin + n;
@@ -218,10 +218,10 @@ private:
                 bits <<= 1;
                 if (taken >> (15 - k) & 1)
                     continue;
-                const bool drawn = plainFront(s, pixel, 1, chunk);
+                const bool drawn = ungatedFront(s, pixel, 1, chunk);
                 if (drawn) {
                     combine(s, pixel, 1);
-                    plainBack(s, pixel, 1, chunk);
+                    unmarkedBack(s, pixel, 1, chunk);
                 }
                 if (drawn || ids.marksRun()) {
                     bits |= 1;

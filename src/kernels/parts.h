@@ -134,7 +134,7 @@ constexpr int fusedIndex(const FusedFetch (&fetches)[n], Fetch f, bool prescale,
     return 0;
 }
 
-// Fused spans with a multi stage: unit scale, no rule, gate, prescale or marks, blends 0 and 1, each operator that the library has.
+// Fused spans with a multi stage: unit scale, ungated, blends 0 and 1, every operator of the library.
 constexpr int multiBlends = 2;
 constexpr int multiSpanIndex(int multi, int blend) { return (multi * multiBlends + blend) * ops::opCount; } // of operator 0
 constexpr int multiSpanCount = multiSpanIndex(3, 0);

@@ -56,10 +56,10 @@ struct PartIds {
     constexpr bool custom() const { return word >> 24 & 1; } // blend 12
     constexpr bool marksRun() const { return word >> 25 & 1; } // marks what the gate leaves, drawn or not
     // Block or span that does all of it, 0: none; with a multi stage, the one of operator 0.
-    constexpr uint32_t fused() const { return through() ? 0 : uint32_t(word >> 32); }
+    constexpr uint32_t fused() const { return hasRule() ? 0 : uint32_t(word >> 32); }
     // A kernel with a rule has instead the block or span for pixels that the rule lets through whole.
-    constexpr uint32_t plain() const { return through() ? uint32_t(word >> 32) : 0; }
-    constexpr bool through() const { return word >> 26 & 1; }
+    constexpr uint32_t plain() const { return hasRule() ? uint32_t(word >> 32) : 0; }
+    constexpr bool hasRule() const { return word >> 26 & 1; }
     constexpr bool isBlock() const { return word >> 27 & 1; }
     // The same parts with neither plane gate nor marks, for the walk that does both itself.
     constexpr uint32_t frontUngated() const { return front() - uint32_t(Gate::plane); }

@@ -1,6 +1,8 @@
 // Blocks: rectangles whose rows are alike, drawn by one function each.
 #include "kernels/set/fused.h"
 
+#include <utility>
+
 namespace ninefold::NINEFOLD_SET {
 namespace {
 

@@ -105,7 +105,7 @@ struct PersPosition {
 
 NINEFOLD_LANE V texel(const Source& t, V column, V row) { return gather(t.pixels, shiftLeft(row, t.shift) + column); }
 
-// 16.16 to whole for one value, toward zero.
+// 16.16 to whole for one value, towards zero.
 NINEFOLD_LANE u32 truncated(u32 v) { return u32(i32(v) / 65536); }
 
 // Whether a fetch has direct(n): where n texels lie in memory in the order of the pixels and may be read in whole vectors, or null.
@@ -578,7 +578,7 @@ struct MipBilinear : Tested {
     __attribute__((always_inline)) void advance() { position.advance(); }
 };
 
-// Rule values: the low byte of the rule texel. Positions truncate toward zero.
+// Rule values: the low byte of the rule texel. Positions truncate towards zero.
 struct NoRule {
     __attribute__((always_inline)) NoRule(const Span&, int) {}
     __attribute__((always_inline)) V get(int) const { return V{}; }

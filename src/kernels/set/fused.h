@@ -8,7 +8,6 @@
 #include "kernels/set/tables.h"
 
 #include <type_traits>
-#include <utility>
 
 namespace ninefold::NINEFOLD_SET {
 namespace {

@@ -1,4 +1,4 @@
-// Gates: which pixels of a vector the planes and the stipple leave free.
+// Gates: which of up to 64 pixels the planes and the stipple leave free.
 #pragma once
 
 #include "kernels/parts.h"

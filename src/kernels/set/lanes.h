@@ -1,5 +1,5 @@
 // Lanes: a vector of pixels of exactly the register width of the instruction set that this file is compiled for, and the few
-// operations on it that the language has no word for. All intrinsics stand here. Everything is in an anonymous namespace: a function
+// operations on it that the language has no word for. Nearly all intrinsics stand here. Everything is in an anonymous namespace: a function
 // compiled with raised flags must never be merged with one compiled for the baseline.
 #pragma once
 
@@ -216,7 +216,7 @@ NINEFOLD_LANE V greaterBytes(V a, V b)
 }
 NINEFOLD_LANE V lesserBytes(V a, V b) { return ~greaterBytes(~a, ~b); }
 
-// 16.16 to whole: floor, and truncation toward zero.
+// 16.16 to whole: floor, and truncation towards zero.
 NINEFOLD_LANE V whole(V v) { return (V)((S)v >> 16); }
 NINEFOLD_LANE V wholeTruncated(V v) { return (V)((S)(v + ((V)((S)v >> 31) & 0xFFFFu)) >> 16); }
 // Truncating half.

@@ -1,6 +1,8 @@
 // Fused spans with a multi stage: unit fetch, second operand, operator, blend and write of a row in registers.
 #include "kernels/set/fused.h"
 
+#include <utility>
+
 namespace ninefold::NINEFOLD_SET {
 namespace {
 

@@ -79,16 +79,12 @@ constinit const SetTable set = {
             {alikeByRule<Rule::free>, refusedByGate<Gate::plane>, alikeByRule<Rule::free>, alikeByRule<Rule::free>,
              alikeByRule<Rule::free>},
         },
-#if defined(__AVX512F__)
+#if defined(__AVX2__)
     .upTo8 = &v3::set,
-    .upTo4 = &v1::set,
-#elif defined(__AVX2__)
-    .upTo8 = &v3::set,
-    .upTo4 = &v1::set,
 #else
     .upTo8 = &v1::set,
-    .upTo4 = &v1::set,
 #endif
+    .upTo4 = &v1::set,
 };
 
 } // namespace ninefold::NINEFOLD_SET

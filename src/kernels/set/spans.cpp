@@ -1,6 +1,8 @@
 // Fused spans: one row each, for frames whose rows differ.
 #include "kernels/set/fused.h"
 
+#include <utility>
+
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
