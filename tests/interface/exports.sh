@@ -13,5 +13,5 @@ if ! diff <(echo "$declared") <(echo "$exported"); then
     echo "names marked < are declared but not exported, names marked > the other way round"
     exit 1
 fi
-readelf -d "$library" | grep -q 'SONAME.*\[libninefold\.so\.1\]' || { echo "soname is not libninefold.so.1"; exit 1; }
+grep -q 'SONAME.*\[libninefold\.so\.1\]' <<<"$(readelf -d "$library")" || { echo "soname is not libninefold.so.1"; exit 1; }
 echo "$(wc -l <<<"$exported") exports"
