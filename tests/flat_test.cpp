@@ -65,6 +65,23 @@ TEST_F(WideFlatRectangle, LongRowsAreFilledToTheirEndsAndNoFurther)
     }
 }
 
+TEST_F(FlatRectangle, ShortRowsAreFilledToTheirEndsAndNoFurther)
+{
+    colours(0xFF00FF00, 0, 0, 0);
+    for (int set = 0; set < ninefold::setCount && ninefold::useSet(set); ++set) {
+        for (int columns = 1; columns <= 40; ++columns) {
+            for (int left = 1; left <= 17; ++left) {
+                clear();
+                corners(left, 3, left + columns, 5);
+                draw(flatRect);
+                ASSERT_EQ(drawnCount(), 2 * columns) << ninefold::setNames[set] << ": " << columns << " from " << left;
+                ASSERT_EQ(at(left - 1, 3), ground) << columns;
+                ASSERT_EQ(at(left + columns, 4), ground) << columns;
+            }
+        }
+    }
+}
+
 TEST_F(FlatRectangle, ZeroIsAColourLikeAnyOther)
 {
     corners(5, 3, 40, 9);
