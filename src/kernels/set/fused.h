@@ -198,11 +198,11 @@ struct PointColumns {
             const u32 step = s.u0.step;
             Ramp u = Ramp::make(s.u0, first);
             u32 position = s.u0.start + step * u32(first);
-            for (int k = 0; k < n; k += lanes, u.advance(), position += step * lanes) {
-                const u32 last = u32(n - k < lanes ? n - k : lanes) - 1;
+            for (int i = 0; i < n; i += lanes, u.advance(), position += step * lanes) {
+                const u32 last = u32(n - i < lanes ? n - i : lanes) - 1;
                 const i32 a = i32(position) >> 16, b = i32(position + step * last) >> 16;
                 const bool falling = i32(step) < 0;
-                columns.put(k, whole(u.value), V{}, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a), cannotLap(step));
+                columns.put(i, whole(u.value), V{}, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a), cannotLap(step));
             }
         }
     };
@@ -234,15 +234,15 @@ struct MixedColumns {
             const u32 step = s.u0.step;
             Ramp u = Ramp::make(s.u0, first);
             u32 position = s.u0.start + step * u32(first);
-            for (int k = 0; k < n; k += lanes, u.advance(), position += step * lanes) {
+            for (int i = 0; i < n; i += lanes, u.advance(), position += step * lanes) {
                 const V fx = u.value >> 8 & 0xFFu, far = (V)((S)(u.value << 16) >> 31);
-                store(weight + k, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
+                store(weight + i, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
                 const V neighbour = whole(u.value + ((far & 0x20000u) - 0x10000u));
                 // A pair is the texel half a texel back and the one after it.
-                const u32 last = u32(n - k < lanes ? n - k : lanes) - 1;
+                const u32 last = u32(n - i < lanes ? n - i : lanes) - 1;
                 const i32 a = i32(position - 0x8000) >> 16, b = i32(position + step * last - 0x8000) >> 16;
                 const bool falling = i32(step) < 0;
-                columns.put(k, whole(u.value), neighbour, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a) + 1,
+                columns.put(i, whole(u.value), neighbour, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a) + 1,
                             cannotLap(step));
             }
         }
