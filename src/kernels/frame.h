@@ -81,10 +81,11 @@ public:
         back = set.backs[hasWideFactors()][ids.back()];
         const bool wide = rs.blendAlpha > 255 || rs.blendAlphaRgb > 255 || rs.prescaleMulti > 256;
         bool hostMulti = false, hostBlend = false;
+        [[maybe_unused]] int multiOp = 0;
         if constexpr (multi != Multi::none) {
-            const int op = ops::operatorIndex(rs.multiFunc);
-            hostMulti = op < 0;
-            multiRow = hostMulti ? set.hostOperator : set.operators[wide][op];
+            multiOp = ops::operatorIndex(rs.multiFunc);
+            hostMulti = multiOp < 0;
+            multiRow = hostMulti ? set.hostOperator : set.operators[wide][multiOp];
             if constexpr (isUnused(multi))
                 callMulti = hostMulti;
             if constexpr (!hasColour(multi))
@@ -103,7 +104,7 @@ public:
         }
         alike = set.alike[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
         plainBlock = nullptr, plainSpan = nullptr;
-        if (ids.plain() && !ids.custom() && !overlap && !hasWideFactors()) {
+        if (ids.plain() && !overlap && !hasWideFactors()) {
             if (ids.isBlock())
                 plainBlock = set.blocks[ids.plain() - 1];
             else
@@ -116,7 +117,7 @@ public:
                 if (!hasWideFactors() && !ids.isBlock())
                     fused[0] = set.upTo4->spans[index], fused[1] = set.upTo8->spans[index], fused[2] = set.spans[index];
             } else if (!isUnused(multi) && !hostMulti && !wide) {
-                const uint32_t op = index + uint32_t(ops::operatorIndex(rs.multiFunc));
+                const uint32_t op = index + uint32_t(multiOp);
                 fused[0] = set.upTo4->multiSpans[op], fused[1] = set.upTo8->multiSpans[op], fused[2] = set.multiSpans[op];
             }
         }

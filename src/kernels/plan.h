@@ -56,9 +56,10 @@ struct PartIds {
     constexpr bool custom() const { return word >> 24 & 1; } // blend 12
     constexpr bool marksRun() const { return word >> 25 & 1; } // marks what the gate leaves, drawn or not
     // Block or span that does all of it, 0: none; with a multi stage, the one of operator 0.
-    constexpr uint32_t fused() const { return hasRule() ? 0 : uint32_t(word >> 32); }
+    constexpr uint32_t fused() const { return hasRule() ? 0 : entry(); }
     // A kernel with a rule has instead the block or span for pixels that the rule lets through whole.
-    constexpr uint32_t plain() const { return hasRule() ? uint32_t(word >> 32) : 0; }
+    constexpr uint32_t plain() const { return hasRule() ? entry() : 0; }
+    constexpr uint32_t entry() const { return uint32_t(word >> 32); }
     constexpr bool hasRule() const { return word >> 26 & 1; }
     constexpr bool isBlock() const { return word >> 27 & 1; }
     // The same parts with neither plane gate nor marks, for the walk that does both itself.
@@ -80,7 +81,7 @@ constexpr bool drawsBlocks(Frame f)
 
 constexpr int fusedIndex(const Plan& p)
 {
-    if (p.marksPlane() || (p.rule != Rule::none && p.gate != Gate::none))
+    if (p.marksPlane() || (p.rule != Rule::none && (p.gate != Gate::none || p.blend == 12)))
         return 0;
     if (p.multi != Multi::none)
         return p.rule == Rule::none && !p.prescale && p.multi < Multi::none && p.fetch == Fetch::unit && p.gate == Gate::none &&
@@ -258,8 +259,8 @@ constexpr UsedParts usedParts()
         const Plan p = planOf(a);
         const PartIds ids = partIds(p);
         used.front[ids.front()] = used.back[ids.back()] = true;
-        if ((ids.fused() || ids.plain()) && p.multi == Multi::none)
-            (drawsBlocks(p.frame) ? used.block : used.span)[(ids.fused() | ids.plain()) - 1] = true;
+        if (ids.entry() && p.multi == Multi::none)
+            (drawsBlocks(p.frame) ? used.block : used.span)[ids.entry() - 1] = true;
         if (ids.marks() != Marks::none)
             used.front[ids.frontUngated()] = used.back[ids.backUnmarked()] = true;
     };

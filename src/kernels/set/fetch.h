@@ -185,6 +185,18 @@ struct WindowFit {
     }
 };
 
+// The columns of a vector's positions, from the first pixel to the `last` one: the lowest of them and how far the others lie behind it. The
+// extent is huge where the position wraps within the vector.
+struct Reach {
+    i32 lowest;
+    u32 extent;
+    NINEFOLD_LANE Reach of(u32 position, u32 step, u32 last, int shift)
+    {
+        const i32 a = i32(position) >> shift, b = i32(position + step * last) >> shift;
+        return i32(step) < 0 ? Reach{b, u32(a) - u32(b)} : Reach{a, u32(b) - u32(a)};
+    }
+};
+
 // Columns of one texture row at steps of up to two texels, read as one or two vectors of neighbours and sorted by a permutation. A column
 // is the position shifted right by `shift`: 16, or 17 where the texture is the next level's.
 template <int shift = 16>
@@ -212,12 +224,10 @@ struct Window {
 #if defined(__AVX2__)
         if (most) {
             const u32 last = u32(left < lanes ? left : lanes) - 1;
-            const i32 a = i32(position) >> shift, b = i32(position + step * last) >> shift;
-            const bool falling = i32(step) < 0;
-            const i32 lowest = falling ? b : a; // the extent is huge where the position wraps within the vector
-            const WindowFit fit = WindowFit::of(lowest, u32(falling ? a - b : b - a), mask, most);
+            const Reach reach = Reach::of(position, step, last, shift);
+            const WindowFit fit = WindowFit::of(reach.lowest, reach.extent, mask, most);
             if (fit.vectors) {
-                const V index = (V)((S)u >> shift) - splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
+                const V index = (V)((S)u >> shift) - splat(u32(reach.lowest) - ((u32(reach.lowest) & mask) - fit.base));
                 return fit.vectors == 1 ? permute(load(row + fit.base), index)
                                         : permute2(load(row + fit.base), load(row + fit.base + lanes), index);
             }

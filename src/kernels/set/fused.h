@@ -137,18 +137,17 @@ struct Columns {
     alignas(64) u32 side[mixed ? size : 1]; // the neighbour
     WindowFit fits[size / lanes];
 
-    // The vector that starts with column k: wrapped by mask, before it from `lowest` to `lowest + extent` at most. narrow: lowest and
-    // extent are known to be true.
-    __attribute__((always_inline)) void put(int k, V column, V neighbour, u32 mask, [[maybe_unused]] i32 lowest,
-                                            [[maybe_unused]] u32 extent, [[maybe_unused]] bool narrow)
+    // The vector that starts with column k, wrapped by mask. sure: `reach` holds all of its columns.
+    __attribute__((always_inline)) void put(int k, V column, V neighbour, u32 mask, [[maybe_unused]] Reach reach,
+                                            [[maybe_unused]] bool sure)
     {
         WindowFit& fit = fits[k / lanes];
         V move{};
         fit = {0, 0};
 #if defined(__AVX2__)
-        if (narrow)
-            fit = WindowFit::of(lowest, extent, mask, 2);
-        move = splat(u32(lowest) - ((u32(lowest) & mask) - fit.base));
+        if (sure)
+            fit = WindowFit::of(reach.lowest, reach.extent, mask, 2);
+        move = splat(u32(reach.lowest) - ((u32(reach.lowest) & mask) - fit.base));
 #endif
         const u32 inWindow = 2 * lanes - 1; // a position that wraps at 32 bits is right modulo the texture
         store(centre + k, fit.vectors ? (column - move) & inWindow : column & mask);
@@ -200,9 +199,7 @@ struct PointColumns {
             u32 position = s.u0.start + step * u32(first);
             for (int i = 0; i < n; i += lanes, u.advance(), position += step * lanes) {
                 const u32 last = u32(n - i < lanes ? n - i : lanes) - 1;
-                const i32 a = i32(position) >> 16, b = i32(position + step * last) >> 16;
-                const bool falling = i32(step) < 0;
-                columns.put(i, whole(u.value), V{}, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a), cannotLap(step));
+                columns.put(i, whole(u.value), V{}, s.tex0.maskU, Reach::of(position, step, last, 16), cannotLap(step));
             }
         }
     };
@@ -240,10 +237,9 @@ struct MixedColumns {
                 const V neighbour = whole(u.value + ((far & 0x20000u) - 0x10000u));
                 // A pair is the texel half a texel back and the one after it.
                 const u32 last = u32(n - i < lanes ? n - i : lanes) - 1;
-                const i32 a = i32(position - 0x8000) >> 16, b = i32(position + step * last - 0x8000) >> 16;
-                const bool falling = i32(step) < 0;
-                columns.put(i, whole(u.value), neighbour, s.tex0.maskU, falling ? b : a, u32(falling ? a - b : b - a) + 1,
-                            cannotLap(step));
+                Reach reach = Reach::of(position - 0x8000, step, last, 16);
+                ++reach.extent;
+                columns.put(i, whole(u.value), neighbour, s.tex0.maskU, reach, cannotLap(step));
             }
         }
     };
@@ -302,7 +298,7 @@ struct MipColumns {
                     const i32 less = a < b ? a : b, more = a < b ? b : a;
                     lowest = less < lowest ? less : lowest, highest = more > highest ? more : highest;
                 }
-                next.put(k, column, neighbour, s.next0.maskU, lowest, u32(highest) - u32(lowest), true);
+                next.put(k, column, neighbour, s.next0.maskU, {lowest, u32(highest) - u32(lowest)}, true);
             }
         }
     };
