@@ -8,7 +8,8 @@
 
 namespace ninefold {
 
-// A frame draws one primitive from rs with the parts named by `ids`. One function for each combination of what it must keep track of.
+// A frame draws one primitive from rs with the parts named by `ids`. One function for each combination of what it must keep track
+// of.
 template <Frame frame, Multi multi, bool rule, bool marks>
 void drawFrame(PartIds ids);
 
@@ -20,9 +21,9 @@ inline uint32_t divided(uint32_t a, uint32_t b)
     return int32_t(b) == -1 ? 0 - a : uint32_t(int32_t(a) / int32_t(b));
 }
 
-// The same by one divisor for many dividends, without a division each. A dividend is below 2^31 in size and so is the divisor, so a
-// quotient that is no whole number stays at least 1 / divisor short of the next one; raising the reciprocal by 2^-50 outweighs its
-// rounding and moves the quotient by less than that. Truncation then gives the exact quotient, 2^31 wraps.
+// The same by one divisor for many dividends, without a division each. A dividend is below 2^31 in size and so is the divisor, so
+// a quotient that is no whole number stays at least 1 / divisor short of the next one; raising the reciprocal by 2^-50 outweighs
+// its rounding and moves the quotient by less than that. Truncation then gives the exact quotient, 2^31 wraps.
 class Divider {
 public:
     Divider() = default;
@@ -41,7 +42,8 @@ constexpr bool isUnused(Multi m) { return m >= Multi::secondUnused; }
 // Whether factors are beyond what 16-bit products hold.
 inline bool hasWideFactors() { return rs.prescale > 256 || rs.blendAlpha > 255; }
 
-// Memory that a call writes. Frames widen it rather than work it out to the pixel: what it decides is only how fast a row is drawn.
+// Memory that a call writes. Frames widen it rather than work it out to the pixel: what it decides is only how fast a row is
+// drawn.
 struct Target {
     const void *pixels, *pixelsEnd;
     const void *plane, *planeEnd; // null where no plane is marked
@@ -73,7 +75,8 @@ inline Target targetOf(int32_t left, int32_t top, int32_t right, int32_t bottom,
 template <Multi multi>
 class Painter {
 public:
-    // `overlap`: a source shares memory with what is written. Then, and where both operators are the host's own, pixels go one at a time.
+    // `overlap`: a source shares memory with what is written. Then, and where both operators are the host's own, pixels go one at
+    // a time.
     Painter(PartIds parts, bool overlap) : ids(parts)
     {
         const SetTable& set = *activeSet;
@@ -194,8 +197,8 @@ private:
         }
     }
 
-    // The plane walk as it is defined, word by word, for a source that shares memory with a plane: what lies outside the span is forced
-    // for the time of the row, a word is read before its pixels are drawn and marked after them.
+    // The plane walk as it is defined, word by word, for a source that shares memory with a plane: what lies outside the span is
+    // forced for the time of the row, a word is read before its pixels are drawn and marked after them.
     [[gnu::noinline]] void drawWords(const Span& s, int n)
     {
         const SetTable& set = *activeSet;

@@ -1,4 +1,5 @@
-// The parts that exist, and the table of them that each instruction set exports. Frames and kernels name a part by its index here.
+// The parts that exist, and the table of them that each instruction set exports. Frames and kernels name a part by its index
+// here.
 #pragma once
 
 #include "kernels/span.h"
@@ -95,9 +96,9 @@ constexpr int backIndex(bool prescale, int blend, bool soft, Marks m)
 }
 constexpr int backCount = int(Marks::count) * blendCount * 4;
 
-// Fused entries: gate to write in one function, without rule and marks. A block draws the rows of a rectangle whose rows are alike, a span
-// one row. Kernels with a rule use them for the pixels that it lets through whole. Prescale has blocks only, and of custom blends there
-// is one, for a host's own operator at unit scale.
+// Fused entries: gate to write in one function, without rule and marks. A block draws the rows of a rectangle whose rows are
+// alike, a span one row. Kernels with a rule use them for the pixels that it lets through whole. Prescale has blocks only, and of
+// custom blends there is one, for a host's own operator at unit scale.
 struct Rows {
     int count, columns;
     uint32_t pitch; // of the frame buffer, pixels

@@ -1,4 +1,5 @@
-// From the axes of a kernel to its frame and parts. All of it is worked out by the compiler: a kernel holds the result as constants.
+// From the axes of a kernel to its frame and parts. All of it is worked out by the compiler: a kernel holds the result as
+// constants.
 #pragma once
 
 #include "core/catalogue.h"

@@ -19,8 +19,8 @@ struct Linear {
     uint32_t start, step;
 };
 
-// One row of pixels and everything in it that is linear in the pixel index. A frame fills what the kernel's parts read, once a call or
-// once a row; factors, thresholds and colours the parts read from rs.
+// One row of pixels and everything in it that is linear in the pixel index. A frame fills what the kernel's parts read, once a
+// call or once a row; factors, thresholds and colours the parts read from rs.
 struct Span {
     uint32_t* dst;           // pixel 0 in the frame buffer
     uint8_t* z;              // pixel 0 in the priority plane
@@ -65,11 +65,11 @@ struct Chunk {
 using Front = bool (*)(const Span&, int first, int n, Chunk&); // gates and fetch; false: nothing lives
 using Mid = void (*)(const Span&, int first, int n, Chunk&);   // makes the second operand
 using Back = void (*)(const Span&, int first, int n, Chunk&);  // prescale, blend, soft edge, write
-// How many pixels from the first on, at most n, rule or gate surely treat alike: they are all refused or, with `through`, all let through
-// and none of them lies on the soft edge of the rule. Gates only refuse.
+// How many pixels from the first on, at most n, rule or gate surely treat alike: they are all refused or, with `through`, all let
+// through and none of them lies on the soft edge of the rule. Gates only refuse.
 using Alike = int (*)(const Span&, int first, int n, bool& through);
-// out = picked ? op(first, second) : first, where pixel k has second[k & secondMask]: -1, or 0 for one word repeated (sixteen of them are
-// read). The function is called by the form that serves a host's own operator, left to right.
+// out = picked ? op(first, second) : first, where pixel k has second[k & secondMask]: -1, or 0 for one word repeated (sixteen of
+// them are read). The function is called by the form that serves a host's own operator, left to right.
 using RowOperator = decltype(Chunk::blendRow);
 
 } // namespace ninefold

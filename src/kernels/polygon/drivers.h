@@ -7,8 +7,8 @@ namespace ninefold {
 
 using Driver = void (*)(DrawFunc mipKernel, DrawFunc directKernel);
 
-// Below two texels a pixel (triangles: up to one) they call directKernel. Otherwise they put a mip level in the place of each texture and
-// its coordinates, call mipKernel and put rs back, but for mipFrac, mipTex and their like.
+// Below two texels a pixel (triangles: up to one) they call directKernel. Otherwise they put a mip level in the place of each
+// texture and its coordinates, call mipKernel and put rs back, but for mipFrac, mipTex and their like.
 void drawMipStretch(DrawFunc mipKernel, DrawFunc directKernel); // rect option 1
 void drawMipCorners(DrawFunc mipKernel, DrawFunc directKernel); // rect option 2
 void drawMipPolygon(DrawFunc mipKernel, DrawFunc directKernel);

@@ -81,7 +81,8 @@ void fillTriangle(SpanOperation&& fill)
     const uint32_t top[1] = {uint32_t(o.xT) << 16}, mid[1] = {uint32_t(o.xM) << 16}, bot[1] = {uint32_t(o.xB) << 16};
     scan<1>(o, top, mid, bot, [&](Edge<1>& left, Edge<1>& right, int32_t& row, int32_t rows) {
         if (rs.clipTop > row) {
-            // The jump goes by clipLeft, not by clipTop. It is a slip that is kept: it may go up, and past the end of a single trapezoid.
+            // The jump goes by clipLeft, not by clipTop. It is a slip that is kept: it may go up, and past the end of a single
+            // trapezoid.
             int32_t jump = rs.clipLeft - row;
             if (!single && rows < jump)
                 jump = rows;

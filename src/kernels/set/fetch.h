@@ -1,5 +1,5 @@
-// Fetches: where a vector of pixels gets its source words from. A fetch starts at a pixel of a span, gives `lanes` words a call and
-// steps on. Its key is the texel that the transparent test looks at.
+// Fetches: where a vector of pixels gets its source words from. A fetch starts at a pixel of a span, gives `lanes` words a call
+// and steps on. Its key is the texel that the transparent test looks at.
 #pragma once
 
 #include "core/tables.h"
@@ -56,8 +56,8 @@ struct FreePosition {
     __attribute__((always_inline)) void advance() { u.advance(), v.advance(); }
 };
 
-// floor(a * 2^32 / w) for the low word of each pair, a below w; otherwise anything. One double division serves: the quotient to the
-// nearest is right or one too great, and the sign of the 64-bit remainder tells which.
+// floor(a * 2^32 / w) for the low word of each pair, a below w; otherwise anything. One double division serves: the quotient to
+// the nearest is right or one too great, and the sign of the 64-bit remainder tells which.
 NINEFOLD_LANE D quotientOfPairs(D a, D w, F reciprocal)
 {
     const D quotient = toNearest(toDouble(a) * reciprocal);
@@ -108,7 +108,8 @@ NINEFOLD_LANE V texel(const Source& t, V column, V row) { return gather(t.pixels
 // 16.16 to whole for one value, towards zero.
 NINEFOLD_LANE u32 truncated(u32 v) { return u32(i32(v) / 65536); }
 
-// Whether a fetch has direct(n): where n texels lie in memory in the order of the pixels and may be read in whole vectors, or null.
+// Whether a fetch has direct(n): where n texels lie in memory in the order of the pixels and may be read in whole vectors, or
+// null.
 template <class Fetcher>
 constexpr bool hasDirect = requires(const Fetcher& fetch, int n) { fetch.direct(n); };
 
@@ -185,8 +186,8 @@ struct WindowFit {
     }
 };
 
-// The columns of a vector's positions, from the first pixel to the `last` one: the lowest of them and how far the others lie behind it. The
-// extent is huge where the position wraps within the vector.
+// The columns of a vector's positions, from the first pixel to the `last` one: the lowest of them and how far the others lie
+// behind it. The extent is huge where the position wraps within the vector.
 struct Reach {
     i32 lowest;
     u32 extent;
@@ -197,8 +198,8 @@ struct Reach {
     }
 };
 
-// Columns of one texture row at steps of up to two texels, read as one or two vectors of neighbours and sorted by a permutation. A column
-// is the position shifted right by `shift`: 16, or 17 where the texture is the next level's.
+// Columns of one texture row at steps of up to two texels, read as one or two vectors of neighbours and sorted by a permutation.
+// A column is the position shifted right by `shift`: 16, or 17 where the texture is the next level's.
 template <int shift = 16>
 struct Window {
     const u32* row;
@@ -271,7 +272,8 @@ struct Point : Tested {
     __attribute__((always_inline)) void advance() { position.advance(); }
 };
 
-// (x / size) * size, truncating, for |x| up to 2^24: a correctly rounded quotient of such a value cannot reach the next whole number.
+// (x / size) * size, truncating, for |x| up to 2^24: a correctly rounded quotient of such a value cannot reach the next whole
+// number.
 struct BlockSize {
     R size;
     __attribute__((always_inline)) explicit BlockSize(i32 k) : size(float(k) - R{}) {}
@@ -345,8 +347,8 @@ struct Mosaic : Tested {
     __attribute__((always_inline)) void advance() { position.advance(); }
 };
 
-// The taps of a four-texel mix at a 16.16 position: which side the neighbours lie, and the four weights (in both halves of each lane),
-// which add up to 256.
+// The taps of a four-texel mix at a 16.16 position: which side the neighbours lie, and the four weights (in both halves of each
+// lane), which add up to 256.
 struct Taps {
     V moveU, moveV;             // plus or minus one texel, to the neighbour
     V centre, side, row, corner; // weights
@@ -548,8 +550,8 @@ struct MipNext : Tested {
     __attribute__((always_inline)) void advance() { pair.advance(); }
 };
 
-// Four-texel mixes of the level and of the next one, mixed by the weight. The weights and sides of the level serve both. In triangles
-// the third tap of the next level is the diagonal and the fourth moves a whole texel of it.
+// Four-texel mixes of the level and of the next one, mixed by the weight. The weights and sides of the level serve both. In
+// triangles the third tap of the next level is the diagonal and the fourth moves a whole texel of it.
 template <template <int> class Position, int t, bool triangle>
 struct MipBilinear : Tested {
     Position<t> position;
@@ -605,8 +607,8 @@ struct RuleRow {
     }
     __attribute__((always_inline)) V get(int left) const
     {
-        // Only what is not negative floors as it truncates. Without a window the step is so wide that the position may wrap within the
-        // vector unseen.
+        // Only what is not negative floors as it truncates. Without a window the step is so wide that the position may wrap
+        // within the vector unseen.
         const i32 last = i32(window.position + window.step * u32(lanes - 1));
         if (window.most && (i32(window.position) | last) >= 0)
             return window.get(u.value, left) & 0xFFu;

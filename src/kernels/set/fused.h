@@ -129,7 +129,8 @@ NINEFOLD_LANE void fillRow(u32* dst, int n, u32 colour)
         store4(at);
 }
 
-// The columns of a stretch, which are the same in every row: worked out once, for up to `size` of them. mixed: with their neighbours.
+// The columns of a stretch, which are the same in every row: worked out once, for up to `size` of them. mixed: with their
+// neighbours.
 template <bool mixed>
 struct Columns {
     static constexpr int size = 256;

@@ -1,6 +1,6 @@
 // Lanes: a vector of pixels of exactly the register width of the instruction set that this file is compiled for, and the few
-// operations on it that the language has no word for. Nearly all intrinsics stand here. Everything is in an anonymous namespace: a function
-// compiled with raised flags must never be merged with one compiled for the baseline.
+// operations on it that the language has no word for. Nearly all intrinsics stand here. Everything is in an anonymous namespace:
+// a function compiled with raised flags must never be merged with one compiled for the baseline.
 #pragma once
 
 #include <cstdint>
@@ -227,8 +227,8 @@ NINEFOLD_LANE V mul16(V a, V b) { return (V)((H)a * (H)b); }
 NINEFOLD_LANE V high8(V a) { return (V)((H)a >> 8); }
 NINEFOLD_LANE V bothHalves(V a) { return a | a << 16; }
 
-// pixels[at[k]] in lane k, and with the indices in a vector. Every index must lie inside the texture. Scalar loads beat the hardware's
-// gather, also that of 16 lanes, and pairing them up beats inserting them one after another.
+// pixels[at[k]] in lane k, and with the indices in a vector. Every index must lie inside the texture. Scalar loads beat the
+// hardware's gather, also that of 16 lanes, and pairing them up beats inserting them one after another.
 NINEFOLD_LANE V gatherAt(const u32* pixels, const u32* at)
 {
 #if defined(NINEFOLD_X86)
