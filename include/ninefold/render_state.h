@@ -216,7 +216,7 @@ NINEFOLD_API void SetBlendModeMulti(long value);
 NINEFOLD_API void SetPrescaleMultiMode(long mode);
 
 /* Copies a stipple to drawMask. 0 draws nothing, n (1 to 255) draws n + 1 pixels of each 16 by 16 cell; 256 all, 257
- * checkerboard, 258 odd columns, 259 even rows, 260 odd columns of even rows, 261 odd rows and odd columns. Above 261: no
+ * chessboard, 258 odd columns, 259 even rows, 260 odd columns of even rows, 261 all odd rows and odd columns. Above 261: no
  * change. Must not be negative. 1 to 255 come from MakeDrawMaskTable. */
 NINEFOLD_API void SetPresetDrawMask(long index);
 
