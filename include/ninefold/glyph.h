@@ -30,7 +30,8 @@ extern "C" {
 NINEFOLD_API char *CreateFontTexture(char *text);
 
 /* The same with a dark rim: the colour falls from light grey (252) inside the glyph to black at its border, within the glyph's
- * own box. An empty glyph leaves the atlas alone. */
+ * own box. An empty glyph leaves pixel 0 of the atlas alone and clears its own box: a pixel for a space, none where there is no
+ * font. */
 NINEFOLD_API char *CreateFontTextureFuchi(char *text);
 
 #ifdef __cplusplus

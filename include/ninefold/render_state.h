@@ -5,9 +5,10 @@
 #include <ninefold/texture.h>
 
 /*
- * Whole pixels relative to the origin. z is the depth of a perspective triangle: above 0, larger is farther. Only the ratios of
- * the three depths count; a coordinate divided by its depth keeps about 30 bits less those of the depth, so depths of some
- * hundreds (below a few thousand) give smooth pictures.
+ * Whole pixels relative to the origin. With the origin added, x and y must be below 2^30 in size: their differences are taken in
+ * 32 bits, and where those wrap a line may divide by 0 and a triangle leave the clip rectangle. z is the depth of a perspective
+ * triangle: above 0, larger is farther. Only the ratios of the three depths count; a coordinate divided by its depth keeps about
+ * 30 bits less those of the depth, so depths of some hundreds (below a few thousand) give smooth pictures.
  */
 typedef struct Vertex {
     int32_t x, y, z;
@@ -164,7 +165,8 @@ NINEFOLD_API void MakeDrawMaskTable(void);       /* without it the stipples 0 to
  * clip rectangle and the planes stay as they are: set them to match. */
 NINEFOLD_API Texture *SetFrameBuffer(Texture *texture);
 
-/* Mode setters. Values (draw_code.h has them all) are stored as they are; they take effect at the next CreateDrawCode. */
+/* Mode setters. Values (draw_code.h has them all) are stored as they are; they take effect at the next CreateDrawCode. All start
+ * at 0, which for the multi mode is a second texture: a host without one sets 3. */
 NINEFOLD_API void SetShapeMode(long shape);
 NINEFOLD_API void SetPrescaleMode(long prescale);
 NINEFOLD_API void SetRuleAlphaMode(long rule);
