@@ -21,7 +21,7 @@ inline uint32_t divided(uint32_t a, uint32_t b)
     return int32_t(b) == -1 ? 0 - a : uint32_t(int32_t(a) / int32_t(b));
 }
 
-// The same by one divisor for many dividends, without a division each. A dividend is below 2^31 in size and so is the divisor, so
+// The same by one divisor for many dividends, without a division each. Neither dividend nor divisor is above 2^31 in size, so
 // a quotient that is no whole number stays at least 1 / divisor short of the next one; raising the reciprocal by 2^-50 outweighs
 // its rounding and moves the quotient by less than that. Truncation then gives the exact quotient, 2^31 wraps.
 class Divider {

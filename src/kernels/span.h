@@ -40,8 +40,8 @@ struct Span {
     Linear colour[4];    // alpha, red, green, blue; 8 bits over 16 fraction bits
 };
 
-// Up to 256 pixels on their way through the parts. Arrays are padded so that a vector may run over the end. A set of pixels is words of
-// 64: bit k of word j stands for pixel 64 j + k.
+// Up to 256 pixels on their way through the parts. Arrays are padded so that a vector may run over the end. A set of pixels is
+// words of 64: bit k of word j stands for pixel 64 j + k.
 struct Chunk {
     static constexpr int size = 256;
     static constexpr int padded = size + 16;
@@ -53,7 +53,7 @@ struct Chunk {
     Pixels marks;           // are marked in the planes
     alignas(64) uint32_t words[padded];
     alignas(64) uint32_t seconds[padded];
-    alignas(64) uint32_t other[padded]; // unmixed texel of the mip forms; destination of a custom blend
+    alignas(64) uint32_t other[padded]; // mip forms: unmixed texel; unused operators: result; custom blends: destination
     alignas(64) uint32_t rule[padded];  // rule values
     const uint32_t* slip;                // reading position of the rule slip (rect option 5)
     PixelOperator blendFunc;             // the custom blend, and how a chunk of it is run; null: it is the host's own

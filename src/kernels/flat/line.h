@@ -1,10 +1,11 @@
+// The kernels of lines.
 #pragma once
 
 #include <cstdint>
 
 namespace ninefold {
 
-// The kernel of a line. Axes are those of the catalogue.
+// Draws the line of rs. Its arguments are axes of the catalogue.
 template <bool gouraud, uint8_t shahei, uint8_t blend, bool prescale>
 void drawLine();
 

@@ -15,7 +15,7 @@ NINEFOLD_LANE V prescaled(V source, u32 factor)
     if (blend == 1 || blend == 2 || blend == 4)
         return wide ? scaleAlphaWide(source, factor) : scaleAlpha(source, factor);
     const V scaled = wide ? scaleRgbWide(source, factor) : scaleRgb(source, factor);
-    return blend == 5 ? scaled : scaled | (source & 0xFF000000u);
+    return blend == 5 ? scaled : scaled | (source & 0xFF000000u); // add reads no alpha
 }
 
 // What blends read from rs, read once: a store to the frame buffer might change rs for all that the compiler knows.
