@@ -108,8 +108,6 @@ DrawFunc SearchDrawFunc(unsigned long drawCode)
     // By the two low bits: the flat line, the unit-scale copy, the plain textured triangle.
     static constexpr uint32_t defaults[] = {0xDC0368, 0x369, 0x1C036A};
     uint32_t code = uint32_t(drawCode);
-    if (code == cachedCode)
-        return cachedFunc;
     for (bool isDefault = false;; isDefault = true) {
         if (code == cachedCode)
             return cachedFunc;
