@@ -156,12 +156,20 @@ TEST(DeleteMipmapTexture, EntriesStayButAreNotReleasedAgain)
 {
     TexturePtr texture = makeTexture(4, 4);
     CreateMipmapTexture(texture.get());
-    const Texture *level = texture->mip[1];
+    Texture *level = texture->mip[1]; // held, so that its releases can be counted
+    const Texture *released = texture->mip[2];
+    for (int references = 0; references < 3; ++references)
+        AddRefTexture(level);
     DeleteMipmapTexture(texture.get());
+    EXPECT_EQ(level->refCount, 2);
     EXPECT_EQ(texture->mipCount, 0u);
     EXPECT_EQ(texture->mip[0], texture.get());
-    EXPECT_EQ(texture->mip[1], level); // dangling
-    texture.reset(); // a second release would be seen by the address check
+    EXPECT_EQ(texture->mip[1], level);
+    EXPECT_EQ(texture->mip[2], released); // dangling
+    texture.reset();
+    EXPECT_EQ(level->refCount, 2);
+    DeleteTexture(level);
+    DeleteTexture(level);
 }
 
 TEST(DeleteMipmapTexture, LevelHeldTwiceSurvives)
