@@ -380,6 +380,22 @@ TEST_F(Blend, SetBlendModeTouchesTwoFields)
     }
 }
 
+TEST_F(Blend, LowWordOfTheModeCounts)
+{
+    if constexpr (sizeof(long) > 4) {
+        const long high = 3l << 16 << 16;
+        SetBlendMode(high + 5);
+        EXPECT_EQ(rs.blendMode, 5);
+        EXPECT_EQ(rs.blendFunc, nullptr);
+        SetBlendMode(high + 16);
+        EXPECT_EQ(rs.blendMode, 12);
+        EXPECT_EQ(operatorIndex(rs.blendFunc), static_cast<int>(Op::xorWord));
+        SetBlendMode(high + 0xFFFFFFFF); // -1, not the many that are 20 and up
+        EXPECT_EQ(rs.blendMode, -1);
+        EXPECT_EQ(operatorIndex(rs.blendFunc), static_cast<int>(Op::xorWord));
+    }
+}
+
 // ---- multi operators ----
 
 // The value's result in a bank, from the channel formulas; `scale` is the factor of the second bank, -1 in the first.
@@ -572,6 +588,22 @@ TEST_F(Multi, BankChangesTheOperatorAtOnce)
     }
     SetPrescaleMultiMode(0);
     EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::keepAdd));
+}
+
+TEST_F(Multi, LowWordsOfValueAndBankCount)
+{
+    if constexpr (sizeof(long) > 4) {
+        const long high = 3l << 16 << 16;
+        SetBlendModeMulti(high + 5);
+        EXPECT_EQ(rs.blendModeMulti, 5);
+        EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::keepAdd));
+        SetPrescaleMultiMode(high); // 0: the first bank
+        EXPECT_EQ(rs.prescaleMultiMode, 0);
+        EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::keepAdd));
+        SetPrescaleMultiMode(high + 1);
+        EXPECT_EQ(rs.prescaleMultiMode, 1);
+        EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::scaledAdd));
+    }
 }
 
 TEST_F(Multi, BankAloneSelectsTheOperatorOfZeroAtFirst)
