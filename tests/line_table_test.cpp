@@ -62,11 +62,12 @@ protected:
 
 TEST_F(LineTable, EachRowHasASegmentOfItsOwn)
 {
-    place({}, 8, 4, 16, 8);
+    place({}, 8, 4, 16, 9);
     lines[0] = {texels(3), texels(5), texels(11), texels(5)}; // unit scale
     lines[1] = {texels(20), texels(9), texels(12), texels(9)}; // mirrored
     lines[2] = {texels(30), texels(2), texels(30), texels(10)}; // straight down one column
     lines[3] = {texels(0), texels(0), texels(4), texels(8)}; // slanted, half a column a pixel
+    lines[4] = {texels(50), texels(20), texels(50), texels(12)}; // straight up one
     for (const Modes &m : forms({0, 4})) {
         clear();
         draw(m);
@@ -75,8 +76,9 @@ TEST_F(LineTable, EachRowHasASegmentOfItsOwn)
             EXPECT_EQ(at(8 + int(k), 5), idAt(20 - k, 9)) << m;
             EXPECT_EQ(at(8 + int(k), 6), idAt(30, 2 + k)) << m;
             EXPECT_EQ(at(8 + int(k), 7), idAt(k / 2, k)) << m;
+            EXPECT_EQ(at(8 + int(k), 8), idAt(50, 20 - k)) << m;
         }
-        EXPECT_TRUE(groundOutside(8, 4, 16, 8));
+        EXPECT_TRUE(groundOutside(8, 4, 16, 9));
     }
 }
 

@@ -168,6 +168,37 @@ TEST_F(Perspective, OneShiftServesAllThreeVertices)
     }
 }
 
+TEST_F(Perspective, TheLargestCoordinateSetsTheShiftInSevenSteps)
+{
+    // At depth 100,000 a shift of s leaves steps of 1.5 / 2^s texels: a u is looked for whose texel the next shift would miss.
+    rs.tex0 = texture(1024, 1, [](uint32_t u, uint32_t) { return 0xFF000000 + u; });
+    const auto texelAt = [](int32_t u, int shift) {
+        const int32_t over = static_cast<int32_t>(static_cast<uint32_t>(u) << shift) / 100000;
+        return coordinate(over, 0x7FFFFFFF / 100000, shift) >> 16;
+    };
+    const std::pair<int32_t, int> cases[] = {
+        {texels(256) - 1, 7},  {texels(256), 6},      {texels(512) - 1, 6},   {texels(512), 5},      {texels(1024) - 1, 5},
+        {texels(1024), 4},     {texels(2048) - 1, 4}, {texels(2048), 3},      {texels(4096) - 1, 3}, {texels(4096), 2},
+        {texels(8192) - 1, 2}, {texels(8192), 1},     {texels(16384) - 1, 1}, {texels(16384), 0},    {-1, 0}};
+    for (const auto &[largest, shift] : cases) {
+        for (int other : {shift - 1, shift + 1}) {
+            if (other < 0 || other > 7)
+                continue;
+            int32_t u = texels(1);
+            while (u < texels(255) && texelAt(u, shift) == texelAt(u, other))
+                u += 997;
+            ASSERT_LT(u, texels(255)) << shift;
+            triangle(0, 0, 8, 0, 0, 8);
+            for (int k = 0; k < 3; ++k)
+                rs.vertex[k].z = 100000, rs.uv0[k] = {u, 0};
+            rs.uv0[2].u = largest; // the lower vertex: the first pixel does not show it
+            clear();
+            draw({.shape = 2, .pers = 1});
+            EXPECT_EQ(at(0, 0), 0xFF000000 + static_cast<uint32_t>(texelAt(u, shift))) << largest << " not " << other;
+        }
+    }
+}
+
 TEST_F(Perspective, NegativeCoordinatesAreReadAsLargeUnsignedOnes)
 {
     // u = -1 texel at depth 1: 0xFFFF0000 mod 0x7FFFFFFF = 0x7FFF0001; times 2^32 over 0x7FFFFFFF is 0xFFFE0003.fff...:
