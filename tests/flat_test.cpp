@@ -220,6 +220,24 @@ TEST_F(GouraudRectangle, ChannelsRunDownTheEdgesAndAcrossEachRow)
     }
 }
 
+TEST_F(GouraudRectangle, ChannelsBeyondTheirRangeLeakIntoTheChannelAbove)
+{
+    // Corners 2^32 - 3 columns apart: the width wraps to -3. Up to column 0 there are 2^31 steps, 0 for even ones.
+    colours(0x80C81000, 0x80E62E1E, 0x80C81000, 0x80E62E1E); // red, green and blue go down by 10 a pixel
+    rs.vertex[0] = {INT32_MIN, 3, 0}, rs.vertex[1] = {INT32_MAX - 2, 5, 0};
+    for (int shahei : {0, 1, 4}) {
+        wipe();
+        draw(with(gouraudRect, shahei));
+        for (int y = 3; y < 5; ++y) {
+            for (uint32_t x = 0; x < 256; ++x) {
+                const uint32_t red = 0xC80000 - x * 0xA0000, green = 0x100000 - x * 0xA0000, blue = 0 - x * 0xA0000;
+                ASSERT_EQ(at(int(x), y), 0x80000000 | red >> 16 << 16 | green >> 16 << 8 | blue >> 16) << shahei << " at " << x;
+            }
+        }
+    }
+    EXPECT_EQ(at(1, 3), 0x80BE0600u | 0xFFF6); // the sign of blue is in green
+}
+
 TEST_F(GouraudRectangle, FallingChannelsTruncateTowardZero)
 {
     // 255 to 0 over 3 pixels: -0x550000; over 7: -16711680 / 7 = -2387382.

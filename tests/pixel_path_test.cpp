@@ -521,6 +521,26 @@ TEST_F(CornerColours, FollowReversedCornersInRectOptionsOneTwoThreeOnly)
     }
 }
 
+TEST_F(CornerColours, ChannelsThatLeaveTheirRangeStayInTheirByte)
+{
+    // Corners 2^32 - 3 columns apart: the width wraps to -3, and steps are minus a third. Up to column 0 there are 2^31 of them,
+    // which comes to 0 for even steps: blue goes down by 10 a pixel from 0, red from 200.
+    rs.tex0 = solid(0xFFFFFFFF);
+    rs.color[0] = rs.color[2] = 0x00C80000, rs.color[1] = rs.color[3] = 0x00E6001E; // red 200 to 230, blue 0 to 30
+    rs.multiFunc = [](uint32_t, uint32_t second) { return second; };
+    for (int rectOpt : {0, 1, 2}) {
+        for (int shahei : {0, 1, 4}) {
+            const Modes m{.rectOpt = rectOpt, .shahei = shahei, .multi = 1};
+            wipe();
+            rs.vertex[0] = {INT32_MIN, 3, 0}, rs.vertex[1] = {INT32_MAX - 2, 5, 0};
+            draw(m);
+            for (int y = 3; y < 5; ++y)
+                for (uint32_t x = 0; x < 64; ++x)
+                    ASSERT_EQ(at(int(x), y), ((200 - 10 * x) & 255) << 16 | ((0 - 10 * x) & 255)) << m << " at " << x;
+        }
+    }
+}
+
 TEST_F(CornerColours, HaveFourChannelsInTheirPlaces)
 {
     rs.color[0] = 0x10203040, rs.color[1] = 0x90203040, rs.color[2] = 0x10A03040, rs.color[3] = 0x90A03040;
