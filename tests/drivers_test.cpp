@@ -180,6 +180,25 @@ TEST_F(RectangleDriver, TheClampShiftsCoordinatesByTheClampedLevelAndKeepsTheWei
     }
 }
 
+TEST_F(RectangleDriver, TheLevelIsComparedWithOneLessThanTheCountUnsigned)
+{
+    // One less than no level at all is above every level: nothing is clamped.
+    corners(10, 10, 12, 12);
+    const uint32_t count = base->mipCount;
+    for (const Modes &m : rectangleForms()) {
+        for (int level = 1; level < 5; ++level) {
+            spread(m.rectOpt, rs.uv0, texels(2 << level), texels(3 << level));
+            stale();
+            wipe();
+            base->mipCount = 0;
+            draw(m);
+            base->mipCount = count;
+            EXPECT_EQ(rs.mipTex, base->mip[level + 1]) << m;
+            EXPECT_EQ(rs.mipFrac, 255) << m;
+        }
+    }
+}
+
 TEST_F(RectangleDriver, NoSizeDrawsNothingAndChangesNoField)
 {
     rs.tex1 = second;
@@ -415,6 +434,18 @@ TEST_F(TriangleDriver, ANegativeDensityGoesDirect)
     rs.uv0[2] = {0x7FFF0000, 0x7FFF0000};
     EXPECT_EQ(chosenLevel({.shape = 2, .filter = 2}), -1);
     EXPECT_EQ(static_cast<uint32_t>(rs.mipRatio), 0xB5030000u);
+}
+
+TEST_F(TriangleDriver, AnAreaOfMinus2To31HasARootLikeAnyOther)
+{
+    // 65536 rows, the middle 32768 columns to the left: -2^31 square pixels, root 46340. The texture's is 32767, 0x7FFF0000 /
+    // 46340 texels a pixel.
+    triangle(40000, 0, 40000 - 32768, 1, 40000, 65536);
+    rs.uv0[0] = {0, 0}, rs.uv0[1] = {0x7FFF0000, 0}, rs.uv0[2] = {0, 0x7FFF0000};
+    for (const Modes &m : triangleForms()) {
+        EXPECT_EQ(chosenLevel(m), -1) << m;
+        EXPECT_EQ(rs.mipRatio, 0x7FFF0000 / 46340) << m;
+    }
 }
 
 TEST_F(TriangleDriver, LevelClampAndShiftOfCoordinates)

@@ -649,6 +649,26 @@ TEST_F(RectangleForms, FilterTwoWithoutAnOperatorIsThePointSampleButUnderThePlan
     });
 }
 
+TEST_F(RectangleForms, FilterTwoTestsTheLevelForZeroAndStoresTheNextLevelsZero)
+{
+    levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) {
+        return l == 2 ? 0u : (l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tu, tv));
+    });
+    forEachForm(2, {3}, [&](const Modes &m, bool walk) {
+        rs.zRef = m.shahei == 2 ? 0x5A : 0;
+        draw(m);
+        const bool next = walk && !m.rule;
+        for (int y = 0; y < 4; ++y) {
+            for (int x = 0; x < 8; ++x) {
+                const bool hole = (u(x) >> 16) % 4 == 1;
+                ASSERT_EQ(at(x, y), hole ? ground : next ? 0u : texelAt(x, y)) << m << " at " << x;
+                ASSERT_EQ(taken(x, y), walk && !hole) << m << " at " << x;
+                ASSERT_EQ(zAt(x, y), m.shahei == 2 && !hole ? 0x5A : 0) << m << " at " << x;
+            }
+        }
+    });
+}
+
 TEST_F(RectangleForms, FilterTwoMixesLevelsForItsOperator)
 {
     std::fill_n(rs.color, 4, 0x00334455u);

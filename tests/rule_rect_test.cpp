@@ -459,6 +459,37 @@ TEST_F(ScreenRule, TheSmallerStepDecides)
     EXPECT_EQ(rs.mipTex, base->mip[2]);
 }
 
+TEST_F(ScreenRule, StepsAndLevelsAreComparedAsTheyWrap)
+{
+    clip(0, 0, 0, 0); // the choice alone
+    // A step of -2^31 keeps its sign, is the smaller, passes for two texels and more and fits the sixteenth octave.
+    corners(5, 3, 6, 4);
+    rs.uv0[0] = rs.uv1[0] = {0, 0};
+    rs.uv0[1] = {INT32_MIN, texels(40)};
+    rs.uv1[1] = {texels(40), INT32_MIN};
+    run(DrawRectGradRule_GEN_RULE_MIPMAP_TEST);
+    EXPECT_EQ(rs.mipFrac, 255);
+    EXPECT_EQ(rs.mipFrac1, 255);
+    EXPECT_EQ(rs.mipTex, base->mip[base->mipCount - 1]);
+    EXPECT_EQ(rs.mipTex1, second->mip[second->mipCount - 1]);
+    // Beyond the last octave: level 0 and the old weights, but levels all the same.
+    rs.mipFrac = 201, rs.mipFrac1 = 99;
+    rs.mipTex1 = nullptr;
+    rs.uv0[1] = rs.uv1[1] = {0x40000000, 0x50000000};
+    run(DrawRectGradRule_GEN_RULE_MIPMAP_TEST);
+    EXPECT_EQ(rs.mipFrac, 201);
+    EXPECT_EQ(rs.mipFrac1, 99);
+    EXPECT_EQ(rs.mipTex, base->mip[1]);
+    EXPECT_EQ(rs.mipTex1, second->mip[1]);
+    // Levels are limited by one less than their count, unsigned: no count limits nothing.
+    const uint32_t count = base->mipCount;
+    rs.uv0[1] = {texels(9), texels(8)};
+    base->mipCount = 0;
+    run(DrawRectGradRule_GEN_RULE_MIPMAP_TEST);
+    base->mipCount = count;
+    EXPECT_EQ(rs.mipTex, base->mip[4]);
+}
+
 TEST_F(ScreenRule, AVanishingSizeReturnsAtOnce)
 {
     for (const auto &[x, y] : {std::pair{5, 27}, {53, 3}}) {
