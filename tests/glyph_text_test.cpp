@@ -242,6 +242,28 @@ TEST(GlyphText, ItalicLeansToTheRight)
     EXPECT_GT(left, 2u) << "the top of the stem";
 }
 
+TEST(GlyphText, TheCharacterSetIsJapaneseWhateverTheFontIs)
+{
+    for (const char *name : {"VL Gothic", "VL PGothic", ""}) {
+        for (const int32_t height : {-24, 24, 0}) {
+            for (const int32_t weight : {0, 400, 700}) {
+                for (const uint8_t italic : {0, 1, 255}) {
+                    const Face face{.name = name, .height = height, .weight = weight, .italic = italic};
+                    for (const Format format : {Format::Mono, Format::Grey4, Format::Grey16, Format::Grey64}) {
+                        const Drawn kana = drawGlyph(kanaA, format, face);
+                        EXPECT_GT(kana.size, 0u) << name << ' ' << height << ' ' << weight << ' ' << int{italic};
+                        EXPECT_NE(kana, drawGlyph(0, format, face)) << "the box of missing glyphs: " << name;
+                        EXPECT_NE(kana, drawGlyph(kanjiOne, format, face)) << name;
+                        EXPECT_NE(kana, drawGlyph(0x82A2, format, face)) << name; // the next kana
+                    }
+                    EXPECT_TRUE(platformSource().isLeadByte(0x82));
+                    EXPECT_FALSE(platformSource().isLeadByte(0xB1));
+                }
+            }
+        }
+    }
+}
+
 TEST(GlyphText, UnknownFaceFallsBack)
 {
     for (const char *name : {"", "No Face Has This Name", "\x88\xEA", "\xFF\xFE"}) {
