@@ -785,17 +785,22 @@ TEST_F(RectangleForms, FilterFivesZeroCentreInTheSecondTextureLetsTheMixGoOn)
 
 TEST_F(RectangleForms, FilterFiveHalvesNegativePositionsTowardZero)
 {
-    for (int rectOpt : {1, 2}) {
-        const Modes m{.filter = 5, .rectOpt = rectOpt, .shahei = 1};
-        prepare(m);
-        spread(rectOpt, rs.uv0, {-texels(12) + 0x1234, -texels(6) + 0x4321}, texels(24), texels(12));
-        draw(m);
-        expectPicture(m, [&](int x, int y) {
-            const int32_t pu = ((-texels(12) + 0x1234) >> 1) + texels(12) / 8 * x,
-                          pv = ((-texels(6) + 0x4321) >> 1) + texels(6) / 4 * y;
-            return levels::mix3(levels::bilinear(*base->mip[1], pu, pv, false),
-                                levels::bilinearBelow(*base->mip[2], pu, pv, false), frac);
-        });
+    struct Form {
+        int rectOpt, shahei;
+    };
+    for (const Form form : {Form{1, 0}, Form{1, 1}, Form{2, 1}}) {
+        // -1 is the last that is halved to 0
+        for (const TexCoord start : {TexCoord{-texels(12) + 0x1234, -texels(6) + 0x4321}, TexCoord{-2, -2}}) {
+            const Modes m{.filter = 5, .rectOpt = form.rectOpt, .shahei = form.shahei};
+            prepare(m);
+            spread(form.rectOpt, rs.uv0, start, texels(24), texels(12));
+            draw(m);
+            expectPicture(m, [&](int x, int y) {
+                const int32_t pu = (start.u >> 1) + texels(12) / 8 * x, pv = (start.v >> 1) + texels(6) / 4 * y;
+                return levels::mix3(levels::bilinear(*base->mip[1], pu, pv, false),
+                                    levels::bilinearBelow(*base->mip[2], pu, pv, false), frac);
+            });
+        }
     }
 }
 

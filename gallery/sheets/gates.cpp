@@ -47,7 +47,7 @@ void stipples(Sheet &sheet)
     for (const long index : {0, 7, 15, 31, 63, 95, 111, 127, 159, 191, 223, 255})
         stippled(index, std::to_string(index) + (index ? ": " + std::to_string(index + 1) + " of 256 pixels" : ": none"));
     stippled(256, "256: all");
-    stippled(257, "257: chessboard");
+    stippled(257, "257: checkerboard");
     stippled(258, "258: odd columns");
     stippled(259, "259: even rows");
     stippled(260, "260: odd columns of even rows");

@@ -58,7 +58,8 @@ typedef struct RenderState {
 
     uint32_t color[4];  /* ARGB: [0] the flat colour and that of multi 2; all four the corner colours of filter 7 and multi 1 */
     /* A rectangle has opposite corners in [0], [1], a line its ends there, a triangle uses [0..2]; [3] is never read. Texture
-     * positions follow their vertices: reversed corners do not mirror a picture. */
+     * positions belong to their vertices: corners that are exchanged alone mirror the picture (rect options 1, 2), together with
+     * their positions they leave it as it is. */
     Vertex vertex[4];
     /* Coordinates of tex0. Rectangles: unit scale reads [0] (whole texels only, except under filter 1); stretched [0], [1];
      * four corners top left, top right, bottom left, bottom right. Triangles [0..2]. */
@@ -154,8 +155,8 @@ __declspec(dllimport) extern RenderState rs;
 NINEFOLD_API extern RenderState rs;
 #endif
 
-/* Start-up: call the four Make... functions once, in any order, before the first draw. All but MakeDrawMaskTable may run again.
- * They return nothing and cannot fail. There is nothing to shut down. */
+/* Start-up: call the four Make... functions once, in any order, before the first draw. To call one again does what the
+ * first call did. They return nothing and cannot fail. There is nothing to shut down. */
 NINEFOLD_API void MakeUVLShiftTable(void);       /* without it perspective triangles lose precision */
 NINEFOLD_API void MakeShaheiRunlengthTbl(void);  /* fills the table of GetShaheiTable */
 NINEFOLD_API void MakeDrawFuncTable(void);       /* without it SearchDrawFunc finds nothing; chooses the instruction set too */
@@ -218,7 +219,7 @@ NINEFOLD_API void SetBlendModeMulti(long value);
 NINEFOLD_API void SetPrescaleMultiMode(long mode);
 
 /* Copies a stipple to drawMask. 0 draws nothing, n (1 to 255) draws n + 1 pixels of each 16 by 16 cell; 256 all, 257
- * chessboard, 258 odd columns, 259 even rows, 260 odd columns of even rows, 261 all odd rows and odd columns. Above 261: no
+ * checkerboard, 258 odd columns, 259 even rows, 260 odd columns of even rows, 261 all odd rows and odd columns. Above 261: no
  * change. Must not be negative. 1 to 255 come from MakeDrawMaskTable. */
 NINEFOLD_API void SetPresetDrawMask(long index);
 

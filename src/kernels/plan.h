@@ -93,6 +93,7 @@ constexpr int fusedIndex(const Plan& p)
                                 : fusedIndex(spanFetches, p.fetch, p.prescale, p.gate, p.blend);
 }
 
+static_assert(frontCount <= 512 && int(Second::count) <= 32 && backCount <= 256 && int(Marks::count) <= 4);
 constexpr PartIds partIds(const Plan& p)
 {
     return {uint64_t(fusedIndex(p)) << 32 | uint32_t(frontIndex(p.fetch, p.rule, p.gate)) | uint32_t(p.second) << 9 |

@@ -30,7 +30,7 @@ struct RowPair {
 
 constexpr RowPair patterns[] = {
     {0x0000, 0x0000}, // 256: everything
-    {0xAAAA, 0x5555}, // 257: chessboard
+    {0xAAAA, 0x5555}, // 257: checkerboard
     {0xAAAA, 0xAAAA}, // 258: odd columns
     {0x0000, 0xFFFF}, // 259: even rows
     {0xAAAA, 0xFFFF}, // 260: odd columns of even rows

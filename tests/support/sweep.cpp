@@ -1,5 +1,6 @@
 #include "sweep.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -7,6 +8,7 @@
 #include <memory>
 
 #include "check.h"
+#include "numbers.h"
 #include "workers.h"
 
 namespace support {
@@ -114,21 +116,23 @@ std::string tableByAxis(const std::vector<Subject> &tried, const std::vector<Sub
 
 uint32_t scenesWanted(uint32_t otherwise)
 {
-    const char *text = std::getenv("NINEFOLD_SCENES");
-    return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
+    return static_cast<uint32_t>(numberOfVariable("NINEFOLD_SCENES", otherwise, 1, mostScenes));
 }
 
 uint64_t seedWanted()
 {
-    const char *text = std::getenv("NINEFOLD_SEED");
-    return text != nullptr ? std::strtoull(text, nullptr, 10) : 1;
+    return numberOfVariable("NINEFOLD_SEED", 1, 0, UINT64_MAX);
 }
 
 bool inShare(size_t index)
 {
-    const char *text = std::getenv("NINEFOLD_SHARE");
-    unsigned part = 0, parts = 1;
-    return text == nullptr || std::sscanf(text, "%u/%u", &part, &parts) != 2 || parts == 0 || index % parts == part % parts;
+    const char *const text = std::getenv("NINEFOLD_SHARE");
+    if (text == nullptr)
+        return true;
+    const std::string share = text;
+    const size_t slash = std::min(share.find('/'), share.size() - 1);
+    const uint64_t parts = numberFrom(share.substr(slash + 1).c_str(), "NINEFOLD_SHARE, after /", 1, 1000);
+    return index % parts == numberFrom(share.substr(0, slash).c_str(), "NINEFOLD_SHARE, before /", 0, parts) % parts;
 }
 
 std::vector<Subject> sharedCatalogue()

@@ -32,6 +32,7 @@ std::string tableByAxis(const std::vector<Subject> &tried, const std::vector<Sub
 
 // A sweep as the environment asks for it: NINEFOLD_SCENES scenes from NINEFOLD_SEED; of the codes every nth, from the kth on, for
 // NINEFOLD_SHARE=k/n.
+constexpr uint64_t mostScenes = 10000000;
 uint32_t scenesWanted(uint32_t otherwise);
 uint64_t seedWanted();
 bool inShare(size_t index);

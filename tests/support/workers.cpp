@@ -1,5 +1,7 @@
 #include "workers.h"
 
+#include "numbers.h"
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -232,8 +234,7 @@ void Workers::run(const std::function<void()> &begin, const Job &job,
 
 unsigned processCount()
 {
-    const char *jobs = std::getenv("NINEFOLD_JOBS");
-    const unsigned wanted = jobs != nullptr ? static_cast<unsigned>(std::atoi(jobs)) : std::thread::hardware_concurrency();
+    const auto wanted = static_cast<unsigned>(numberOfVariable("NINEFOLD_JOBS", std::thread::hardware_concurrency(), 1, 1000));
     return std::clamp(wanted, 1u, processLimit);
 }
 

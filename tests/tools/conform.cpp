@@ -7,33 +7,56 @@
 // --stop: at the first failure.
 #include "support/check.h"
 #include "support/exports.h"
+#include "support/numbers.h"
 #include "support/sweep.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
 
 using namespace support;
+
+namespace {
+
+bool areKinds(const std::string &list)
+{
+    std::istringstream names(list + ",");
+    for (std::string name; std::getline(names, name, ',');) {
+        int kind = 0;
+        while (kind < kindCount && name != kindName(static_cast<Kind>(kind)))
+            ++kind;
+        if (kind == kindCount)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
 
 int main(int count, char **arguments)
 {
     uint32_t scenes = scenesWanted(60);
     uint64_t seed = seedWanted();
     std::string kinds = "plain,big,overlap,guard";
-    bool stop = false;
+    bool stop = false, known = true;
     for (int i = 1; i < count; ++i) {
         const auto is = [&](const char *option) { return std::strcmp(arguments[i], option) == 0; };
         const bool valued = i + 1 < count;
         if (is("--stop")) {
             stop = true;
         } else if (is("--scenes") && valued) {
-            scenes = static_cast<uint32_t>(std::strtoul(arguments[++i], nullptr, 10));
+            scenes = static_cast<uint32_t>(numberFrom(arguments[++i], "--scenes", 1, mostScenes));
         } else if (is("--seed") && valued) {
-            seed = std::strtoull(arguments[++i], nullptr, 10);
+            seed = numberFrom(arguments[++i], "--seed", 0, UINT64_MAX);
         } else if (is("--kinds") && valued) {
             kinds = arguments[++i];
+            known = areKinds(kinds);
         } else {
+            known = false;
+        }
+        if (!known) {
             std::puts("conform [--scenes N] [--seed N] [--kinds plain,big,overlap,guard,offset,large] [--stop]");
             return 2;
         }

@@ -76,7 +76,7 @@ void driveRect(DrawFunc mipKernel, DrawFunc directKernel, Density&& densityOf)
         return a < b ? a : b;
     };
     const int32_t density = smaller(rs.uv0);
-    if (directKernel && (uint32_t(density) & 0xFFFF0000u) <= 0x10000u)
+    if ((uint32_t(density) & 0xFFFF0000u) <= 0x10000u)
         directKernel();
     else
         drawFromLevels(mipKernel, 4, density, smaller);
@@ -116,7 +116,7 @@ void drawMipPolygon(DrawFunc mipKernel, DrawFunc directKernel)
     };
     const int32_t density = densityOf(rs.uv0);
     rs.mipRatio = density;
-    if (directKernel && density <= 0x10000)
+    if (density <= 0x10000)
         directKernel();
     else
         drawFromLevels(mipKernel, 3, density, densityOf);

@@ -370,7 +370,8 @@ void drawRect(PartIds ids)
             s.plane += pitch >> 4;
             if constexpr (f == Frame::rectMapped)
                 s.zeroMap += pitch >> 4;
-            s.v2.start += ruleStepV;
+            if constexpr (rule)
+                s.v2.start += ruleStepV;
         }
         walk0.nextRow(box, s);
         if constexpr (hasSecond(multi))

@@ -618,7 +618,7 @@ struct RuleRow {
     __attribute__((always_inline)) const u32* direct(int n) const
     {
         const u32 column = (window.position >> 16) & window.mask;
-        const bool fits = window.unit && n > 0 && i32(window.position) >= 0 && window.position + (u64(n) << 16) < 0x80000000 &&
+        const bool fits = window.unit && n > 0 && window.position + (u64(n) << 16) < 0x80000000 &&
                           window.mask - column >= u32(n - 1) / lanes * lanes + (lanes - 1);
         return fits ? window.row + column : nullptr;
     }
