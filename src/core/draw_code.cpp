@@ -34,8 +34,8 @@ DrawFunc cachedFunc;
     multi = (multi & ~noMulti) | (noMulti & 3);
     pers &= ~noPers;
     // Values too wide for their field spill to the left.
-    return pers << 27 | rule << 26 | prescale << 25 | filter << 21 | rectOpt << 18 | shahei << 15 | blend << 10 | multi << 8 | shape |
-           0x68;
+    return pers << 27 | rule << 26 | prescale << 25 | filter << 21 | rectOpt << 18 | shahei << 15 | blend << 10 | multi << 8 |
+           shape | 0x68;
 }
 
 uint32_t hashOf(uint32_t code)

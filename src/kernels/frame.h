@@ -208,7 +208,8 @@ private:
             return;
         const int begin = int(s.x & 15), end = begin + n;
         uint16_t *const firstWord = s.plane, *const lastWord = s.plane + ((end - 1) >> 4);
-        const uint16_t firstMask = uint16_t(0xFFFF0000u >> begin), lastMask = end & 15 ? uint16_t(0xFFFF >> (end & 15)) : uint16_t(0);
+        const uint16_t firstMask = uint16_t(0xFFFF0000u >> begin);
+        const uint16_t lastMask = end & 15 ? uint16_t(0xFFFF >> (end & 15)) : uint16_t(0);
         const uint16_t firstSaved = *firstWord;
         *firstWord |= firstMask;
         const uint16_t lastSaved = *lastWord;

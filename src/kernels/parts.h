@@ -114,7 +114,8 @@ struct FusedFetch {
 };
 constexpr FusedFetch blockFetches[] = {
     {Fetch::unit},       {Fetch::pointRow},       {Fetch::bilinearRow3},       {Fetch::bilinearRow4},       {Fetch::flat},
-    {Fetch::unit, true}, {Fetch::pointRow, true}, {Fetch::bilinearRow3, true}, {Fetch::bilinearRow4, true}, {Fetch::mipBilinearRow}};
+    {Fetch::unit, true}, {Fetch::pointRow, true}, {Fetch::bilinearRow3, true}, {Fetch::bilinearRow4, true},
+    {Fetch::mipBilinearRow}};
 constexpr FusedFetch spanFetches[] = {
     {Fetch::run},     {Fetch::point},   {Fetch::bilinear3}, {Fetch::bilinear4},     {Fetch::flat},
     {Fetch::gouraud}, {Fetch::stipple}, {Fetch::pointPers}, {Fetch::bilinearPers3}, {Fetch::bilinearPers4}};

@@ -80,8 +80,8 @@ void fillTriangle(SpanOperation&& fill)
     const uint32_t top[1] = {uint32_t(o.xT) << 16}, mid[1] = {uint32_t(o.xM) << 16}, bot[1] = {uint32_t(o.xB) << 16};
     scan<1>(o, top, mid, bot, [&](Edge<1>& left, Edge<1>& right, int32_t& row, int32_t rows) {
         if (rs.clipTop > row) {
-            // The jump goes by clipLeft, not by clipTop. It is a slip that is kept: it may go up. Past the end of the trapezoid nothing
-            // is drawn, so its height serves as the limit of single ones too.
+            // The jump goes by clipLeft, not by clipTop. It is a slip that is kept: it may go up. Past the end of the trapezoid
+            // nothing is drawn, so its height serves as the limit of single ones too.
             const int32_t slip = rs.clipLeft - row, jump = rows < slip ? rows : slip;
             row += jump, rows -= jump;
             left.advance(uint32_t(jump)), right.advance(uint32_t(jump));

@@ -158,7 +158,10 @@ struct Run : Untested {
         : at(s.run + first), end(s.tex0.pixels + (size_t(s.tex0.maskV + 1) << s.tex0.shift))
     {
     }
-    __attribute__((always_inline)) const u32* direct(int n) const { return end - at >= (n + lanes - 1) / lanes * lanes ? at : nullptr; }
+    __attribute__((always_inline)) const u32* direct(int n) const
+    {
+        return end - at >= (n + lanes - 1) / lanes * lanes ? at : nullptr;
+    }
     __attribute__((always_inline)) V get(int left, V& key) const
     {
         return key = left >= lanes ? load(at) : loadSome(at, left);
@@ -577,7 +580,8 @@ struct MipBilinear : Tested {
             below = gather(next.pixels, shiftLeft(whole(half(v) + taps.moveV) & next.maskV, next.shift) + column);
         else
             below = gather(next.pixels, row2 + column);
-        const Sums lower = triangle ? Sums::of(taps, centre, side, diagonal, below) : Sums::of(taps, centre, side, below, diagonal);
+        const Sums lower =
+            triangle ? Sums::of(taps, centre, side, diagonal, below) : Sums::of(taps, centre, side, below, diagonal);
         const V other = 255u - weight;
         if constexpr (t == 0) {
             return mixWide(lower.three(), upper.three(), weight, other);

@@ -43,7 +43,10 @@ template <class Fetcher, int blend>
 struct Faded : Fetcher {
     using Fetcher::Fetcher;
     u32 factor = rs.prescale;
-    __attribute__((always_inline)) V get(int left, V& key) const { return prescaled<blend, false>(Fetcher::get(left, key), factor); }
+    __attribute__((always_inline)) V get(int left, V& key) const
+    {
+        return prescaled<blend, false>(Fetcher::get(left, key), factor);
+    }
 };
 template <class Fetcher, bool prescale, int blend>
 using Fading = std::conditional_t<prescale, Faded<Fetcher, blend>, Fetcher>;
@@ -419,7 +422,8 @@ void block(const Span& span, const Rows& rows)
     const BlendFactors factors;
     Span s; // what changes or is read per row, kept where it can stay in registers
     s.dst = span.dst, s.x = span.x, s.z = span.z;
-    s.tex0.pixels = span.tex0.pixels, s.tex0.maskU = span.tex0.maskU, s.tex0.maskV = span.tex0.maskV, s.tex0.shift = span.tex0.shift;
+    s.tex0.pixels = span.tex0.pixels, s.tex0.maskU = span.tex0.maskU;
+    s.tex0.maskV = span.tex0.maskV, s.tex0.shift = span.tex0.shift;
     s.u0.start = span.u0.start, s.u0.step = span.u0.step, s.v0.start = span.v0.start, s.v0.step = 0;
     u32 maskRow = rows.maskRow;
     for (int row = rows.count; row > 0; --row) {

@@ -75,7 +75,8 @@ constinit const SetTable set = {
     .alike =
         {
             {nullptr, refusedByGate<Gate::plane>, refusedByGate<Gate::z>, nullptr, refusedByGate<Gate::zMask>},
-            {alikeByRule<Rule::row>, refusedByGate<Gate::plane>, alikeByRule<Rule::row>, alikeByRule<Rule::row>, alikeByRule<Rule::row>},
+            {alikeByRule<Rule::row>, refusedByGate<Gate::plane>, alikeByRule<Rule::row>, alikeByRule<Rule::row>,
+             alikeByRule<Rule::row>},
             {alikeByRule<Rule::free>, refusedByGate<Gate::plane>, alikeByRule<Rule::free>, alikeByRule<Rule::free>,
              alikeByRule<Rule::free>},
         },
