@@ -18,27 +18,27 @@ constexpr int frameSize = 1024; // the frame buffer is square
 // What a texture holds. All are noise; only peers that want premultiplied sources read a copy.
 enum class Content : uint8_t {
     opaque, // alpha 255
-    key,    // 30 % of the words are 0, the rest has alpha 255
+    key, // 30 % of the words are 0, the rest has alpha 255
     sprite, // 30 % zeros, 20 % alpha 255 or 0, the rest all alphas
-    soft,   // alphas 1 to 254
+    soft, // alphas 1 to 254
     sparse, // 70 % zeros, in runs
     count
 };
 
 // What is drawn. The primitive's fields are those that the library reads for it; peers translate.
 enum class Kind : uint8_t {
-    fill,      // rectangle vertex[0..1] of color[0]
-    blit,      // unit scale from the whole texel uv[0]
-    stretch,   // uv[0] to uv[1] over the rectangle
-    corners,   // uv[0..3] at the corners top left, top right, bottom left, bottom right; affine
-    table,     // rows of a line table, a floor in perspective
-    triangle,  // vertex[0..2] at uv[0..2]
+    fill, // rectangle vertex[0..1] of color[0]
+    blit, // unit scale from the whole texel uv[0]
+    stretch, // uv[0] to uv[1] over the rectangle
+    corners, // uv[0..3] at the corners top left, top right, bottom left, bottom right; affine
+    table, // rows of a line table, a floor in perspective
+    triangle, // vertex[0..2] at uv[0..2]
     perspective, // a rectangle as two triangles in perspective, depths in vertex[].z; corners as above
     flatTriangle,
     gouraudTriangle, // color[0..2]
-    gouraudRect,     // color[0..3] at the corners
-    line,            // vertex[0] to vertex[1] of color[0]
-    other            // the job brings its contenders itself
+    gouraudRect, // color[0..3] at the corners
+    line, // vertex[0] to vertex[1] of color[0]
+    other // the job brings its contenders itself
 };
 
 enum Blend : uint8_t { // the library's blend axis
@@ -77,13 +77,13 @@ struct Work {
     Content content = Content::sprite;
     int textureSize = frameSize;
     std::vector<Primitive> primitives; // drawn in turn; their number is a power of two
-    std::vector<Map> maps;             // of each primitive, where textured
+    std::vector<Map> maps; // of each primitive, where textured
 };
 
 enum class Role : uint8_t {
-    memcpy,    // the same bytes copied
-    ours,      // one of the library's instruction sets
-    scalar,    // the same kernel as a plain loop
+    memcpy, // the same bytes copied
+    ours, // one of the library's instruction sets
+    scalar, // the same kernel as a plain loop
     yardstick, // something else of ours or of the language that the job is to be measured by
     peer,
     less // a peer that leaves work out: shown, not a rival
@@ -92,10 +92,10 @@ enum class Role : uint8_t {
 struct Contender {
     std::string name;
     Role role;
-    std::string note;                    // where the work is only near, in what
-    std::function<void()> prepare;       // untimed, before each of its turns; may be empty
+    std::string note; // where the work is only near, in what
+    std::function<void()> prepare; // untimed, before each of its turns; may be empty
     std::function<void(long calls)> run; // timed; when it returns all pixels are in the frame buffer
-    double patience = 1;                 // how much longer its turns are, so that what each costs at its end is spread
+    double patience = 1; // how much longer its turns are, so that what each costs at its end is spread
 };
 using Contenders = std::vector<Contender>;
 
@@ -103,20 +103,20 @@ struct Job {
     std::string name;
     std::string note; // on the library's way of doing it
     Work work;
-    double pixels = 0;         // drawn per call, on average
-    bool perCall = false;      // report nanoseconds per call instead of per pixel
+    double pixels = 0; // drawn per call, on average
+    bool perCall = false; // report nanoseconds per call instead of per pixel
     const char *unit = nullptr; // what a pixel is called, if it is none
-    double goal = 1;           // at most this ratio to the best peer, or to the yardstick where there is one; 0: none
-    double scalarGoal = 1;     // the same to the scalar loop
-    double budget = 0;         // nanoseconds of a call, as the yardstick
-    ninefold::Axes axes{};     // of the library's kernel
+    double goal = 1; // at most this ratio to the best peer, or to the yardstick where there is one; 0: none
+    double scalarGoal = 1; // the same to the scalar loop
+    double budget = 0; // nanoseconds of a call, as the yardstick
+    ninefold::Axes axes{}; // of the library's kernel
     DrawFunc kernel = nullptr; // in place of one with a draw code
     DrawFunc scalar = nullptr;
-    std::function<void()> setup;           // what rs needs beyond prepareState
+    std::function<void()> setup; // what rs needs beyond prepareState
     std::function<void(Contenders &)> more; // contenders beside the common ones
-    bool ownOnly = false;                  // no peer has it
-    bool refused = false;                  // draws nothing, which is the point
-    std::vector<double> samples;           // nanoseconds of a call, taken before; in place of contenders
+    bool ownOnly = false; // no peer has it
+    bool refused = false; // draws nothing, which is the point
+    std::vector<double> samples; // nanoseconds of a call, taken before; in place of contenders
 
     const char *unitName() const { return unit ? unit : perCall ? "call" : "pixel"; }
 };
@@ -129,7 +129,11 @@ template <class Draw, class Finish>
 Contender contender(std::string name, Role role, std::string note, const Work &work, Draw draw, Finish finish)
 {
     const long mask = long(work.primitives.empty() ? 1 : work.primitives.size()) - 1;
-    return {std::move(name), role, std::move(note), {}, [draw, finish, mask](long calls) {
+    return {std::move(name),
+            role,
+            std::move(note),
+            {},
+            [draw, finish, mask](long calls) {
                 for (long i = 0; i < calls; ++i)
                     draw(size_t(i & mask));
                 finish();

@@ -75,7 +75,9 @@ void prepareFor(const Axes &axes)
     // 0.75 texels a pixel, 2.5 where there are levels to choose.
     const bool levels = axes.filter >= 2 && axes.filter <= 5;
     const int32_t across = int32_t((levels ? 2.5 : 0.75) * cell * 65536);
-    const TexCoord corner[4] = {{3 << 16, 5 << 16}, {(3 << 16) + across, 9 << 16}, {7 << 16, (5 << 16) + across},
+    const TexCoord corner[4] = {{3 << 16, 5 << 16},
+                                {(3 << 16) + across, 9 << 16},
+                                {7 << 16, (5 << 16) + across},
                                 {(3 << 16) + across, (5 << 16) + across}};
     for (int i = 0; i < 4; ++i) {
         const bool diagonal = axes.shape == 1 && axes.rectOpt != 2;
@@ -100,23 +102,22 @@ double timed(const Code &code)
         all.resize(cells);
         return all;
     }();
-    Contender draws{"", Role::ours, "", {}, [&](long calls) {
-                        for (long i = 0; i < calls; ++i) {
-                            const int x = places[size_t(i)] % (frameSize / cell) * cell,
-                                      y = places[size_t(i)] / (frameSize / cell) * cell;
-                            if (code.axes.shape == 1) {
-                                rs.vertex[0] = {x, y, 0}, rs.vertex[1] = {x + cell, y + cell, 0};
-                                if (code.axes.rectOpt == 6)
-                                    rs.uv0[0] = {x << 16, y << 16};
-                            } else if (code.axes.shape == 2) {
-                                rs.vertex[0] = {x, y, 1000}, rs.vertex[1] = {x + 63, y + 13, 1400},
-                                rs.vertex[2] = {x + 8, y + 63, 2000};
-                            } else {
-                                rs.vertex[0] = {x, y + 10, 0}, rs.vertex[1] = {x + 63, y + 50, 0};
-                            }
-                            code.kernel();
-                        }
-                    }};
+    Contender draws{
+        "", Role::ours, "", {}, [&](long calls) {
+            for (long i = 0; i < calls; ++i) {
+                const int x = places[size_t(i)] % (frameSize / cell) * cell, y = places[size_t(i)] / (frameSize / cell) * cell;
+                if (code.axes.shape == 1) {
+                    rs.vertex[0] = {x, y, 0}, rs.vertex[1] = {x + cell, y + cell, 0};
+                    if (code.axes.rectOpt == 6)
+                        rs.uv0[0] = {x << 16, y << 16};
+                } else if (code.axes.shape == 2) {
+                    rs.vertex[0] = {x, y, 1000}, rs.vertex[1] = {x + 63, y + 13, 1400}, rs.vertex[2] = {x + 8, y + 63, 2000};
+                } else {
+                    rs.vertex[0] = {x, y + 10, 0}, rs.vertex[1] = {x + 63, y + 50, 0};
+                }
+                code.kernel();
+            }
+        }};
     return secondsOf(draws, cells) * 1e9 / cells;
 }
 

@@ -2,7 +2,6 @@
 
 #include "scene.h"
 
-
 namespace bench {
 
 ninefold::Axes axesOf(int shape, int rectOpt, int filter, Blend blend)

@@ -18,8 +18,8 @@ std::vector<Primitive> rectangles(int count, int width, int height, int textureS
 Job rectangleJob(const std::string &name, Kind kind, const ninefold::Axes &axes, Content content, int size, double scale = 1);
 
 void addSpriteJobs(std::vector<Job> &jobs); // unit scale and stretched rectangles
-void addShapeJobs(std::vector<Job> &jobs);  // quads, triangles, lines, colours
-void addOwnJobs(std::vector<Job> &jobs);    // what no peer has, against yardsticks
+void addShapeJobs(std::vector<Job> &jobs); // quads, triangles, lines, colours
+void addOwnJobs(std::vector<Job> &jobs); // what no peer has, against yardsticks
 void addGlyphJobs(std::vector<Job> &jobs);
 
 } // namespace bench

@@ -116,14 +116,14 @@ void addFreeType(const Font &font, bool rimmed, Contenders &contenders)
     if (!held->face)
         return;
     FT_Set_Pixel_Sizes(held->face, 0, FT_UInt(font.em));
-    contenders.push_back({"freetype", rimmed ? Role::less : Role::peer, rimmed ? "face held open; no rim" : "face held open", {},
-                          [=](long calls) {
-                              for (long i = 0; i < calls; ++i) {
-                                  unsigned x = 0;
-                                  for (const FT_ULong character : characters)
-                                      draw(held->face, font, character, x);
-                              }
-                          }});
+    contenders.push_back(
+        {"freetype", rimmed ? Role::less : Role::peer, rimmed ? "face held open; no rim" : "face held open", {}, [=](long calls) {
+             for (long i = 0; i < calls; ++i) {
+                 unsigned x = 0;
+                 for (const FT_ULong character : characters)
+                     draw(held->face, font, character, x);
+             }
+         }});
 }
 
 } // namespace

@@ -18,7 +18,7 @@ namespace {
 
 using ninefold::Axes;
 
-volatile uint32_t sink;  // what yardsticks have read
+volatile uint32_t sink; // what yardsticks have read
 DrawFunc volatile found; // what look-ups have given
 
 // The shapes over the whole frame that gates and rules are tried on.
@@ -220,8 +220,8 @@ void addMip(std::vector<Job> &jobs)
         int shape, rectOpt, filter, plainFilter;
         int multi;
     };
-    constexpr Row rows[] = {{"mip.point.stretch", 1, 1, 2, 0, 3},     {"mip.point.mixed.stretch", 1, 1, 2, 0, 2},
-                            {"mip.bilinear.stretch", 1, 1, 5, 1, 3},  {"mip.point.triangles", 2, 7, 2, 0, 3},
+    constexpr Row rows[] = {{"mip.point.stretch", 1, 1, 2, 0, 3},         {"mip.point.mixed.stretch", 1, 1, 2, 0, 2},
+                            {"mip.bilinear.stretch", 1, 1, 5, 1, 3},      {"mip.point.triangles", 2, 7, 2, 0, 3},
                             {"mip.point.mixed.triangles", 2, 7, 2, 0, 2}, {"mip.bilinear.triangles", 2, 7, 5, 1, 3}};
     for (const Row &row : rows) {
         Job job = rectangleJob(row.name, row.shape == 2 ? Kind::corners : Kind::stretch,

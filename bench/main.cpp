@@ -51,9 +51,9 @@ int timeJobs(const std::vector<Job> &jobs, const Effort &effort)
     printHeading();
     for (const Job &job : jobs) {
         fillFrame();
-        std::vector<Measured> measured =
-            job.samples.empty() ? measure(contendersOf(job), effort)
-                                : std::vector<Measured>{{"ninefold/v1", job.note, Role::ours, job.samples}};
+        std::vector<Measured> measured = job.samples.empty()
+                                             ? measure(contendersOf(job), effort)
+                                             : std::vector<Measured>{{"ninefold/v1", job.note, Role::ours, job.samples}};
         if (job.budget > 0)
             measured.push_back({"budget", "", Role::yardstick, std::vector<double>(measured[0].nanoseconds.size(), job.budget)});
         rows.push_back({job, std::move(measured)});

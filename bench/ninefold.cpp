@@ -55,8 +55,7 @@ Contender storesOf(std::string name, Role role, const Work &work, bool triangles
     const auto corners = [](const Primitive &p) { rs.vertex[0] = p.vertex[0], rs.vertex[1] = p.vertex[1]; };
     switch (work.kind) {
     case Kind::fill:
-    case Kind::line:
-        return make([=](const Primitive &p) { corners(p), rs.color[0] = p.color[0]; });
+    case Kind::line: return make([=](const Primitive &p) { corners(p), rs.color[0] = p.color[0]; });
     case Kind::blit: return make([=](const Primitive &p) { corners(p), rs.uv0[0] = p.uv[0]; });
     case Kind::stretch: return make([=](const Primitive &p) { corners(p), rs.uv0[0] = p.uv[0], rs.uv0[1] = p.uv[1]; });
     case Kind::corners:
@@ -130,7 +129,7 @@ void prepareState(const Work &work)
 
 void addOurs(const Job &job, Contenders &contenders)
 {
-    const DrawFunc kernel = job.kernel                    ? job.kernel
+    const DrawFunc kernel = job.kernel                   ? job.kernel
                             : ninefold::exists(job.axes) ? SearchDrawFunc(ninefold::codeOf(job.axes))
                                                          : nullptr;
     for (int set = 0; kernel && set < ninefold::setCount; ++set) {

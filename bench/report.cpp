@@ -65,10 +65,7 @@ std::string escaped(const std::string &text, bool quoted)
 {
     std::string result;
     for (char c : text)
-        result += quoted ? c == '"' ? "\"\"" : std::string(1, c)
-                  : c == '<' ? "&lt;"
-                  : c == '&' ? "&amp;"
-                             : std::string(1, c);
+        result += quoted ? c == '"' ? "\"\"" : std::string(1, c) : c == '<' ? "&lt;" : c == '&' ? "&amp;" : std::string(1, c);
     return result;
 }
 

@@ -13,7 +13,7 @@ struct Row {
 
     const Measured *find(Role role, const std::string &name = {}) const;
     const Measured *best(Role role) const;
-    const Measured *ours() const;  // the best set that the machine has
+    const Measured *ours() const; // the best set that the machine has
     const Measured *rival() const; // what `goal` is measured by: the best peer, or the yardstick
     double unit(const Measured &measured) const; // nanoseconds per pixel or per call
 };

@@ -10,14 +10,30 @@ namespace {
 
 using ninefold::ops::opConstAlpha;
 
-struct Copy { uint32_t operator()(uint32_t, uint32_t s) const { return s; } };
-struct Alpha { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAlpha(d, s); } };
-struct ConstAlpha { uint32_t operator()(uint32_t d, uint32_t s) const { return opConstAlpha(d, s, rs.blendAlpha); } };
-struct AlphaFast { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAlphaFast(d, s); } };
-struct Add { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAdd(d, s); } };
-struct Mul { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opMul(d, s); } };
-struct Screen { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opScreen(d, s); } };
-struct Overlay { uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opOverlay(d, s); } };
+struct Copy {
+    uint32_t operator()(uint32_t, uint32_t s) const { return s; }
+};
+struct Alpha {
+    uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAlpha(d, s); }
+};
+struct ConstAlpha {
+    uint32_t operator()(uint32_t d, uint32_t s) const { return opConstAlpha(d, s, rs.blendAlpha); }
+};
+struct AlphaFast {
+    uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAlphaFast(d, s); }
+};
+struct Add {
+    uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opAdd(d, s); }
+};
+struct Mul {
+    uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opMul(d, s); }
+};
+struct Screen {
+    uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opScreen(d, s); }
+};
+struct Overlay {
+    uint32_t operator()(uint32_t d, uint32_t s) const { return ninefold::ops::opOverlay(d, s); }
+};
 
 // The corners in order and what the clip cuts off; false if nothing is left.
 struct Box {
@@ -232,7 +248,10 @@ template <bool bilinear, bool fourChannels, class Blend>
     const Texture &texture = *rs.tex0;
     const uint32_t maskU = texture.width - 1, maskV = texture.height - 1, shift = texture.log2Width;
     triangle<2>(
-        0x8000, [](int i) { return Attributes<2>{{uint32_t(rs.uv0[i].u), uint32_t(rs.uv0[i].v)}}; },
+        0x8000,
+        [](int i) {
+            return Attributes<2>{{uint32_t(rs.uv0[i].u), uint32_t(rs.uv0[i].v)}};
+        },
         [&](uint32_t *d, const Attributes<2> &a) {
             uint32_t texel = texture.pixels[((a.value[1] >> 16 & maskV) << shift) + (a.value[0] >> 16 & maskU)];
             if (!texel)
@@ -302,9 +321,7 @@ void flatLine()
 {
     const int x0 = rs.vertex[0].x + rs.originX, x1 = rs.vertex[1].x + rs.originX;
     const int y0 = rs.vertex[0].y + rs.originY, y1 = rs.vertex[1].y + rs.originY;
-    const auto inside = [](int x, int y) {
-        return x >= rs.clipLeft && y >= rs.clipTop && x < rs.clipRight && y < rs.clipBottom;
-    };
+    const auto inside = [](int x, int y) { return x >= rs.clipLeft && y >= rs.clipTop && x < rs.clipRight && y < rs.clipBottom; };
     if (!inside(x0, y0) || !inside(x1, y1))
         return;
     const int lengthX = std::abs(x1 - x0) + 1, lengthY = std::abs(y1 - y0) + 1;

@@ -10,10 +10,7 @@ namespace {
 
 std::string pictureFolder;
 
-std::string pathOf(const std::string &name)
-{
-    return pictureFolder + "/" + name + ".bmp";
-}
+std::string pathOf(const std::string &name) { return pictureFolder + "/" + name + ".bmp"; }
 
 TexturePtr checked(Texture *texture, const std::string &name)
 {
@@ -34,15 +31,9 @@ void startUp()
     MakeDrawFuncTable();
 }
 
-void setPictureFolder(std::string folder)
-{
-    pictureFolder = std::move(folder);
-}
+void setPictureFolder(std::string folder) { pictureFolder = std::move(folder); }
 
-TexturePtr load(const std::string &name)
-{
-    return checked(LoadTexture(pathOf(name).data()), name);
-}
+TexturePtr load(const std::string &name) { return checked(LoadTexture(pathOf(name).data()), name); }
 
 TexturePtr loadKeyed(const std::string &name)
 {
@@ -102,20 +93,11 @@ void Canvas::use()
     SetBlendModeMulti(0);
 }
 
-bool Canvas::taken(int x, int y) const
-{
-    return shahei_[index(x, y) >> 4] >> (15 - (x & 15)) & 1;
-}
+bool Canvas::taken(int x, int y) const { return shahei_[index(x, y) >> 4] >> (15 - (x & 15)) & 1; }
 
-uint8_t Canvas::priority(int x, int y) const
-{
-    return priorities_[index(x, y)];
-}
+uint8_t Canvas::priority(int x, int y) const { return priorities_[index(x, y)]; }
 
-void Canvas::fillPriority(uint8_t value)
-{
-    std::fill(priorities_.begin(), priorities_.end(), value);
-}
+void Canvas::fillPriority(uint8_t value) { std::fill(priorities_.begin(), priorities_.end(), value); }
 
 void Canvas::paintShahei(const Canvas &from)
 {
@@ -131,10 +113,7 @@ void Canvas::paintPriorities(const Canvas &from)
             word(x, y) = 0xFF000000 | from.priority(x, y) * 0x10101u;
 }
 
-TexCoord texel(double u, double v)
-{
-    return {int32_t(std::lround(u * 65536)), int32_t(std::lround(v * 65536))};
-}
+TexCoord texel(double u, double v) { return {int32_t(std::lround(u * 65536)), int32_t(std::lround(v * 65536))}; }
 
 void corners(int x0, int y0, int x1, int y1)
 {

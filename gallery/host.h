@@ -77,10 +77,7 @@ private:
 
 // A position in texels.
 TexCoord texel(double u, double v);
-inline Vertex at(int x, int y, int z = 1)
-{
-    return {x, y, z};
-}
+inline Vertex at(int x, int y, int z = 1) { return {x, y, z}; }
 
 // rs.vertex[0..1], half open.
 void corners(int x0, int y0, int x1, int y1);

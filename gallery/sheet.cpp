@@ -82,19 +82,10 @@ constexpr SheetInfo sheets[] = {
 
 } // namespace
 
-int SheetInfo::width() const
-{
-    return columns * (cellWidth + gap) + gap;
-}
-int SheetInfo::height() const
-{
-    return rows * (cellHeight + gap) + gap;
-}
+int SheetInfo::width() const { return columns * (cellWidth + gap) + gap; }
+int SheetInfo::height() const { return rows * (cellHeight + gap) + gap; }
 
-std::span<const SheetInfo> allSheets()
-{
-    return sheets;
-}
+std::span<const SheetInfo> allSheets() { return sheets; }
 
 Sheet::Sheet(const SheetInfo &sheetInfo) : info(sheetInfo), rgb_(size_t(info.width()) * size_t(info.height()) * 3, paper) {}
 
@@ -103,10 +94,7 @@ void Sheet::add(const Canvas &canvas, const std::string &caption, const Modes &m
     place(canvas, {caption, describe(modes), codeOf(modes)});
 }
 
-void Sheet::add(const Canvas &canvas, const std::string &caption, const std::string &how)
-{
-    place(canvas, {caption, how, 0});
-}
+void Sheet::add(const Canvas &canvas, const std::string &caption, const std::string &how) { place(canvas, {caption, how, 0}); }
 
 void Sheet::place(const Canvas &canvas, Caption caption)
 {

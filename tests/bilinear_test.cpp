@@ -9,15 +9,9 @@ using namespace canvas;
 
 namespace {
 
-bool isFour(int blend)
-{
-    return blend == 1 || blend == 2 || blend == 4;
-}
+bool isFour(int blend) { return blend == 1 || blend == 2 || blend == 4; }
 
-bool isStippled(const Modes &m)
-{
-    return m.shape == 1 && (m.rectOpt == 2 || m.rectOpt == 3) && m.shahei != 1 && m.shahei != 2;
-}
+bool isStippled(const Modes &m) { return m.shape == 1 && (m.rectOpt == 2 || m.rectOpt == 3) && m.shahei != 1 && m.shahei != 2; }
 
 struct Weights {
     uint32_t centre, h, w, d;
@@ -641,4 +635,4 @@ TEST_F(SmallTextures, MixOnlyTheirOwnTexels)
         EXPECT_EQ(at(x, 11), 0x00402010u);
 }
 
-}
+} // namespace

@@ -39,16 +39,10 @@ Bytes header(uint32_t width, uint32_t height, uint32_t dataOffset = headerSize)
     return bytes;
 }
 
-size_t pitchOf(uint32_t width)
-{
-    return (width * 3 + 3) / 4 * 4;
-}
+size_t pitchOf(uint32_t width) { return (width * 3 + 3) / 4 * 4; }
 
 // The colour of column x in row y of the picture, rows from the top.
-uint32_t colorAt(uint32_t x, uint32_t y)
-{
-    return 0xFF000000 | (x + 1) << 16 | (y + 1) << 8 | (x * 16 + y + 0x80);
-}
+uint32_t colorAt(uint32_t x, uint32_t y) { return 0xFF000000 | (x + 1) << 16 | (y + 1) << 8 | (x * 16 + y + 0x80); }
 
 // A file whose pixels are colorAt and whose padding is 0xEE.
 Bytes bitmap(uint32_t width, uint32_t height, uint32_t dataOffset = headerSize)
@@ -266,10 +260,7 @@ TEST_F(BitmapFile, MissingFileGivesNull)
     EXPECT_TRUE(placed.untouched());
 }
 
-TEST_F(BitmapFile, DirectoryGivesNull)
-{
-    EXPECT_EQ(LoadTexture(fs::temp_directory_path().string().data()), nullptr);
-}
+TEST_F(BitmapFile, DirectoryGivesNull) { EXPECT_EQ(LoadTexture(fs::temp_directory_path().string().data()), nullptr); }
 
 TEST_F(BitmapFile, EmptyFileIsOneClearPixel)
 {
@@ -446,4 +437,4 @@ TEST_F(BitmapFile, IsSharedWithWriters)
     EXPECT_EQ(pixelsOf(load()), expectedPixels(8, 8, 0, 0, 5, 5));
 }
 
-}
+} // namespace

@@ -179,4 +179,4 @@ TEST_F(FourCorners, TheSecondTextureHasCornersOfItsOwn)
     }
 }
 
-}
+} // namespace

@@ -124,10 +124,7 @@ TEST(DrawCode, EachAxisHasItsField)
     EXPECT_EQ(CreateDrawCodeSub(1, 0, 0, 0, 0, 0, 0, 0, 2), 0x81C006Au); // triangles: rect option 7
 }
 
-TEST(DrawCode, RectanglesHaveNoPerspective)
-{
-    EXPECT_EQ(CreateDrawCodeSub(1, 0, 0, 0, 3, 0, 0, 3, 1), 0xC0369u);
-}
+TEST(DrawCode, RectanglesHaveNoPerspective) { EXPECT_EQ(CreateDrawCodeSub(1, 0, 0, 0, 3, 0, 0, 3, 1), 0xC0369u); }
 
 TEST(DrawCode, ColourRectanglesHaveNeitherRectOptionNorMulti)
 {
@@ -475,4 +472,4 @@ TEST_F(LookUp, MakingTheTableAgainChangesNothing)
         ASSERT_EQ(SearchDrawFunc(catalogue()[k].code()), before[k]) << std::hex << catalogue()[k].code();
 }
 
-}
+} // namespace

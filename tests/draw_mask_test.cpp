@@ -61,10 +61,7 @@ TEST_F(DrawMask, MakingTheTableLeavesEveryPixelDrawn)
     EXPECT_EQ(current(), rows(0, 0));
 }
 
-TEST_F(DrawMask, PresetZeroDrawsNothing)
-{
-    EXPECT_EQ(preset(0), rows(0xFFFF, 0xFFFF));
-}
+TEST_F(DrawMask, PresetZeroDrawsNothing) { EXPECT_EQ(preset(0), rows(0xFFFF, 0xFFFF)); }
 
 TEST_F(DrawMask, PresetOneDrawsTwoPixels)
 {
@@ -200,4 +197,4 @@ TEST_F(DrawMask, MakingTheTableAgainChangesNothing)
     EXPECT_EQ(current(), rows(0, 0));
 }
 
-}
+} // namespace

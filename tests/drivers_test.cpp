@@ -809,4 +809,4 @@ TEST_F(TriangleForms, UnderThePlaneWalkOnlyDrawnPixelsAreMarked)
     }
 }
 
-}
+} // namespace

@@ -236,4 +236,4 @@ TEST_F(EveryKernel, CanBeKeptAndCalledAgain)
     });
 }
 
-}
+} // namespace

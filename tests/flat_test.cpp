@@ -416,4 +416,4 @@ TEST_F(ColourTriangle, RectanglesDoNotLookAtScanShift)
     }
 }
 
-}
+} // namespace

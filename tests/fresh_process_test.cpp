@@ -225,4 +225,4 @@ TEST_F(FreshLibrary, PerspectiveWithoutShiftTableIsCoarserButSound)
     OWN(DeleteTexture)(source);
 }
 
-}
+} // namespace

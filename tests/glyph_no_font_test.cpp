@@ -17,10 +17,7 @@ namespace {
 
 #if defined(_WIN32)
 
-TEST(GlyphNoFont, GlyphsAreEmpty)
-{
-    GTEST_SKIP() << "GDI always has a font";
-}
+TEST(GlyphNoFont, GlyphsAreEmpty) { GTEST_SKIP() << "GDI always has a font"; }
 
 #else
 
@@ -50,4 +47,4 @@ TEST(GlyphNoFont, GlyphsAreEmpty)
 
 #endif
 
-}
+} // namespace

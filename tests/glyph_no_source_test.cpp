@@ -34,4 +34,4 @@ TEST(GlyphNoSource, EveryGlyphIsEmpty)
     rs.tex0 = nullptr;
 }
 
-}
+} // namespace

@@ -714,4 +714,4 @@ TEST_F(Glyph, AgreesWithTheReference)
     EXPECT_GT(wide, 1000);
 }
 
-}
+} // namespace

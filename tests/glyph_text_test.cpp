@@ -11,10 +11,7 @@
 
 // fontconfig finds its own patterns by offsets, which look like leaks.
 extern "C" const char *__lsan_default_suppressions();
-extern "C" const char *__lsan_default_suppressions()
-{
-    return "leak:libfontconfig";
-}
+extern "C" const char *__lsan_default_suppressions() { return "leak:libfontconfig"; }
 
 using namespace ninefold::glyph;
 
@@ -164,10 +161,7 @@ TEST(GlyphText, MissingGlyphs)
         EXPECT_EQ(drawGlyph(code), dot) << code;
 }
 
-TEST(GlyphText, SingleBytesAreLowBytes)
-{
-    EXPECT_EQ(drawGlyph(0xFFFFFFB1), drawGlyph(0xB1));
-}
+TEST(GlyphText, SingleBytesAreLowBytes) { EXPECT_EQ(drawGlyph(0xFFFFFFB1), drawGlyph(0xB1)); }
 
 TEST(GlyphText, OneFontServesManyGlyphs)
 {
@@ -390,4 +384,4 @@ TEST_F(GlyphAtlas, SpaceClearsTheFirstPixel)
     EXPECT_EQ(rs.fontCursorX, 1u);
 }
 
-}
+} // namespace

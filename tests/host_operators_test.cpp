@@ -259,4 +259,4 @@ TEST_F(HostOperators, EitherPointerTakesAnyOperatorOfTheLibrary)
     }
 }
 
-}
+} // namespace

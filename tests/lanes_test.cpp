@@ -485,4 +485,4 @@ TEST_F(Lanes, ThePackOfRunningColoursLetsWhatIsAboveTheirRangeLeak)
     });
 }
 
-}
+} // namespace

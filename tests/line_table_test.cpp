@@ -361,4 +361,4 @@ TEST_F(LineTable, ASegmentIsAsWideAsTheRectangleWhateverTheClipLeaves)
     }
 }
 
-}
+} // namespace

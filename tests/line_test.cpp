@@ -401,4 +401,4 @@ TEST_F(Line, AScreenBlendOverAZTestIsTheKernelExportedByName)
     EXPECT_TRUE(state() == expected);
 }
 
-}
+} // namespace

@@ -804,4 +804,4 @@ TEST_F(RectangleForms, FilterFiveHalvesNegativePositionsTowardZero)
     }
 }
 
-}
+} // namespace

@@ -85,10 +85,7 @@ TEST(CreateMipmapTexture, AverageTruncates)
     EXPECT_EQ(averageOf(0x00000003, 0, 0, 0), 0u);
 }
 
-TEST(CreateMipmapTexture, ZeroPixelsCountAsBlack)
-{
-    EXPECT_EQ(averageOf(0, 0xFF808080, 0, 0), 0x3F202020u);
-}
+TEST(CreateMipmapTexture, ZeroPixelsCountAsBlack) { EXPECT_EQ(averageOf(0, 0xFF808080, 0, 0), 0x3F202020u); }
 
 TEST(CreateMipmapTexture, EveryLevelIsTheBoxOfTheOneAbove)
 {
@@ -185,4 +182,4 @@ TEST(DeleteMipmapTexture, LevelHeldTwiceSurvives)
     DeleteTexture(level);
 }
 
-}
+} // namespace

@@ -9,10 +9,7 @@ using namespace canvas;
 
 namespace {
 
-int q(int x, int size)
-{
-    return x / size * size;
-}
+int q(int x, int size) { return x / size * size; }
 
 class Mosaic : public Canvas {
 protected:
@@ -366,4 +363,4 @@ TEST_F(MosaicQuotient, IsExactForTheRowsOfEveryForm)
     }
 }
 
-}
+} // namespace

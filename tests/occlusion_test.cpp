@@ -303,4 +303,4 @@ TEST_F(TopClip, RowsAboveClipTopGoIntoThePlaneAtTheirOwnPlace)
         expectFilled(f, [](int x, int y) { return y >= 0 && y < 12 && inFlatTop(x, y); });
 }
 
-}
+} // namespace

@@ -43,10 +43,7 @@ uint32_t constAlpha(uint32_t dst, uint32_t src, int a)
     return each(dst, src, 0, [a](int d, int s) { return (s * a + d * (255 - a)) / 256; });
 }
 
-uint32_t alpha(uint32_t dst, uint32_t src)
-{
-    return constAlpha(dst, src, split(src).a);
-}
+uint32_t alpha(uint32_t dst, uint32_t src) { return constAlpha(dst, src, split(src).a); }
 
 uint32_t alphaFast(uint32_t dst, uint32_t src)
 {
@@ -118,12 +115,9 @@ uint32_t scaleRgb(uint32_t word, int factor) // 0 to 256
     return join(0, p.r * factor / 256, p.g * factor / 256, p.b * factor / 256);
 }
 
-uint32_t scaleAlpha(uint32_t word, int factor)
-{
-    return (word & 0xFFFFFF) + join(split(word).a * factor / 256 % 256, 0, 0, 0);
-}
+uint32_t scaleAlpha(uint32_t word, int factor) { return (word & 0xFFFFFF) + join(split(word).a * factor / 256 % 256, 0, 0, 0); }
 
-}
+} // namespace plain
 
 // All pairs of values in every colour channel, with changing neighbours, and random words.
 template <class Check>
@@ -171,10 +165,7 @@ protected:
     }
 };
 
-uint32_t hostOperator(uint32_t first, uint32_t second)
-{
-    return first * 3 + second;
-}
+uint32_t hostOperator(uint32_t first, uint32_t second) { return first * 3 + second; }
 
 using Blend = Operators;
 using Multi = Operators;
@@ -744,4 +735,4 @@ TEST_F(Prescale, ZeroUnderCopyLeavesAlpha)
     EXPECT_EQ(prescaleSource(0, 0x00FF8040, 0), 0u);
 }
 
-}
+} // namespace

@@ -22,10 +22,7 @@ int shiftOf(int32_t coordinate)
 }
 
 // The binary fraction of a / w, 32 bits of it.
-int32_t fraction(uint32_t a, uint32_t w)
-{
-    return static_cast<int32_t>((uint64_t{a % w} << 32) / w);
-}
+int32_t fraction(uint32_t a, uint32_t w) { return static_cast<int32_t>((uint64_t{a % w} << 32) / w); }
 
 class Perspective : public Canvas {
 protected:
@@ -461,4 +458,4 @@ TEST_F(Quotient, RandomDividendsAndDivisorsInEveryLane)
     });
 }
 
-}
+} // namespace

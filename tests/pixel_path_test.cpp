@@ -9,10 +9,7 @@ using namespace canvas;
 
 namespace {
 
-bool inside(int left, int top, int right, int bottom, int x, int y)
-{
-    return x >= left && x < right && y >= top && y < bottom;
-}
+bool inside(int left, int top, int right, int bottom, int x, int y) { return x >= left && x < right && y >= top && y < bottom; }
 
 class PixelPath : public Canvas {
 protected:
@@ -738,4 +735,4 @@ TEST_F(PixelPath, TheMapsAloneDecideInRunLengthForms)
     }
 }
 
-}
+} // namespace

@@ -149,4 +149,4 @@ TEST_F(PixelStages, OperatorChangesUnderAHeldKernel)
     EXPECT_EQ(at(0, 0), 0x80000000u);
 }
 
-}
+} // namespace

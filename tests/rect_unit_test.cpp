@@ -204,4 +204,4 @@ TEST_F(UnitRectangle, RectanglesOfFarCoordinatesAreClippedLikeNearOnes)
     EXPECT_EQ(at(63, 31), idAt(30063 & 63, 20031 & 31));
 }
 
-}
+} // namespace

@@ -511,4 +511,4 @@ TEST_F(ScreenRule, TheOldWeightOfTheSecondTextureStaysBelowOneTexel)
     EXPECT_EQ(rs.mipTex1, second->mip[1]);
 }
 
-}
+} // namespace

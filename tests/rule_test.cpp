@@ -524,4 +524,4 @@ TEST_F(SoftEdge, IsTheSameInEveryFormThatReachesIt)
     }
 }
 
-}
+} // namespace

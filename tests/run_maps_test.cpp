@@ -202,4 +202,4 @@ TEST(ShaheiTable, CanBeMadeAgain)
     EXPECT_EQ(lists, std::vector<int8_t *>(std::begin(ninefold::runLists), std::end(ninefold::runLists)));
 }
 
-}
+} // namespace

@@ -405,4 +405,4 @@ TEST_F(ZeroMap, IsTheKernelExportedByName)
     EXPECT_TRUE(state() == expected);
 }
 
-}
+} // namespace

@@ -10,10 +10,7 @@ namespace {
 
 const SetTable *const atStart = activeSet; // before anything of the library was called
 
-TEST(InstructionSet, StartsAtTheBaseline)
-{
-    EXPECT_EQ(atStart, &v1::set);
-}
+TEST(InstructionSet, StartsAtTheBaseline) { EXPECT_EQ(atStart, &v1::set); }
 
 TEST(InstructionSet, MakingTheTableRaisesItToTheBestOfTheMachine)
 {
@@ -66,4 +63,4 @@ TEST_F(SetChoice, AKernelThatIsKeptDrawsWithTheSetInForce)
     EXPECT_EQ(at(63, 31), canvas::idAt(63, 31));
 }
 
-}
+} // namespace

@@ -291,4 +291,4 @@ TEST_F(Stretch, MixesGoOverTheEndOfThe32BitsInTheWidestTexture)
     }
 }
 
-}
+} // namespace

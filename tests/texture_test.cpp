@@ -429,4 +429,4 @@ TEST(UvlShiftTable, CanBeMadeAgain)
     EXPECT_EQ(once, std::vector<int32_t>(ninefold::uvlShift, ninefold::uvlShift + 256));
 }
 
-}
+} // namespace

@@ -358,4 +358,4 @@ TEST_F(TallTriangle, TheLongEdgeCarriesItsTruncationOnFromTheUpperTrapezoid)
     }
 }
 
-}
+} // namespace

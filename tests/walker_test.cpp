@@ -466,4 +466,4 @@ TEST_F(Walker, AnEmptyClipRectangleReadsAndWritesNoPlaneAlsoWhereTheSourceIsTheF
     }
 }
 
-}
+} // namespace

@@ -47,9 +47,8 @@ struct Canvas {
 
     explicit Canvas(const Work &work)
         : source(bufferOf(work.blend == alpha || work.content == Content::key ? premultiplied(work.content, work.textureSize)
-                                                                             : straight(work.content, work.textureSize)))
-    {
-    }
+                                                                              : straight(work.content, work.textureSize)))
+    {}
 
     void polygon(const Vertex *v, int count)
     {
@@ -145,10 +144,8 @@ void make(const Work &work, Contenders &contenders)
                 using Accessor = agg::image_accessor_clone<Format>;
                 Interpolator interpolator((*transforms)[i]);
                 Accessor accessor(c.sourceFormat);
-                const Vertex box[4] = {p.vertex[0],
-                                       {p.vertex[1].x, p.vertex[0].y, 0},
-                                       p.vertex[1],
-                                       {p.vertex[0].x, p.vertex[1].y, 0}};
+                const Vertex box[4] = {
+                    p.vertex[0], {p.vertex[1].x, p.vertex[0].y, 0}, p.vertex[1], {p.vertex[0].x, p.vertex[1].y, 0}};
                 c.polygon(triangle ? p.vertex : box, triangle ? 3 : 4);
                 if (bilinear) {
                     agg::span_image_filter_rgba_bilinear<Accessor, Interpolator> span(accessor, interpolator);

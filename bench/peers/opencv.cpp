@@ -61,9 +61,8 @@ void make(const Work &work, Contenders &contenders)
             break;
         }
         case constAlpha:
-            blend("addWeighted", [=](cv::Mat &to, const cv::Rect &from) {
-                cv::addWeighted(to, 127 / 255.0, source(from), 128 / 255.0, 0, to);
-            });
+            blend("addWeighted",
+                  [=](cv::Mat &to, const cv::Rect &from) { cv::addWeighted(to, 127 / 255.0, source(from), 128 / 255.0, 0, to); });
             break;
         case Blend::add: blend("", [=](cv::Mat &to, const cv::Rect &from) { cv::add(to, source(from), to); }); break;
         case subtract: blend("", [=](cv::Mat &to, const cv::Rect &from) { cv::subtract(to, source(from), to); }); break;
@@ -91,13 +90,11 @@ void make(const Work &work, Contenders &contenders)
             (cv::Mat_<double>(3, 3) << m[0][0], m[0][1], m[0][2], m[1][0], m[1][1], m[1][2], m[2][0], m[2][1], m[2][2]);
         const int flags = filter | cv::WARP_INVERSE_MAP;
         if (work.kind == Kind::corners)
-            add("no transparent test", [=](size_t) {
-                cv::warpAffine(source, target, map.rowRange(0, 2), target.size(), flags, cv::BORDER_REPLICATE);
-            });
+            add("no transparent test",
+                [=](size_t) { cv::warpAffine(source, target, map.rowRange(0, 2), target.size(), flags, cv::BORDER_REPLICATE); });
         else
-            add("no transparent test", [=](size_t) {
-                cv::warpPerspective(source, target, map, target.size(), flags, cv::BORDER_REPLICATE);
-            });
+            add("no transparent test",
+                [=](size_t) { cv::warpPerspective(source, target, map, target.size(), flags, cv::BORDER_REPLICATE); });
     }
 }
 

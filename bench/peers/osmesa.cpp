@@ -57,7 +57,9 @@ TextureName textureOf(const Work &work)
     const GLint filter = work.bilinear ? GL_LINEAR : GL_NEAREST;
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER,
-                    !work.mipmapped ? filter : work.bilinear ? GL_LINEAR_MIPMAP_LINEAR : GL_NEAREST_MIPMAP_NEAREST);
+                    !work.mipmapped ? filter
+                    : work.bilinear ? GL_LINEAR_MIPMAP_LINEAR
+                                    : GL_NEAREST_MIPMAP_NEAREST);
     const int levels = work.mipmapped ? int(source->mipCount) : 1;
     for (int level = 0; level < levels; ++level) {
         const Texture *const each = level ? source->mip[level] : source;

@@ -47,12 +47,15 @@ void makeRenderer(const Work &work, const SurfacePointer &target, Contenders &co
     const auto flush = [=, keep = target] { SDL_RenderFlush(renderer.get()); };
     const Primitive *const primitives = work.primitives.data();
     if (work.kind == Kind::line) {
-        contenders.push_back(contender("sdl", Role::peer, "queued", work, [=](size_t i) {
-            const Primitive &p = primitives[i];
-            const SDL_Color c = colourOf(p.color[0]);
-            SDL_SetRenderDrawColor(renderer.get(), c.r, c.g, c.b, c.a);
-            SDL_RenderDrawLine(renderer.get(), p.vertex[0].x, p.vertex[0].y, p.vertex[1].x, p.vertex[1].y);
-        }, flush));
+        contenders.push_back(contender(
+            "sdl", Role::peer, "queued", work,
+            [=](size_t i) {
+                const Primitive &p = primitives[i];
+                const SDL_Color c = colourOf(p.color[0]);
+                SDL_SetRenderDrawColor(renderer.get(), c.r, c.g, c.b, c.a);
+                SDL_RenderDrawLine(renderer.get(), p.vertex[0].x, p.vertex[0].y, p.vertex[1].x, p.vertex[1].y);
+            },
+            flush));
         return;
     }
     std::shared_ptr<SDL_Texture> texture;
@@ -82,9 +85,10 @@ void makeRenderer(const Work &work, const SurfacePointer &target, Contenders &co
                 vertices.push_back(corner[v]);
     }
     const int count = work.kind == Kind::gouraudRect ? 6 : 3;
-    contenders.push_back(contender("sdl", Role::peer, count == 6 ? "queued; two triangles" : "queued", work, [=](size_t i) {
-        SDL_RenderGeometry(renderer.get(), texture.get(), &vertices[i * size_t(count)], count, nullptr, 0);
-    }, flush));
+    contenders.push_back(contender(
+        "sdl", Role::peer, count == 6 ? "queued; two triangles" : "queued", work,
+        [=](size_t i) { SDL_RenderGeometry(renderer.get(), texture.get(), &vertices[i * size_t(count)], count, nullptr, 0); },
+        flush));
 }
 
 void make(const Work &work, Contenders &contenders)

@@ -3,7 +3,6 @@
 #include "sheet.h"
 #include "text.h"
 
-
 namespace gallery {
 
 void glyphs(Sheet &sheet)

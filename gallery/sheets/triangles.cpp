@@ -22,10 +22,7 @@ Place waves(double u, double v)
 {
     return {24 + u * 0.81 + 9 * std::sin(v / 192 * 2 * pi), 18 + v * 0.81 + 11 * std::sin(u / 256 * 3 * pi)};
 }
-Place flat(double u, double v)
-{
-    return {u, v};
-}
+Place flat(double u, double v) { return {u, v}; }
 
 // The grid of a picture of 256 by 192 texels, 32 apart, bent; `cell` draws each of its triangles.
 template <class Cell>

@@ -29,9 +29,9 @@ NINEFOLD_API void DrawZbufferPolygon(void); /* writes zRef, which must be 0 to 2
 NINEFOLD_API void DrawZbufferPolygon0xff(void);
 NINEFOLD_API void DrawZbufferPolygonFlip(void);
 NINEFOLD_API void DrawZbufferPolygonClear(void);
-NINEFOLD_API void DrawShaheiZbufferPolygonMask(void);   /* bits set, bytes 0 */
+NINEFOLD_API void DrawShaheiZbufferPolygonMask(void); /* bits set, bytes 0 */
 NINEFOLD_API void DrawShaheiZbufferPolygonUnmask(void); /* bits clear, bytes 255 */
-NINEFOLD_API void DrawShaheiZbufferPolygonFlip(void);   /* both complemented */
+NINEFOLD_API void DrawShaheiZbufferPolygonFlip(void); /* both complemented */
 
 /*
  * Rule rectangles: stretched and four-corner rectangles with a rule, for which there is no draw code. Modes have no effect on

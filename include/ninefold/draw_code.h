@@ -60,8 +60,8 @@ typedef void (*DrawFunc)(void);
 /* One entry of the kernel table. */
 typedef struct DrawFuncRecord {
     struct DrawFuncRecord *next; /* next record of the same bucket */
-    uint32_t code;               /* draw code */
-    uint32_t hash;               /* CRC-32/BZIP2 of the code's bytes, least significant first; the bucket is hash & 0x7FFF */
+    uint32_t code; /* draw code */
+    uint32_t hash; /* CRC-32/BZIP2 of the code's bytes, least significant first; the bucket is hash & 0x7FFF */
     DrawFunc func;
 } DrawFuncRecord;
 
@@ -75,8 +75,8 @@ extern "C" {
  * becomes 3 and pers 0 for lines and filters 6 and 7; pers is 0 for all but triangles. Nothing else is masked or checked: a
  * value too wide spills into the field to its left, and the code then names some other combination or none.
  */
-NINEFOLD_API unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei, long blend,
-                                             long multi, long shape);
+NINEFOLD_API unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei,
+                                             long blend, long multi, long shape);
 
 /* The draw code of the modes in rs. */
 NINEFOLD_API unsigned long CreateDrawCode(void);

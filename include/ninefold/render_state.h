@@ -39,9 +39,9 @@ typedef uint32_t (*PixelOperator)(uint32_t first, uint32_t second);
 typedef struct RenderState {
     /* frame buffer, set by SetFrameBuffer */
     uint32_t *dstPixels; /* its first pixel */
-    uint32_t dstShift;   /* its log2Width: row y starts at y << dstShift */
-    uint32_t dstPitch;   /* its width, pixels; rows of the planes have dstPitch >> 4 words, dstPitch bytes */
-    uint32_t dstHeight;  /* its rows; no kernel reads it */
+    uint32_t dstShift; /* its log2Width: row y starts at y << dstShift */
+    uint32_t dstPitch; /* its width, pixels; rows of the planes have dstPitch >> 4 words, dstPitch bytes */
+    uint32_t dstHeight; /* its rows; no kernel reads it */
     uint32_t reserved[4]; /* neither read nor written */
 
     int32_t originX, originY; /* added to every vertex, pixels */
@@ -53,10 +53,10 @@ typedef struct RenderState {
     /* Planes, laid out as the frame buffer: width * height bits and bytes. In frame buffers narrower than 16 pixels rows share
      * words of the Shahei plane. */
     uint16_t *shaheiPlane; /* one bit a pixel, bit 15 of a word leftmost; set: taken, not to be drawn */
-    uint8_t *zBuffer;      /* one priority byte a pixel; drawn where it is not below zRef */
-    uint32_t zRef;         /* the primitive's priority; kernels use its low byte */
+    uint8_t *zBuffer; /* one priority byte a pixel; drawn where it is not below zRef */
+    uint32_t zRef; /* the primitive's priority; kernels use its low byte */
 
-    uint32_t color[4];  /* ARGB: [0] the flat colour and that of multi 2; all four the corner colours of filter 7 and multi 1 */
+    uint32_t color[4]; /* ARGB: [0] the flat colour and that of multi 2; all four the corner colours of filter 7 and multi 1 */
     /* A rectangle has opposite corners in [0], [1], a line its ends there, a triangle uses [0..2]; [3] is never read. Texture
      * positions belong to their vertices: corners that are exchanged alone mirror the picture (rect options 1, 2), together with
      * their positions they leave it as it is. */
@@ -64,24 +64,24 @@ typedef struct RenderState {
     /* Coordinates of tex0. Rectangles: unit scale reads [0] (whole texels only, except under filter 1); stretched [0], [1];
      * four corners top left, top right, bottom left, bottom right. Triangles [0..2]. */
     TexCoord uv0[4];
-    Texture *tex0;      /* main source; the atlas of the glyph functions */
-    TexCoord uv1[4];    /* coordinates of tex1, in the same way */
+    Texture *tex0; /* main source; the atlas of the glyph functions */
+    TexCoord uv1[4]; /* coordinates of tex1, in the same way */
     /* Second source of multi 0; its zeros leave the first as it is. Under filters 2 and 5 (rect options 1, 2 and triangles) its
      * chain is walked whenever it is not null, whatever multi is: leave no texture without a chain here. */
     Texture *tex1;
     /* Coordinates of tex2, linear on the screen also under perspective. Rectangles read [0..1], triangles [0..2]. */
     TexCoord uv2[4];
-    Texture *tex2;      /* rule texture: the low byte of a texel is the rule value */
+    Texture *tex2; /* rule texture: the low byte of a texel is the rule value */
     LineTableRecord *lineTable0; /* a record for each row of the unclipped rectangle from its top, for tex0 */
     LineTableRecord *lineTable1; /* the same for tex1 */
 
     /* Factors. Outside their range the arithmetic goes on in wrapping 32-bit words and channels spill into each other. */
-    uint32_t blendAlpha;    /* 0 to 255: blend 2 and multi operator 2 */
+    uint32_t blendAlpha; /* 0 to 255: blend 2 and multi operator 2 */
     uint32_t blendAlphaRgb; /* 0 to 255: multi operator 3 */
-    uint32_t prescale;      /* 0 to 256, where 256 is one: the prescale axis */
+    uint32_t prescale; /* 0 to 256, where 256 is one: the prescale axis */
     uint32_t prescaleMulti; /* 0 to 256: second bank of multi operators */
-    int32_t *scanShift;     /* by frame-buffer row (inside the clip): displacement of a triangle's span, pixels; null: none */
-    uint32_t writeMask;     /* blend 11, multi operator 11: set bits come from the source */
+    int32_t *scanShift; /* by frame-buffer row (inside the clip): displacement of a triangle's span, pixels; null: none */
+    uint32_t writeMask; /* blend 11, multi operator 11: set bits come from the source */
 
     /*
      * Operators; null until set, and called without a test by blend 12 and multi 0, 1, 2. blendFunc is set by
@@ -120,29 +120,29 @@ typedef struct RenderState {
 
     /* Scratch of the mip filters, left behind by the last draw. Weights are 0 to 255. A draw whose texel density is below one,
      * or beyond the last octave, leaves weights as they were and may read them. */
-    int32_t mipFrac;   /* weight of the chosen level of tex0 against mipTex; under rect option 3 only Shahei modes 1, 2 write it */
-    int32_t mipFrac1;  /* the same for tex1 */
-    Texture *mipTex;   /* the next smaller level after the chosen one of tex0 */
-    Texture *mipTex1;  /* the same for tex1 */
-    int32_t mipRatio;  /* texel density of the last driven triangle, 16.16 */
+    int32_t mipFrac; /* weight of the chosen level of tex0 against mipTex; under rect option 3 only Shahei modes 1, 2 write it */
+    int32_t mipFrac1; /* the same for tex1 */
+    Texture *mipTex; /* the next smaller level after the chosen one of tex0 */
+    Texture *mipTex1; /* the same for tex1 */
+    int32_t mipRatio; /* texel density of the last driven triangle, 16.16 */
 
     /* glyph functions */
-    char *fontName;      /* face name, code page 932; with its NUL at most 32 bytes; null or empty: any face */
-    int32_t fontHeight;  /* cell height in pixels; negative: em height; 0: a height of the rasteriser's choice */
-    int32_t fontWeight;  /* 400 normal, 700 bold */
+    char *fontName; /* face name, code page 932; with its NUL at most 32 bytes; null or empty: any face */
+    int32_t fontHeight; /* cell height in pixels; negative: em height; 0: a height of the rasteriser's choice */
+    int32_t fontWeight; /* 400 normal, 700 bold */
     int32_t fontQuality; /* 0 mono; 1, 2, 3: 4, 16, 64 grey levels; others garble glyphs */
     uint32_t fontItalic; /* low byte */
     uint32_t fontCursorX, fontCursorY; /* where the next glyph goes in the atlas, pixels; the host zeroes them for a new atlas */
-    uint32_t fontLineBottom;           /* lowest edge so far of the atlas row; likewise */
-    uint32_t glyphCode;                /* of the last glyph: its character code, */
-    int32_t glyphWidth, glyphHeight;   /* size of its bitmap, pixels, */
-    int32_t glyphX, glyphY;            /* place in the atlas, */
+    uint32_t fontLineBottom; /* lowest edge so far of the atlas row; likewise */
+    uint32_t glyphCode; /* of the last glyph: its character code, */
+    int32_t glyphWidth, glyphHeight; /* size of its bitmap, pixels, */
+    int32_t glyphX, glyphY; /* place in the atlas, */
     int32_t glyphOriginX, glyphOriginY; /* offset of the bitmap from the pen on the base line, y up, */
-    int32_t glyphAdvance;               /* pen advance */
+    int32_t glyphAdvance; /* pen advance */
 
     /* Filter 8: block sizes in texels, at least 1. Blocks start at multiples in the texture and show their first texel. */
     int32_t mosaicSize1; /* block width in rect option 0; elsewhere the columns of tex1 */
-    int32_t mosaicSize;  /* block height in rect option 0; elsewhere both axes of tex0 and the rows of tex1 */
+    int32_t mosaicSize; /* block height in rect option 0; elsewhere both axes of tex0 and the rows of tex1 */
 } RenderState;
 
 #ifdef __cplusplus
@@ -157,10 +157,10 @@ NINEFOLD_API extern RenderState rs;
 
 /* Start-up: call the four Make... functions once, in any order, before the first draw. To call one again does what the
  * first call did. They return nothing and cannot fail. There is nothing to shut down. */
-NINEFOLD_API void MakeUVLShiftTable(void);       /* without it perspective triangles lose precision */
-NINEFOLD_API void MakeShaheiRunlengthTbl(void);  /* fills the table of GetShaheiTable */
-NINEFOLD_API void MakeDrawFuncTable(void);       /* without it SearchDrawFunc finds nothing; chooses the instruction set too */
-NINEFOLD_API void MakeDrawMaskTable(void);       /* without it the stipples 0 to 255 suppress nothing; leaves drawMask all zero */
+NINEFOLD_API void MakeUVLShiftTable(void); /* without it perspective triangles lose precision */
+NINEFOLD_API void MakeShaheiRunlengthTbl(void); /* fills the table of GetShaheiTable */
+NINEFOLD_API void MakeDrawFuncTable(void); /* without it SearchDrawFunc finds nothing; chooses the instruction set too */
+NINEFOLD_API void MakeDrawMaskTable(void); /* without it the stipples 0 to 255 suppress nothing; leaves drawMask all zero */
 
 /* Makes `texture` the frame buffer (no reference is taken, null is not handled) and returns the one before, null at first. The
  * clip rectangle and the planes stay as they are: set them to match. */

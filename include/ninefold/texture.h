@@ -21,19 +21,19 @@ typedef struct Texture Texture;
 struct Texture {
     void *vtable; /* the platform's virtual table of the C++ class */
 #endif
-    uint32_t *pixels;       /* width * height words, row after row, 16-byte aligned */
-    uint32_t width;         /* pixels, a power of two, at least 1 */
-    uint32_t height;        /* rows, a power of two, at least 1 */
-    uint32_t log2Width;     /* width == 1 << log2Width */
-    uint32_t log2Height;    /* height == 1 << log2Height */
-    Texture *mip[16];       /* mip chain; mip[0] is the texture itself once a chain exists */
-    uint32_t mipCount;      /* entries of mip in use; 0: no chain */
-    int8_t *runlengthMap;   /* see CreateRunlengthMap; null: none */
+    uint32_t *pixels; /* width * height words, row after row, 16-byte aligned */
+    uint32_t width; /* pixels, a power of two, at least 1 */
+    uint32_t height; /* rows, a power of two, at least 1 */
+    uint32_t log2Width; /* width == 1 << log2Width */
+    uint32_t log2Height; /* height == 1 << log2Height */
+    Texture *mip[16]; /* mip chain; mip[0] is the texture itself once a chain exists */
+    uint32_t mipCount; /* entries of mip in use; 0: no chain */
+    int8_t *runlengthMap; /* see CreateRunlengthMap; null: none */
     uint16_t *zeroPixelMap; /* see CreateZeroPixelMap; null: none */
-    uint32_t flags;         /* bit 0: `pixels` belongs to the host and DeleteTexture leaves it alone */
-    int32_t refCount;       /* see DeleteTexture; 0 after creation */
-    uint32_t origWidth;     /* width as asked for, before rounding; for the host only */
-    uint32_t origHeight;    /* height as asked for; the same */
+    uint32_t flags; /* bit 0: `pixels` belongs to the host and DeleteTexture leaves it alone */
+    int32_t refCount; /* see DeleteTexture; 0 after creation */
+    uint32_t origWidth; /* width as asked for, before rounding; for the host only */
+    uint32_t origHeight; /* height as asked for; the same */
 };
 
 #ifdef __cplusplus

@@ -11,15 +11,15 @@ namespace ninefold {
 
 // One combination. Values are those of the mode setters.
 struct Axes {
-    uint8_t shape;    // 0 line, 1 rectangle, 2 triangle
-    uint8_t pers;     // 1: perspective, triangles only
-    uint8_t rule;     // 1: rule test and soft edge
+    uint8_t shape; // 0 line, 1 rectangle, 2 triangle
+    uint8_t pers; // 1: perspective, triangles only
+    uint8_t rule; // 1: rule test and soft edge
     uint8_t prescale; // 1: source scaled ahead of the blend
-    uint8_t filter;   // 0 point, 1 bilinear, 2 to 5 mip forms, 6 flat, 7 Gouraud, 8 mosaic
-    uint8_t rectOpt;  // 0 unit, 1 stretch, 2 corners, 3 line table, 5 runs, 6 runs through the Shahei plane, 7 none
-    uint8_t shahei;   // 0 none, 1 plane, 2 plane and Z write, 3 Z test, 4 stipple, 5 Z test and stipple
-    uint8_t blend;    // 0 to 12 without 3
-    uint8_t multi;    // 0 second texture, 1 corner colours, 2 one colour, 3 none
+    uint8_t filter; // 0 point, 1 bilinear, 2 to 5 mip forms, 6 flat, 7 Gouraud, 8 mosaic
+    uint8_t rectOpt; // 0 unit, 1 stretch, 2 corners, 3 line table, 5 runs, 6 runs through the Shahei plane, 7 none
+    uint8_t shahei; // 0 none, 1 plane, 2 plane and Z write, 3 Z test, 4 stipple, 5 Z test and stipple
+    uint8_t blend; // 0 to 12 without 3
+    uint8_t multi; // 0 second texture, 1 corner colours, 2 one colour, 3 none
 
     constexpr bool operator==(const Axes &) const = default;
 };
@@ -79,7 +79,7 @@ constexpr uint32_t codeOf(const Axes &a)
 constexpr Axes axesOf(uint32_t code)
 {
     const auto field = [code](int shift, uint32_t mask) { return uint8_t(code >> shift & mask); };
-    return {field(0, 3),  field(27, 1), field(26, 1), field(25, 1), field(21, 15),
+    return {field(0, 3),  field(27, 1), field(26, 1),  field(25, 1), field(21, 15),
             field(18, 7), field(15, 7), field(10, 31), field(8, 3)};
 }
 
@@ -133,11 +133,11 @@ inline std::string nameOf(const Axes &a)
 {
     static constexpr const char *shapeNames[] = {"line", "rect", "tri"};
     static constexpr const char *rectOptNames[] = {"unit", "stretch", "corners", "table", "?", "runs", "planeruns", ""};
-    static constexpr const char *filterNames[] = {"point", "bilinear", "mip",     "linepoint", "linebilinear",
-                                                  "mipbilinear", "flat", "gouraud", "mosaic"};
+    static constexpr const char *filterNames[] = {"point",       "bilinear", "mip",     "linepoint", "linebilinear",
+                                                  "mipbilinear", "flat",     "gouraud", "mosaic"};
     static constexpr const char *shaheiNames[] = {"", "plane", "plane+z", "z", "mask", "z+mask"};
-    static constexpr const char *blendNames[] = {"copy", "alpha", "constalpha", "?",      "alphafast", "add",  "sub",
-                                                 "mul",  "mul2",  "screen",     "overlay", "merge",    "custom"};
+    static constexpr const char *blendNames[] = {"copy", "alpha", "constalpha", "?",       "alphafast", "add",   "sub",
+                                                 "mul",  "mul2",  "screen",     "overlay", "merge",     "custom"};
     static constexpr const char *multiNames[] = {"tex1", "corners", "colour", ""};
     std::string name = shapeNames[a.shape];
     const auto add = [&name](const char *word) {

@@ -71,8 +71,8 @@ void fillRecords(std::index_sequence<unit...>)
 
 using namespace ninefold;
 
-unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei, long blend, long multi,
-                                long shape)
+unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei, long blend,
+                                long multi, long shape)
 {
     return packed(uint32_t(pers), uint32_t(rule), uint32_t(prescale), uint32_t(filter), uint32_t(rectOpt), uint32_t(shahei),
                   uint32_t(blend), uint32_t(multi), uint32_t(shape));

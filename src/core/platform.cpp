@@ -39,10 +39,7 @@ public:
             _close(handle);
     }
 
-    int64_t read(uint8_t *to, size_t bytes)
-    {
-        return _read(handle, to, static_cast<unsigned>(std::min(bytes, maxRead)));
-    }
+    int64_t read(uint8_t *to, size_t bytes) { return _read(handle, to, static_cast<unsigned>(std::min(bytes, maxRead))); }
 #else
     explicit File(const char *path) : handle(open(path, O_RDONLY | O_CLOEXEC))
     {
@@ -72,14 +69,8 @@ public:
     }
 #endif
 
-    bool isOpen() const
-    {
-        return handle >= 0;
-    }
-    size_t size() const
-    {
-        return static_cast<size_t>(std::max<int64_t>(length, 0));
-    }
+    bool isOpen() const { return handle >= 0; }
+    size_t size() const { return static_cast<size_t>(std::max<int64_t>(length, 0)); }
 
 private:
     static constexpr size_t maxRead = size_t{1} << 30; // more than this in one call is not portable
@@ -88,19 +79,13 @@ private:
     int64_t length = 0;
 };
 
-}
+} // namespace
 
 #if defined(_WIN32)
 
-void *allocateAligned(size_t bytes)
-{
-    return _aligned_malloc(bytes, cacheLine);
-}
+void *allocateAligned(size_t bytes) { return _aligned_malloc(bytes, cacheLine); }
 
-void freeAligned(void *memory)
-{
-    _aligned_free(memory);
-}
+void freeAligned(void *memory) { _aligned_free(memory); }
 
 #else
 
@@ -110,10 +95,7 @@ void *allocateAligned(size_t bytes)
     return posix_memalign(&memory, cacheLine, bytes) == 0 ? memory : nullptr;
 }
 
-void freeAligned(void *memory)
-{
-    free(memory);
-}
+void freeAligned(void *memory) { free(memory); }
 
 #endif
 
@@ -134,4 +116,4 @@ bool readFile(const char *path, FileBytes &file)
     return true;
 }
 
-}
+} // namespace ninefold

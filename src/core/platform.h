@@ -20,4 +20,4 @@ struct FileBytes {
 // bytes up to it.
 bool readFile(const char *path, FileBytes &file);
 
-}
+} // namespace ninefold

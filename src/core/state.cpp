@@ -11,7 +11,7 @@ namespace ninefold {
 
 int32_t uvlShift[256];
 
-}
+} // namespace ninefold
 
 void MakeUVLShiftTable(void)
 {
@@ -30,42 +30,18 @@ Texture *SetFrameBuffer(Texture *texture)
     return previous;
 }
 
-void SetShapeMode(long shape)
-{
-    rs.shapeMode = static_cast<int32_t>(shape);
-}
+void SetShapeMode(long shape) { rs.shapeMode = static_cast<int32_t>(shape); }
 
-void SetPrescaleMode(long prescale)
-{
-    rs.prescaleMode = static_cast<int32_t>(prescale);
-}
+void SetPrescaleMode(long prescale) { rs.prescaleMode = static_cast<int32_t>(prescale); }
 
-void SetRuleAlphaMode(long rule)
-{
-    rs.ruleAlphaMode = static_cast<int32_t>(rule);
-}
+void SetRuleAlphaMode(long rule) { rs.ruleAlphaMode = static_cast<int32_t>(rule); }
 
-void SetFilterMode(long filter)
-{
-    rs.filterMode = static_cast<int32_t>(filter);
-}
+void SetFilterMode(long filter) { rs.filterMode = static_cast<int32_t>(filter); }
 
-void SetRectOptMode(long rectOpt)
-{
-    rs.rectOptMode = static_cast<int32_t>(rectOpt);
-}
+void SetRectOptMode(long rectOpt) { rs.rectOptMode = static_cast<int32_t>(rectOpt); }
 
-void SetShaheiMode(long shahei)
-{
-    rs.shaheiMode = static_cast<int32_t>(shahei);
-}
+void SetShaheiMode(long shahei) { rs.shaheiMode = static_cast<int32_t>(shahei); }
 
-void SetMultiMode(long multi)
-{
-    rs.multiMode = static_cast<int32_t>(multi);
-}
+void SetMultiMode(long multi) { rs.multiMode = static_cast<int32_t>(multi); }
 
-void SetPersMode(long pers)
-{
-    rs.persMode = static_cast<int32_t>(pers);
-}
+void SetPersMode(long pers) { rs.persMode = static_cast<int32_t>(pers); }

@@ -19,4 +19,4 @@ extern uint32_t stippleSteps[32];
 extern int8_t runBytes[557056];
 extern int8_t *runLists[65536];
 
-}
+} // namespace ninefold

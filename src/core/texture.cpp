@@ -11,17 +11,11 @@ Texture::~Texture() = default;
 namespace {
 
 // The exponent of the power of two that `size` rounds up to.
-uint32_t sizeExponent(uint32_t size)
-{
-    return size == 0 ? 0 : static_cast<uint32_t>(std::bit_width(size - 1));
-}
+uint32_t sizeExponent(uint32_t size) { return size == 0 ? 0 : static_cast<uint32_t>(std::bit_width(size - 1)); }
 
-size_t pixelCount(const Texture *texture)
-{
-    return size_t{texture->width} * texture->height;
-}
+size_t pixelCount(const Texture *texture) { return size_t{texture->width} * texture->height; }
 
-}
+} // namespace
 
 Texture *CreateTexture(unsigned long width, unsigned long height)
 {
@@ -40,10 +34,7 @@ Texture *CreateTexture(unsigned long width, unsigned long height)
     return texture;
 }
 
-void AddRefTexture(Texture *texture)
-{
-    ++texture->refCount;
-}
+void AddRefTexture(Texture *texture) { ++texture->refCount; }
 
 void DeleteTexture(Texture *texture)
 {
@@ -58,10 +49,7 @@ void DeleteTexture(Texture *texture)
     delete texture;
 }
 
-void ClearTexture(Texture *texture)
-{
-    std::fill_n(texture->pixels, pixelCount(texture), 0);
-}
+void ClearTexture(Texture *texture) { std::fill_n(texture->pixels, pixelCount(texture), 0); }
 
 void CopyTexture(Texture *dst, Texture *src, long dstX, long dstY, long srcX, long srcY, long width, long height)
 {
@@ -87,10 +75,7 @@ void CopyTexture(Texture *dst, Texture *src, long dstX, long dstY, long srcX, lo
     }
 }
 
-void SetClearPixel(Texture *texture, unsigned long color)
-{
-    ReplacePixel(texture, 0, color);
-}
+void SetClearPixel(Texture *texture, unsigned long color) { ReplacePixel(texture, 0, color); }
 
 void ReplacePixel(Texture *texture, unsigned long newColor, unsigned long oldColor)
 {

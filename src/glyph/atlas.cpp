@@ -39,8 +39,7 @@ public:
           stride_(((quality == 0 ? width >> 3 : width) + 3) & ~3u),
           // Quality above 3 is given mono bits, and reads them as grey of one level.
           levelBits_(quality <= 3 ? quality * 2 : 0)
-    {
-    }
+    {}
 
     // Of a pixel; 255 is full. Greater values keep their low byte when they become an alpha.
     uint32_t at(uint32_t col, uint32_t row) const
@@ -64,8 +63,7 @@ public:
     Box(const Texture &atlas, uint32_t x, uint32_t y, uint32_t boxWidth, uint32_t boxHeight)
         : width(boxWidth), height(boxHeight), pixels_(atlas.pixels), count_(atlas.width * atlas.height), pitch_(atlas.width),
           first_(y * atlas.width + x)
-    {
-    }
+    {}
 
     uint32_t read(uint32_t col, uint32_t row) const
     {
@@ -96,16 +94,10 @@ void expand(Box &box, const Coverage &coverage, PixelOf pixelOf)
             box.write(col, row, pixelOf(coverage.at(col, row)));
 }
 
-uint32_t plainPixel(uint32_t alpha)
-{
-    return alpha ? alpha << 24 | 0xffffff : 0;
-}
+uint32_t plainPixel(uint32_t alpha) { return alpha ? alpha << 24 | 0xffffff : 0; }
 
 // Colour is left to the rim pass, but full pixels start white: their colour is a fraction in the sums of their neighbours.
-uint32_t unrimmedPixel(uint32_t alpha)
-{
-    return alpha == 255 ? 0xffffffff : alpha << 24;
-}
+uint32_t unrimmedPixel(uint32_t alpha) { return alpha == 255 ? 0xffffffff : alpha << 24; }
 
 // Gives each pixel a grey that falls with the alpha of its surroundings inside the box. Works in place, in raster order: the
 // pixels above and to the left bring their new colours into the sum.
@@ -131,7 +123,7 @@ void darkenRim(Box &box)
     }
 }
 
-}
+} // namespace
 
 char *drawCharacter(char *text, Style style, Source &source)
 {
@@ -197,7 +189,7 @@ char *drawCharacter(char *text, Style style, Source &source)
     return next;
 }
 
-}
+} // namespace ninefold::glyph
 
 char *CreateFontTexture(char *text)
 {

@@ -10,4 +10,4 @@ enum class Style { Plain, Rimmed };
 // Draws the character at `text` into rs.tex0. Returns the next character, or null when `text` is null or the atlas is full.
 char *drawCharacter(char *text, Style style, Source &source);
 
-}
+} // namespace ninefold::glyph

@@ -28,15 +28,9 @@ struct Bounds {
     FT_Pos left, bottom, right, top;
 };
 
-FT_Pos floorPixel(FT_Pos position)
-{
-    return position & ~FT_Pos{63};
-}
+FT_Pos floorPixel(FT_Pos position) { return position & ~FT_Pos{63}; }
 
-FT_Pos ceilPixel(FT_Pos position)
-{
-    return floorPixel(position + 63);
-}
+FT_Pos ceilPixel(FT_Pos position) { return floorPixel(position + 63); }
 
 // Converts from code page 932. The converter is made at its first use and stays.
 bool convert932(iconv_t &converter, const char *encoding, const char *from, size_t fromBytes, void *to, size_t toBytes)
@@ -357,13 +351,10 @@ private:
 
 constinit FreeTypeSource source;
 
-}
+} // namespace
 
-Source &platformSource()
-{
-    return source;
-}
+Source &platformSource() { return source; }
 
-}
+} // namespace ninefold::glyph
 
 #endif

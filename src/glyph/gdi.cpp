@@ -68,13 +68,10 @@ private:
 
 constinit GdiSource source;
 
-}
+} // namespace
 
-Source &platformSource()
-{
-    return source;
-}
+Source &platformSource() { return source; }
 
-}
+} // namespace ninefold::glyph
 
 #endif

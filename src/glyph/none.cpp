@@ -20,13 +20,10 @@ public:
 
 constinit NoSource source;
 
-}
+} // namespace
 
-Source &platformSource()
-{
-    return source;
-}
+Source &platformSource() { return source; }
 
-}
+} // namespace ninefold::glyph
 
 #endif

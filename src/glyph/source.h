@@ -49,9 +49,6 @@ protected:
 // The rasteriser of this platform.
 Source &platformSource();
 
-constexpr bool isLeadByte932(uint8_t byte)
-{
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
+constexpr bool isLeadByte932(uint8_t byte) { return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC); }
 
-}
+} // namespace ninefold::glyph

@@ -13,13 +13,10 @@ namespace ninefold {
 template <Frame frame, Multi multi, bool rule, bool marks>
 void drawFrame(PartIds ids);
 
-inline Source sourceOf(const Texture& t) { return {t.pixels, t.width - 1, t.height - 1, t.log2Width}; }
+inline Source sourceOf(const Texture &t) { return {t.pixels, t.width - 1, t.height - 1, t.log2Width}; }
 
 // Signed division towards zero that wraps where the quotient does not fit.
-inline uint32_t divided(uint32_t a, uint32_t b)
-{
-    return int32_t(b) == -1 ? 0 - a : uint32_t(int32_t(a) / int32_t(b));
-}
+inline uint32_t divided(uint32_t a, uint32_t b) { return int32_t(b) == -1 ? 0 - a : uint32_t(int32_t(a) / int32_t(b)); }
 
 // The same by one divisor for many dividends, without a division each. Neither dividend nor divisor is above 2^31 in size, so
 // a quotient that is no whole number stays at least 1 / divisor short of the next one; raising the reciprocal by 2^-50 outweighs
@@ -49,13 +46,13 @@ struct Target {
     const void *plane, *planeEnd; // null where no plane is marked
     const void *z, *zEnd;
 
-    static bool meet(const void* a, const void* aEnd, const void* b, const void* bEnd)
+    static bool meet(const void *a, const void *aEnd, const void *b, const void *bEnd)
     {
         return uintptr_t(a) < uintptr_t(bEnd) && uintptr_t(b) < uintptr_t(aEnd);
     }
-    bool overlaps(const Source& t) const
+    bool overlaps(const Source &t) const
     {
-        const uint32_t* end = t.pixels + (size_t(t.maskV + 1) << t.shift);
+        const uint32_t *end = t.pixels + (size_t(t.maskV + 1) << t.shift);
         return meet(t.pixels, end, pixels, pixelsEnd) || meet(t.pixels, end, plane, planeEnd) || meet(t.pixels, end, z, zEnd);
     }
 };
@@ -79,7 +76,7 @@ public:
     // a time.
     Painter(PartIds parts, bool overlap) : ids(parts)
     {
-        const SetTable& set = *activeSet;
+        const SetTable &set = *activeSet;
         front = set.fronts[ids.front()];
         back = set.backs[hasWideFactors()][ids.back()];
         const bool wide = rs.blendAlpha > 255 || rs.blendAlphaRgb > 255 || rs.prescaleMulti > 256;
@@ -129,7 +126,7 @@ public:
     }
 
     // Pixels first to first + n - 1.
-    void draw(const Span& s, int first, int n)
+    void draw(const Span &s, int first, int n)
     {
         if (fused[0]) {
             fused[(n > 4) + (n > 8)](s, first, n);
@@ -169,7 +166,7 @@ public:
 
 private:
     // Pixels that the rule lets through whole.
-    void drawPlain(const Span& s, int first, int n)
+    void drawPlain(const Span &s, int first, int n)
     {
         if (plainSpan) {
             plainSpan(s, first, n);
@@ -182,7 +179,7 @@ private:
         plainBlock(part, {1, n, 0, 0, 0});
     }
 
-    void combine(const Span& s, int first, int n)
+    void combine(const Span &s, int first, int n)
     {
         if constexpr (multi != Multi::none) {
             if (isUnused(multi) && !callMulti)
@@ -199,9 +196,9 @@ private:
 
     // The plane walk as it is defined, word by word, for a source that shares memory with a plane: what lies outside the span is
     // forced for the time of the row, a word is read before its pixels are drawn and marked after them.
-    [[gnu::noinline]] void drawWords(const Span& s, int n)
+    [[gnu::noinline]] void drawWords(const Span &s, int n)
     {
-        const SetTable& set = *activeSet;
+        const SetTable &set = *activeSet;
         const Front ungatedFront = set.fronts[ids.frontUngated()];
         const Back unmarkedBack = set.backs[hasWideFactors()][ids.backUnmarked()];
         if (n <= 0) // an empty clip rectangle
@@ -215,7 +212,7 @@ private:
         const uint16_t lastSaved = *lastWord;
         *lastWord |= lastMask;
         int pixel = -begin;
-        for (uint16_t* word = firstWord; word <= lastWord; ++word) {
+        for (uint16_t *word = firstWord; word <= lastWord; ++word) {
             uint32_t taken = *word | s.maskRow, bits = 0;
             if (s.zeroMap)
                 taken |= s.zeroMap[word - firstWord];

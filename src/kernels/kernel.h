@@ -40,7 +40,7 @@ constexpr DrawFunc ownKernel()
 {
     constexpr Axes a = axesOf(code);
     if constexpr (a.shape == 0) // constant alpha does not read what prescale changes
-        return drawLine<a.filter == 7, a.shahei, a.blend, a.prescale && a.blend != 2>;
+        return drawLine < a.filter == 7, a.shahei, a.blend, a.prescale && a.blend != 2 > ;
     else
         return kernel<frameOf<code>(), partIds(planOfCode(code)).word>;
 }

@@ -12,10 +12,10 @@ namespace ninefold {
 
 // How a front gets its source. "Row": the texture row is the same for the whole span.
 enum class Fetch : uint8_t {
-    unit,       // whole texels, one a pixel, wrapped
+    unit, // whole texels, one a pixel, wrapped
     unitMapped, // the same without a transparent test; the zero-pixel map takes part in the plane gate
-    run,        // read on from Span::run without wrap or test
-    runSlip,    // the same, moving only on pixels that pass the rule test
+    run, // read on from Span::run without wrap or test
+    runSlip, // the same, moving only on pixels that pass the rule test
     pointRow,
     point,
     pointPers,
@@ -29,11 +29,11 @@ enum class Fetch : uint8_t {
     bilinear4,
     bilinearPers3,
     bilinearPers4,
-    stipple,    // one of two texels, by the column's threshold
-    flat,       // color[0]
-    gouraud,    // running colours
+    stipple, // one of two texels, by the column's threshold
+    flat, // color[0]
+    gouraud, // running colours
     firstTexel, // the first texel of the level
-    mipMixRow,  // texel of the level mixed with one of the next, by mipFrac
+    mipMixRow, // texel of the level mixed with one of the next, by mipFrac
     mipMix,
     mipMixPers,
     mipNextRow, // the next level's texel where the level has one
@@ -84,10 +84,7 @@ enum class Marks : uint8_t { none, plane, planeZ, count };
 
 constexpr int blendCount = 13;
 
-constexpr int frontIndex(Fetch f, Rule r, Gate g)
-{
-    return (int(f) * int(Rule::count) + int(r)) * int(Gate::count) + int(g);
-}
+constexpr int frontIndex(Fetch f, Rule r, Gate g) { return (int(f) * int(Rule::count) + int(r)) * int(Gate::count) + int(g); }
 constexpr int frontCount = frontIndex(Fetch::count, Rule::none, Gate::none);
 
 constexpr int backIndex(bool prescale, int blend, bool soft, Marks m)
@@ -105,20 +102,26 @@ struct Rows {
     uint32_t stepV; // of v0, row by row; unit-scale fetches step by a texel
     uint32_t maskRow; // number of the first drawMask row
 };
-using Block = void (*)(const Span&, const Rows&);
-using FusedSpan = void (*)(const Span&, int first, int n);
+using Block = void (*)(const Span &, const Rows &);
+using FusedSpan = void (*)(const Span &, int first, int n);
 
 struct FusedFetch {
     Fetch fetch;
     bool prescale = false;
 };
-constexpr FusedFetch blockFetches[] = {
-    {Fetch::unit},       {Fetch::pointRow},       {Fetch::bilinearRow3},       {Fetch::bilinearRow4},       {Fetch::flat},
-    {Fetch::unit, true}, {Fetch::pointRow, true}, {Fetch::bilinearRow3, true}, {Fetch::bilinearRow4, true},
-    {Fetch::mipBilinearRow}};
-constexpr FusedFetch spanFetches[] = {
-    {Fetch::run},     {Fetch::point},   {Fetch::bilinear3}, {Fetch::bilinear4},     {Fetch::flat},
-    {Fetch::gouraud}, {Fetch::stipple}, {Fetch::pointPers}, {Fetch::bilinearPers3}, {Fetch::bilinearPers4}};
+constexpr FusedFetch blockFetches[] = {{Fetch::unit},
+                                       {Fetch::pointRow},
+                                       {Fetch::bilinearRow3},
+                                       {Fetch::bilinearRow4},
+                                       {Fetch::flat},
+                                       {Fetch::unit, true},
+                                       {Fetch::pointRow, true},
+                                       {Fetch::bilinearRow3, true},
+                                       {Fetch::bilinearRow4, true},
+                                       {Fetch::mipBilinearRow}};
+constexpr FusedFetch spanFetches[] = {{Fetch::run},           {Fetch::point},        {Fetch::bilinear3}, {Fetch::bilinear4},
+                                      {Fetch::flat},          {Fetch::gouraud},      {Fetch::stipple},   {Fetch::pointPers},
+                                      {Fetch::bilinearPers3}, {Fetch::bilinearPers4}};
 constexpr int fusedIndexAt(int fetch, Gate g, int blend) { return (fetch * int(Gate::count) + int(g)) * blendCount + blend + 1; }
 constexpr int blockCount = fusedIndexAt(sizeof blockFetches / sizeof *blockFetches, Gate::none, -1);
 constexpr int spanCount = fusedIndexAt(sizeof spanFetches / sizeof *spanFetches, Gate::none, -1);
@@ -143,15 +146,15 @@ constexpr int multiSpanCount = multiSpanIndex(3, 0);
 
 // What an instruction set exports. Entries that no kernel needs are null.
 struct SetTable {
-    const Front* fronts; // by frontIndex
-    const Mid* seconds;  // by Second
+    const Front *fronts; // by frontIndex
+    const Mid *seconds; // by Second
     // [1]: for factors beyond what 16-bit products hold
-    const Back* backs[2];             // by backIndex
-    const RowOperator* operators[2]; // by ops::Op
+    const Back *backs[2]; // by backIndex
+    const RowOperator *operators[2]; // by ops::Op
     RowOperator hostOperator;
-    const Block* blocks;     // by fusedIndex of blockFetches, less 1
-    const FusedSpan* spans;  // by fusedIndex of spanFetches, less 1
-    const FusedSpan* multiSpans; // by multiSpanIndex and operator
+    const Block *blocks; // by fusedIndex of blockFetches, less 1
+    const FusedSpan *spans; // by fusedIndex of spanFetches, less 1
+    const FusedSpan *multiSpans; // by multiSpanIndex and operator
     Alike alike[int(Rule::count)][int(Gate::count)]; // null: there is nothing to refuse, or no run of it to be expected
     // The sets with which rows of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are gathered.
     const SetTable *upTo8, *upTo4;
@@ -164,14 +167,20 @@ constexpr int setCount =
 #else
     1;
 #endif
-namespace v1 { extern const SetTable set; }
-namespace v3 { extern const SetTable set; }
-namespace v4 { extern const SetTable set; }
+namespace v1 {
+extern const SetTable set;
+} // namespace v1
+namespace v3 {
+extern const SetTable set;
+} // namespace v3
+namespace v4 {
+extern const SetTable set;
+} // namespace v4
 
 // The set in use. Starts at the baseline; MakeDrawFuncTable raises it to the best that the processor has.
-extern const SetTable* activeSet;
-extern const char* const setNames[setCount];
-int bestSet();           // index of the best set that this processor runs
-bool useSet(int index);  // false, and no change, when the processor cannot run it
+extern const SetTable *activeSet;
+extern const char *const setNames[setCount];
+int bestSet(); // index of the best set that this processor runs
+bool useSet(int index); // false, and no change, when the processor cannot run it
 
 } // namespace ninefold

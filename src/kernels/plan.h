@@ -9,16 +9,16 @@ namespace ninefold {
 
 // What happens before and around the pixels of a row.
 enum class Frame : uint8_t {
-    rectUnit,        // whole texels
-    rectUnit16,      // 16.16 positions that step by one texel
-    rectRuns,        // the texture's run-length map
-    rectMapped,      // the texture's zero-pixel map beside the Shahei plane
+    rectUnit, // whole texels
+    rectUnit16, // 16.16 positions that step by one texel
+    rectRuns, // the texture's run-length map
+    rectMapped, // the texture's zero-pixel map beside the Shahei plane
     rectStretch,
     rectStretchLevels, // with the next mip level beside each texture; so in the others
     rectCorners,
     rectCornersLevels,
     rectTable,
-    rectTableLevel,  // a mip level for each line
+    rectTableLevel, // a mip level for each line
     rectTableLevels,
     rectFlat,
     rectGouraud,
@@ -69,7 +69,7 @@ struct PartIds {
 };
 
 // A rule rectangle of colours alone marks the whole of its run, also what the rule holds back.
-constexpr bool marksRun(const Plan& p)
+constexpr bool marksRun(const Plan &p)
 {
     return p.marksPlane() && p.rule == Rule::row && (p.fetch == Fetch::flat || p.fetch == Fetch::gouraud);
 }
@@ -80,7 +80,7 @@ constexpr bool drawsBlocks(Frame f)
            f == Frame::rectFlat;
 }
 
-constexpr int fusedIndex(const Plan& p)
+constexpr int fusedIndex(const Plan &p)
 {
     if (p.marksPlane() || (p.rule != Rule::none && (p.gate != Gate::none || p.blend == 12)))
         return 0;
@@ -94,7 +94,7 @@ constexpr int fusedIndex(const Plan& p)
 }
 
 static_assert(frontCount <= 512 && int(Second::count) <= 32 && backCount <= 256 && int(Marks::count) <= 4);
-constexpr PartIds partIds(const Plan& p)
+constexpr PartIds partIds(const Plan &p)
 {
     return {uint64_t(fusedIndex(p)) << 32 | uint32_t(frontIndex(p.fetch, p.rule, p.gate)) | uint32_t(p.second) << 9 |
             uint32_t(backIndex(p.prescale, p.blend, p.rule != Rule::none, p.marks)) << 14 | uint32_t(p.marks) << 22 |
@@ -103,12 +103,12 @@ constexpr PartIds partIds(const Plan& p)
 }
 
 // Filters 2 and 5 under rect options 1, 2 and in triangles stand behind a driver, which calls one of two kernels.
-constexpr bool isDriven(const Axes& a)
+constexpr bool isDriven(const Axes &a)
 {
     return (a.filter == 2 || a.filter == 5) && (a.shape == 2 || (a.shape == 1 && (a.rectOpt == 1 || a.rectOpt == 2)));
 }
 // Per-line mip forms outside line tables have a kernel that does nothing.
-constexpr bool isEmpty(const Axes& a) { return (a.filter == 3 || a.filter == 4) && a.rectOpt != 3; }
+constexpr bool isEmpty(const Axes &a) { return (a.filter == 3 || a.filter == 4) && a.rectOpt != 3; }
 
 // The kernel that a driver calls when few texels fall on a pixel.
 constexpr Axes directOf(Axes a)
@@ -119,7 +119,7 @@ constexpr Axes directOf(Axes a)
 
 constexpr bool usesNextLevel(Fetch f) { return f >= Fetch::mipMixRow; }
 
-constexpr Plan planOfRect(const Axes& a, Plan p)
+constexpr Plan planOfRect(const Axes &a, Plan p)
 {
     const bool plane = p.marksPlane(), four = a.blend == 1 || a.blend == 2 || a.blend == 4;
     p.rule = a.rule ? Rule::row : Rule::none;
@@ -182,7 +182,7 @@ constexpr Plan planOfRect(const Axes& a, Plan p)
     return p;
 }
 
-constexpr Plan planOfTriangle(const Axes& a, Plan p)
+constexpr Plan planOfTriangle(const Axes &a, Plan p)
 {
     const bool pers = a.pers, four = a.blend == 1 || a.blend == 2 || a.blend == 4;
     p.rule = a.rule ? Rule::free : Rule::none;
@@ -229,7 +229,7 @@ constexpr Plan planOfTriangle(const Axes& a, Plan p)
 }
 
 // The kernel of a rectangle or triangle; for driven ones the kernel that draws from mip levels. Lines have no parts.
-constexpr Plan planOf(const Axes& a)
+constexpr Plan planOf(const Axes &a)
 {
     constexpr Gate gates[] = {Gate::none, Gate::plane, Gate::plane, Gate::z, Gate::mask, Gate::zMask};
     Plan p{};
@@ -239,7 +239,7 @@ constexpr Plan planOf(const Axes& a)
     p.blend = a.blend;
     p.prescale = a.prescale && a.blend != 2; // constant alpha does not read what prescale changes
     p = a.shape == 1 ? planOfRect(a, p) : planOfTriangle(a, p);
-    p.second = p.multi == Multi::corners || p.multi == Multi::cornersUnused  ? Second::corners
+    p.second = p.multi == Multi::corners || p.multi == Multi::cornersUnused ? Second::corners
                : p.multi == Multi::second || p.multi == Multi::secondUnused ? p.second
                                                                             : Second{};
     return p;
@@ -255,7 +255,7 @@ struct UsedParts {
 constexpr UsedParts usedParts()
 {
     UsedParts used{};
-    const auto use = [&used](const Axes& a) {
+    const auto use = [&used](const Axes &a) {
         if (a.shape == 0 || isEmpty(a))
             return;
         const Plan p = planOf(a);

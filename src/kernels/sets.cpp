@@ -9,8 +9,8 @@ namespace ninefold {
 
 #if defined(__x86_64__)
 
-constinit const SetTable* activeSet = &v1::set;
-const char* const setNames[setCount] = {"x86-64", "x86-64-v3", "x86-64-v4"};
+constinit const SetTable *activeSet = &v1::set;
+const char *const setNames[setCount] = {"x86-64", "x86-64-v3", "x86-64-v4"};
 
 int bestSet()
 {
@@ -31,7 +31,7 @@ int bestSet()
 
 bool useSet(int index)
 {
-    static constexpr const SetTable* sets[setCount] = {&v1::set, &v3::set, &v4::set};
+    static constexpr const SetTable *sets[setCount] = {&v1::set, &v3::set, &v4::set};
     if (index < 0 || index > bestSet())
         return false;
     activeSet = sets[index];
@@ -40,8 +40,8 @@ bool useSet(int index)
 
 #else
 
-constinit const SetTable* activeSet = &v1::set;
-const char* const setNames[setCount] = {"baseline"};
+constinit const SetTable *activeSet = &v1::set;
+const char *const setNames[setCount] = {"baseline"};
 int bestSet() { return 0; }
 bool useSet(int index) { return index == 0; }
 

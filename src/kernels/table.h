@@ -17,6 +17,6 @@ struct TableUnit {
 
 // Kernels unit * unitSize and up, in table order.
 template <size_t unit>
-const TableUnit& kernelsOf();
+const TableUnit &kernelsOf();
 
 } // namespace ninefold

@@ -20,10 +20,7 @@ NINEFOLD_INLINE uint32_t opConstAlpha(uint32_t dst, uint32_t src, uint32_t a)
 }
 
 // (s * A + d * (255 - A)) >> 8; alpha 0. Darkens by up to 1 even where A is 0 or 255.
-NINEFOLD_INLINE uint32_t opAlpha(uint32_t dst, uint32_t src)
-{
-    return opConstAlpha(dst, src, src >> 24);
-}
+NINEFOLD_INLINE uint32_t opAlpha(uint32_t dst, uint32_t src) { return opConstAlpha(dst, src, src >> 24); }
 
 // The same, but A of 255 gives the source and A of 0 the destination, alpha included.
 NINEFOLD_INLINE uint32_t opAlphaFast(uint32_t dst, uint32_t src)
@@ -67,10 +64,7 @@ NINEFOLD_INLINE uint32_t opMul2(uint32_t dst, uint32_t src)
 }
 
 // 255 - (((255 - d) * (255 - s)) >> 8); alpha 255
-NINEFOLD_INLINE uint32_t opScreen(uint32_t dst, uint32_t src)
-{
-    return ~opMul(~dst, ~src);
-}
+NINEFOLD_INLINE uint32_t opScreen(uint32_t dst, uint32_t src) { return ~opMul(~dst, ~src); }
 
 // d < 128: ((d * s) >> 8) * 2, else 255 - (((255 - d) * (255 - s)) >> 8) * 2; alpha 0
 NINEFOLD_INLINE uint32_t opOverlay(uint32_t dst, uint32_t src)
@@ -86,10 +80,7 @@ NINEFOLD_INLINE uint32_t opOverlay(uint32_t dst, uint32_t src)
 }
 
 // Set bits of the mask from the source, the others from the destination; alpha is no exception.
-NINEFOLD_INLINE uint32_t opMerge(uint32_t dst, uint32_t src, uint32_t mask)
-{
-    return (dst & ~mask) | (src & mask);
-}
+NINEFOLD_INLINE uint32_t opMerge(uint32_t dst, uint32_t src, uint32_t mask) { return (dst & ~mask) | (src & mask); }
 
 // L in red, green and blue, L = ((R * 76) >> 8) + ((G * 150) >> 8) + ((B * 29) >> 8), at most 252; alpha 0
 NINEFOLD_INLINE uint32_t luma(uint32_t pixel)
@@ -101,45 +92,24 @@ NINEFOLD_INLINE uint32_t luma(uint32_t pixel)
 }
 
 // s
-NINEFOLD_INLINE uint32_t opSrc(uint32_t, uint32_t src)
-{
-    return src;
-}
+NINEFOLD_INLINE uint32_t opSrc(uint32_t, uint32_t src) { return src; }
 
 // d
-NINEFOLD_INLINE uint32_t opDst(uint32_t dst, uint32_t)
-{
-    return dst;
-}
+NINEFOLD_INLINE uint32_t opDst(uint32_t dst, uint32_t) { return dst; }
 
 // luma of the source; alpha 0
-NINEFOLD_INLINE uint32_t opLumaSrc(uint32_t, uint32_t src)
-{
-    return luma(src);
-}
+NINEFOLD_INLINE uint32_t opLumaSrc(uint32_t, uint32_t src) { return luma(src); }
 
 // luma of the destination; alpha 0
-NINEFOLD_INLINE uint32_t opLumaDst(uint32_t dst, uint32_t)
-{
-    return luma(dst);
-}
+NINEFOLD_INLINE uint32_t opLumaDst(uint32_t dst, uint32_t) { return luma(dst); }
 
 // d ^ s, alpha included
-NINEFOLD_INLINE uint32_t opXor(uint32_t dst, uint32_t src)
-{
-    return dst ^ src;
-}
+NINEFOLD_INLINE uint32_t opXor(uint32_t dst, uint32_t src) { return dst ^ src; }
 
 // d & s, alpha included
-NINEFOLD_INLINE uint32_t opAnd(uint32_t dst, uint32_t src)
-{
-    return dst & src;
-}
+NINEFOLD_INLINE uint32_t opAnd(uint32_t dst, uint32_t src) { return dst & src; }
 
 // d | s, alpha included
-NINEFOLD_INLINE uint32_t opOr(uint32_t dst, uint32_t src)
-{
-    return dst | src;
-}
+NINEFOLD_INLINE uint32_t opOr(uint32_t dst, uint32_t src) { return dst | src; }
 
-}
+} // namespace ninefold::ops

@@ -37,8 +37,8 @@ constexpr RowPair patterns[] = {
     {0xAAAA, 0x0000}, // 261: odd rows, and odd columns of even rows
 };
 
-}
-}
+} // namespace
+} // namespace ninefold
 
 using namespace ninefold;
 

@@ -18,12 +18,9 @@ constexpr std::array<PixelOperator, opCount> allFunctions(std::integer_sequence<
     return {function<static_cast<Op>(index)>...};
 }
 
-PixelOperator pointerTo(Op op)
-{
-    return operators[static_cast<size_t>(op)];
-}
+PixelOperator pointerTo(Op op) { return operators[static_cast<size_t>(op)]; }
 
-}
+} // namespace
 
 constinit const std::array<PixelOperator, opCount> operators = allFunctions(std::make_integer_sequence<int, opCount>());
 
@@ -36,7 +33,7 @@ int operatorIndex(PixelOperator function)
     return -1;
 }
 
-}
+} // namespace ninefold::ops
 
 using namespace ninefold::ops;
 

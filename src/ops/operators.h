@@ -83,10 +83,7 @@ struct Factors {
 };
 
 // The low 24 bits of `color` with the alpha of `first`.
-NINEFOLD_INLINE uint32_t withAlphaOf(uint32_t first, uint32_t color)
-{
-    return (color & 0xFFFFFF) | (first & 0xFF000000);
-}
+NINEFOLD_INLINE uint32_t withAlphaOf(uint32_t first, uint32_t color) { return (color & 0xFFFFFF) | (first & 0xFF000000); }
 
 // The scalar definition of every operator.
 template <Op op>
@@ -146,4 +143,4 @@ extern const std::array<PixelOperator, opCount> operators;
 // The Op that a pointer is, -1 for null and for a host's own function.
 int operatorIndex(PixelOperator function);
 
-}
+} // namespace ninefold::ops

@@ -28,4 +28,4 @@ NINEFOLD_INLINE uint32_t prescaleSource(int blend, uint32_t source, uint32_t fac
     return scaleRgb(source, factor) | (source & 0xFF000000);
 }
 
-}
+} // namespace ninefold::ops

@@ -53,12 +53,9 @@ void store(long *out, uint32_t value)
         *out = static_cast<long>(value);
 }
 
-}
+} // namespace
 
-Texture *LoadTexture(char *path)
-{
-    return LoadTextureAdjust(path, 0, 0, nullptr, nullptr, nullptr, nullptr);
-}
+Texture *LoadTexture(char *path) { return LoadTextureAdjust(path, 0, 0, nullptr, nullptr, nullptr, nullptr); }
 
 Texture *LoadTextureAdjust(char *path, unsigned long alignX, unsigned long alignY, long *outX, long *outY, long *outWidth,
                            long *outHeight)

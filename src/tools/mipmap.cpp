@@ -25,7 +25,7 @@ void fillLevel(Texture *level, const Texture *above)
     }
 }
 
-}
+} // namespace
 
 void CreateMipmapTexture(Texture *texture)
 {

@@ -11,7 +11,7 @@ namespace ninefold {
 int8_t runBytes[557056];
 int8_t *runLists[65536];
 
-}
+} // namespace ninefold
 
 void CreateRunlengthMap(Texture *texture)
 {
@@ -85,7 +85,4 @@ void MakeShaheiRunlengthTbl(void)
     }
 }
 
-char **GetShaheiTable(void)
-{
-    return reinterpret_cast<char **>(ninefold::runLists);
-}
+char **GetShaheiTable(void) { return reinterpret_cast<char **>(ninefold::runLists); }

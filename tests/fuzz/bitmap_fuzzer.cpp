@@ -39,7 +39,7 @@ uint32_t field(const uint8_t *data, size_t size, size_t at)
     return value;
 }
 
-}
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

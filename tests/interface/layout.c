@@ -4,7 +4,8 @@
 #include <stddef.h>
 
 #ifdef __cplusplus
-#pragma GCC diagnostic ignored "-Winvalid-offsetof" /* Texture has a virtual table; every compiler we build with lays it out first */
+#pragma GCC diagnostic ignored                                                                                                   \
+    "-Winvalid-offsetof" /* Texture has a virtual table; every compiler we build with lays it out first */
 #define CHECK(condition) static_assert(condition, #condition)
 #else
 #define CHECK(condition) _Static_assert(condition, #condition)

@@ -11,25 +11,13 @@ uint32_t texelAt(const Texture &texture, int32_t column, int32_t row)
     return texture.pixels[(y << texture.log2Width) + x];
 }
 
-uint32_t pointTexel(const Texture &texture, Position at)
-{
-    return texelAt(texture, at.u >> 16, at.v >> 16);
-}
+uint32_t pointTexel(const Texture &texture, Position at) { return texelAt(texture, at.u >> 16, at.v >> 16); }
 
-uint32_t pointTexelRowToZero(const Texture &texture, Position at)
-{
-    return texelAt(texture, at.u >> 16, whole(at.v));
-}
+uint32_t pointTexelRowToZero(const Texture &texture, Position at) { return texelAt(texture, at.u >> 16, whole(at.v)); }
 
-uint32_t pointTexelBelow(const Texture &below, Position at)
-{
-    return texelAt(below, at.u >> 17, at.v >> 17);
-}
+uint32_t pointTexelBelow(const Texture &below, Position at) { return texelAt(below, at.u >> 17, at.v >> 17); }
 
-int32_t quantised(int32_t value, int32_t size)
-{
-    return mul(divide(value, size), size);
-}
+int32_t quantised(int32_t value, int32_t size) { return mul(divide(value, size), size); }
 
 uint32_t firstTexel(const Texture &texture, Position at)
 {

@@ -14,10 +14,7 @@ uint64_t fullLevel(uint32_t quality)
     }
 }
 
-uint64_t byteAt(const ServedGlyph &glyph, uint64_t index)
-{
-    return index < glyph.bytes.size() ? glyph.bytes[index] : 0;
-}
+uint64_t byteAt(const ServedGlyph &glyph, uint64_t index) { return index < glyph.bytes.size() ? glyph.bytes[index] : 0; }
 
 // Coverage of one pixel before it is cut to a byte.
 uint64_t coverage(const ServedGlyph &glyph, uint32_t quality, uint64_t col, uint64_t row)
@@ -33,15 +30,9 @@ uint64_t coverage(const ServedGlyph &glyph, uint32_t quality, uint64_t col, uint
     return byteAt(glyph, row * rowBytes + col) * 255 / fullLevel(quality);
 }
 
-uint32_t plainPixel(uint64_t alpha)
-{
-    return alpha == 0 ? 0 : static_cast<uint32_t>(alpha % 256 * 0x1000000 + 0xffffff);
-}
+uint32_t plainPixel(uint64_t alpha) { return alpha == 0 ? 0 : static_cast<uint32_t>(alpha % 256 * 0x1000000 + 0xffffff); }
 
-uint32_t rimPixel(uint64_t alpha)
-{
-    return alpha == 255 ? 0xffffffff : static_cast<uint32_t>(alpha % 256 * 0x1000000);
-}
+uint32_t rimPixel(uint64_t alpha) { return alpha == 255 ? 0xffffffff : static_cast<uint32_t>(alpha % 256 * 0x1000000); }
 
 uint32_t *wordAt(GlyphState &state, int64_t col, int64_t row)
 {
@@ -76,7 +67,7 @@ void darken(GlyphState &state, int64_t col, int64_t row, int64_t width, int64_t 
     *pixel = static_cast<uint32_t>(alpha * 0x1000000 + grey * 0x10101);
 }
 
-}
+} // namespace
 
 Character characterAt(const char *text, const std::function<bool(uint8_t)> &isLead)
 {
@@ -127,4 +118,4 @@ bool placeGlyph(GlyphState &state, const ServedGlyph &glyph, bool rim)
     return true;
 }
 
-}
+} // namespace reference

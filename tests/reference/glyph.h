@@ -33,4 +33,4 @@ struct GlyphState {
 // False when the atlas has no room. Bytes past the bitmap read as 0; words past the atlas are dropped, and read as 0.
 bool placeGlyph(GlyphState &state, const ServedGlyph &glyph, bool rim);
 
-}
+} // namespace reference

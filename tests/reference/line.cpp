@@ -163,9 +163,6 @@ void Line::draw()
 
 } // namespace
 
-void drawLine(const Modes &modes, RenderState &state)
-{
-    Line(modes, state).draw();
-}
+void drawLine(const Modes &modes, RenderState &state) { Line(modes, state).draw(); }
 
 } // namespace reference

@@ -40,10 +40,7 @@ int32_t lengthOf(int32_t u, int32_t v)
     return static_cast<int32_t>(std::sqrt(static_cast<double>(mul(v, v)) + horizontal * horizontal));
 }
 
-int32_t segmentLength(TexCoord from, TexCoord to)
-{
-    return lengthOf(whole(sub(to.u, from.u)), whole(sub(to.v, from.v)));
-}
+int32_t segmentLength(TexCoord from, TexCoord to) { return lengthOf(whole(sub(to.u, from.u)), whole(sub(to.v, from.v))); }
 
 } // namespace
 
@@ -107,10 +104,7 @@ void drawByLevel(RenderState &state, Density density, Direct direct, Draw drawSh
     std::copy(saved.uv1, saved.uv1 + 4, state.uv1);
 }
 
-bool belowTwo(int32_t density)
-{
-    return (static_cast<uint32_t>(density) & 0xFFFF0000) <= 0x10000;
-}
+bool belowTwo(int32_t density) { return (static_cast<uint32_t>(density) & 0xFFFF0000) <= 0x10000; }
 
 } // namespace
 
@@ -139,10 +133,7 @@ void drawCornersByLevel(const Modes &modes, RenderState &state)
     drawByLevel(state, density, belowTwo, drawRectangle, modes);
 }
 
-static int32_t rootOfArea(int32_t area)
-{
-    return static_cast<int32_t>(std::sqrt(std::fabs(static_cast<double>(area))));
-}
+static int32_t rootOfArea(int32_t area) { return static_cast<int32_t>(std::sqrt(std::fabs(static_cast<double>(area)))); }
 
 void drawTriangleByLevel(const Modes &modes, RenderState &state)
 {

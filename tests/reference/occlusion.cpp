@@ -44,10 +44,7 @@ private:
     void span(int32_t x, int32_t y, int32_t width);
 };
 
-Ramp edge(int32_t x, int32_t toX, int32_t height)
-{
-    return {fromWhole(x), divide(fromWhole(sub(toX, x)), height)};
-}
+Ramp edge(int32_t x, int32_t toX, int32_t height) { return {fromWhole(x), divide(fromWhole(sub(toX, x)), height)}; }
 
 void Filler::span(int32_t x, int32_t y, int32_t width)
 {

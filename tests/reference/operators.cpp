@@ -6,23 +6,14 @@ namespace reference {
 
 static const RenderState *factors = nullptr;
 
-void setOperatorState(const RenderState *state)
-{
-    factors = state;
-}
+void setOperatorState(const RenderState *state) { factors = state; }
 
 namespace {
 
 // Channels are numbered from the low end: 0 blue, 1 green, 2 red, 3 alpha.
-uint32_t channel(uint32_t pixel, int number)
-{
-    return pixel >> (8 * number) & 255;
-}
+uint32_t channel(uint32_t pixel, int number) { return pixel >> (8 * number) & 255; }
 
-uint32_t placed(uint32_t value, int number)
-{
-    return value << (8 * number);
-}
+uint32_t placed(uint32_t value, int number) { return value << (8 * number); }
 
 // An operator that treats blue, green and red alike and apart; alpha 0.
 template <typename Function>
@@ -117,10 +108,7 @@ uint32_t overlaid(uint32_t dst, uint32_t src)
                       [](uint32_t d, uint32_t s) { return d < 128 ? (d * s >> 8) * 2 : 255 - ((255 - d) * (255 - s) >> 8) * 2; });
 }
 
-uint32_t merged(uint32_t dst, uint32_t src)
-{
-    return (dst & ~factors->writeMask) | (src & factors->writeMask);
-}
+uint32_t merged(uint32_t dst, uint32_t src) { return (dst & ~factors->writeMask) | (src & factors->writeMask); }
 
 uint32_t luma(uint32_t pixel)
 {
@@ -129,20 +117,11 @@ uint32_t luma(uint32_t pixel)
 }
 
 // The second operand of the second bank.
-uint32_t dimmed(uint32_t second)
-{
-    return scaleRgb(second, factors->prescaleMulti);
-}
+uint32_t dimmed(uint32_t second) { return scaleRgb(second, factors->prescaleMulti); }
 
-uint32_t faded(uint32_t second)
-{
-    return scaleAlpha(second, factors->prescaleMulti);
-}
+uint32_t faded(uint32_t second) { return scaleAlpha(second, factors->prescaleMulti); }
 
-uint32_t keepAlpha(uint32_t first, uint32_t value)
-{
-    return (value & 0xFFFFFF) | (first & 0xFF000000);
-}
+uint32_t keepAlpha(uint32_t first, uint32_t value) { return (value & 0xFFFFFF) | (first & 0xFF000000); }
 
 uint32_t multiResult(int value, bool secondBank, uint32_t first, uint32_t second)
 {
@@ -263,9 +242,6 @@ PixelOperator blendOperator(long mode)
     }
 }
 
-PixelOperator multiOperator(long value, bool secondBank)
-{
-    return secondBank ? multiOf<true>(value) : multiOf<false>(value);
-}
+PixelOperator multiOperator(long value, bool secondBank) { return secondBank ? multiOf<true>(value) : multiOf<false>(value); }
 
 } // namespace reference

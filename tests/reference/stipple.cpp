@@ -29,10 +29,7 @@ constexpr Order order;
 } // namespace
 
 // Stipple 0 is the invisible end of a fade: it lacks the one position that the count would give it.
-bool stippleBit(int number, int row, int bit)
-{
-    return number == 0 || order.rank[row][bit] > number;
-}
+bool stippleBit(int number, int row, int bit) { return number == 0 || order.rank[row][bit] > number; }
 
 std::array<uint16_t, 16> stipple(int index)
 {

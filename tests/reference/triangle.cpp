@@ -43,10 +43,7 @@ bool Corners::rejected(const RenderState &state) const
     return state.clipTop > yB || state.clipBottom <= yT || (yT == yM && yM == yB);
 }
 
-int32_t Corners::cross() const
-{
-    return sub(mul(sub(xM, xT), sub(yB, yT)), mul(sub(xB, xT), sub(yM, yT)));
-}
+int32_t Corners::cross() const { return sub(mul(sub(xM, xT), sub(yB, yT)), mul(sub(xB, xT), sub(yM, yT))); }
 
 namespace {
 

@@ -7,10 +7,7 @@
 
 namespace support {
 
-inline int32_t wrapping(int64_t value)
-{
-    return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(value)));
-}
+inline int32_t wrapping(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint64_t>(value))); }
 
 // Of a difference that may need 33 bits: as drawing takes it.
 inline int32_t distanceOf(int32_t a, int32_t b)

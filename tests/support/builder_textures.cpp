@@ -210,10 +210,7 @@ void Builder::maps()
 }
 
 // Whether each pixel is to read the texel of its own column and row: then the distance that is read at is that of the texture.
-bool Builder::readsInPlace()
-{
-    return offsets && random.percent(60);
-}
+bool Builder::readsInPlace() { return offsets && random.percent(60); }
 
 // A 16.16 step from a pixel to the next.
 int32_t Builder::step()

@@ -71,16 +71,10 @@ inline std::ostream &operator<<(std::ostream &out, const Modes &m)
 constexpr int blends[] = {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12};
 
 // Whole texels in 16.16.
-constexpr int32_t texels(int n)
-{
-    return n * 0x10000;
-}
+constexpr int32_t texels(int n) { return n * 0x10000; }
 
 // What index textures hold: never 0, alpha 255, and the position can be read off.
-constexpr uint32_t idAt(uint32_t u, uint32_t v)
-{
-    return 0xFF000000u | v << 12 | u;
-}
+constexpr uint32_t idAt(uint32_t u, uint32_t v) { return 0xFF000000u | v << 12 | u; }
 
 constexpr uint32_t ground = 0x11223344;
 
@@ -429,4 +423,4 @@ private:
     std::vector<Texture *> textures;
 };
 
-}
+} // namespace canvas

@@ -12,15 +12,9 @@
 
 namespace support {
 
-int setCount()
-{
-    return ninefold::bestSet() + 1;
-}
+int setCount() { return ninefold::bestSet() + 1; }
 
-const char *setName(int set)
-{
-    return ninefold::setNames[set];
-}
+const char *setName(int set) { return ninefold::setNames[set]; }
 
 namespace {
 
@@ -55,10 +49,7 @@ uint64_t fieldValue(const Field &field, const RenderState &start, const RenderSt
     return value == first ? 1 : ~uint64_t{0} - 1;
 }
 
-size_t fieldSteps(const Field &field)
-{
-    return field.kind == FieldKind::plain ? field.size : 2;
-}
+size_t fieldSteps(const Field &field) { return field.kind == FieldKind::plain ? field.size : 2; }
 
 } // namespace
 

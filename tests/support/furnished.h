@@ -120,4 +120,4 @@ protected:
     std::vector<int32_t> shifts;
 };
 
-}
+} // namespace canvas

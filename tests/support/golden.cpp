@@ -17,10 +17,7 @@ uint32_t goldenSum(Comparer &comparer, const Subject &subject, int set)
     return sum;
 }
 
-std::string goldenPath()
-{
-    return NINEFOLD_TEST_DIR "/golden/sums.txt";
-}
+std::string goldenPath() { return NINEFOLD_TEST_DIR "/golden/sums.txt"; }
 
 // Lines of a record's number and sixteen sums from there on; then lines of a function's name and its sum.
 std::vector<uint32_t> readGolden(const std::string &path)

@@ -20,24 +20,15 @@ uint32_t record(uint64_t who, uint32_t first, uint32_t second)
     return first ^ (second << 9 | second >> 23) ^ static_cast<uint32_t>(digest >> 40);
 }
 
-uint32_t hostMultiOperator(uint32_t first, uint32_t second)
-{
-    return record(0xA11, first, second);
-}
+uint32_t hostMultiOperator(uint32_t first, uint32_t second) { return record(0xA11, first, second); }
 
-uint32_t hostBlendOperator(uint32_t first, uint32_t second)
-{
-    return record(0xB1E0, first, second);
-}
+uint32_t hostBlendOperator(uint32_t first, uint32_t second) { return record(0xB1E0, first, second); }
 
 OperatorPair pairs[operatorCount];
 
 } // namespace
 
-OperatorPair operatorPair(int number)
-{
-    return pairs[number];
-}
+OperatorPair operatorPair(int number) { return pairs[number]; }
 
 std::string operatorName(int number)
 {

@@ -15,10 +15,7 @@ constexpr uint32_t idAt(uint32_t l, uint32_t u, uint32_t v)
 }
 
 // The same of another texture, with columns and rows exchanged.
-constexpr uint32_t otherIdAt(uint32_t l, uint32_t u, uint32_t v)
-{
-    return ~idAt(l, v, u) | 0x40000000;
-}
+constexpr uint32_t otherIdAt(uint32_t l, uint32_t u, uint32_t v) { return ~idAt(l, v, u) | 0x40000000; }
 
 // Makes the chain and fills every level by pixelAt(level, u, v).
 template <class PixelAt>
@@ -40,10 +37,7 @@ inline uint32_t texel(const Texture &t, int column, int line)
                     (static_cast<uint32_t>(column) & (t.width - 1))];
 }
 
-inline uint32_t point(const Texture &t, int32_t u, int32_t v)
-{
-    return texel(t, u >> 16, v >> 16);
-}
+inline uint32_t point(const Texture &t, int32_t u, int32_t v) { return texel(t, u >> 16, v >> 16); }
 
 // (a * f + b * (255 - f)) / 256 in red, green and blue; alpha 0.
 inline uint32_t mix3(uint32_t a, uint32_t b, uint32_t f)
@@ -109,4 +103,4 @@ inline uint32_t bilinearBelowInTriangles(const Texture &t, int32_t u, int32_t v,
     return weigh(k, point(t, u / 2, v / 2), point(t, u2, v / 2), point(t, u2, v2), point(t, u / 2, v / 2 + k.moveV), four);
 }
 
-}
+} // namespace levels

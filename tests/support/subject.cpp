@@ -48,20 +48,11 @@ ninefold::Axes Subject::axes() const
     return ninefold::axesOf(code);
 }
 
-std::string Subject::name() const
-{
-    return exported != nullptr ? exported : ninefold::nameOf(ninefold::axesOf(code));
-}
+std::string Subject::name() const { return exported != nullptr ? exported : ninefold::nameOf(ninefold::axesOf(code)); }
 
-bool Subject::is(const char *exportName) const
-{
-    return exported != nullptr && std::strcmp(exported, exportName) == 0;
-}
+bool Subject::is(const char *exportName) const { return exported != nullptr && std::strcmp(exported, exportName) == 0; }
 
-bool Subject::fillsPlanes() const
-{
-    return exported != nullptr && axes() == fill;
-}
+bool Subject::fillsPlanes() const { return exported != nullptr && axes() == fill; }
 
 const std::vector<Subject> &catalogueSubjects()
 {

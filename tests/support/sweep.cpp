@@ -119,10 +119,7 @@ uint32_t scenesWanted(uint32_t otherwise)
     return static_cast<uint32_t>(numberOfVariable("NINEFOLD_SCENES", otherwise, 1, mostScenes));
 }
 
-uint64_t seedWanted()
-{
-    return numberOfVariable("NINEFOLD_SEED", 1, 0, UINT64_MAX);
-}
+uint64_t seedWanted() { return numberOfVariable("NINEFOLD_SEED", 1, 0, UINT64_MAX); }
 
 bool inShare(size_t index)
 {

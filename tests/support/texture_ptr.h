@@ -36,7 +36,4 @@ inline std::vector<uint32_t> pixelsOf(const Texture &texture)
     return {texture.pixels, texture.pixels + size_t{texture.width} * texture.height};
 }
 
-inline std::vector<uint32_t> pixelsOf(const TexturePtr &texture)
-{
-    return pixelsOf(*texture);
-}
+inline std::vector<uint32_t> pixelsOf(const TexturePtr &texture) { return pixelsOf(*texture); }

@@ -41,10 +41,7 @@ struct Side {
     }
 };
 
-inline int column(int64_t x)
-{
-    return static_cast<int>(x >= 0 ? x / 65536 : -((-x + 65535) / 65536));
-}
+inline int column(int64_t x) { return static_cast<int>(x >= 0 ? x / 65536 : -((-x + 65535) / 65536)); }
 
 // bias: 0x8000 for textured triangles, 0 for those of colours alone. The shift of a row is added to both of its ends.
 inline Picture draw(std::array<Corner, 3> corners, int64_t bias, const Clip &clip, const std::function<int(int)> &shift = {})
@@ -87,4 +84,4 @@ inline Picture draw(std::array<Corner, 3> corners, int64_t bias, const Clip &cli
     return picture;
 }
 
-}
+} // namespace trapezoid

@@ -83,15 +83,9 @@ void Workers::doing(uint32_t scene, int set)
     shared->at[self].set = set;
 }
 
-void Workers::addScenes(uint64_t number)
-{
-    shared->scenes += number;
-}
+void Workers::addScenes(uint64_t number) { shared->scenes += number; }
 
-Verdict Workers::verdict(size_t job) const
-{
-    return shared->verdicts[job];
-}
+Verdict Workers::verdict(size_t job) const { return shared->verdicts[job]; }
 
 size_t Workers::failures() const
 {
@@ -99,10 +93,7 @@ size_t Workers::failures() const
                                              [](const std::atomic<Verdict> &verdict) { return verdict == Verdict::failed; }));
 }
 
-uint64_t Workers::scenes() const
-{
-    return shared->scenes;
-}
+uint64_t Workers::scenes() const { return shared->scenes; }
 
 std::string Workers::reports() const
 {

@@ -114,7 +114,7 @@ bool run(const FontDescription &font, bool write, std::FILE *file)
     return true;
 }
 
-}
+} // namespace
 
 int main(int argc, char **argv)
 {

@@ -76,7 +76,7 @@ BOOL tracedDeleteObject(HGDIOBJ object)
     return deleted;
 }
 
-}
+} // namespace
 
 #define CreateFontIndirectA tracedCreateFontIndirectA
 #define GetDC tracedGetDC
@@ -170,4 +170,4 @@ TEST_P(GlyphGdi, LeavesNoObjectBehind)
     EXPECT_EQ(rs.glyphAdvance, 11);
 }
 
-}
+} // namespace

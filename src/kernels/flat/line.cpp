@@ -12,14 +12,14 @@ namespace ninefold {
 namespace {
 
 struct Line {
-    bool steep;        // y is the major axis
+    bool steep; // y is the major axis
     int32_t direction; // of the major axis
     int32_t major;
     uint32_t minorPosition, minorStep; // 16.16
-    int32_t count;                     // pixels, unless leaving minorLow to minorHigh - 1 ends the line
+    int32_t count; // pixels, unless leaving minorLow to minorHigh - 1 ends the line
     bool testMinor;
     int32_t minorLow, minorHigh;
-    uint32_t length;  // of the unclipped line
+    uint32_t length; // of the unclipped line
     uint32_t skipped; // steps made before the first pixel
 
     // Truncates: from -1 exclusive to 1 exclusive it is 0.
@@ -122,7 +122,7 @@ inline uint32_t blended(uint32_t d, uint32_t s)
 // The running colour of a Gouraud line, packed with what lies above bit 23 of green and red leaking into the channel above.
 struct RunningColour {
     uint32_t value[4], step[4]; // alpha, red, green, blue
-    explicit RunningColour(const Line& line)
+    explicit RunningColour(const Line &line)
     {
         const Divider byLength(line.length);
         for (int k = 0; k < 4; ++k) {
@@ -144,7 +144,7 @@ struct RunningColour {
 };
 struct FlatColour {
     uint32_t colour = rs.color[0];
-    explicit FlatColour(const Line&) {}
+    explicit FlatColour(const Line &) {}
     uint32_t packed() const { return colour; }
     void advance() {}
 };
@@ -159,14 +159,14 @@ void drawLine()
         return;
     std::conditional_t<gouraud, RunningColour, FlatColour> colour(line);
     constexpr bool plane = shahei == 1 || shahei == 2, z = shahei == 3 || shahei == 5, mask = shahei == 4 || shahei == 5;
-    uint32_t* const pixels = rs.dstPixels;
+    uint32_t *const pixels = rs.dstPixels;
     const uint32_t shift = rs.dstShift;
     const uint8_t zRef = uint8_t(rs.zRef);
     const uint32_t minorShift = line.steep ? 0 : shift, majorShift = line.steep ? shift : 0;
     const ptrdiff_t majorStride = ptrdiff_t(line.direction) << majorShift;
     ptrdiff_t majorOffset = ptrdiff_t(line.major) << majorShift;
-    for (; line.count > 0; --line.count, line.minorPosition += line.minorStep,
-                           majorOffset += majorStride, line.major += line.direction, colour.advance()) {
+    for (; line.count > 0; --line.count, line.minorPosition += line.minorStep, majorOffset += majorStride,
+                           line.major += line.direction, colour.advance()) {
         const int32_t minor = line.minor();
         if (line.testMinor && (minor < line.minorLow || minor >= line.minorHigh))
             return;
@@ -194,22 +194,22 @@ void drawLine()
     }
 }
 
-#define NINEFOLD_LINE_BLEND(shahei, blend)                                                                                           \
-    template void drawLine<false, shahei, blend, false>();                                                                           \
-    template void drawLine<false, shahei, blend, true>();                                                                            \
-    template void drawLine<true, shahei, blend, false>();                                                                            \
+#define NINEFOLD_LINE_BLEND(shahei, blend)                                                                                       \
+    template void drawLine<false, shahei, blend, false>();                                                                       \
+    template void drawLine<false, shahei, blend, true>();                                                                        \
+    template void drawLine<true, shahei, blend, false>();                                                                        \
     template void drawLine<true, shahei, blend, true>();
-#define NINEFOLD_LINE_BLENDS(shahei)                                                                                                 \
-    NINEFOLD_LINE_BLEND(shahei, 1)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 2)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 4)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 5)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 6)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 7)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 8)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 9)                                                                                                   \
-    NINEFOLD_LINE_BLEND(shahei, 10)                                                                                                  \
-    NINEFOLD_LINE_BLEND(shahei, 11)                                                                                                  \
+#define NINEFOLD_LINE_BLENDS(shahei)                                                                                             \
+    NINEFOLD_LINE_BLEND(shahei, 1)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 2)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 4)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 5)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 6)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 7)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 8)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 9)                                                                                               \
+    NINEFOLD_LINE_BLEND(shahei, 10)                                                                                              \
+    NINEFOLD_LINE_BLEND(shahei, 11)                                                                                              \
     NINEFOLD_LINE_BLEND(shahei, 12)
 NINEFOLD_LINE_BLEND(0, 0)
 NINEFOLD_LINE_BLEND(1, 0)

@@ -14,7 +14,7 @@ int32_t magnitude(uint32_t a) { return int32_t(int32_t(a) < 0 ? 0 - a : a); }
 // Puts a mip level in the place of a texture and its coordinates for the time of one kernel call.
 class LevelInPlace {
 public:
-    LevelInPlace(Texture*& textureField, TexCoord* uvField, int cornerCount, Texture*& next, int32_t& frac, int32_t density)
+    LevelInPlace(Texture *&textureField, TexCoord *uvField, int cornerCount, Texture *&next, int32_t &frac, int32_t density)
         : texture(textureField), base(textureField), uv(uvField), corners(cornerCount)
     {
         uint32_t level = 0;
@@ -40,20 +40,20 @@ public:
         for (int k = 0; k < corners; ++k)
             uv[k] = saved[k];
     }
-    LevelInPlace(const LevelInPlace&) = delete;
-    LevelInPlace& operator=(const LevelInPlace&) = delete;
+    LevelInPlace(const LevelInPlace &) = delete;
+    LevelInPlace &operator=(const LevelInPlace &) = delete;
 
 private:
-    Texture*& texture;
-    Texture* base;
-    TexCoord* uv;
+    Texture *&texture;
+    Texture *base;
+    TexCoord *uv;
     int corners;
     TexCoord saved[4];
 };
 
 // A tex1 that is set has its level chosen too, whether or not the kernel reads it.
 template <class Density>
-void drawFromLevels(DrawFunc mipKernel, int corners, int32_t density0, Density&& densityOf)
+void drawFromLevels(DrawFunc mipKernel, int corners, int32_t density0, Density &&densityOf)
 {
     const LevelInPlace level0(rs.tex0, rs.uv0, corners, rs.mipTex, rs.mipFrac, density0);
     if (!rs.tex1) {
@@ -65,13 +65,13 @@ void drawFromLevels(DrawFunc mipKernel, int corners, int32_t density0, Density&&
 }
 
 template <class Density>
-void driveRect(DrawFunc mipKernel, DrawFunc directKernel, Density&& densityOf)
+void driveRect(DrawFunc mipKernel, DrawFunc directKernel, Density &&densityOf)
 {
     const uint32_t dx = uint32_t(rs.vertex[1].x) - uint32_t(rs.vertex[0].x);
     const uint32_t dy = uint32_t(rs.vertex[1].y) - uint32_t(rs.vertex[0].y);
     if (dx == 0 || dy == 0)
         return;
-    const auto smaller = [&](const TexCoord* uv) {
+    const auto smaller = [&](const TexCoord *uv) {
         const int32_t a = densityOf(uv, 1, dx), b = densityOf(uv, 2, dy);
         return a < b ? a : b;
     };
@@ -86,14 +86,14 @@ void driveRect(DrawFunc mipKernel, DrawFunc directKernel, Density&& densityOf)
 
 void drawMipStretch(DrawFunc mipKernel, DrawFunc directKernel)
 {
-    driveRect(mipKernel, directKernel, [](const TexCoord* uv, int edge, uint32_t size) {
+    driveRect(mipKernel, directKernel, [](const TexCoord *uv, int edge, uint32_t size) {
         return magnitude(divided(uint32_t(edge == 1 ? difference(uv[1].u, uv[0].u) : difference(uv[1].v, uv[0].v)), size));
     });
 }
 
 void drawMipCorners(DrawFunc mipKernel, DrawFunc directKernel)
 {
-    driveRect(mipKernel, directKernel, [](const TexCoord* uv, int corner, uint32_t size) {
+    driveRect(mipKernel, directKernel, [](const TexCoord *uv, int corner, uint32_t size) {
         const int32_t du = wholeTexels(uv[corner].u, uv[0].u), dv = wholeTexels(uv[corner].v, uv[0].v);
         const int32_t length = int32_t(std::sqrt(double(du) * double(du) + double(int32_t(uint32_t(dv) * uint32_t(dv)))));
         return magnitude(divided(uint32_t(length) << 16, size));
@@ -108,7 +108,7 @@ void drawMipPolygon(DrawFunc mipKernel, DrawFunc directKernel)
     const uint32_t size = uint32_t(int32_t(std::sqrt(std::fabs(double(o.cross())))));
     if (size == 0)
         return;
-    const auto densityOf = [&](const TexCoord* uv) {
+    const auto densityOf = [&](const TexCoord *uv) {
         const TexCoord &t = uv[o.top], &m = uv[o.mid], &b = uv[o.bot];
         const int32_t area = int32_t(uint32_t(wholeTexels(b.v, t.v)) * uint32_t(wholeTexels(m.u, t.u)) -
                                      uint32_t(wholeTexels(b.u, t.u)) * uint32_t(wholeTexels(m.v, t.v)));

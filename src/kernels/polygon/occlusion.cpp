@@ -11,7 +11,7 @@ namespace {
 enum class Fill { set, clear, flip };
 
 template <Fill fill>
-void fillWord(uint16_t& word, uint32_t bits)
+void fillWord(uint16_t &word, uint32_t bits)
 {
     word = uint16_t(fill == Fill::set ? word | bits : fill == Fill::clear ? word & ~bits : word ^ bits);
 }
@@ -21,7 +21,7 @@ void fillShaheiSpan(int32_t x, int32_t y, int32_t width)
 {
     if (width <= 0)
         return;
-    uint16_t* word = rs.shaheiPlane + (((ptrdiff_t(y) << rs.dstShift) + x) >> 4);
+    uint16_t *word = rs.shaheiPlane + (((ptrdiff_t(y) << rs.dstShift) + x) >> 4);
     const int32_t end = x + width;
     if (x / 16 == end / 16) {
         fillWord<fill>(*word, (0xFFFFu >> (x & 15)) & ~(0xFFFFu >> (end & 15)));
@@ -65,20 +65,20 @@ void ZRefZSpan(int32_t x, int32_t y, int32_t width)
 }
 void FlipZSpan(int32_t x, int32_t y, int32_t width)
 {
-    uint8_t* z = rs.zBuffer + ((ptrdiff_t(y) << rs.dstShift) + x);
+    uint8_t *z = rs.zBuffer + ((ptrdiff_t(y) << rs.dstShift) + x);
     for (int32_t k = 0; k < width; ++k)
         z[k] = uint8_t(~z[k]);
 }
 
 template <class SpanOperation>
-void fillTriangle(SpanOperation&& fill)
+void fillTriangle(SpanOperation &&fill)
 {
     Order o;
     if (!o.make())
         return;
     // Edges start at the pixel's left border: spans truncate.
     const uint32_t top[1] = {uint32_t(o.xT) << 16}, mid[1] = {uint32_t(o.xM) << 16}, bot[1] = {uint32_t(o.xB) << 16};
-    scan<1>(o, top, mid, bot, [&](Edge<1>& left, Edge<1>& right, int32_t& row, int32_t rows) {
+    scan<1>(o, top, mid, bot, [&](Edge<1> &left, Edge<1> &right, int32_t &row, int32_t rows) {
         if (rs.clipTop > row) {
             // The jump goes by clipLeft, not by clipTop. It is a slip that is kept: it may go up. Past the end of the trapezoid
             // nothing is drawn, so its height serves as the limit of single ones too.

@@ -1,8 +1,8 @@
 // Frames of triangles: vertex order, edges, and the walk over rows.
 #pragma once
 
-#include "kernels/frame.h"
 #include "core/tables.h"
+#include "kernels/frame.h"
 
 #include <utility>
 
@@ -16,7 +16,7 @@ struct Order {
     // False: the triangle is above or below the clip rectangle or has no height.
     [[gnu::always_inline]] bool make()
     {
-        const Vertex* v = rs.vertex;
+        const Vertex *v = rs.vertex;
         top = 0;
         int b = 1, c = 2;
         if (v[0].y > v[1].y)
@@ -50,7 +50,7 @@ template <int count>
 struct Edge {
     uint32_t value[count], step[count];
 
-    void from(const uint32_t (&a)[count], const uint32_t (&b)[count], const Divider& byHeight)
+    void from(const uint32_t (&a)[count], const uint32_t (&b)[count], const Divider &byHeight)
     {
         for (int k = 0; k < count; ++k) {
             value[k] = a[k];
@@ -67,8 +67,8 @@ struct Edge {
 // The scan of a triangle: one trapezoid, or two of which the second goes on with the long edge as the first left it.
 // walk(left, right, row, height) draws `height` rows and steps both edges and the row.
 template <int count, class Walk>
-[[gnu::always_inline]] inline void scan(const Order& o, const uint32_t (&top)[count], const uint32_t (&mid)[count],
-                                        const uint32_t (&bot)[count], Walk&& walk)
+[[gnu::always_inline]] inline void scan(const Order &o, const uint32_t (&top)[count], const uint32_t (&mid)[count],
+                                        const uint32_t (&bot)[count], Walk &&walk)
 {
     Edge<count> left, right;
     int32_t row = o.yT;
@@ -135,7 +135,7 @@ void drawTriangle(PartIds ids)
     Span s;
     const Target target = targetOf(rs.clipLeft, rs.clipTop, rs.clipRight, rs.clipBottom, marks);
     bool overlap = false;
-    const auto check = [&](const Source& source) { overlap |= target.overlaps(source); };
+    const auto check = [&](const Source &source) { overlap |= target.overlaps(source); };
     if constexpr (A::textured)
         check(s.tex0 = sourceOf(*rs.tex0));
     if constexpr (A::second)
@@ -159,7 +159,8 @@ void drawTriangle(PartIds ids)
             s.shiftU1 = shiftU1 + 1, s.shiftV1 = shiftV1 + 1;
         }
     }
-    const auto vertex = [&](int index, int32_t px, uint32_t (&a)[A::count]) __attribute__((always_inline)) {
+    const auto vertex = [&](int index, int32_t px, uint32_t(&a)[A::count]) __attribute__((always_inline))
+    {
         a[A::x] = (uint32_t(px) << 16) + (A::textured ? 0x8000 : 0); // colours alone take no rounding to the nearest pixel
         [[maybe_unused]] const Divider byDepth(uint32_t(rs.vertex[index].z));
         if constexpr (A::textured) {
@@ -188,50 +189,52 @@ void drawTriangle(PartIds ids)
     Painter<multi> painter(ids, overlap);
     s.zeroMap = nullptr;
     const int32_t clipLeft = rs.clipLeft, clipRight = rs.clipRight;
-    const int32_t* const scanShift = rs.scanShift;
+    const int32_t *const scanShift = rs.scanShift;
     using E = Edge<A::count>;
-    scan<A::count>(o, top, mid, bot, [&](E& left, E& right, int32_t& row, int32_t rows) __attribute__((always_inline)) {
-        if (rs.clipTop > row) {
-            const int32_t above = rs.clipTop - row, n = rows < above ? rows : above;
-            row += n, rows -= n;
-            left.advance(uint32_t(n)), right.advance(uint32_t(n));
-        }
-        if (rows + row >= rs.clipBottom)
-            rows = rs.clipBottom - row;
-        for (; rows > 0; --rows, ++row, left.advance(1), right.advance(1)) {
-            int32_t l = int32_t(left.value[A::x]) >> 16, r = int32_t(right.value[A::x]) >> 16;
-            const uint32_t width = uint32_t(r) - uint32_t(l);
-            if (scanShift)
-                l += scanShift[row], r += scanShift[row];
-            const int32_t end = r < clipRight ? r : clipRight, begin = l > clipLeft ? l : clipLeft;
-            if (end <= begin)
-                continue;
-            const uint32_t cut = uint32_t(begin) - uint32_t(l);
-            [[maybe_unused]] const Divider byWidth(width);
-            const auto across = [&](int k) __attribute__((always_inline)) {
-                const uint32_t step = byWidth(right.value[k] - left.value[k]);
-                return Linear{left.value[k] + step * cut, step};
-            };
-            if constexpr (A::textured)
-                s.u0 = across(A::uv0), s.v0 = across(A::uv0 + 1);
-            if constexpr (A::pers)
-                s.w = across(A::w);
-            if constexpr (A::second)
-                s.u1 = across(A::uv1), s.v1 = across(A::uv1 + 1);
-            if constexpr (rule)
-                s.u2 = across(A::uv2), s.v2 = across(A::uv2 + 1);
-            if constexpr (A::colours)
-                for (int k = 0; k < 4; ++k)
-                    s.colour[k] = across(A::colour + k);
-            const size_t at = (size_t(uint32_t(row)) << rs.dstShift) + uint32_t(begin);
-            s.x = uint32_t(begin);
-            s.dst = rs.dstPixels + at;
-            s.z = rs.zBuffer + at;
-            s.plane = rs.shaheiPlane + at / 16;
-            s.maskRow = rs.drawMask[row & 15];
-            painter.draw(s, 0, end - begin);
-        }
-    });
+    scan<A::count>(
+        o, top, mid, bot, [&](E & left, E & right, int32_t & row, int32_t rows) __attribute__((always_inline)) {
+            if (rs.clipTop > row) {
+                const int32_t above = rs.clipTop - row, n = rows < above ? rows : above;
+                row += n, rows -= n;
+                left.advance(uint32_t(n)), right.advance(uint32_t(n));
+            }
+            if (rows + row >= rs.clipBottom)
+                rows = rs.clipBottom - row;
+            for (; rows > 0; --rows, ++row, left.advance(1), right.advance(1)) {
+                int32_t l = int32_t(left.value[A::x]) >> 16, r = int32_t(right.value[A::x]) >> 16;
+                const uint32_t width = uint32_t(r) - uint32_t(l);
+                if (scanShift)
+                    l += scanShift[row], r += scanShift[row];
+                const int32_t end = r < clipRight ? r : clipRight, begin = l > clipLeft ? l : clipLeft;
+                if (end <= begin)
+                    continue;
+                const uint32_t cut = uint32_t(begin) - uint32_t(l);
+                [[maybe_unused]] const Divider byWidth(width);
+                const auto across = [&](int k) __attribute__((always_inline))
+                {
+                    const uint32_t step = byWidth(right.value[k] - left.value[k]);
+                    return Linear{left.value[k] + step * cut, step};
+                };
+                if constexpr (A::textured)
+                    s.u0 = across(A::uv0), s.v0 = across(A::uv0 + 1);
+                if constexpr (A::pers)
+                    s.w = across(A::w);
+                if constexpr (A::second)
+                    s.u1 = across(A::uv1), s.v1 = across(A::uv1 + 1);
+                if constexpr (rule)
+                    s.u2 = across(A::uv2), s.v2 = across(A::uv2 + 1);
+                if constexpr (A::colours)
+                    for (int k = 0; k < 4; ++k)
+                        s.colour[k] = across(A::colour + k);
+                const size_t at = (size_t(uint32_t(row)) << rs.dstShift) + uint32_t(begin);
+                s.x = uint32_t(begin);
+                s.dst = rs.dstPixels + at;
+                s.z = rs.zBuffer + at;
+                s.plane = rs.shaheiPlane + at / 16;
+                s.maskRow = rs.drawMask[row & 15];
+                painter.draw(s, 0, end - begin);
+            }
+        });
 }
 
 template <Frame frame, Multi multi, bool rule, bool marks>
@@ -242,20 +245,20 @@ void drawFrame(PartIds ids)
 
 } // namespace ninefold
 
-#define NINEFOLD_TRIANGLE_MULTI(frame, multi)                                                                                        \
-    template void ninefold::drawFrame<ninefold::Frame::frame, ninefold::Multi::multi, false, false>(ninefold::PartIds);              \
-    template void ninefold::drawFrame<ninefold::Frame::frame, ninefold::Multi::multi, false, true>(ninefold::PartIds);               \
-    template void ninefold::drawFrame<ninefold::Frame::frame, ninefold::Multi::multi, true, false>(ninefold::PartIds);               \
+#define NINEFOLD_TRIANGLE_MULTI(frame, multi)                                                                                    \
+    template void ninefold::drawFrame<ninefold::Frame::frame, ninefold::Multi::multi, false, false>(ninefold::PartIds);          \
+    template void ninefold::drawFrame<ninefold::Frame::frame, ninefold::Multi::multi, false, true>(ninefold::PartIds);           \
+    template void ninefold::drawFrame<ninefold::Frame::frame, ninefold::Multi::multi, true, false>(ninefold::PartIds);           \
     template void ninefold::drawFrame<ninefold::Frame::frame, ninefold::Multi::multi, true, true>(ninefold::PartIds);
 
-#define NINEFOLD_TRIANGLE(frame)                                                                                                     \
-    NINEFOLD_TRIANGLE_MULTI(frame, second)                                                                                           \
-    NINEFOLD_TRIANGLE_MULTI(frame, corners)                                                                                          \
-    NINEFOLD_TRIANGLE_MULTI(frame, colour)                                                                                           \
+#define NINEFOLD_TRIANGLE(frame)                                                                                                 \
+    NINEFOLD_TRIANGLE_MULTI(frame, second)                                                                                       \
+    NINEFOLD_TRIANGLE_MULTI(frame, corners)                                                                                      \
+    NINEFOLD_TRIANGLE_MULTI(frame, colour)                                                                                       \
     NINEFOLD_TRIANGLE_MULTI(frame, none)
 
 // Filter 2 without rule drops what the multi operator gives.
-#define NINEFOLD_TRIANGLE_UNUSED(frame)                                                                                              \
-    NINEFOLD_TRIANGLE_MULTI(frame, secondUnused)                                                                                     \
-    NINEFOLD_TRIANGLE_MULTI(frame, cornersUnused)                                                                                    \
+#define NINEFOLD_TRIANGLE_UNUSED(frame)                                                                                          \
+    NINEFOLD_TRIANGLE_MULTI(frame, secondUnused)                                                                                 \
+    NINEFOLD_TRIANGLE_MULTI(frame, cornersUnused)                                                                                \
     NINEFOLD_TRIANGLE_MULTI(frame, colourUnused)

@@ -12,7 +12,7 @@ namespace ninefold {
 struct Box {
     int32_t left, top, right, bottom;
     Divider byWidth, byHeight; // unclipped sizes
-    uint32_t dx, dy;        // columns and rows cut off at the left and top
+    uint32_t dx, dy; // columns and rows cut off at the left and top
     bool flippedX, flippedY; // vertex[0] lies right of, below vertex[1]
 
     // False: nothing to draw.
@@ -38,7 +38,7 @@ struct Box {
 };
 
 // A quantity along one axis of the unclipped rectangle, its end exclusive, from the first pixel that the clip leaves.
-inline Linear along(uint32_t from, uint32_t to, bool flipped, const Divider& bySize, uint32_t cut)
+inline Linear along(uint32_t from, uint32_t to, bool flipped, const Divider &bySize, uint32_t cut)
 {
     if (flipped)
         std::swap(from, to);
@@ -50,7 +50,7 @@ inline Linear along(uint32_t from, uint32_t to, bool flipped, const Divider& byS
 struct Corners {
     Linear left, right;
     // Corners in the order top left, top right, bottom left, bottom right; `box` says which of them change places.
-    void make(uint32_t c0, uint32_t c1, uint32_t c2, uint32_t c3, bool flippedX, bool flippedY, const Box& box)
+    void make(uint32_t c0, uint32_t c1, uint32_t c2, uint32_t c3, bool flippedX, bool flippedY, const Box &box)
     {
         if (flippedX)
             std::swap(c0, c1), std::swap(c2, c3);
@@ -59,7 +59,7 @@ struct Corners {
         left = along(c0, c2, false, box.byHeight, box.dy);
         right = along(c1, c3, false, box.byHeight, box.dy);
     }
-    Linear row(const Box& box) const
+    Linear row(const Box &box) const
     {
         const uint32_t step = box.byWidth(right.start - left.start);
         return {left.start + step * box.dx, step};
@@ -72,20 +72,20 @@ inline uint32_t channel(uint32_t colour, int k) { return (colour >> (24 - 8 * k)
 
 struct CornerColours {
     Corners channels[4];
-    void make(bool flippedX, bool flippedY, const Box& box)
+    void make(bool flippedX, bool flippedY, const Box &box)
     {
         for (int k = 0; k < 4; ++k)
             channels[k].make(channel(rs.color[0], k), channel(rs.color[1], k), channel(rs.color[2], k), channel(rs.color[3], k),
                              flippedX, flippedY, box);
     }
-    void row(const Box& box, Span& s) const
+    void row(const Box &box, Span &s) const
     {
         for (int k = 0; k < 4; ++k)
             s.colour[k] = channels[k].row(box);
     }
     void nextRow()
     {
-        for (Corners& c : channels)
+        for (Corners &c : channels)
             c.nextRow();
     }
 };
@@ -95,18 +95,18 @@ struct CornerColours {
 // Whole texels, one a pixel.
 template <int t>
 struct UnitWalk {
-    void start(const Box& box, Span& s)
+    void start(const Box &box, Span &s)
     {
-        const TexCoord& at = t ? rs.uv1[0] : rs.uv0[0];
-        const Source& level = t ? s.tex1 : s.tex0;
+        const TexCoord &at = t ? rs.uv1[0] : rs.uv0[0];
+        const Source &level = t ? s.tex1 : s.tex0;
         Linear &u = t ? s.u1 : s.u0, &v = t ? s.v1 : s.v0;
         u = {(uint32_t(at.u >> 16) + box.dx) & level.maskU, 1};
         v = {(uint32_t(at.v >> 16) + box.dy) & level.maskV, 0};
     }
-    bool row(const Box&, Span&) { return true; }
-    void nextRow(const Box&, Span& s)
+    bool row(const Box &, Span &) { return true; }
+    void nextRow(const Box &, Span &s)
     {
-        Linear& v = t ? s.v1 : s.v0;
+        Linear &v = t ? s.v1 : s.v0;
         v.start = (v.start + 1) & (t ? s.tex1 : s.tex0).maskV;
     }
 };
@@ -114,52 +114,52 @@ struct UnitWalk {
 // One texel a pixel from a 16.16 position.
 template <int t>
 struct Unit16Walk {
-    void start(const Box& box, Span& s)
+    void start(const Box &box, Span &s)
     {
-        const TexCoord& at = t ? rs.uv1[0] : rs.uv0[0];
+        const TexCoord &at = t ? rs.uv1[0] : rs.uv0[0];
         (t ? s.u1 : s.u0) = Linear{uint32_t(at.u) + (box.dx << 16), 0x10000};
         (t ? s.v1 : s.v0) = Linear{uint32_t(at.v) + (box.dy << 16), 0};
     }
-    bool row(const Box&, Span&) { return true; }
-    void nextRow(const Box&, Span& s) { (t ? s.v1 : s.v0).start += 0x10000; }
+    bool row(const Box &, Span &) { return true; }
+    void nextRow(const Box &, Span &s) { (t ? s.v1 : s.v0).start += 0x10000; }
 };
 
 template <int t>
 struct StretchWalk {
     uint32_t stepV;
-    void start(const Box& box, Span& s)
+    void start(const Box &box, Span &s)
     {
-        const TexCoord* uv = t ? rs.uv1 : rs.uv0;
+        const TexCoord *uv = t ? rs.uv1 : rs.uv0;
         (t ? s.u1 : s.u0) = along(uint32_t(uv[0].u), uint32_t(uv[1].u), box.flippedX, box.byWidth, box.dx);
         const Linear v = along(uint32_t(uv[0].v), uint32_t(uv[1].v), box.flippedY, box.byHeight, box.dy);
         (t ? s.v1 : s.v0) = Linear{v.start, 0};
         stepV = v.step;
     }
-    bool row(const Box&, Span&) { return true; }
-    void nextRow(const Box&, Span& s) { (t ? s.v1 : s.v0).start += stepV; }
+    bool row(const Box &, Span &) { return true; }
+    void nextRow(const Box &, Span &s) { (t ? s.v1 : s.v0).start += stepV; }
 };
 
 template <int t>
 struct CornersWalk {
     Corners u, v;
-    void start(const Box& box, Span&)
+    void start(const Box &box, Span &)
     {
-        const TexCoord* uv = t ? rs.uv1 : rs.uv0;
+        const TexCoord *uv = t ? rs.uv1 : rs.uv0;
         u.make(uint32_t(uv[0].u), uint32_t(uv[1].u), uint32_t(uv[2].u), uint32_t(uv[3].u), box.flippedX, box.flippedY, box);
         v.make(uint32_t(uv[0].v), uint32_t(uv[1].v), uint32_t(uv[2].v), uint32_t(uv[3].v), box.flippedX, box.flippedY, box);
     }
-    bool row(const Box& box, Span& s)
+    bool row(const Box &box, Span &s)
     {
         (t ? s.u1 : s.u0) = u.row(box);
         (t ? s.v1 : s.v0) = v.row(box);
         return true;
     }
-    void nextRow(const Box&, Span&) { u.nextRow(), v.nextRow(); }
+    void nextRow(const Box &, Span &) { u.nextRow(), v.nextRow(); }
 };
 
 // The mip level of a line, from the length of its segment. levels: also the next one is set.
 template <int t, bool levels, bool marks>
-void chooseLineLevel(const LineTableRecord& line, const Box& box, Span& s)
+void chooseLineLevel(const LineTableRecord &line, const Box &box, Span &s)
 {
     const int32_t a = int32_t(uint32_t(line.endV) - uint32_t(line.startV)) / 65536;
     const int32_t b = int32_t(uint32_t(line.endU) - uint32_t(line.startU)) / 65536;
@@ -178,12 +178,12 @@ void chooseLineLevel(const LineTableRecord& line, const Box& box, Span& s)
             break;
         }
     }
-    const Texture& base = *(t ? rs.tex1 : rs.tex0);
+    const Texture &base = *(t ? rs.tex1 : rs.tex0);
     if (level >= base.mipCount - 1)
         level = base.mipCount - 2;
     (t ? s.tex1 : s.tex0) = sourceOf(*base.mip[level]);
     if (levels) {
-        Texture* next = base.mip[level + 1];
+        Texture *next = base.mip[level + 1];
         (t ? rs.mipTex1 : rs.mipTex) = next;
         (t ? s.next1 : s.next0) = sourceOf(*next);
     }
@@ -197,10 +197,10 @@ enum class LineLevel { none, own, ownAndNext };
 
 template <int t, LineLevel choice, bool marks>
 struct TableWalk {
-    const LineTableRecord* line;
-    void start(const Box& box, Span&) { line = (t ? rs.lineTable1 : rs.lineTable0) + box.dy; }
+    const LineTableRecord *line;
+    void start(const Box &box, Span &) { line = (t ? rs.lineTable1 : rs.lineTable0) + box.dy; }
     // False: the row is left out. Only the first texture's table says so.
-    bool row(const Box& box, Span& s)
+    bool row(const Box &box, Span &s)
     {
         if (t == 0 && line->startU == NINEFOLD_SKIP_ROW)
             return false;
@@ -214,27 +214,61 @@ struct TableWalk {
         }
         return true;
     }
-    void nextRow(const Box&, Span&) { ++line; }
+    void nextRow(const Box &, Span &) { ++line; }
 };
 
 struct NoWalk {
-    void start(const Box&, Span&) {}
-    bool row(const Box&, Span&) { return true; }
-    void nextRow(const Box&, Span&) {}
+    void start(const Box &, Span &) {}
+    bool row(const Box &, Span &) { return true; }
+    void nextRow(const Box &, Span &) {}
 };
 
-template <Frame f, int t, bool marks> struct WalkOf { using type = NoWalk; };
-template <int t, bool marks> struct WalkOf<Frame::rectUnit, t, marks> { using type = UnitWalk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectRuns, t, marks> { using type = UnitWalk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectMapped, t, marks> { using type = UnitWalk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectUnit16, t, marks> { using type = Unit16Walk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectStretch, t, marks> { using type = StretchWalk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectStretchLevels, t, marks> { using type = StretchWalk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectCorners, t, marks> { using type = CornersWalk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectCornersLevels, t, marks> { using type = CornersWalk<t>; };
-template <int t, bool marks> struct WalkOf<Frame::rectTable, t, marks> { using type = TableWalk<t, LineLevel::none, marks>; };
-template <int t, bool marks> struct WalkOf<Frame::rectTableLevel, t, marks> { using type = TableWalk<t, LineLevel::own, marks>; };
-template <int t, bool marks> struct WalkOf<Frame::rectTableLevels, t, marks> {
+template <Frame f, int t, bool marks>
+struct WalkOf {
+    using type = NoWalk;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectUnit, t, marks> {
+    using type = UnitWalk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectRuns, t, marks> {
+    using type = UnitWalk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectMapped, t, marks> {
+    using type = UnitWalk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectUnit16, t, marks> {
+    using type = Unit16Walk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectStretch, t, marks> {
+    using type = StretchWalk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectStretchLevels, t, marks> {
+    using type = StretchWalk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectCorners, t, marks> {
+    using type = CornersWalk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectCornersLevels, t, marks> {
+    using type = CornersWalk<t>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectTable, t, marks> {
+    using type = TableWalk<t, LineLevel::none, marks>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectTableLevel, t, marks> {
+    using type = TableWalk<t, LineLevel::own, marks>;
+};
+template <int t, bool marks>
+struct WalkOf<Frame::rectTableLevels, t, marks> {
     using type = TableWalk<t, LineLevel::ownAndNext, marks>;
 };
 
@@ -247,7 +281,7 @@ constexpr bool coloursFollow(Frame f)
     return !isColourRect(f) && f != Frame::rectUnit && f != Frame::rectUnit16 && f != Frame::rectRuns && f != Frame::rectMapped;
 }
 
-inline bool chainOverlaps(const Texture& t, const Target& target)
+inline bool chainOverlaps(const Texture &t, const Target &target)
 {
     for (uint32_t k = 0; k < t.mipCount; ++k)
         if (target.overlaps(sourceOf(*t.mip[k])))
@@ -257,11 +291,11 @@ inline bool chainOverlaps(const Texture& t, const Target& target)
 
 // A row of a run-length rectangle: over holes, and through stretches that the map vouches for.
 template <Multi multi>
-void drawRuns(Painter<multi>& painter, Span& s, int32_t columns)
+void drawRuns(Painter<multi> &painter, Span &s, int32_t columns)
 {
-    const Texture& texture = *rs.tex0;
+    const Texture &texture = *rs.tex0;
     const size_t row = size_t(s.v0.start) << texture.log2Width;
-    const int8_t* map = texture.runlengthMap + row;
+    const int8_t *map = texture.runlengthMap + row;
     uint32_t column = s.u0.start;
     int32_t pixel = 0;
     for (int32_t remaining = columns; remaining > 0;) {
@@ -284,11 +318,20 @@ void drawRuns(Painter<multi>& painter, Span& s, int32_t columns)
 
 // How far v0 moves from row to row, where that is all that moves.
 template <class Walk>
-uint32_t stepOf(const Walk&) { return 0; }
+uint32_t stepOf(const Walk &)
+{
+    return 0;
+}
 template <>
-inline uint32_t stepOf(const Unit16Walk<0>&) { return 0x10000; }
+inline uint32_t stepOf(const Unit16Walk<0> &)
+{
+    return 0x10000;
+}
 template <>
-inline uint32_t stepOf(const StretchWalk<0>& walk) { return walk.stepV; }
+inline uint32_t stepOf(const StretchWalk<0> &walk)
+{
+    return walk.stepV;
+}
 
 template <Frame f, Multi multi, bool rule, bool marks>
 void drawRect(PartIds ids)
@@ -299,9 +342,9 @@ void drawRect(PartIds ids)
     Span s;
     Target target = targetOf(box.left, box.top, box.right, box.bottom, marks);
     if constexpr (f == Frame::rectRuns) // it may move back, by as much as the row is wide
-        target.pixels = static_cast<const uint32_t*>(target.pixels) - (box.right - box.left) - 128;
+        target.pixels = static_cast<const uint32_t *>(target.pixels) - (box.right - box.left) - 128;
     bool overlap = false;
-    const auto check = [&](const Source& source) { overlap |= target.overlaps(source); };
+    const auto check = [&](const Source &source) { overlap |= target.overlaps(source); };
     typename WalkOf<f, 0, marks>::type walk0;
     typename WalkOf<f, 1, marks>::type walk1;
     if constexpr (choosesLineLevels(f)) {
@@ -348,7 +391,7 @@ void drawRect(PartIds ids)
     if constexpr (multi == Multi::none && !rule && !marks && drawsBlocks(f)) {
         if (ids.fused() && !overlap && (ids.custom() ? ops::operatorIndex(rs.blendFunc) < 0 : !hasWideFactors())) {
             const Rows rows{box.bottom - box.top, columns, pitch, stepOf(walk0), maskRow};
-            const SetTable& set = columns > 8 ? *activeSet : *activeSet->upTo8;
+            const SetTable &set = columns > 8 ? *activeSet : *activeSet->upTo8;
             set.blocks[ids.fused() - 1](s, rows);
             return;
         }

@@ -9,9 +9,9 @@ namespace {
 
 // A stretched tex0 without transparent pixels, wiped in by the rule values that `values` puts into a chunk.
 template <class Values>
-void drawRuleRect(const Box& box, bool overlap, Span& s, Values&& values)
+void drawRuleRect(const Box &box, bool overlap, Span &s, Values &&values)
 {
-    const SetTable& set = *activeSet;
+    const SetTable &set = *activeSet;
     const Front front = set.fronts[frontIndex(Fetch::pointRow, Rule::none, Gate::none)];
     const Back back = set.backs[0][backIndex(false, 0, true, Marks::none)];
     const int step = overlap ? 1 : Chunk::size;
@@ -26,7 +26,7 @@ void drawRuleRect(const Box& box, bool overlap, Span& s, Values&& values)
             const int n = columns - first < step ? columns - first : step;
             front(s, first, n, chunk);
             values.get(s, first, n, chunk);
-            for (uint64_t& word : chunk.live)
+            for (uint64_t &word : chunk.live)
                 word = 0;
             for (int k = 0; k < n; ++k)
                 chunk.live[k / 64] |= uint64_t(rs.ruleThreshold < int32_t(chunk.rule[k])) << (k & 63);
@@ -39,30 +39,30 @@ void drawRuleRect(const Box& box, bool overlap, Span& s, Values&& values)
 }
 
 struct TextureValues {
-    const Box& box;
+    const Box &box;
     StretchWalk<1> walk;
     Mid fetch = activeSet->seconds[int(Second::pointRow)];
-    void row(Span&) {}
-    void get(const Span& s, int first, int n, Chunk& c) const
+    void row(Span &) {}
+    void get(const Span &s, int first, int n, Chunk &c) const
     {
         fetch(s, first, n, c);
         for (int k = 0; k < n; ++k)
             c.rule[k] = c.second[k] & 0xFF;
     }
-    void nextRow(Span& s) { walk.nextRow(box, s); }
+    void nextRow(Span &s) { walk.nextRow(box, s); }
 };
 
 struct GradientValues {
-    const Box& box;
+    const Box &box;
     Corners corners;
     Linear values;
-    void row(Span&) { values = corners.row(box); }
-    void get(const Span&, int first, int n, Chunk& c) const
+    void row(Span &) { values = corners.row(box); }
+    void get(const Span &, int first, int n, Chunk &c) const
     {
         for (int k = 0; k < n; ++k)
             c.rule[k] = (values.start + values.step * uint32_t(first + k)) >> 16 & 0xFF;
     }
-    void nextRow(Span&) { corners.nextRow(); }
+    void nextRow(Span &) { corners.nextRow(); }
 };
 
 constexpr DrawFunc mixedKernel = ownKernel<codeOf(ruleRectangle(5))>();

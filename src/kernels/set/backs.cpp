@@ -39,7 +39,7 @@ NINEFOLD_LANE V softEdge(V d, V result, V value)
 }
 
 // Sets bit 15 - (at & 15) of words[at / 16] for each marked pixel; words without one are not touched.
-NINEFOLD_LANE void markPlane(u16* words, u32 at, u64 marks)
+NINEFOLD_LANE void markPlane(u16 *words, u32 at, u64 marks)
 {
     words += at >> 4;
     at &= 15;
@@ -58,7 +58,7 @@ NINEFOLD_LANE void markPlane(u16* words, u32 at, u64 marks)
     }
 }
 
-NINEFOLD_LANE void markZ(u8* z, u64 marks)
+NINEFOLD_LANE void markZ(u8 *z, u64 marks)
 {
     const u8 value = u8(rs.zRef);
 #if defined(__AVX512BW__)
@@ -70,7 +70,7 @@ NINEFOLD_LANE void markZ(u8* z, u64 marks)
 }
 
 // A host's own blend: each pixel is written before the next one is asked for.
-NINEFOLD_LANE void callHost(u32* dst, int n, const Chunk& c)
+NINEFOLD_LANE void callHost(u32 *dst, int n, const Chunk &c)
 {
     for (int begin = 0; begin < n; begin += 64)
         for (u64 bits = c.live[begin / 64]; bits; bits &= bits - 1) {
@@ -80,9 +80,9 @@ NINEFOLD_LANE void callHost(u32* dst, int n, const Chunk& c)
 }
 
 template <bool prescale, int blend, bool soft, Marks m, bool wide>
-void back(const Span& span, int first, int n, Chunk& c)
+void back(const Span &span, int first, int n, Chunk &c)
 {
-    u32* dst = span.dst + first;
+    u32 *dst = span.dst + first;
     const BlendFactors factors;
     if constexpr (blend == 12 && prescale) {
         for (int k = 0; k < n; k += lanes)
@@ -138,7 +138,7 @@ constexpr Back backAt()
     if constexpr (!used.back[index])
         return nullptr;
     else
-        return back<prescale, blend, soft, m, wide && (prescale || blend == 2)>;
+        return back < prescale, blend, soft, m, wide && (prescale || blend == 2) > ;
 }
 
 template <size_t... index>

@@ -24,7 +24,7 @@ struct BlendFactors {
 };
 
 template <int blend, bool wide>
-NINEFOLD_LANE V blended(V d, V s, const BlendFactors& f)
+NINEFOLD_LANE V blended(V d, V s, const BlendFactors &f)
 {
     switch (blend) {
     case 1: return opAlpha(d, s);

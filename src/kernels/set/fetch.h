@@ -12,7 +12,7 @@ namespace {
 // The values of a linear quantity at pixels first to first + lanes - 1, and on from there.
 struct Ramp {
     V value, step;
-    NINEFOLD_LANE Ramp make(const Linear& l, int first)
+    NINEFOLD_LANE Ramp make(const Linear &l, int first)
     {
         const u32 start = l.start + l.step * u32(first);
         return {splat(start) + iota() * splat(l.step), splat(l.step * lanes)};
@@ -23,12 +23,12 @@ struct Ramp {
 // Texture 0 or 1 of a span, with everything that belongs to it.
 template <int t>
 struct Texture01 {
-    NINEFOLD_LANE const Source& level(const Span& s) { return t ? s.tex1 : s.tex0; }
-    NINEFOLD_LANE const Source& next(const Span& s) { return t ? s.next1 : s.next0; }
-    NINEFOLD_LANE const Linear& u(const Span& s) { return t ? s.u1 : s.u0; }
-    NINEFOLD_LANE const Linear& v(const Span& s) { return t ? s.v1 : s.v0; }
-    NINEFOLD_LANE u32 shiftU(const Span& s) { return t ? s.shiftU1 : s.shiftU0; }
-    NINEFOLD_LANE u32 shiftV(const Span& s) { return t ? s.shiftV1 : s.shiftV0; }
+    NINEFOLD_LANE const Source &level(const Span &s) { return t ? s.tex1 : s.tex0; }
+    NINEFOLD_LANE const Source &next(const Span &s) { return t ? s.next1 : s.next0; }
+    NINEFOLD_LANE const Linear &u(const Span &s) { return t ? s.u1 : s.u0; }
+    NINEFOLD_LANE const Linear &v(const Span &s) { return t ? s.v1 : s.v0; }
+    NINEFOLD_LANE u32 shiftU(const Span &s) { return t ? s.shiftU1 : s.shiftU0; }
+    NINEFOLD_LANE u32 shiftV(const Span &s) { return t ? s.shiftV1 : s.shiftV0; }
     NINEFOLD_LANE u32 weight() { return u32(t ? rs.mipFrac1 : rs.mipFrac); }
 };
 
@@ -37,22 +37,20 @@ template <int t>
 struct RowPosition {
     Ramp u;
     V v;
-    __attribute__((always_inline)) RowPosition(const Span& s, int first)
+    __attribute__((always_inline)) RowPosition(const Span &s, int first)
         : u(Ramp::make(Texture01<t>::u(s), first)), v(splat(Texture01<t>::v(s).start))
-    {
-    }
-    __attribute__((always_inline)) void get(V& atU, V& atV) const { atU = u.value, atV = v; }
+    {}
+    __attribute__((always_inline)) void get(V &atU, V &atV) const { atU = u.value, atV = v; }
     __attribute__((always_inline)) void advance() { u.advance(); }
 };
 
 template <int t>
 struct FreePosition {
     Ramp u, v;
-    __attribute__((always_inline)) FreePosition(const Span& s, int first)
+    __attribute__((always_inline)) FreePosition(const Span &s, int first)
         : u(Ramp::make(Texture01<t>::u(s), first)), v(Ramp::make(Texture01<t>::v(s), first))
-    {
-    }
-    __attribute__((always_inline)) void get(V& atU, V& atV) const { atU = u.value, atV = v.value; }
+    {}
+    __attribute__((always_inline)) void get(V &atU, V &atV) const { atU = u.value, atV = v.value; }
     __attribute__((always_inline)) void advance() { u.advance(), v.advance(); }
 };
 
@@ -90,12 +88,11 @@ template <int t>
 struct PersPosition {
     Ramp u, v, w;
     u32 shiftU, shiftV;
-    __attribute__((always_inline)) PersPosition(const Span& s, int first)
+    __attribute__((always_inline)) PersPosition(const Span &s, int first)
         : u(Ramp::make(Texture01<t>::u(s), first)), v(Ramp::make(Texture01<t>::v(s), first)), w(Ramp::make(s.w, first)),
           shiftU(Texture01<t>::shiftU(s)), shiftV(Texture01<t>::shiftV(s))
-    {
-    }
-    __attribute__((always_inline)) void get(V& atU, V& atV) const
+    {}
+    __attribute__((always_inline)) void get(V &atU, V &atV) const
     {
         atU = shiftSigned(fraction(u.value, w.value), shiftU);
         atV = shiftSigned(fraction(v.value, w.value), shiftV);
@@ -103,7 +100,7 @@ struct PersPosition {
     __attribute__((always_inline)) void advance() { u.advance(), v.advance(), w.advance(); }
 };
 
-NINEFOLD_LANE V texel(const Source& t, V column, V row) { return gather(t.pixels, shiftLeft(row, t.shift) + column); }
+NINEFOLD_LANE V texel(const Source &t, V column, V row) { return gather(t.pixels, shiftLeft(row, t.shift) + column); }
 
 // 16.16 to whole for one value, towards zero.
 NINEFOLD_LANE u32 truncated(u32 v) { return u32(i32(v) / 65536); }
@@ -111,7 +108,10 @@ NINEFOLD_LANE u32 truncated(u32 v) { return u32(i32(v) / 65536); }
 // Whether a fetch has direct(n): where n texels lie in memory in the order of the pixels and may be read in whole vectors, or
 // null.
 template <class Fetcher>
-constexpr bool hasDirect = requires(const Fetcher& fetch, int n) { fetch.direct(n); };
+constexpr bool hasDirect = requires(const Fetcher &fetch, int n)
+{
+    fetch.direct(n);
+};
 
 // Fetches that test their key are the rule.
 struct Tested {
@@ -124,16 +124,16 @@ struct Untested {
 template <int t, bool test, bool map = false>
 struct Unit {
     static constexpr bool tests = test, mapped = map;
-    const u32* row;
+    const u32 *row;
     u32 column, mask;
-    __attribute__((always_inline)) Unit(const Span& s, int first)
+    __attribute__((always_inline)) Unit(const Span &s, int first)
     {
-        const Source& level = Texture01<t>::level(s);
+        const Source &level = Texture01<t>::level(s);
         row = level.pixels + (size_t(Texture01<t>::v(s).start) << level.shift);
         column = Texture01<t>::u(s).start + u32(first);
         mask = level.maskU;
     }
-    __attribute__((always_inline)) V get(int left, V& key) const
+    __attribute__((always_inline)) V get(int left, V &key) const
     {
         const u32 at = column & mask;
         if (mask - at >= u32(lanes - 1))
@@ -144,7 +144,7 @@ struct Unit {
             key = gather(row, (splat(column) + iota()) & mask);
         return key;
     }
-    __attribute__((always_inline)) const u32* direct(int n) const
+    __attribute__((always_inline)) const u32 *direct(int n) const
     {
         const u32 at = column & mask;
         return mask - at >= u32(n - 1) / lanes * lanes + (lanes - 1) ? row + at : nullptr;
@@ -154,18 +154,14 @@ struct Unit {
 
 struct Run : Untested {
     const u32 *at, *end; // of the texture
-    __attribute__((always_inline)) Run(const Span& s, int first)
+    __attribute__((always_inline)) Run(const Span &s, int first)
         : at(s.run + first), end(s.tex0.pixels + (size_t(s.tex0.maskV + 1) << s.tex0.shift))
-    {
-    }
-    __attribute__((always_inline)) const u32* direct(int n) const
+    {}
+    __attribute__((always_inline)) const u32 *direct(int n) const
     {
         return end - at >= (n + lanes - 1) / lanes * lanes ? at : nullptr;
     }
-    __attribute__((always_inline)) V get(int left, V& key) const
-    {
-        return key = left >= lanes ? load(at) : loadSome(at, left);
-    }
+    __attribute__((always_inline)) V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
     __attribute__((always_inline)) void advance() { at += lanes; }
 };
 
@@ -173,7 +169,7 @@ struct Run : Untested {
 // columns before wrapping, extent: how far the last lies behind it.
 struct WindowFit {
     int vectors; // 0: they do not fit
-    u32 base;    // first column of the window
+    u32 base; // first column of the window
     NINEFOLD_LANE WindowFit of(i32 lowest, u32 extent, u32 mask, int most)
     {
         const u32 column = u32(lowest) & mask;
@@ -205,12 +201,12 @@ struct Reach {
 // A column is the position shifted right by `shift`: 16, or 17 where the texture is the next level's.
 template <int shift = 16>
 struct Window {
-    const u32* row;
+    const u32 *row;
     u32 mask;
     u32 position, step; // 16.16, of the first pixel of the next vector
-    int most;           // vectors that are worth a try
-    bool unit;          // one texel a pixel
-    __attribute__((always_inline)) Window(const u32* texels, u32 columnMask, const Linear& u, int first)
+    int most; // vectors that are worth a try
+    bool unit; // one texel a pixel
+    __attribute__((always_inline)) Window(const u32 *texels, u32 columnMask, const Linear &u, int first)
         : row(texels), mask(columnMask), position(u.start + u.step * u32(first)), step(u.step)
     {
         const u32 size = i32(step) < 0 ? 0 - step : step;
@@ -248,16 +244,15 @@ template <int t>
 struct PointRow : Tested {
     Window<> window;
     Ramp u;
-    __attribute__((always_inline)) static const u32* rowOf(const Span& s)
+    __attribute__((always_inline)) static const u32 *rowOf(const Span &s)
     {
-        const Source& level = Texture01<t>::level(s);
+        const Source &level = Texture01<t>::level(s);
         return level.pixels + (size_t(truncated(Texture01<t>::v(s).start) & level.maskV) << level.shift);
     }
-    __attribute__((always_inline)) PointRow(const Span& s, int first)
+    __attribute__((always_inline)) PointRow(const Span &s, int first)
         : window(rowOf(s), Texture01<t>::level(s).maskU, Texture01<t>::u(s), first), u(Ramp::make(Texture01<t>::u(s), first))
-    {
-    }
-    __attribute__((always_inline)) V get(int left, V& key) const { return key = window.get(u.value, left); }
+    {}
+    __attribute__((always_inline)) V get(int left, V &key) const { return key = window.get(u.value, left); }
     __attribute__((always_inline)) void advance() { u.advance(), window.advance(); }
 };
 
@@ -265,8 +260,8 @@ template <template <int> class Position, int t>
 struct Point : Tested {
     Position<t> position;
     const Source level;
-    __attribute__((always_inline)) Point(const Span& s, int first) : position(s, first), level(Texture01<t>::level(s)) {}
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) Point(const Span &s, int first) : position(s, first), level(Texture01<t>::level(s)) {}
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         V u, v;
         position.get(u, v);
@@ -285,24 +280,24 @@ struct BlockSize {
 
 template <int t>
 struct MosaicUnit : Tested {
-    const u32* row;
+    const u32 *row;
     BlockSize block;
     u32 column, mask;
-    __attribute__((always_inline)) MosaicUnit(const Span& s, int first) : block(rs.mosaicSize1)
+    __attribute__((always_inline)) MosaicUnit(const Span &s, int first) : block(rs.mosaicSize1)
     {
-        const Source& level = Texture01<t>::level(s);
+        const Source &level = Texture01<t>::level(s);
         const i32 v = i32(Texture01<t>::v(s).start);
         row = level.pixels + (size_t(v / rs.mosaicSize * rs.mosaicSize) << level.shift);
         column = Texture01<t>::u(s).start + u32(first);
         mask = level.maskU;
     }
-    __attribute__((always_inline)) V get(int, V& key) const { return key = gather(row, block((splat(column) + iota()) & mask)); }
+    __attribute__((always_inline)) V get(int, V &key) const { return key = gather(row, block((splat(column) + iota()) & mask)); }
     __attribute__((always_inline)) void advance() { column += lanes; }
 };
 
 // Columns of tex0 are quantised by mosaicSize, then wrapped; those of tex1 the other way round and by mosaicSize1.
 template <int t>
-NINEFOLD_LANE V mosaicColumn(const BlockSize& block, V u, u32 mask)
+NINEFOLD_LANE V mosaicColumn(const BlockSize &block, V u, u32 mask)
 {
     return t ? block(whole(u) & mask) : block(whole(u)) & mask;
 }
@@ -314,19 +309,19 @@ NINEFOLD_LANE i32 mosaicColumnSize()
 
 template <int t>
 struct MosaicRow : Tested {
-    const u32* row;
+    const u32 *row;
     BlockSize block;
     u32 mask;
     Ramp u;
-    __attribute__((always_inline)) MosaicRow(const Span& s, int first)
+    __attribute__((always_inline)) MosaicRow(const Span &s, int first)
         : block(mosaicColumnSize<t>()), u(Ramp::make(Texture01<t>::u(s), first))
     {
-        const Source& level = Texture01<t>::level(s);
+        const Source &level = Texture01<t>::level(s);
         const i32 v = i32(truncated(Texture01<t>::v(s).start));
         row = level.pixels + (size_t(u32(v / rs.mosaicSize * rs.mosaicSize) & level.maskV) << level.shift);
         mask = level.maskU;
     }
-    __attribute__((always_inline)) V get(int, V& key) const { return key = gather(row, mosaicColumn<t>(block, u.value, mask)); }
+    __attribute__((always_inline)) V get(int, V &key) const { return key = gather(row, mosaicColumn<t>(block, u.value, mask)); }
     __attribute__((always_inline)) void advance() { u.advance(); }
 };
 
@@ -336,11 +331,10 @@ struct Mosaic : Tested {
     Position<t> position;
     const Source level;
     BlockSize rows, columns;
-    __attribute__((always_inline)) Mosaic(const Span& s, int first)
+    __attribute__((always_inline)) Mosaic(const Span &s, int first)
         : position(s, first), level(Texture01<t>::level(s)), rows(rs.mosaicSize), columns(mosaicColumnSize<t>())
-    {
-    }
-    __attribute__((always_inline)) V get(int, V& key) const
+    {}
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         V u, v;
         position.get(u, v);
@@ -353,7 +347,7 @@ struct Mosaic : Tested {
 // The taps of a four-texel mix at a 16.16 position: which side the neighbours lie, and the four weights (in both halves of each
 // lane), which add up to 256.
 struct Taps {
-    V moveU, moveV;             // plus or minus one texel, to the neighbour
+    V moveU, moveV; // plus or minus one texel, to the neighbour
     V centre, side, row, corner; // weights
     NINEFOLD_LANE Taps at(V u, V v)
     {
@@ -363,15 +357,15 @@ struct Taps {
         const V wx = fx ^ ((farX ^ 0x80u) & 0xFFu), wy = fy ^ ((farY ^ 0x80u) & 0xFFu);
         const V p = mul16(wx, wy) >> 8;
         const V far = splat(0x20000), near = splat(u32(-0x10000));
-        return {(farX & far) + near,         (farY & far) + near,         bothHalves(p),
-                bothHalves(wy - p),          bothHalves(wx - p),          bothHalves(256u - wx - wy + p)};
+        return {(farX & far) + near, (farY & far) + near, bothHalves(p),
+                bothHalves(wy - p),  bothHalves(wx - p),  bothHalves(256u - wx - wy + p)};
     }
 };
 
 // Sums of red and blue, and of alpha and green, in 16-bit halves; the mixed channel is the top byte of each.
 struct Sums {
     V redBlue, alphaGreen;
-    NINEFOLD_LANE Sums of(const Taps& w, V centre, V side, V row, V corner)
+    NINEFOLD_LANE Sums of(const Taps &w, V centre, V side, V row, V corner)
     {
         return {mul16(centre & 0xFF00FFu, w.centre) + mul16(side & 0xFF00FFu, w.side) + mul16(row & 0xFF00FFu, w.row) +
                     mul16(corner & 0xFF00FFu, w.corner),
@@ -382,7 +376,7 @@ struct Sums {
     __attribute__((always_inline)) V four() const { return (redBlue >> 8 & 0xFF00FFu) | (alphaGreen & 0xFF00FF00u); }
 };
 
-NINEFOLD_LANE Sums mixedTexels(const Source& level, const Taps& taps, V u, V v, V& centre)
+NINEFOLD_LANE Sums mixedTexels(const Source &level, const Taps &taps, V u, V v, V &centre)
 {
 #if defined(__AVX2__)
     // Centre and side are neighbours in memory, unless the pair goes round the edge of the texture.
@@ -409,8 +403,8 @@ template <template <int> class Position, int t, bool four>
 struct Bilinear : Tested {
     Position<t> position;
     const Source level;
-    __attribute__((always_inline)) Bilinear(const Span& s, int first) : position(s, first), level(Texture01<t>::level(s)) {}
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) Bilinear(const Span &s, int first) : position(s, first), level(Texture01<t>::level(s)) {}
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         V u, v;
         position.get(u, v);
@@ -425,8 +419,8 @@ struct Stipple : Tested {
     FreePosition<0> position;
     const Source level;
     u32 x;
-    __attribute__((always_inline)) Stipple(const Span& s, int first) : position(s, first), level(s.tex0), x(s.x + u32(first)) {}
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) Stipple(const Span &s, int first) : position(s, first), level(s.tex0), x(s.x + u32(first)) {}
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         V u, v;
         position.get(u, v);
@@ -442,25 +436,24 @@ struct Stipple : Tested {
 
 struct Flat : Untested {
     V colour;
-    __attribute__((always_inline)) Flat(const Span&, int) : colour(splat(rs.color[0])) {}
-    __attribute__((always_inline)) V get(int, V& key) const { return key = colour; }
+    __attribute__((always_inline)) Flat(const Span &, int) : colour(splat(rs.color[0])) {}
+    __attribute__((always_inline)) V get(int, V &key) const { return key = colour; }
     __attribute__((always_inline)) void advance() {}
 };
 
 struct Colours : Untested {
     Ramp a, r, g, b;
-    __attribute__((always_inline)) Colours(const Span& s, int first)
+    __attribute__((always_inline)) Colours(const Span &s, int first)
         : a(Ramp::make(s.colour[0], first)), r(Ramp::make(s.colour[1], first)), g(Ramp::make(s.colour[2], first)),
           b(Ramp::make(s.colour[3], first))
-    {
-    }
+    {}
     __attribute__((always_inline)) void advance() { a.advance(), r.advance(), g.advance(), b.advance(); }
 };
 
 // The two-shift pack: what lies above bit 23 of green and red leaks into the channel above.
 struct Gouraud : Colours {
     using Colours::Colours;
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         const V low = ((g.value & 0xFFFF00FFu) | b.value >> 8) >> 8;
         const V high = ((a.value & 0xFFFF00FFu) << 8 | r.value) & 0xFFFF0000u;
@@ -470,7 +463,7 @@ struct Gouraud : Colours {
 
 struct Corners : Colours {
     using Colours::Colours;
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         key = splat(1); // a colour is never transparent
         return (a.value << 8 & 0xFF000000u) | (r.value & 0xFF0000u) | (g.value >> 8 & 0xFF00u) | (b.value >> 16 & 0xFFu);
@@ -479,9 +472,9 @@ struct Corners : Colours {
 
 template <int t>
 struct FirstTexel : Tested {
-    const u32* pixels;
-    __attribute__((always_inline)) FirstTexel(const Span& s, int) : pixels(Texture01<t>::level(s).pixels) {}
-    __attribute__((always_inline)) V get(int, V& key) const { return key = splat(*pixels); }
+    const u32 *pixels;
+    __attribute__((always_inline)) FirstTexel(const Span &s, int) : pixels(Texture01<t>::level(s).pixels) {}
+    __attribute__((always_inline)) V get(int, V &key) const { return key = splat(*pixels); }
     __attribute__((always_inline)) void advance() {}
 };
 
@@ -490,11 +483,10 @@ template <template <int> class Position, int t>
 struct LevelPair {
     Position<t> position;
     const Source level, next;
-    __attribute__((always_inline)) LevelPair(const Span& s, int first)
+    __attribute__((always_inline)) LevelPair(const Span &s, int first)
         : position(s, first), level(Texture01<t>::level(s)), next(Texture01<t>::next(s))
-    {
-    }
-    __attribute__((always_inline)) void get(int, V& upper, V& lower) const
+    {}
+    __attribute__((always_inline)) void get(int, V &upper, V &lower) const
     {
         V u, v;
         position.get(u, v);
@@ -509,16 +501,15 @@ template <int t>
 struct LevelPairRow {
     PointRow<t> level;
     Window<17> next;
-    __attribute__((always_inline)) static const u32* rowOf(const Span& s)
+    __attribute__((always_inline)) static const u32 *rowOf(const Span &s)
     {
-        const Source& next = Texture01<t>::next(s);
+        const Source &next = Texture01<t>::next(s);
         return next.pixels + (size_t(u32(i32(Texture01<t>::v(s).start) >> 17) & next.maskV) << next.shift);
     }
-    __attribute__((always_inline)) LevelPairRow(const Span& s, int first)
+    __attribute__((always_inline)) LevelPairRow(const Span &s, int first)
         : level(s, first), next(rowOf(s), Texture01<t>::next(s).maskU, Texture01<t>::u(s), first)
-    {
-    }
-    __attribute__((always_inline)) void get(int left, V& upper, V& lower) const
+    {}
+    __attribute__((always_inline)) void get(int left, V &upper, V &lower) const
     {
         level.get(left, upper);
         lower = next.get(level.u.value, left);
@@ -530,8 +521,8 @@ template <class Pair, int t>
 struct MipMix : Tested {
     Pair pair;
     V weight;
-    __attribute__((always_inline)) MipMix(const Span& s, int first) : pair(s, first), weight(splat(Texture01<t>::weight())) {}
-    __attribute__((always_inline)) V get(int left, V& key) const
+    __attribute__((always_inline)) MipMix(const Span &s, int first) : pair(s, first), weight(splat(Texture01<t>::weight())) {}
+    __attribute__((always_inline)) V get(int left, V &key) const
     {
         V lower;
         pair.get(left, key, lower);
@@ -543,8 +534,8 @@ struct MipMix : Tested {
 template <class Pair>
 struct MipNext : Tested {
     Pair pair;
-    __attribute__((always_inline)) MipNext(const Span& s, int first) : pair(s, first) {}
-    __attribute__((always_inline)) V get(int left, V& key) const
+    __attribute__((always_inline)) MipNext(const Span &s, int first) : pair(s, first) {}
+    __attribute__((always_inline)) V get(int left, V &key) const
     {
         V lower;
         pair.get(left, key, lower);
@@ -560,11 +551,10 @@ struct MipBilinear : Tested {
     Position<t> position;
     const Source level, next;
     V weight;
-    __attribute__((always_inline)) MipBilinear(const Span& s, int first)
+    __attribute__((always_inline)) MipBilinear(const Span &s, int first)
         : position(s, first), level(Texture01<t>::level(s)), next(Texture01<t>::next(s)), weight(splat(Texture01<t>::weight()))
-    {
-    }
-    __attribute__((always_inline)) V get(int, V& key) const
+    {}
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         V u, v;
         position.get(u, v);
@@ -596,7 +586,7 @@ struct MipBilinear : Tested {
 
 // Rule values: the low byte of the rule texel. Positions truncate towards zero.
 struct NoRule {
-    __attribute__((always_inline)) NoRule(const Span&, int) {}
+    __attribute__((always_inline)) NoRule(const Span &, int) {}
     __attribute__((always_inline)) V get(int) const { return V{}; }
     __attribute__((always_inline)) void advance() {}
 };
@@ -604,11 +594,10 @@ struct NoRule {
 struct RuleRow {
     Window<> window;
     Ramp u;
-    __attribute__((always_inline)) RuleRow(const Span& s, int first)
+    __attribute__((always_inline)) RuleRow(const Span &s, int first)
         : window(s.rule.pixels + (size_t(truncated(s.v2.start) & s.rule.maskV) << s.rule.shift), s.rule.maskU, s.u2, first),
           u(Ramp::make(s.u2, first))
-    {
-    }
+    {}
     __attribute__((always_inline)) V get(int left) const
     {
         // Only what is not negative floors as it truncates. Without a window the step is so wide that the position may wrap
@@ -619,7 +608,7 @@ struct RuleRow {
         return gather(window.row, wholeTruncated(u.value) & window.mask) & 0xFFu;
     }
     // The words of n pixels where they lie in memory one a pixel, or null.
-    __attribute__((always_inline)) const u32* direct(int n) const
+    __attribute__((always_inline)) const u32 *direct(int n) const
     {
         const u32 column = (window.position >> 16) & window.mask;
         const bool fits = window.unit && n > 0 && window.position + (u64(n) << 16) < 0x80000000 &&
@@ -634,17 +623,16 @@ struct RuleFree {
     Ramp u, v;
     const Source level;
     bool still;
-    __attribute__((always_inline)) RuleFree(const Span& s, int first)
+    __attribute__((always_inline)) RuleFree(const Span &s, int first)
         : row(s, first), u(Ramp::make(s.u2, first)), v(Ramp::make(s.v2, first)), level(s.rule), still(s.v2.step == 0)
-    {
-    }
+    {}
     __attribute__((always_inline)) V get(int left) const
     {
         if (still)
             return row.get(left);
         return texel(level, wholeTruncated(u.value) & level.maskU, wholeTruncated(v.value) & level.maskV) & 0xFFu;
     }
-    __attribute__((always_inline)) const u32* direct(int n) const { return still ? row.direct(n) : nullptr; }
+    __attribute__((always_inline)) const u32 *direct(int n) const { return still ? row.direct(n) : nullptr; }
     __attribute__((always_inline)) void advance() { u.advance(), v.advance(), row.advance(); }
 };
 

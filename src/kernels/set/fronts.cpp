@@ -11,25 +11,42 @@ namespace {
 
 constexpr bool isMipMix(Fetch f) { return f == Fetch::mipMixRow || f == Fetch::mipMix || f == Fetch::mipMixPers; }
 
-template <Rule r> struct RuleOf;
-template <> struct RuleOf<Rule::none> : NoRule { using NoRule::NoRule; };
-template <> struct RuleOf<Rule::row> : RuleRow { using RuleRow::RuleRow; };
-template <> struct RuleOf<Rule::free> : RuleFree { using RuleFree::RuleFree; };
+template <Rule r>
+struct RuleOf;
+template <>
+struct RuleOf<Rule::none> : NoRule {
+    using NoRule::NoRule;
+};
+template <>
+struct RuleOf<Rule::row> : RuleRow {
+    using RuleRow::RuleRow;
+};
+template <>
+struct RuleOf<Rule::free> : RuleFree {
+    using RuleFree::RuleFree;
+};
 
 template <Fetch f, Rule r, Gate g>
-bool front(const Span& span, int first, int n, Chunk& c)
+bool front(const Span &span, int first, int n, Chunk &c)
 {
     using Fetcher = FetchOf<f>;
-    constexpr bool marksRun = ninefold::marksRun({.frame = {}, .multi = {}, .fetch = f, .rule = r, .gate = g, .second = {},
-                                                  .prescale = false, .blend = 0,
+    constexpr bool marksRun = ninefold::marksRun({.frame = {},
+                                                  .multi = {},
+                                                  .fetch = f,
+                                                  .rule = r,
+                                                  .gate = g,
+                                                  .second = {},
+                                                  .prescale = false,
+                                                  .blend = 0,
                                                   .marks = g == Gate::plane ? Marks::plane : Marks::none});
     const V threshold = splat(u32(r == Rule::none ? 0 : rs.ruleThreshold));
-    const u32* direct = nullptr;
+    const u32 *direct = nullptr;
     if constexpr (hasDirect<Fetcher>)
         direct = Fetcher(span, first).direct(n);
     c.source = direct ? direct : c.words;
     // Which of up to 64 pixels from `begin` on live, of those that are free.
-    const auto drawn = [&](Fetcher& fetch, RuleOf<r>& rule, int begin, int count, u64 free) __attribute__((always_inline)) {
+    const auto drawn = [&](Fetcher & fetch, RuleOf<r> & rule, int begin, int count, u64 free) __attribute__((always_inline))
+    {
         u64 live = 0;
         for (int k = 0; k < count; k += lanes, fetch.advance(), rule.advance()) {
             const int at = begin + k;
@@ -84,7 +101,7 @@ bool front(const Span& span, int first, int n, Chunk& c)
 }
 
 // The reading position moves on pixels that pass the rule test alone.
-bool frontRunSlip(const Span& span, int first, int n, Chunk& c)
+bool frontRunSlip(const Span &span, int first, int n, Chunk &c)
 {
     RuleRow rule(span, first);
     const V threshold = splat(u32(rs.ruleThreshold));

@@ -14,7 +14,7 @@ namespace {
 
 // One vector of pixels, or the first `left` of it.
 template <bool gated, int blend, bool whole, class Fetcher>
-NINEFOLD_LANE void drawVector(u32* dst, int left, M free, const Fetcher& fetch, const BlendFactors& factors)
+NINEFOLD_LANE void drawVector(u32 *dst, int left, M free, const Fetcher &fetch, const BlendFactors &factors)
 {
     V key;
     const V source = fetch.get(whole ? lanes : left, key);
@@ -43,7 +43,7 @@ template <class Fetcher, int blend>
 struct Faded : Fetcher {
     using Fetcher::Fetcher;
     u32 factor = rs.prescale;
-    __attribute__((always_inline)) V get(int left, V& key) const
+    __attribute__((always_inline)) V get(int left, V &key) const
     {
         return prescaled<blend, false>(Fetcher::get(left, key), factor);
     }
@@ -53,7 +53,7 @@ using Fading = std::conditional_t<prescale, Faded<Fetcher, blend>, Fetcher>;
 
 // n pixels from dst on; the fetch stands at the first.
 template <int blend, class Fetcher>
-NINEFOLD_LANE void drawPixels(u32* dst, int n, Fetcher& fetch, const BlendFactors& factors)
+NINEFOLD_LANE void drawPixels(u32 *dst, int n, Fetcher &fetch, const BlendFactors &factors)
 {
     int k = 0;
     for (; k + lanes <= n; k += lanes, fetch.advance())
@@ -64,7 +64,7 @@ NINEFOLD_LANE void drawPixels(u32* dst, int n, Fetcher& fetch, const BlendFactor
 
 // Pixels first to first + n - 1 of a span.
 template <Fetch f, bool prescale, Gate g, int blend>
-NINEFOLD_LANE void drawSpan(const Span& s, int first, int n, const BlendFactors& factors)
+NINEFOLD_LANE void drawSpan(const Span &s, int first, int n, const BlendFactors &factors)
 {
     if constexpr (g == Gate::none) {
         Fading<FetchOf<f>, prescale, blend> fetch(s, first);
@@ -79,7 +79,7 @@ NINEFOLD_LANE void drawSpan(const Span& s, int first, int n, const BlendFactors&
                 continue;
             }
             FetchOf<f> fetch(s, first);
-            u32* const dst = s.dst + first;
+            u32 *const dst = s.dst + first;
             int k = 0;
             for (; k + lanes <= count; k += lanes, fetch.advance())
                 drawVector<true, blend, true>(dst + k, lanes, lanesOf(free >> k), fetch, factors);
@@ -91,10 +91,11 @@ NINEFOLD_LANE void drawSpan(const Span& s, int first, int n, const BlendFactors&
 }
 
 // n words of one colour. Stores overlap rather than split cache lines: a fill does nothing else.
-NINEFOLD_LANE void fillRow(u32* dst, int n, u32 colour)
+NINEFOLD_LANE void fillRow(u32 *dst, int n, u32 colour)
 {
     constexpr int quarter = 4;
-    const auto store4 = [colour](u32* p) __attribute__((always_inline)) {
+    const auto store4 = [colour](u32 * p) __attribute__((always_inline))
+    {
         typedef u32 Four __attribute__((vector_size(16)));
         const Four four = colour - Four{};
         __builtin_memcpy(p, &four, sizeof four);
@@ -111,17 +112,18 @@ NINEFOLD_LANE void fillRow(u32* dst, int n, u32 colour)
             dst[k] = colour;
         return;
     }
-    u32* const end = dst + n;
+    u32 *const end = dst + n;
     if (lanes == 8 && n == lanes) {
         store(dst, splat(colour));
         return;
     }
     store4(dst);
     store4(end - quarter);
-    u32* at = reinterpret_cast<u32*>((reinterpret_cast<uintptr_t>(dst) + 16) & ~uintptr_t(15));
+    u32 *at = reinterpret_cast<u32 *>((reinterpret_cast<uintptr_t>(dst) + 16) & ~uintptr_t(15));
     if constexpr (lanes > quarter) {
         if (end - at >= 4 * lanes) {
-            const u32* const line = reinterpret_cast<u32*>((reinterpret_cast<uintptr_t>(at) + bytes - 1) & ~uintptr_t(bytes - 1));
+            const u32 *const line =
+                reinterpret_cast<u32 *>((reinterpret_cast<uintptr_t>(at) + bytes - 1) & ~uintptr_t(bytes - 1));
             for (; at < line; at += quarter)
                 store4(at);
             for (const V v = splat(colour); at + lanes <= end; at += lanes)
@@ -137,7 +139,7 @@ NINEFOLD_LANE void fillRow(u32* dst, int n, u32 colour)
 template <bool mixed>
 struct Columns {
     static constexpr int size = 256;
-    alignas(64) u32 centre[size];           // within the vector's window, or in the texture row where it has none
+    alignas(64) u32 centre[size]; // within the vector's window, or in the texture row where it has none
     alignas(64) u32 side[mixed ? size : 1]; // the neighbour
     WindowFit fits[size / lanes];
 
@@ -145,7 +147,7 @@ struct Columns {
     __attribute__((always_inline)) void put(int k, V column, V neighbour, u32 mask, [[maybe_unused]] Reach reach,
                                             [[maybe_unused]] bool sure)
     {
-        WindowFit& fit = fits[k / lanes];
+        WindowFit &fit = fits[k / lanes];
         V move{};
         fit = {0, 0};
 #if defined(__AVX2__)
@@ -160,11 +162,11 @@ struct Columns {
     }
 
     // Texels of one row at the vector that starts with column k; atSide only where mixed.
-    __attribute__((always_inline)) void texels(const u32* row, int k, V& atCentre, V& atSide) const
+    __attribute__((always_inline)) void texels(const u32 *row, int k, V &atCentre, V &atSide) const
     {
 #if defined(__AVX2__)
         const WindowFit fit = fits[k / lanes];
-        const u32* window = row + fit.base;
+        const u32 *window = row + fit.base;
         if (fit.vectors == 1) {
             const V texel = load(window);
             atCentre = permute(texel, load(centre + k));
@@ -196,7 +198,7 @@ struct PointColumns {
     static constexpr bool tests = true;
     struct Table {
         Columns<false> columns;
-        __attribute__((always_inline)) void make(const Span& s, int first, int n)
+        __attribute__((always_inline)) void make(const Span &s, int first, int n)
         {
             const u32 step = s.u0.step;
             Ramp u = Ramp::make(s.u0, first);
@@ -207,14 +209,13 @@ struct PointColumns {
             }
         }
     };
-    const Table& table;
-    const u32* row;
+    const Table &table;
+    const u32 *row;
     int k = 0;
-    __attribute__((always_inline)) PointColumns(const Span& s, const Table& columns)
+    __attribute__((always_inline)) PointColumns(const Span &s, const Table &columns)
         : table(columns), row(s.tex0.pixels + (size_t(truncated(s.v0.start) & s.tex0.maskV) << s.tex0.shift))
-    {
-    }
-    __attribute__((always_inline)) V get(int, V& key) const
+    {}
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         V none;
         table.columns.texels(row, k, key, none);
@@ -230,7 +231,7 @@ struct MixedColumns {
     struct Table {
         Columns<true> columns;
         alignas(64) u32 weight[Columns<true>::size]; // wx in both halves
-        __attribute__((always_inline)) void make(const Span& s, int first, int n)
+        __attribute__((always_inline)) void make(const Span &s, int first, int n)
         {
             const u32 step = s.u0.step;
             Ramp u = Ramp::make(s.u0, first);
@@ -247,11 +248,11 @@ struct MixedColumns {
             }
         }
     };
-    const Table& table;
+    const Table &table;
     const u32 *row, *row2;
     V wy; // in both halves
     int k = 0;
-    __attribute__((always_inline)) MixedColumns(const Span& s, const Table& columns) : table(columns)
+    __attribute__((always_inline)) MixedColumns(const Span &s, const Table &columns) : table(columns)
     {
         const u32 v = s.v0.start, fy = v >> 8 & 0xFF;
         const bool far = fy >= 128;
@@ -265,14 +266,14 @@ struct MixedColumns {
         const V wx = load(table.weight + k), p = high8(mul16(wx, wy));
         return Taps{V{}, V{}, p, wy - p, wx - p, 0x01000100u - wx - wy + p};
     }
-    __attribute__((always_inline)) Sums sums(const Taps& taps, V& key) const
+    __attribute__((always_inline)) Sums sums(const Taps &taps, V &key) const
     {
         V side, below, corner;
         table.columns.texels(row, k, key, side);
         table.columns.texels(row2, k, below, corner);
         return Sums::of(taps, key, side, below, corner);
     }
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         const Sums mixed = sums(taps(), key);
         return four ? mixed.four() : mixed.three();
@@ -286,7 +287,7 @@ struct MipColumns {
     struct Table {
         MixedColumns<false>::Table level;
         Columns<true> next;
-        __attribute__((always_inline)) void make(const Span& s, int first, int n)
+        __attribute__((always_inline)) void make(const Span &s, int first, int n)
         {
             level.make(s, first, n);
             Ramp u = Ramp::make(s.u0, first);
@@ -294,8 +295,8 @@ struct MipColumns {
                 const V far = (V)((S)(u.value << 16) >> 31);
                 const V column = whole(half(u.value)), neighbour = whole(half(u.value + ((far & 0x20000u) - 0x10000u)));
                 alignas(bytes) i32 at[2 * lanes];
-                store(reinterpret_cast<u32*>(at), column);
-                store(reinterpret_cast<u32*>(at) + lanes, neighbour);
+                store(reinterpret_cast<u32 *>(at), column);
+                store(reinterpret_cast<u32 *>(at) + lanes, neighbour);
                 i32 lowest = at[0], highest = at[0];
                 for (int j = 0; j < n - k && j < lanes; ++j) {
                     const i32 a = at[j], b = at[j + lanes];
@@ -307,10 +308,10 @@ struct MipColumns {
         }
     };
     MixedColumns<false> level;
-    const Columns<true>& columns;
+    const Columns<true> &columns;
     const u32 *row, *row2; // of the next level
     V weight = splat(u32(rs.mipFrac));
-    __attribute__((always_inline)) MipColumns(const Span& s, const Table& table) : level(s, table.level), columns(table.next)
+    __attribute__((always_inline)) MipColumns(const Span &s, const Table &table) : level(s, table.level), columns(table.next)
     {
         const auto rowAt = [&s](u32 v) {
             return s.next0.pixels + (size_t(u32(i32(v) / 2 >> 16) & s.next0.maskV) << s.next0.shift);
@@ -318,7 +319,7 @@ struct MipColumns {
         const u32 v = s.v0.start;
         row = rowAt(v), row2 = rowAt(v + (v & 0x8000 ? 0x10000u : 0u - 0x10000u));
     }
-    __attribute__((always_inline)) V get(int, V& key) const
+    __attribute__((always_inline)) V get(int, V &key) const
     {
         const Taps taps = level.taps();
         const V upper = level.sums(taps, key).three();
@@ -332,7 +333,7 @@ struct MipColumns {
 
 // Stretches: the columns are worked out once for all rows.
 template <class Fetcher, int blend>
-void stretchBlock(const Span& span, const Rows& rows)
+void stretchBlock(const Span &span, const Rows &rows)
 {
     const BlendFactors factors;
     Span s;
@@ -342,7 +343,7 @@ void stretchBlock(const Span& span, const Rows& rows)
     for (int first = 0; first < rows.columns; first += size) {
         const int n = rows.columns - first < size ? rows.columns - first : size;
         table.make(span, first, n);
-        u32* dst = span.dst + first;
+        u32 *dst = span.dst + first;
         s.v0.start = span.v0.start;
         for (int row = rows.count; row > 0; --row, dst += rows.pitch, s.v0.start += rows.stepV) {
             Fetcher fetch(s, table);
@@ -353,14 +354,14 @@ void stretchBlock(const Span& span, const Rows& rows)
 
 // Texels side by side.
 struct Texels : Tested {
-    const u32* at;
-    __attribute__((always_inline)) explicit Texels(const u32* first) : at(first) {}
-    __attribute__((always_inline)) V get(int left, V& key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
+    const u32 *at;
+    __attribute__((always_inline)) explicit Texels(const u32 *first) : at(first) {}
+    __attribute__((always_inline)) V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
 };
 
 // Sprites of up to one vector a row that do not go round the edge of the texture. False: it is none, and nothing is drawn.
 template <bool prescale, int blend>
-NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
+NINEFOLD_LANE bool narrowBlock(const Span &span, const Rows &rows)
 {
     const Source t = span.tex0;
     const int n = rows.columns;
@@ -368,8 +369,8 @@ NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
     if (n > lanes || t.maskU - column < u32(n - 1))
         return false;
     const BlendFactors factors;
-    const u32* const texels = t.pixels + column;
-    u32* dst = span.dst;
+    const u32 *const texels = t.pixels + column;
+    u32 *dst = span.dst;
     u32 v = span.v0.start;
     for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV) {
         const Fading<Texels, prescale, blend> fetch(texels + (size_t(v) << t.shift));
@@ -382,12 +383,12 @@ NINEFOLD_LANE bool narrowBlock(const Span& span, const Rows& rows)
 }
 
 template <Fetch f, bool prescale, Gate g, int blend>
-void block(const Span& span, const Rows& rows)
+void block(const Span &span, const Rows &rows)
 {
     if constexpr (f == Fetch::flat && g == Gate::none && blend == 0) {
         const bool whole = u32(rows.columns) == rows.pitch; // then the rows are one
         const int count = whole ? 1 : rows.count, columns = whole ? rows.columns * rows.count : rows.columns;
-        u32* dst = span.dst;
+        u32 *dst = span.dst;
         for (int row = count; row > 0; --row, dst += rows.pitch)
             fillRow(dst, columns, rs.color[0]);
         return;
@@ -406,10 +407,10 @@ void block(const Span& span, const Rows& rows)
     }
     if constexpr (blend == 12) { // the host's own operator: its call is what costs
         const PixelOperator func = rs.blendFunc;
-        u32* dst = span.dst;
+        u32 *dst = span.dst;
         u32 v = span.v0.start;
         for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & span.tex0.maskV) {
-            const u32* const texels = span.tex0.pixels + (size_t(v) << span.tex0.shift);
+            const u32 *const texels = span.tex0.pixels + (size_t(v) << span.tex0.shift);
             for (int k = 0; k < rows.columns; ++k)
                 if (const u32 texel = texels[(span.u0.start + u32(k)) & span.tex0.maskU])
                     dst[k] = func(dst[k], texel);
@@ -437,7 +438,7 @@ void block(const Span& span, const Rows& rows)
 }
 
 template <Fetch f, Gate g, int blend>
-void fusedSpan(const Span& s, int first, int n)
+void fusedSpan(const Span &s, int first, int n)
 {
     if constexpr (f == Fetch::flat && g == Gate::none && blend == 0) {
         fillRow(s.dst + first, n, rs.color[0]);

@@ -8,7 +8,7 @@ namespace ninefold::NINEFOLD_SET {
 namespace {
 
 // Pixels 0 to n - 1 (n up to 64) from bit `at` of plane words on, pixel 0 in bit 63. Only words that hold one of them are read.
-NINEFOLD_LANE u64 planeBits(const u16* words, u32 at, int n)
+NINEFOLD_LANE u64 planeBits(const u16 *words, u32 at, int n)
 {
     words += at >> 4;
     at &= 15;
@@ -38,7 +38,7 @@ NINEFOLD_LANE u64 mirrored(u64 bits)
 }
 
 // Bit k: byte k, of n up to 64, is at least `limit`. No byte behind them is touched.
-NINEFOLD_LANE u64 zBits(const u8* z, int n, u8 limit)
+NINEFOLD_LANE u64 zBits(const u8 *z, int n, u8 limit)
 {
 #if defined(__AVX512BW__)
     const __mmask64 all = n >= 64 ? ~0ull : (1ull << n) - 1;
@@ -53,7 +53,7 @@ NINEFOLD_LANE u64 zBits(const u8* z, int n, u8 limit)
 
 // Bit k: the planes and the stipple leave pixel first + k free, for n pixels up to 64. mapped: the zero-pixel map takes part.
 template <Gate g, bool mapped>
-NINEFOLD_LANE u64 freePixels(const Span& s, int first, int n)
+NINEFOLD_LANE u64 freePixels(const Span &s, int first, int n)
 {
     u64 bits = n >= 64 ? ~u64(0) : (u64(1) << n) - 1;
     if constexpr (g == Gate::plane) {
@@ -72,12 +72,12 @@ NINEFOLD_LANE u64 freePixels(const Span& s, int first, int n)
 
 // How many of n pixels from `first` on are surely refused: whole words of the plane, whole vectors of priorities.
 template <Gate g>
-NINEFOLD_LANE int refusedPixels([[maybe_unused]] const Span& s, [[maybe_unused]] int first, [[maybe_unused]] int n)
+NINEFOLD_LANE int refusedPixels([[maybe_unused]] const Span &s, [[maybe_unused]] int first, [[maybe_unused]] int n)
 {
     if constexpr (g == Gate::plane) {
         const u32 at = (s.x & 15) + u32(first), end = at + u32(n);
-        const u16* word = s.plane + (at >> 4);
-        const u16* const last = s.plane + ((end - 1) >> 4);
+        const u16 *word = s.plane + (at >> 4);
+        const u16 *const last = s.plane + ((end - 1) >> 4);
         constexpr int wide = bytes / 2;
         while (last - word >= 2 * wide - 1) {
             V a, b;
@@ -99,7 +99,7 @@ NINEFOLD_LANE int refusedPixels([[maybe_unused]] const Span& s, [[maybe_unused]]
         return stop <= at ? 0 : int((stop < end ? stop : end) - at);
     }
     if constexpr (g == Gate::z || g == Gate::zMask) {
-        const u8* const z = s.z + first;
+        const u8 *const z = s.z + first;
         const u8 limit = u8(rs.zRef);
         int k = 0;
 #if defined(__AVX512BW__)

@@ -42,12 +42,12 @@ constexpr int lanes = 4;
 #endif
 constexpr int bytes = lanes * 4;
 
-typedef u32 V __attribute__((vector_size(bytes)));    // pixels, indices
-typedef i32 S __attribute__((vector_size(bytes)));    // the same, signed
-typedef u16 H __attribute__((vector_size(bytes)));    // 16-bit halves
-typedef u64 D __attribute__((vector_size(bytes)));    // pairs of lanes
+typedef u32 V __attribute__((vector_size(bytes))); // pixels, indices
+typedef i32 S __attribute__((vector_size(bytes))); // the same, signed
+typedef u16 H __attribute__((vector_size(bytes))); // 16-bit halves
+typedef u64 D __attribute__((vector_size(bytes))); // pairs of lanes
 typedef double F __attribute__((vector_size(bytes))); // doubles over pairs of lanes
-typedef float R __attribute__((vector_size(bytes)));  // reals over lanes
+typedef float R __attribute__((vector_size(bytes))); // reals over lanes
 
 // Which lanes: a mask register, or all ones and 0 in the lanes.
 #if defined(__AVX512F__)
@@ -68,23 +68,23 @@ NINEFOLD_LANE V iota()
 #endif
 }
 
-NINEFOLD_LANE V load(const u32* p)
+NINEFOLD_LANE V load(const u32 *p)
 {
     V v;
     __builtin_memcpy(&v, p, sizeof v);
     return v;
 }
-NINEFOLD_LANE void store(u32* p, V v) { __builtin_memcpy(p, &v, sizeof v); }
+NINEFOLD_LANE void store(u32 *p, V v) { __builtin_memcpy(p, &v, sizeof v); }
 
 // The first n pixels, 0 < n < lanes; memory behind them is not touched.
-NINEFOLD_LANE V loadSome(const u32* p, int n)
+NINEFOLD_LANE V loadSome(const u32 *p, int n)
 {
 #if defined(__AVX512F__)
     return (V)_mm512_maskz_loadu_epi32(__mmask16((1u << n) - 1), p);
 #elif defined(__AVX2__)
-    return (V)_mm256_maskload_epi32(reinterpret_cast<const int*>(p), (__m256i)((S)iota() < (S)splat(u32(n))));
+    return (V)_mm256_maskload_epi32(reinterpret_cast<const int *>(p), (__m256i)((S)iota() < (S)splat(u32(n))));
 #elif defined(NINEFOLD_X86)
-    __m128i v = n & 2 ? _mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)) : _mm_setzero_si128();
+    __m128i v = n & 2 ? _mm_loadl_epi64(reinterpret_cast<const __m128i *>(p)) : _mm_setzero_si128();
     if (n & 1) {
         const __m128i last = _mm_cvtsi32_si128(int(p[n - 1]));
         v = n & 2 ? _mm_unpacklo_epi64(v, last) : last;
@@ -98,15 +98,15 @@ NINEFOLD_LANE V loadSome(const u32* p, int n)
 #endif
 }
 
-NINEFOLD_LANE void storeSome(u32* p, V v, int n)
+NINEFOLD_LANE void storeSome(u32 *p, V v, int n)
 {
 #if defined(__AVX512F__)
     _mm512_mask_storeu_epi32(p, __mmask16((1u << n) - 1), (__m512i)v);
 #elif defined(__AVX2__)
-    _mm256_maskstore_epi32(reinterpret_cast<int*>(p), (__m256i)((S)iota() < (S)splat(u32(n))), (__m256i)v);
+    _mm256_maskstore_epi32(reinterpret_cast<int *>(p), (__m256i)((S)iota() < (S)splat(u32(n))), (__m256i)v);
 #elif defined(NINEFOLD_X86)
     if (n & 2) {
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(p), (__m128i)v);
+        _mm_storel_epi64(reinterpret_cast<__m128i *>(p), (__m128i)v);
         v = (V)_mm_unpackhi_epi64((__m128i)v, (__m128i)v);
         p += 2;
     }
@@ -119,7 +119,7 @@ NINEFOLD_LANE void storeSome(u32* p, V v, int n)
 }
 
 #if defined(__AVX512F__)
-NINEFOLD_LANE void storeMasked(u32* p, V v, M mask) { _mm512_mask_storeu_epi32(p, mask, (__m512i)v); }
+NINEFOLD_LANE void storeMasked(u32 *p, V v, M mask) { _mm512_mask_storeu_epi32(p, mask, (__m512i)v); }
 #endif
 
 // Comparisons.
@@ -229,17 +229,20 @@ NINEFOLD_LANE V bothHalves(V a) { return a | a << 16; }
 
 // pixels[at[k]] in lane k, and with the indices in a vector. Every index must lie inside the texture. Scalar loads beat the
 // hardware's gather, also that of 16 lanes, and pairing them up beats inserting them one after another.
-NINEFOLD_LANE V gatherAt(const u32* pixels, const u32* at)
+NINEFOLD_LANE V gatherAt(const u32 *pixels, const u32 *at)
 {
 #if defined(NINEFOLD_X86)
-    const auto four = [=](int k) __attribute__((always_inline)) {
-        const auto two = [=](int j) __attribute__((always_inline)) {
+    const auto four = [=](int k) __attribute__((always_inline))
+    {
+        const auto two = [=](int j) __attribute__((always_inline))
+        {
             return _mm_unpacklo_epi32(_mm_cvtsi32_si128(int(pixels[at[j]])), _mm_cvtsi32_si128(int(pixels[at[j + 1]])));
         };
         return _mm_unpacklo_epi64(two(k), two(k + 2));
     };
 #if defined(__AVX2__)
-    const auto eight = [=](int k) __attribute__((always_inline)) {
+    const auto eight = [=](int k) __attribute__((always_inline))
+    {
         return _mm256_inserti128_si256(_mm256_castsi128_si256(four(k)), four(k + 4), 1);
     };
 #if defined(__AVX512F__)
@@ -255,7 +258,7 @@ NINEFOLD_LANE V gatherAt(const u32* pixels, const u32* at)
 #endif
 }
 // The indices go through memory: one store, then independent loads.
-NINEFOLD_LANE V gather(const u32* pixels, V index)
+NINEFOLD_LANE V gather(const u32 *pixels, V index)
 {
     alignas(bytes) u32 at[lanes];
     store(at, index);
@@ -264,16 +267,18 @@ NINEFOLD_LANE V gather(const u32* pixels, V index)
 
 #if defined(__AVX2__)
 // pixels[index] and pixels[index + 1] in each lane, by one load for both: also of 16 lanes faster than the hardware gather.
-NINEFOLD_LANE void gatherPairs(const u32* pixels, V index, V& first, V& second)
+NINEFOLD_LANE void gatherPairs(const u32 *pixels, V index, V &first, V &second)
 {
     alignas(bytes) u32 at[lanes];
     store(at, index);
-    const auto pair = [&](int a, int b) __attribute__((always_inline)) {
-        const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(pixels + at[a]));
-        return (__m128i)_mm_loadh_pd((__m128d)x, reinterpret_cast<const double*>(pixels + at[b]));
+    const auto pair = [&](int a, int b) __attribute__((always_inline))
+    {
+        const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(pixels + at[a]));
+        return (__m128i)_mm_loadh_pd((__m128d)x, reinterpret_cast<const double *>(pixels + at[b]));
     };
     // Pairs 0, 1 with 4, 5 and so on: the shuffle within 128-bit parts then gives the lanes in order.
-    const auto pairs = [&](int k) __attribute__((always_inline)) {
+    const auto pairs = [&](int k) __attribute__((always_inline))
+    {
         const __m256i eight = _mm256_inserti128_si256(_mm256_castsi128_si256(pair(k, k + 1)), pair(k + 4, k + 5), 1);
 #if defined(__AVX512F__)
         const __m256i more = _mm256_inserti128_si256(_mm256_castsi128_si256(pair(k + 8, k + 9)), pair(k + 12, k + 13), 1);
@@ -312,7 +317,7 @@ NINEFOLD_LANE V permute2(V a, V b, V index)
 #endif
 
 // The first n bytes, 0 < n <= 8, in the low bytes of a word; no byte behind them is touched.
-NINEFOLD_LANE u64 loadBytes(const u8* p, int n)
+NINEFOLD_LANE u64 loadBytes(const u8 *p, int n)
 {
     if (n >= 4) {
         u32 low, high;
@@ -324,12 +329,12 @@ NINEFOLD_LANE u64 loadBytes(const u8* p, int n)
 }
 
 // Bit k: byte k is at least `limit`, for n bytes, 0 < n <= 16.
-NINEFOLD_LANE u32 bytesAtLeast(const u8* p, int n, u8 limit)
+NINEFOLD_LANE u32 bytesAtLeast(const u8 *p, int n, u8 limit)
 {
 #if defined(NINEFOLD_X86)
     __m128i b;
     if (n == 16)
-        b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+        b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
     else
         b = _mm_set_epi64x(n > 8 ? static_cast<long long>(loadBytes(p + 8, n - 8)) : 0,
                            static_cast<long long>(loadBytes(p, n < 8 ? n : 8)));
@@ -381,7 +386,7 @@ NINEFOLD_LANE V toWhole(R a) // truncating
 #elif defined(NINEFOLD_X86)
     return (V)_mm_cvttps_epi32((__m128)a);
 #else
-    return (V)__builtin_convertvector(a, S);
+    return (V) __builtin_convertvector(a, S);
 #endif
 }
 

@@ -6,18 +6,28 @@
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
-template <Multi m> struct OperandOf;
-template <> struct OperandOf<Multi::second> : Unit<1, true> { using Unit::Unit; };
-template <> struct OperandOf<Multi::corners> : Corners { using Corners::Corners; };
-template <> struct OperandOf<Multi::colour> : Flat { using Flat::Flat; };
+template <Multi m>
+struct OperandOf;
+template <>
+struct OperandOf<Multi::second> : Unit<1, true> {
+    using Unit::Unit;
+};
+template <>
+struct OperandOf<Multi::corners> : Corners {
+    using Corners::Corners;
+};
+template <>
+struct OperandOf<Multi::colour> : Flat {
+    using Flat::Flat;
+};
 
 // What the operator makes of a texel and its second operand. A zero in tex1 is no operand.
 template <Multi m, ops::Op op>
 struct Combined : Tested {
     Unit<0, true> texels;
     OperandOf<m> operands;
-    __attribute__((always_inline)) Combined(const Span& s, int first) : texels(s, first), operands(s, first) {}
-    __attribute__((always_inline)) V get(int left, V& key) const
+    __attribute__((always_inline)) Combined(const Span &s, int first) : texels(s, first), operands(s, first) {}
+    __attribute__((always_inline)) V get(int left, V &key) const
     {
         const V first = texels.get(left, key);
         V found;
@@ -28,7 +38,7 @@ struct Combined : Tested {
 };
 
 template <Multi m, int blend, ops::Op op>
-void multiSpan(const Span& s, int first, int n)
+void multiSpan(const Span &s, int first, int n)
 {
     const BlendFactors factors;
     Combined<m, op> fetch(s, first);

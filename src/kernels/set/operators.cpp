@@ -10,7 +10,7 @@ namespace {
 using ops::Op;
 
 template <Op op, bool wide>
-void rowOperator(PixelOperator, u32* out, const u32* first, const u32* second, int secondMask, const u64* pick, int n)
+void rowOperator(PixelOperator, u32 *out, const u32 *first, const u32 *second, int secondMask, const u64 *pick, int n)
 {
     for (int k = 0; k < n; k += lanes) {
         const V f = load(first + k);
@@ -26,7 +26,7 @@ constexpr Operators makeOperators(std::index_sequence<op...>)
 
 } // namespace
 
-void hostOperator(PixelOperator func, u32* out, const u32* first, const u32* second, int secondMask, const u64* pick, int n)
+void hostOperator(PixelOperator func, u32 *out, const u32 *first, const u32 *second, int secondMask, const u64 *pick, int n)
 {
     for (int k = 0; k < n; ++k)
         out[k] = pick[k / 64] >> (k & 63) & 1 ? func(first[k], second[k & secondMask]) : first[k];

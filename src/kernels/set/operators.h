@@ -101,10 +101,7 @@ NINEFOLD_LANE V scaleRgb(V p, u32 factor)
     const V f = splat(factor | factor << 16);
     return (mul16(p & 0xFF00FFu, f) >> 8 & 0xFF00FFu) | (mul16(p >> 8 & 0xFFu, f) & 0xFF00u);
 }
-NINEFOLD_LANE V scaleAlpha(V p, u32 factor)
-{
-    return (p & 0xFFFFFFu) | (mul16(p >> 24, splat(factor)) & 0xFF00u) << 16;
-}
+NINEFOLD_LANE V scaleAlpha(V p, u32 factor) { return (p & 0xFFFFFFu) | (mul16(p >> 24, splat(factor)) & 0xFF00u) << 16; }
 
 // Any factor.
 NINEFOLD_LANE V scaleRgbWide(V p, u32 factor)
@@ -122,7 +119,8 @@ NINEFOLD_LANE V apply(V f, V s)
     const u32 m = rs.prescaleMulti;
     const auto rgb = [m](V p) __attribute__((always_inline)) { return wide ? scaleRgbWide(p, m) : scaleRgb(p, m); };
     const auto alpha = [m](V p) __attribute__((always_inline)) { return wide ? scaleAlphaWide(p, m) : scaleAlpha(p, m); };
-    const auto constant = [f, s](u32 a) __attribute__((always_inline)) {
+    const auto constant = [ f, s ](u32 a) __attribute__((always_inline))
+    {
         return wide ? opConstAlphaWide(f, s, a) : opConstAlpha(f, s, a);
     };
     using ops::Op;

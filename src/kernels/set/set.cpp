@@ -9,7 +9,7 @@ namespace ninefold::NINEFOLD_SET {
 namespace {
 
 template <Gate g>
-int refusedByGate(const Span& s, int first, int n, bool& through)
+int refusedByGate(const Span &s, int first, int n, bool &through)
 {
     through = false;
     return refusedPixels<g>(s, first, n);
@@ -27,7 +27,7 @@ struct Verdict {
 
 // Counts by whole vectors; 0 where the first one is mixed.
 template <Rule r>
-int alikeByRule(const Span& s, int first, int n, bool& through)
+int alikeByRule(const Span &s, int first, int n, bool &through)
 {
     std::conditional_t<r == Rule::row, RuleRow, RuleFree> rule(s, first);
     const Verdict verdict;
@@ -37,13 +37,14 @@ int alikeByRule(const Span& s, int first, int n, bool& through)
     through = wanted == 1;
     int k = lanes;
     rule.advance();
-    if (const u32* values = rule.direct(n - k)) {
+    if (const u32 *values = rule.direct(n - k)) {
         // One texel a pixel: the value of each four that speaks most against the verdict decides.
         const V byte = splat(0xFF);
         for (values -= k; n - k >= 4 * lanes; k += 4 * lanes) {
             const V a = load(values + k), b = load(values + k + lanes);
             const V c = load(values + k + 2 * lanes), d = load(values + k + 3 * lanes);
-            const auto worse = [through](V x, V y) __attribute__((always_inline)) {
+            const auto worse = [through](V x, V y) __attribute__((always_inline))
+            {
                 return through ? lesserBytes(x, y) : greaterBytes(x, y);
             };
             const V worst = worse(worse(a, b), worse(c, d));

@@ -34,7 +34,7 @@ extern const Blocks blocks;
 extern const FusedSpans fusedSpans;
 extern const MultiSpans multiSpans;
 // Calls the host's own operator for each picked pixel, left to right.
-void hostOperator(PixelOperator, uint32_t* out, const uint32_t* first, const uint32_t* second, int secondMask,
-                  const uint64_t* pick, int n);
+void hostOperator(PixelOperator, uint32_t *out, const uint32_t *first, const uint32_t *second, int secondMask,
+                  const uint64_t *pick, int n);
 
 } // namespace ninefold::NINEFOLD_SET
