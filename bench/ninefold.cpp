@@ -1,5 +1,5 @@
 // The library's own contenders: one for each instruction set that the machine has, and the scalar loop in its place.
-#include "kernels/parts.h"
+#include "kernels/sets.h"
 #include "scene.h"
 
 #include <algorithm>
@@ -8,8 +8,6 @@
 namespace bench {
 
 namespace {
-
-constexpr const char *setNames[] = {"v1", "v3", "v4"};
 
 bool isTriangle(Kind kind) { return kind == Kind::triangle || kind == Kind::flatTriangle || kind == Kind::gouraudTriangle; }
 
@@ -135,7 +133,7 @@ void addOurs(const Job &job, Contenders &contenders)
     for (int set = 0; kernel && set < ninefold::setCount; ++set) {
         if (!ninefold::useSet(set))
             continue;
-        contenders.push_back(caller(std::string("ninefold/") + setNames[set], Role::ours, job, kernel, set, job.setup));
+        contenders.push_back(caller(std::string("ninefold/") + ninefold::setNames[set], Role::ours, job, kernel, set, job.setup));
         contenders.back().note = job.note;
     }
     if (job.scalar)

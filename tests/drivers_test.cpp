@@ -621,7 +621,7 @@ TEST_F(TriangleForms, FilterTwoWithAnOperatorAndNoRuleCallsItAndShowsTheMix)
     forEachForm(2, {0, 1, 2}, {0}, [&](const Modes &m) {
         draw(m);
         expectPicture(m, [&](int x, int y) { return mixAt(x, y); }); // alpha 0
-        EXPECT_EQ(callCount, 16 * setsHere()) << m;
+        EXPECT_EQ(callCount, 16 * ninefold::usableSets()) << m;
         EXPECT_EQ(seenFirst, mixAt(3, 3)) << m;
         EXPECT_EQ(seenSecond, m.multi == 0 ? levels::point(*second->mip[1], u1(3), v1(3)) : 0x00334455u) << m;
     });

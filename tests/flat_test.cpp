@@ -68,7 +68,7 @@ TEST_F(WideFlatRectangle, LongRowsAreFilledToTheirEndsAndNoFurther)
 TEST_F(FlatRectangle, ShortRowsAreFilledToTheirEndsAndNoFurther)
 {
     colours(0xFF00FF00, 0, 0, 0);
-    for (int set = 0; set < ninefold::setCount && ninefold::useSet(set); ++set) {
+    for (int set = 0; set < ninefold::usableSets() && ninefold::useSet(set); ++set) {
         for (int columns = 1; columns <= 40; ++columns) {
             for (int left = 1; left <= 17; ++left) {
                 clear();

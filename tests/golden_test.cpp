@@ -1,4 +1,5 @@
 // The library against sums that are checked in: they pin the pixels of every platform and compiler.
+#include "kernels/sets.h"
 #include "support/golden.h"
 #include "support/sweep.h"
 #include "support/workers.h"
@@ -26,7 +27,7 @@ TEST(Golden, EveryCodeGivesItsSum)
     const auto job = [&](size_t number) {
         const size_t index = indices[number];
         bool right = true;
-        for (int set = 0; set < setCount(); ++set) {
+        for (int set = 0; set < ninefold::usableSets(); ++set) {
             workers.doing(0, set);
             const uint32_t sum = goldenSum(*comparer, subjects[index], set);
             if (sum == sums[index])
@@ -34,14 +35,14 @@ TEST(Golden, EveryCodeGivesItsSum)
             right = false;
             char text[256];
             std::snprintf(text, sizeof text, "%s, code %X, set %s: sum %08x, golden %08x%s\n", subjects[index].name().c_str(),
-                          subjects[index].code, setName(set), sum, sums[index],
+                          subjects[index].code, ninefold::setNames[set], sum, sums[index],
                           goldenSum(*comparer, subjects[index], -1) == sums[index] ? "" : " (and not the reference's either)");
             workers.report(text);
         }
         return right;
     };
     const auto describe = [&](size_t number, uint32_t, int set) {
-        return subjects[indices[number]].name() + ", set " + (set < 0 ? "none" : setName(set));
+        return subjects[indices[number]].name() + ", set " + (set < 0 ? "none" : ninefold::setNames[set]);
     };
     workers.run([&comparer] { comparer = std::make_unique<Comparer>(); }, job, describe);
     EXPECT_EQ(workers.failures(), 0u) << workers.reports();

@@ -44,8 +44,8 @@ protected:
     {
         rs = RenderState{};
         rs.blendAlpha = 100, rs.blendAlphaRgb = 50, rs.prescale = 200, rs.prescaleMulti = 180, rs.writeMask = 0xF0CC33AA;
-        for (int set = 0; set < setCount && useSet(set); ++set)
-            sets.push_back(activeSet);
+        for (int set = 0; set < usableSets() && useSet(set); ++set)
+            sets.push_back(activeSets.any);
     }
 
     void TearDown() override { rs = RenderState{}; }
@@ -59,7 +59,7 @@ protected:
         }
     }
 
-    std::vector<const SetTable *> sets;
+    std::vector<const InstructionSet *> sets;
     std::mt19937 random{107};
 };
 
@@ -79,7 +79,7 @@ protected:
                 pairAt(k + i, first.at[i], second.at[i]);
                 expected.at[i] = scalar(first.at[i], second.at[i]);
             }
-            for (const SetTable *set : sets) {
+            for (const InstructionSet *set : sets) {
                 set->operators[wide][size_t(op)](nullptr, out.at, first.at, second.at, each, pick.at, chunk);
                 for (int i = 0; i < chunk; ++i)
                     ASSERT_EQ(out.at[i], expected.at[i])
@@ -197,7 +197,7 @@ TEST_F(RowOperators, UnpickedPixelsKeepTheFirstOperandAndOperandsMayBeTheResult)
         for (int n = 1; n <= Chunk::size; n += n < 70 ? 3 : 61) {
             for (int i = 0; i < Chunk::padded; ++i)
                 first.at[i] = uint32_t(random()), second.at[i] = uint32_t(random()), pick.at[i] = random() % 2 ? ~0u : 0;
-            forEachSet([&](const SetTable &set) {
+            forEachSet([&](const InstructionSet &set) {
                 Words out = first, over = second;
                 set.operators[false][size_t(op)](nullptr, out.at, out.at, second.at, each, picked(pick).at, n);
                 set.operators[false][size_t(op)](nullptr, over.at, first.at, over.at, each, picked(pick).at, n);
@@ -219,7 +219,7 @@ TEST_F(RowOperators, OneSecondOperandMayServeAllPixels)
         const uint32_t colour = uint32_t(random());
         for (int i = 0; i < Chunk::padded; ++i)
             first.at[i] = uint32_t(random()), second.at[i] = i < 16 ? colour : ~colour, pick.at[i] = random() % 3 ? ~0u : 0;
-        forEachSet([&](const SetTable &set) {
+        forEachSet([&](const InstructionSet &set) {
             for (int n : {1, 5, 16, 17, 64, int(Chunk::size)}) {
                 Words out;
                 set.operators[false][size_t(op)](nullptr, out.at, first.at, second.at, repeated, picked(pick).at, n);
@@ -240,7 +240,7 @@ TEST_F(RowOperators, AHostsOwnIsCalledForPickedPixelsInOrder)
     Words first, second, pick;
     for (int i = 0; i < Chunk::padded; ++i)
         first.at[i] = uint32_t(random()), second.at[i] = uint32_t(random()), pick.at[i] = random() % 3 ? ~0u : 0;
-    forEachSet([&](const SetTable &set) {
+    forEachSet([&](const InstructionSet &set) {
         for (int mask : {each, repeated}) {
             for (int n : {1, 7, 16, 63, 64, int(Chunk::size)}) {
                 seen.clear();
@@ -287,7 +287,7 @@ protected:
         bool prescale, soft, wide;
         int blend;
         Marks marks;
-        Back of(const SetTable &set) const { return set.backs[wide][backIndex(prescale, blend, soft, marks)]; }
+        Back of(const InstructionSet &set) const { return set.backs[wide][backIndex(prescale, blend, soft, marks)]; }
     };
 
     template <class Visitor>
@@ -305,7 +305,7 @@ protected:
     void expectRow(const Form &form, const Words &destination, const Words &source, const Words &live, const Words &rule, int n,
                    int offset = 0)
     {
-        forEachSet([&](const SetTable &set) {
+        forEachSet([&](const InstructionSet &set) {
             const Back back = form.of(set);
             if (!back)
                 return;
@@ -414,7 +414,7 @@ TEST_F(RowBacks, AgreeOverAllPairsOfChannels)
                     d.at[i] = 0x33000000 | (k + i) / 256 * 0x10101, s.at[i] = alpha << 24 | (k + i) % 256 * 0x10101;
                     expected.at[i] = blended(blend, d.at[i], s.at[i]);
                 }
-                for (const SetTable *set : sets) {
+                for (const InstructionSet *set : sets) {
                     Words row = d;
                     Chunk c;
                     c.source = s.at;
@@ -458,7 +458,7 @@ TEST_F(Lanes, ThePackOfRunningColoursLetsWhatIsAboveTheirRangeLeak)
     EXPECT_EQ(pack(0x0012FFFF, 0x0034FFFF, 0x0056FFFF, 0x0078FFFF), 0x12345678u);
     EXPECT_EQ(pack(0x00120000, 0x00340000, 0x01560000, 0x00780000), 0x12355678u);
     EXPECT_EQ(pack(0x00100000, 0x01340000, 0x00560000, 0x00780000), 0x11345678u);
-    forEachSet([&](const SetTable &set) {
+    forEachSet([&](const InstructionSet &set) {
         int forms = 0;
         for (Rule rule : {Rule::none, Rule::row, Rule::free}) {
             const Front front = set.fronts[frontIndex(Fetch::gouraud, rule, Gate::none)];

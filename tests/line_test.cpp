@@ -253,7 +253,7 @@ TEST_F(Line, EveryDirectionAndEveryKindOfEnd)
         rs.originX = round % 5 - 2, rs.originY = round % 3 - 1;
         corners(x0 - rs.originX, y0 - rs.originY, x1 - rs.originX, y1 - rs.originY);
         clear();
-        for (int set = 0; set < setsHere(); ++set) {
+        for (int set = 0; set < ninefold::usableSets(); ++set) {
             ninefold::useSet(set);
             kernel(line(6 + round % 2))();
         }

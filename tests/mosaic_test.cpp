@@ -294,7 +294,7 @@ TEST_F(MosaicQuotient, IsExactForColumnsFrom0To65535)
 {
     rs.tex0 = texture(65536, 1, [](uint32_t u, uint32_t) { return u + 1; });
     corners(0, 0, 65536, 1);
-    for (int set = 0; set < setsHere(); ++set) {
+    for (int set = 0; set < ninefold::usableSets(); ++set) {
         ASSERT_TRUE(ninefold::useSet(set));
         const DrawFunc func = kernel({.filter = 8});
         for (int size : sizes()) {
@@ -314,7 +314,7 @@ TEST_F(MosaicQuotient, IsExactForPositionsFromMinus32768To32767)
     Texture *acrossU = texture(65536, 1, [](uint32_t u, uint32_t) { return u + 1; });
     Texture *acrossV = texture(1, 65536, [](uint32_t, uint32_t v) { return v + 1; });
     int n = 0;
-    for (int set = 0; set < setsHere(); ++set) {
+    for (int set = 0; set < ninefold::usableSets(); ++set) {
         ASSERT_TRUE(ninefold::useSet(set));
         const DrawFunc func = kernel({.filter = 8, .rectOpt = 3});
         for (int size : sizes()) {

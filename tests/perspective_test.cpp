@@ -355,7 +355,7 @@ protected:
     template <class Body>
     void underSets(Body &&body)
     {
-        for (int set = 0; set < setsHere() && !HasFatalFailure(); ++set) {
+        for (int set = 0; set < ninefold::usableSets() && !HasFatalFailure(); ++set) {
             SCOPED_TRACE(ninefold::setNames[set]);
             ASSERT_TRUE(ninefold::useSet(set));
             body(kernel({.shape = 2, .pers = 1}));

@@ -458,7 +458,7 @@ TEST_F(SoftEdge, EveryValueHasItsWeightUnderEveryCurveThresholdAndWidth)
                                               {-30000000, 30000200}}; // the last wraps in its shift
     for (int k = 0; k < 200 / thin; ++k)
         edges.push_back({static_cast<int>(random() % 300) - 40, 1 + static_cast<int>(random() % 400)});
-    for (int set = 0; set < setsHere(); ++set) {
+    for (int set = 0; set < ninefold::usableSets(); ++set) {
         ninefold::useSet(set);
         const DrawFunc stretch = kernel({.rule = 1, .rectOpt = 1});
         for (const auto &[threshold, ruleWidth] : edges) {

@@ -1,5 +1,6 @@
 // The choice of the instruction set.
 #include "kernels/parts.h"
+#include "kernels/sets.h"
 #include "support/furnished.h"
 
 #include <gtest/gtest.h>
@@ -8,42 +9,55 @@ using namespace ninefold;
 
 namespace {
 
-const SetTable *const atStart = activeSet; // before anything of the library was called
+const ActiveSets atStart = activeSets; // before anything of the library was called
 
-TEST(InstructionSet, StartsAtTheBaseline) { EXPECT_EQ(atStart, &v1::set); }
+bool operator==(const ActiveSets &a, const ActiveSets &b) { return a.any == b.any && a.upTo8 == b.upTo8 && a.upTo4 == b.upTo4; }
+
+TEST(InstructionSet, StartsAtTheLowest)
+{
+    ASSERT_TRUE(useSet(0));
+    EXPECT_TRUE(atStart == activeSets);
+}
 
 TEST(InstructionSet, MakingTheTableRaisesItToTheBestOfTheMachine)
 {
     ASSERT_TRUE(useSet(0));
-    EXPECT_EQ(activeSet, &v1::set);
     MakeDrawFuncTable();
-    const SetTable *best = activeSet;
-    ASSERT_TRUE(useSet(bestSet()));
-    EXPECT_EQ(activeSet, best);
+    const ActiveSets best = activeSets;
+    ASSERT_TRUE(useSet(usableSets() - 1));
+    EXPECT_TRUE(activeSets == best);
 }
 
 TEST(InstructionSet, OneThatTheMachineLacksIsRefusedAndChangesNothing)
 {
     MakeDrawFuncTable();
-    const SetTable *before = activeSet;
+    const ActiveSets before = activeSets;
     EXPECT_FALSE(useSet(-1));
-    EXPECT_FALSE(useSet(bestSet() + 1));
+    EXPECT_FALSE(useSet(usableSets()));
     EXPECT_FALSE(useSet(setCount));
-    EXPECT_EQ(activeSet, before);
-    EXPECT_GE(bestSet(), 0);
-    EXPECT_LT(bestSet(), setCount);
+    EXPECT_TRUE(activeSets == before);
+    EXPECT_GE(usableSets(), 1);
+    EXPECT_LE(usableSets(), setCount);
 }
 
-TEST(InstructionSet, EachHasATableOfItsOwnAndAName)
+TEST(InstructionSet, EachHasPartsOfItsOwnAndAName)
 {
-    std::set<const SetTable *> tables;
-    for (int set = 0; set <= bestSet(); ++set) {
+    std::set<const InstructionSet *> sets;
+    for (int set = 0; set < usableSets(); ++set) {
         ASSERT_TRUE(useSet(set));
-        tables.insert(activeSet);
+        sets.insert(activeSets.any);
         EXPECT_STRNE(setNames[set], "");
     }
-    EXPECT_EQ(tables.size(), size_t(bestSet()) + 1);
-    useSet(bestSet());
+    EXPECT_EQ(sets.size(), size_t(usableSets()));
+}
+
+TEST(InstructionSet, ShortRowsNeverTakeAHigherOne)
+{
+    for (int set = 0; set < usableSets(); ++set) {
+        ASSERT_TRUE(useSet(set));
+        EXPECT_LE(activeSets.upTo8->lanes, activeSets.any->lanes);
+        EXPECT_LE(activeSets.upTo4->lanes, activeSets.upTo8->lanes);
+    }
 }
 
 class SetChoice : public canvas::Canvas {};
@@ -51,10 +65,10 @@ class SetChoice : public canvas::Canvas {};
 TEST_F(SetChoice, AKernelThatIsKeptDrawsWithTheSetInForce)
 {
     // The kernel itself does not depend on the set: one pointer serves all.
-    const DrawFunc before = SearchDrawFunc(0x40769);
-    for (int set = 0; set < setsHere(); ++set) {
+    const DrawFunc before = SearchDrawFunc(0x40769), copy = SearchDrawFunc(0x369);
+    for (int set = 0; set < ninefold::usableSets(); ++set) {
         ASSERT_TRUE(useSet(set));
-        EXPECT_EQ(SearchDrawFunc(0x369), SearchDrawFunc(0x369));
+        EXPECT_EQ(SearchDrawFunc(0x369), copy);
         EXPECT_EQ(SearchDrawFunc(0x40769), before);
     }
     rs.tex0 = index(64, 32);

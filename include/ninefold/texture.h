@@ -3,6 +3,7 @@
 #define NINEFOLD_TEXTURE_H
 
 #include <ninefold/api.h>
+#include <ninefold/axes.h>
 
 /*
  * A pixel surface in main memory. Frame buffers, sources, rule textures, mip levels and glyph atlases are all Textures.

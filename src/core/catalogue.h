@@ -2,6 +2,8 @@
 // library says what exists; counts, tables, names and kernels follow from here.
 #pragma once
 
+#include <ninefold/axes.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -127,34 +129,37 @@ constexpr std::array<uint32_t, recordCount> makeCodes()
     return codes;
 }
 
+// The words of an axis: those of the list in ninefold/axes.h.
+struct Word {
+    int value;
+    const char *text;
+};
+template <size_t n>
+constexpr const char *wordOf(const Word (&words)[n], int value)
+{
+    for (const Word &word : words)
+        if (word.value == value)
+            return word.text;
+    return "?";
+}
+
 // The readable name of a combination, the same in tests, benchmark, gallery and messages: shape, source, filter, blend, then what
 // else is on. For example rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale.
 inline std::string nameOf(const Axes &a)
 {
-    static constexpr const char *shapeNames[] = {"line", "rect", "tri"};
-    static constexpr const char *rectOptNames[] = {"unit", "stretch", "corners", "table", "?", "runs", "planeruns", ""};
-    static constexpr const char *filterNames[] = {"point",       "bilinear", "mip",     "linepoint", "linebilinear",
-                                                  "mipbilinear", "flat",     "gouraud", "mosaic"};
-    static constexpr const char *shaheiNames[] = {"", "plane", "plane+z", "z", "mask", "z+mask"};
-    static constexpr const char *blendNames[] = {"copy", "alpha", "constalpha", "?",       "alphafast", "add",   "sub",
-                                                 "mul",  "mul2",  "screen",     "overlay", "merge",     "custom"};
-    static constexpr const char *multiNames[] = {"tex1", "corners", "colour", ""};
-    std::string name = shapeNames[a.shape];
-    const auto add = [&name](const char *word) {
-        if (*word)
-            name.append(".").append(word);
-    };
-    add(rectOptNames[a.rectOpt]);
-    add(filterNames[a.filter]);
-    add(blendNames[a.blend]);
-    add(shaheiNames[a.shahei]);
-    add(multiNames[a.multi]);
-    if (a.pers)
-        add("pers");
-    if (a.rule)
-        add("rule");
-    if (a.prescale)
-        add("prescale");
+#define NINEFOLD_WORD(name, value, word, meaning) {value, word},
+    static constexpr Word shapes[] = {NINEFOLD_SHAPES(NINEFOLD_WORD)}, rectOpts[] = {NINEFOLD_RECT_OPTS(NINEFOLD_WORD)},
+                          filters[] = {NINEFOLD_FILTERS(NINEFOLD_WORD)}, blends[] = {NINEFOLD_BLENDS(NINEFOLD_WORD)},
+                          shaheis[] = {NINEFOLD_SHAHEIS(NINEFOLD_WORD)}, multis[] = {NINEFOLD_MULTIS(NINEFOLD_WORD)},
+                          perspectives[] = {NINEFOLD_PERSPECTIVES(NINEFOLD_WORD)}, rules[] = {NINEFOLD_RULES(NINEFOLD_WORD)},
+                          prescales[] = {NINEFOLD_PRESCALES(NINEFOLD_WORD)};
+#undef NINEFOLD_WORD
+    std::string name = wordOf(shapes, a.shape);
+    for (const std::string word :
+         {wordOf(rectOpts, a.rectOpt), wordOf(filters, a.filter), wordOf(blends, a.blend), wordOf(shaheis, a.shahei),
+          wordOf(multis, a.multi), wordOf(perspectives, a.pers), wordOf(rules, a.rule), wordOf(prescales, a.prescale)})
+        if (!word.empty())
+            name += "." + word;
     return name;
 }
 

@@ -2,7 +2,7 @@
 #include <ninefold/draw_code.h>
 
 #include "core/catalogue.h"
-#include "kernels/parts.h"
+#include "kernels/sets.h"
 #include "kernels/table.h"
 
 #include <utility>
@@ -87,7 +87,7 @@ unsigned long CreateDrawCode(void)
 
 void MakeDrawFuncTable(void)
 {
-    useSet(bestSet());
+    useSet(usableSets() - 1);
     if (!crcTableMade) {
         crcTableMade = true;
         for (uint32_t byte = 0; byte < 256; ++byte)

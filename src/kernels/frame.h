@@ -76,7 +76,7 @@ public:
     // a time.
     Painter(PartIds parts, bool overlap) : ids(parts)
     {
-        const SetTable &set = *activeSet;
+        const InstructionSet &set = *activeSets.any;
         front = set.fronts[ids.front()];
         back = set.backs[hasWideFactors()][ids.back()];
         const bool wide = rs.blendAlpha > 255 || rs.blendAlphaRgb > 255 || rs.prescaleMulti > 256;
@@ -115,10 +115,12 @@ public:
             const uint32_t index = ids.fused() - 1;
             if constexpr (multi == Multi::none) {
                 if (!hasWideFactors() && !ids.isBlock())
-                    fused[0] = set.upTo4->spans[index], fused[1] = set.upTo8->spans[index], fused[2] = set.spans[index];
+                    fused[0] = activeSets.upTo4->spans[index], fused[1] = activeSets.upTo8->spans[index],
+                    fused[2] = set.spans[index];
             } else if (!isUnused(multi) && !hostMulti && !wide) {
                 const uint32_t op = index + uint32_t(multiOp);
-                fused[0] = set.upTo4->multiSpans[op], fused[1] = set.upTo8->multiSpans[op], fused[2] = set.multiSpans[op];
+                fused[0] = activeSets.upTo4->multiSpans[op], fused[1] = activeSets.upTo8->multiSpans[op],
+                fused[2] = set.multiSpans[op];
             }
         }
         step = overlap || (hostMulti && hostBlend) ? 1 : Chunk::size;
@@ -198,7 +200,7 @@ private:
     // forced for the time of the row, a word is read before its pixels are drawn and marked after them.
     [[gnu::noinline]] void drawWords(const Span &s, int n)
     {
-        const SetTable &set = *activeSet;
+        const InstructionSet &set = *activeSets.any;
         const Front ungatedFront = set.fronts[ids.frontUngated()];
         const Back unmarkedBack = set.backs[hasWideFactors()][ids.backUnmarked()];
         if (n <= 0) // an empty clip rectangle

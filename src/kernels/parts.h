@@ -145,7 +145,8 @@ constexpr int multiSpanIndex(int multi, int blend) { return (multi * multiBlends
 constexpr int multiSpanCount = multiSpanIndex(3, 0);
 
 // What an instruction set exports. Entries that no kernel needs are null.
-struct SetTable {
+struct InstructionSet {
+    int lanes;
     const Front *fronts; // by frontIndex
     const Mid *seconds; // by Second
     // [1]: for factors beyond what 16-bit products hold
@@ -156,31 +157,13 @@ struct SetTable {
     const FusedSpan *spans; // by fusedIndex of spanFetches, less 1
     const FusedSpan *multiSpans; // by multiSpanIndex and operator
     Alike alike[int(Rule::count)][int(Gate::count)]; // null: there is nothing to refuse, or no run of it to be expected
-    // The sets with which rows of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are gathered.
-    const SetTable *upTo8, *upTo4;
 };
 
-// The sets of this machine's architecture, baseline first.
-constexpr int setCount =
-#if defined(__x86_64__)
-    3;
-#else
-    1;
-#endif
-namespace v1 {
-extern const SetTable set;
-} // namespace v1
-namespace v3 {
-extern const SetTable set;
-} // namespace v3
-namespace v4 {
-extern const SetTable set;
-} // namespace v4
-
-// The set in use. Starts at the baseline; MakeDrawFuncTable raises it to the best that the processor has.
-extern const SetTable *activeSet;
-extern const char *const setNames[setCount];
-int bestSet(); // index of the best set that this processor runs
-bool useSet(int index); // false, and no change, when the processor cannot run it
+// The set in use, and those with which rows of up to 8 and of up to 4 pixels are drawn: idle lanes are not free where texels are
+// gathered. All start at the lowest set; MakeDrawFuncTable raises them to what the processor has.
+struct ActiveSets {
+    const InstructionSet *any, *upTo8, *upTo4;
+};
+extern ActiveSets activeSets;
 
 } // namespace ninefold

@@ -3,7 +3,7 @@
 
 #include <ninefold/ninefold.h>
 
-#include "kernels/parts.h"
+#include "kernels/sets.h"
 
 #include <gtest/gtest.h>
 
@@ -120,7 +120,7 @@ protected:
             DeleteTexture(t);
         textures.clear();
         rs = RenderState{};
-        ninefold::useSet(setsHere() - 1);
+        ninefold::useSet(ninefold::usableSets() - 1);
     }
 
     void clear() { std::fill_n(frame->pixels, size_t{width} * height, ground); }
@@ -331,19 +331,13 @@ protected:
     }
 
     // How many instruction sets this machine has. Asking the processor is slow.
-    static int setsHere()
-    {
-        static const int count = ninefold::bestSet() + 1;
-        return count;
-    }
-
     // Runs `body` from the same state under each instruction set that the machine has. All must leave the same behind.
     template <class Body>
     void underEverySet(Body &&body)
     {
         const State before = state();
         State first;
-        for (int set = 0; set < setsHere(); ++set) {
+        for (int set = 0; set < ninefold::usableSets(); ++set) {
             SCOPED_TRACE(ninefold::setNames[set]);
             ASSERT_TRUE(ninefold::useSet(set));
             if (set == 0) {

@@ -7,14 +7,10 @@
 
 #include "fields.h"
 #include "host.h"
-#include "kernels/parts.h"
+#include "kernels/sets.h"
 #include "reference/reference.h"
 
 namespace support {
-
-int setCount() { return ninefold::bestSet() + 1; }
-
-const char *setName(int set) { return ninefold::setNames[set]; }
 
 namespace {
 
@@ -198,7 +194,7 @@ std::optional<std::string> Comparer::check(const Subject &subject, SceneId id, i
     if (all)
         text += describeScene(scene, libraryWorld);
     bool wrong = false;
-    const int first = set < 0 ? 0 : set, end = set < 0 ? setCount() : set + 1;
+    const int first = set < 0 ? 0 : set, end = set < 0 ? ninefold::usableSets() : set + 1;
     for (int i = first; i < end; ++i) {
         drawLibrary(i, i != first);
         std::string found = differences(all);
@@ -211,7 +207,7 @@ std::optional<std::string> Comparer::check(const Subject &subject, SceneId id, i
         wrong = true;
         char code[32] = "";
         std::snprintf(code, sizeof code, "--code 0x%X", subject.code);
-        text += format("%s, set %s, scene %u of seed %llu\n", subject.name().c_str(), setName(i), id.number,
+        text += format("%s, set %s, scene %u of seed %llu\n", subject.name().c_str(), ninefold::setNames[i], id.number,
                        static_cast<unsigned long long>(id.seed)) +
                 found +
                 format("  replay %s%s --kind %s --seed %llu --scene %u --set %d\n", subject.exported ? "--named " : "",

@@ -10,10 +10,6 @@
 
 namespace support {
 
-// Instruction sets that this machine has; sets are numbered from 0.
-int setCount();
-const char *setName(int set);
-
 class Comparer {
 public:
     // Starts the library and fetches the kernels, before anything is drawn. Large scenes want memory of their own.

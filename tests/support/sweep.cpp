@@ -1,5 +1,7 @@
 #include "sweep.h"
 
+#include "kernels/sets.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -49,7 +51,7 @@ SweepResult sweep(const std::vector<Subject> &subjects, const Sweep &options)
         char text[256];
         std::snprintf(text, sizeof text,
                       "%s, set %s, scene %u of seed %llu\n  replay %s%.0X%s --kind %s --seed %llu --scene %u --set %d\n  it",
-                      subject.name().c_str(), set < 0 ? "none" : setName(set), scene,
+                      subject.name().c_str(), set < 0 ? "none" : ninefold::setNames[set], scene,
                       static_cast<unsigned long long>(options.seed), subject.exported ? "--named " : "--code 0x",
                       subject.exported ? 0 : subject.code, subject.exported ? subject.exported : "", kindName(options.kind),
                       static_cast<unsigned long long>(options.seed), scene, set);

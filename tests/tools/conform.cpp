@@ -5,6 +5,7 @@
 // N scenes of each code (NINEFOLD_SCENES, or 60), half as many that are big, overlap or are guarded, which are the kinds without
 // --kinds. Of kind offset a source at each offset for each code, again for every sixty scenes; of the large ones a sixtieth.
 // --stop: at the first failure.
+#include "kernels/sets.h"
 #include "support/check.h"
 #include "support/exports.h"
 #include "support/numbers.h"
@@ -103,7 +104,7 @@ int main(int count, char **arguments)
     }
     std::printf("%s", tableByAxis(subjects, failed).c_str());
     std::printf("%zu codes, %llu scenes, each with %d instruction sets, in %.0f s: %zu codes failed%s\n", subjects.size(),
-                static_cast<unsigned long long>(drawn), setCount(), seconds, failed.size(),
+                static_cast<unsigned long long>(drawn), ninefold::usableSets(), seconds, failed.size(),
                 namedFailed ? ", and other functions" : "");
     return failed.empty() && !namedFailed ? 0 : 1;
 }

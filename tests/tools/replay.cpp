@@ -2,6 +2,7 @@
 //
 //     replay --code 0x369 --kind plain --seed 1 --scene 5 [--set 2]
 //     replay --named DrawRectTexRule --scene 3
+#include "kernels/sets.h"
 #include "support/check.h"
 #include "support/numbers.h"
 #include "support/sweep.h"
@@ -41,7 +42,7 @@ int main(int count, char **arguments)
         } else if (is("--scene")) {
             id.number = static_cast<uint32_t>(numberFrom(value, name, 0, mostScenes));
         } else if (is("--set")) {
-            set = static_cast<int>(numberFrom(value, name, 0, static_cast<uint64_t>(setCount() - 1)));
+            set = static_cast<int>(numberFrom(value, name, 0, static_cast<uint64_t>(ninefold::usableSets() - 1)));
         } else {
             known = false;
         }
@@ -55,7 +56,7 @@ int main(int count, char **arguments)
     std::fflush(stdout);
     Comparer comparer(id.kind);
     comparer.beforeDraw = [](int drawing) {
-        std::printf("drawing with %s\n", setName(drawing));
+        std::printf("drawing with %s\n", ninefold::setNames[drawing]);
         std::fflush(stdout);
     };
     std::fputs(comparer.check(subject, id, set, true)->c_str(), stdout);

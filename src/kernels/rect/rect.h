@@ -391,7 +391,7 @@ void drawRect(PartIds ids)
     if constexpr (multi == Multi::none && !rule && !marks && drawsBlocks(f)) {
         if (ids.fused() && !overlap && (ids.custom() ? ops::operatorIndex(rs.blendFunc) < 0 : !hasWideFactors())) {
             const Rows rows{box.bottom - box.top, columns, pitch, stepOf(walk0), maskRow};
-            const SetTable &set = columns > 8 ? *activeSet : *activeSet->upTo8;
+            const InstructionSet &set = *(columns > 8 ? activeSets.any : activeSets.upTo8);
             set.blocks[ids.fused() - 1](s, rows);
             return;
         }

@@ -11,7 +11,7 @@ namespace {
 template <class Values>
 void drawRuleRect(const Box &box, bool overlap, Span &s, Values &&values)
 {
-    const SetTable &set = *activeSet;
+    const InstructionSet &set = *activeSets.any;
     const Front front = set.fronts[frontIndex(Fetch::pointRow, Rule::none, Gate::none)];
     const Back back = set.backs[0][backIndex(false, 0, true, Marks::none)];
     const int step = overlap ? 1 : Chunk::size;
@@ -41,7 +41,7 @@ void drawRuleRect(const Box &box, bool overlap, Span &s, Values &&values)
 struct TextureValues {
     const Box &box;
     StretchWalk<1> walk;
-    Mid fetch = activeSet->seconds[int(Second::pointRow)];
+    Mid fetch = activeSets.any->seconds[int(Second::pointRow)];
     void row(Span &) {}
     void get(const Span &s, int first, int n, Chunk &c) const
     {

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "kernels/plan.h"
-#include "kernels/set/blend.h"
-#include "kernels/set/fetch_of.h"
-#include "kernels/set/gates.h"
-#include "kernels/set/tables.h"
+#include "kernels/simd/blend.h"
+#include "kernels/simd/fetch_of.h"
+#include "kernels/simd/gates.h"
+#include "kernels/simd/tables.h"
 
 #include <type_traits>
 

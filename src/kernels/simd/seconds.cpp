@@ -1,6 +1,6 @@
 // The second operand of the multi stage: a texel of tex1, or the running corner colours.
-#include "kernels/set/fetch.h"
-#include "kernels/set/tables.h"
+#include "kernels/simd/fetch.h"
+#include "kernels/simd/tables.h"
 
 #include <utility>
 

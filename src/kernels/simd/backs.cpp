@@ -1,7 +1,7 @@
 // Backs: prescale, blend, soft edge, the masked write and the marks in the planes.
 #include "kernels/plan.h"
-#include "kernels/set/blend.h"
-#include "kernels/set/tables.h"
+#include "kernels/simd/blend.h"
+#include "kernels/simd/tables.h"
 
 #include <utility>
 

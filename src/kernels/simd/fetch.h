@@ -4,7 +4,7 @@
 
 #include "core/tables.h"
 #include "kernels/parts.h"
-#include "kernels/set/operators.h"
+#include "kernels/simd/operators.h"
 
 namespace ninefold::NINEFOLD_SET {
 namespace {

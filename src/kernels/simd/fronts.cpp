@@ -1,8 +1,8 @@
 // Fronts: which pixels of a chunk live, and their source words.
 #include "kernels/plan.h"
-#include "kernels/set/fetch_of.h"
-#include "kernels/set/gates.h"
-#include "kernels/set/tables.h"
+#include "kernels/simd/fetch_of.h"
+#include "kernels/simd/gates.h"
+#include "kernels/simd/tables.h"
 
 #include <utility>
 

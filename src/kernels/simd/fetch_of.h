@@ -1,7 +1,7 @@
 // The fetch that serves each name.
 #pragma once
 
-#include "kernels/set/fetch.h"
+#include "kernels/simd/fetch.h"
 
 namespace ninefold::NINEFOLD_SET {
 namespace {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "kernels/parts.h"
-#include "kernels/set/lanes.h"
+#include "kernels/simd/lanes.h"
 
 namespace ninefold::NINEFOLD_SET {
 namespace {

@@ -1,6 +1,6 @@
 // Row forms of the operators behind multiFunc and blendFunc, and the form that calls a host's own.
-#include "kernels/set/operators.h"
-#include "kernels/set/tables.h"
+#include "kernels/simd/operators.h"
+#include "kernels/simd/tables.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 // The blend stage in lanes, by blend number, with prescale ahead of it.
 #pragma once
 
-#include "kernels/set/operators.h"
+#include "kernels/simd/operators.h"
 
 #include <ninefold/render_state.h>
 

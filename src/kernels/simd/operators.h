@@ -3,7 +3,7 @@
 // wide forms serve constant factors beyond that, where channels spill into each other.
 #pragma once
 
-#include "kernels/set/lanes.h"
+#include "kernels/simd/lanes.h"
 #include "ops/operators.h"
 
 #include <ninefold/render_state.h>

@@ -1,5 +1,5 @@
 // Fused spans: one row each, for frames whose rows differ.
-#include "kernels/set/fused.h"
+#include "kernels/simd/fused.h"
 
 #include <utility>
 

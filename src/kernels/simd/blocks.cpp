@@ -1,5 +1,5 @@
 // Blocks: rectangles whose rows are alike, drawn by one function each.
-#include "kernels/set/fused.h"
+#include "kernels/simd/fused.h"
 
 #include <utility>
 

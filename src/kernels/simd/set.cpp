@@ -1,7 +1,7 @@
 // The table of this instruction set.
-#include "kernels/set/fetch.h"
-#include "kernels/set/gates.h"
-#include "kernels/set/tables.h"
+#include "kernels/simd/fetch.h"
+#include "kernels/simd/gates.h"
+#include "kernels/simd/tables.h"
 
 #include <type_traits>
 
@@ -64,7 +64,8 @@ int alikeByRule(const Span &s, int first, int n, bool &through)
 
 } // namespace
 
-constinit const SetTable set = {
+constinit const InstructionSet set = {
+    .lanes = lanes,
     .fronts = fronts.at,
     .seconds = seconds.at,
     .backs = {backs.at[0], backs.at[1]},
@@ -81,12 +82,6 @@ constinit const SetTable set = {
             {alikeByRule<Rule::free>, refusedByGate<Gate::plane>, alikeByRule<Rule::free>, alikeByRule<Rule::free>,
              alikeByRule<Rule::free>},
         },
-#if defined(__AVX2__)
-    .upTo8 = &v3::set,
-#else
-    .upTo8 = &v1::set,
-#endif
-    .upTo4 = &v1::set,
 };
 
 } // namespace ninefold::NINEFOLD_SET

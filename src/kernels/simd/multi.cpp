@@ -1,5 +1,5 @@
 // Fused spans with a multi stage: unit fetch, second operand, operator, blend and write of a row in registers.
-#include "kernels/set/fused.h"
+#include "kernels/simd/fused.h"
 
 #include <utility>
 
