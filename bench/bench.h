@@ -42,17 +42,17 @@ enum class Kind : uint8_t {
 };
 
 enum Blend : uint8_t { // the library's blend axis
-    copy = 0,
-    alpha = 1,
-    constAlpha = 2,
-    alphaFast = 4,
-    add = 5,
-    subtract = 6,
-    multiply = 7,
-    multiply2 = 8,
-    screen = 9,
-    overlay = 10,
-    merge = 11
+    copy = NINEFOLD_BLEND_COPY,
+    alpha = NINEFOLD_BLEND_ALPHA,
+    constAlpha = NINEFOLD_BLEND_CONST_ALPHA,
+    alphaFast = NINEFOLD_BLEND_ALPHA_FAST,
+    add = NINEFOLD_BLEND_ADD,
+    subtract = NINEFOLD_BLEND_SUB,
+    multiply = NINEFOLD_BLEND_MUL,
+    multiply2 = NINEFOLD_BLEND_MUL2,
+    screen = NINEFOLD_BLEND_SCREEN,
+    overlay = NINEFOLD_BLEND_OVERLAY,
+    merge = NINEFOLD_BLEND_MERGE
 };
 
 struct Primitive {

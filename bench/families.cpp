@@ -32,13 +32,18 @@ std::string familyOf(const Axes &axes)
 {
     Axes family{};
     family.shape = axes.shape, family.pers = axes.pers, family.filter = axes.filter, family.rectOpt = axes.rectOpt;
-    family.multi = 3;
+    family.multi = NINEFOLD_MULTI_NONE;
     std::string name = ninefold::nameOf(family);
     const size_t blend = name.find(".copy");
     return name.erase(blend, std::strlen(".copy"));
 }
 
-double pixelsOf(const Axes &axes) { return axes.shape == 0 ? cell - 1 : axes.shape == 1 ? cell * cell : cell * cell * 0.45; }
+double pixelsOf(const Axes &axes)
+{
+    return axes.shape == NINEFOLD_SHAPE_LINE        ? cell - 1
+           : axes.shape == NINEFOLD_SHAPE_RECTANGLE ? cell * cell
+                                                    : cell * cell * 0.45;
+}
 
 Texture *mixedRule()
 {
@@ -58,7 +63,8 @@ void prepareFor(const Axes &axes)
     static std::vector<LineTableRecord> table(cell);
     static std::vector<uint8_t> priorities;
     work.content = Content::sprite;
-    work.textureSize = axes.rectOpt == 6 ? frameSize : 256; // whose zero-pixel map lies under the whole frame
+    work.textureSize =
+        axes.rectOpt == NINEFOLD_RECT_PLANE_RUNS ? frameSize : 256; // whose zero-pixel map lies under the whole frame
     prepareState(work);
     if (priorities.empty())
         for (int i = 0; i < frameSize * frameSize; ++i)
@@ -68,19 +74,19 @@ void prepareFor(const Axes &axes)
     SetPresetDrawMask(127);
     rs.tex1 = texture(Content::soft, 256);
     rs.tex2 = mixedRule();
-    rs.ruleThreshold = 100, rs.ruleWidth = 50, rs.ruleCurve = 0;
-    SetPrescaleMultiMode(0);
-    SetBlendModeMulti(7);
-    SetBlendMode(16); // what blend 12 calls
+    rs.ruleThreshold = 100, rs.ruleWidth = 50, rs.ruleCurve = NINEFOLD_CURVE_LINEAR;
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_PLAIN);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL);
+    SetBlendMode(NINEFOLD_BLEND_XOR); // what blend 12 calls
     // 0.75 texels a pixel, 2.5 where there are levels to choose.
-    const bool levels = axes.filter >= 2 && axes.filter <= 5;
+    const bool levels = ninefold::readsLevels(axes.filter);
     const int32_t across = int32_t((levels ? 2.5 : 0.75) * cell * 65536);
     const TexCoord corner[4] = {{3 << 16, 5 << 16},
                                 {(3 << 16) + across, 9 << 16},
                                 {7 << 16, (5 << 16) + across},
                                 {(3 << 16) + across, (5 << 16) + across}};
     for (int i = 0; i < 4; ++i) {
-        const bool diagonal = axes.shape == 1 && axes.rectOpt != 2;
+        const bool diagonal = axes.shape == NINEFOLD_SHAPE_RECTANGLE && axes.rectOpt != NINEFOLD_RECT_CORNERS;
         rs.uv0[i] = rs.uv1[i] = corner[diagonal && i == 1 ? 3 : i];
         rs.color[i] = 0xFF204060u + uint32_t(i) * 0x302010u;
     }
@@ -106,11 +112,11 @@ double timed(const Code &code)
         "", Role::ours, "", {}, [&](long calls) {
             for (long i = 0; i < calls; ++i) {
                 const int x = places[size_t(i)] % (frameSize / cell) * cell, y = places[size_t(i)] / (frameSize / cell) * cell;
-                if (code.axes.shape == 1) {
+                if (code.axes.shape == NINEFOLD_SHAPE_RECTANGLE) {
                     rs.vertex[0] = {x, y, 0}, rs.vertex[1] = {x + cell, y + cell, 0};
-                    if (code.axes.rectOpt == 6)
+                    if (code.axes.rectOpt == NINEFOLD_RECT_PLANE_RUNS)
                         rs.uv0[0] = {x << 16, y << 16};
-                } else if (code.axes.shape == 2) {
+                } else if (code.axes.shape == NINEFOLD_SHAPE_TRIANGLE) {
                     rs.vertex[0] = {x, y, 1000}, rs.vertex[1] = {x + 63, y + 13, 1400}, rs.vertex[2] = {x + 8, y + 63, 2000};
                 } else {
                     rs.vertex[0] = {x, y + 10, 0}, rs.vertex[1] = {x + 63, y + 50, 0};
@@ -194,25 +200,29 @@ int timeScale(const std::vector<std::string> &filters, const Effort &effort)
     };
     const auto axes = [](int shape, int rectOpt, int filter, Blend blend) {
         Axes a{};
-        a.shape = uint8_t(shape), a.rectOpt = uint8_t(rectOpt), a.filter = uint8_t(filter), a.blend = blend, a.multi = 3;
+        a.shape = uint8_t(shape), a.rectOpt = uint8_t(rectOpt), a.filter = uint8_t(filter), a.blend = blend,
+        a.multi = NINEFOLD_MULTI_NONE;
         return a;
     };
-    Axes perspective = axes(2, 7, 0, copy), gated = axes(1, 0, 0, alpha), rule = axes(1, 0, 0, copy);
-    perspective.pers = 1, gated.shahei = 5, rule.rule = 1;
-    const Row rows[] = {{"flat", axes(1, 7, 6, copy)},
-                        {"unit.copy", axes(1, 0, 0, copy)},
-                        {"unit.alpha", axes(1, 0, 0, alpha)},
-                        {"unit.alpha.z+mask", gated},
-                        {"unit.copy.rule", rule},
-                        {"stretch.point.alpha", axes(1, 1, 0, alpha)},
-                        {"stretch.bilinear.alpha", axes(1, 1, 1, alpha)},
-                        {"corners.point.alpha", axes(1, 2, 0, alpha)},
-                        {"gouraud", axes(1, 7, 7, copy)},
-                        {"triangle.flat", axes(2, 7, 6, copy)},
-                        {"triangle.point.copy", axes(2, 7, 0, copy)},
-                        {"triangle.bilinear.alpha", axes(2, 7, 1, alpha)},
-                        {"triangle.gouraud", axes(2, 7, 7, copy)},
-                        {"perspective.point.copy", perspective}};
+    Axes perspective = axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_POINT, copy),
+         gated = axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, alpha),
+         rule = axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, copy);
+    perspective.pers = NINEFOLD_PERS_ON, gated.shahei = NINEFOLD_SHAHEI_PRIORITY_STIPPLE, rule.rule = NINEFOLD_RULE_ON;
+    const Row rows[] = {
+        {"flat", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy)},
+        {"unit.copy", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, copy)},
+        {"unit.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, alpha)},
+        {"unit.alpha.z+mask", gated},
+        {"unit.copy.rule", rule},
+        {"stretch.point.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, NINEFOLD_FILTER_POINT, alpha)},
+        {"stretch.bilinear.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, NINEFOLD_FILTER_BILINEAR, alpha)},
+        {"corners.point.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_CORNERS, NINEFOLD_FILTER_POINT, alpha)},
+        {"gouraud", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_GOURAUD, copy)},
+        {"triangle.flat", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy)},
+        {"triangle.point.copy", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_POINT, copy)},
+        {"triangle.bilinear.alpha", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_BILINEAR, alpha)},
+        {"triangle.gouraud", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_GOURAUD, copy)},
+        {"perspective.point.copy", perspective}};
     constexpr int sizes[] = {64, 128, 256, 512, 1024, 2048, 4096};
     std::vector<Texture *> frames;
     for (int size : sizes) {
@@ -231,10 +241,11 @@ int timeScale(const std::vector<std::string> &filters, const Effort &effort)
         rs.zBuffer = priorities.data();
         // 0.75 texels a pixel at every size; the texture wraps.
         const int32_t across = size * 49152, whole = size << 16;
-        const bool triangle = row && row->axes.shape == 2;
+        const bool triangle = row && row->axes.shape == NINEFOLD_SHAPE_TRIANGLE;
         rs.vertex[0] = {0, 0, 1000}, rs.vertex[2] = {size / 5, size, 2000};
         rs.vertex[1] = triangle ? Vertex{size, size / 4, 1400} : Vertex{size, size, 0};
-        rs.uv0[0] = {0, 0}, rs.uv0[1] = {across, row && row->axes.rectOpt == 1 ? across : 0}, rs.uv0[2] = {0, across};
+        rs.uv0[0] = {0, 0}, rs.uv0[1] = {across, row && row->axes.rectOpt == NINEFOLD_RECT_STRETCH ? across : 0},
+        rs.uv0[2] = {0, across};
         rs.uv0[3] = {across, across};
         rs.uv2[0] = {0, 0}, rs.uv2[1] = {whole, whole}, rs.uv2[2] = {0, whole};
         ninefold::useSet(ninefold::usableSets() - 1);
@@ -268,7 +279,7 @@ int timeScale(const std::vector<std::string> &filters, const Effort &effort)
                                       for (long n = 0; n < calls; ++n)
                                           kernel();
                                   }});
-        print(row.name, row.axes.shape == 2 ? 0.475 : 1, contenders);
+        print(row.name, row.axes.shape == NINEFOLD_SHAPE_TRIANGLE ? 0.475 : 1, contenders);
     }
     if (!any) {
         std::fprintf(stderr, "bench: no kernel of --scale has a name that contains that\n");

@@ -8,7 +8,7 @@ ninefold::Axes axesOf(int shape, int rectOpt, int filter, Blend blend)
 {
     ninefold::Axes axes{};
     axes.shape = uint8_t(shape), axes.rectOpt = uint8_t(rectOpt), axes.filter = uint8_t(filter), axes.blend = blend,
-    axes.multi = 3;
+    axes.multi = NINEFOLD_MULTI_NONE;
     return axes;
 }
 
@@ -38,7 +38,7 @@ Job rectangleJob(const std::string &name, Kind kind, const ninefold::Axes &axes,
     Work &work = job.work;
     work.kind = kind;
     work.blend = Blend(axes.blend);
-    work.bilinear = axes.filter == 1;
+    work.bilinear = axes.filter == NINEFOLD_FILTER_BILINEAR;
     work.content = content;
     work.textureSize = size < frameSize ? smallTexture : scale > 1 ? 2 * frameSize : frameSize;
     work.primitives = rectangles(size < frameSize ? smallPrimitives : 1, size, size, work.textureSize, scale);

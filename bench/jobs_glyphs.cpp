@@ -96,7 +96,7 @@ void expand(const FT_Bitmap &bitmap, uint32_t *to)
 
 void draw(FT_Face face, const Font &font, FT_ULong character, unsigned &x)
 {
-    const bool mono = font.quality == 0;
+    const bool mono = font.quality == NINEFOLD_QUALITY_MONO;
     FT_Load_Char(face, character, mono ? FT_LOAD_TARGET_MONO : FT_LOAD_TARGET_NORMAL);
     FT_GlyphSlot const slot = face->glyph;
     if (slot->format == FT_GLYPH_FORMAT_OUTLINE && font.weight > 550)
@@ -130,10 +130,10 @@ void addFreeType(const Font &font, bool rimmed, Contenders &contenders)
 
 void addGlyphJobs(std::vector<Job> &jobs)
 {
-    constexpr Font fonts[] = {{"16px.mono", 16, 400, 0, false},
-                              {"16px.grey", 16, 400, 3, false},
-                              {"32px.grey", 32, 400, 3, false},
-                              {"32px.grey.bold.italic", 32, 700, 3, true}};
+    constexpr Font fonts[] = {{"16px.mono", 16, 400, NINEFOLD_QUALITY_MONO, false},
+                              {"16px.grey", 16, 400, NINEFOLD_QUALITY_GREY64, false},
+                              {"32px.grey", 32, 400, NINEFOLD_QUALITY_GREY64, false},
+                              {"32px.grey.bold.italic", 32, 700, NINEFOLD_QUALITY_GREY64, true}};
     for (const Font &font : fonts)
         for (const bool rimmed : {false, true}) {
             Job job;

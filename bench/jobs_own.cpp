@@ -32,12 +32,16 @@ struct Shape {
 
 std::vector<Shape> shapes()
 {
-    Axes perspective = axesOf(2, 7, 1, copy);
-    perspective.pers = 1;
-    return {{"unit.copy", Kind::blit, axesOf(1, 0, 0, copy), Content::opaque, 1},
-            {"flat", Kind::fill, axesOf(1, 7, 6, copy), Content::opaque, 1},
-            {"bilinear.copy", Kind::stretch, axesOf(1, 1, 1, copy), Content::opaque, 2 / 3.0},
-            {"rotated.point.copy", Kind::corners, axesOf(1, 2, 0, copy), Content::opaque, 1},
+    Axes perspective = axesOf(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_BILINEAR, copy);
+    perspective.pers = NINEFOLD_PERS_ON;
+    return {{"unit.copy", Kind::blit, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, copy),
+             Content::opaque, 1},
+            {"flat", Kind::fill, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy),
+             Content::opaque, 1},
+            {"bilinear.copy", Kind::stretch,
+             axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, NINEFOLD_FILTER_BILINEAR, copy), Content::opaque, 2 / 3.0},
+            {"rotated.point.copy", Kind::corners,
+             axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_CORNERS, NINEFOLD_FILTER_POINT, copy), Content::opaque, 1},
             {"perspective.bilinear.copy", Kind::perspective, perspective, Content::opaque, 1}};
 }
 
@@ -78,7 +82,7 @@ std::function<void()> ruleSetup(int value)
     return [value] {
         rs.tex2 = ruleTexture(value);
         rs.uv2[0] = {0, 0}, rs.uv2[1] = {frameSize << 16, frameSize << 16};
-        rs.ruleThreshold = 100, rs.ruleWidth = 50, rs.ruleCurve = 0;
+        rs.ruleThreshold = 100, rs.ruleWidth = 50, rs.ruleCurve = NINEFOLD_CURVE_LINEAR;
     };
 }
 
@@ -91,7 +95,7 @@ void addRules(std::vector<Job> &jobs)
     for (const Place &place : {Place{"outside", 50}, Place{"edge", 125}, Place{"inside", 200}})
         for (const Shape &shape : shapes()) {
             Job job = shapeJob(std::string("rule.") + place.name + ".", shape);
-            job.axes.rule = 1;
+            job.axes.rule = NINEFOLD_RULE_ON;
             job.setup = ruleSetup(place.value);
             job.refused = place.value == 50;
             job.goal = job.refused ? 1.3 : 0;
@@ -116,7 +120,7 @@ void addGates(std::vector<Job> &jobs)
 {
     for (const Shape &shape : shapes()) {
         Job plane = shapeJob("taken.", shape);
-        plane.axes.shahei = 1;
+        plane.axes.shahei = NINEFOLD_SHAHEI_PLANE;
         plane.setup = [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); };
         plane.goal = 1.3;
         plane.refused = true;
@@ -132,7 +136,7 @@ void addGates(std::vector<Job> &jobs)
     }
     for (const Shape &shape : shapes()) {
         Job priority = shapeJob("behind.", shape);
-        priority.axes.shahei = 3;
+        priority.axes.shahei = NINEFOLD_SHAHEI_PRIORITY;
         priority.axes.blend = alpha;
         priority.setup = [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); };
         priority.goal = 1.3;
@@ -157,13 +161,25 @@ void addMulti(std::vector<Job> &jobs)
         int operation; // of SetBlendModeMulti and of the blend axis alike
         int multi, bank;
     };
-    constexpr Row rows[] = {{"tex1.alpha", 1, 0, 0},  {"tex1.constalpha", 2, 0, 0},   {"tex1.alphafast", 4, 0, 0},
-                            {"tex1.add", 5, 0, 0},    {"tex1.sub", 6, 0, 0},          {"tex1.mul", 7, 0, 0},
-                            {"tex1.mul2", 8, 0, 0},   {"tex1.screen", 9, 0, 0},       {"tex1.overlay", 10, 0, 0},
-                            {"tex1.merge", 11, 0, 0}, {"tex1.scaled.alpha", 1, 0, 1}, {"tex1.scaled.mul", 7, 0, 1},
-                            {"corners.mul", 7, 1, 0}, {"colour.alpha", 1, 2, 0},      {"colour.mul", 7, 2, 0}};
+    constexpr Row rows[] = {{"tex1.alpha", NINEFOLD_MULTI_OP_ALPHA, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.constalpha", NINEFOLD_MULTI_OP_CONST_ALPHA, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.alphafast", NINEFOLD_MULTI_OP_ALPHA_FAST, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.add", NINEFOLD_MULTI_OP_ADD, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.sub", NINEFOLD_MULTI_OP_SUB, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.mul", NINEFOLD_MULTI_OP_MUL, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.mul2", NINEFOLD_MULTI_OP_MUL2, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.screen", NINEFOLD_MULTI_OP_SCREEN, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.overlay", NINEFOLD_MULTI_OP_OVERLAY, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.merge", NINEFOLD_MULTI_OP_MERGE, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"tex1.scaled.alpha", NINEFOLD_MULTI_OP_ALPHA, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_SCALED},
+                            {"tex1.scaled.mul", NINEFOLD_MULTI_OP_MUL, NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_BANK_SCALED},
+                            {"corners.mul", NINEFOLD_MULTI_OP_MUL, NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"colour.alpha", NINEFOLD_MULTI_OP_ALPHA, NINEFOLD_MULTI_COLOUR, NINEFOLD_MULTI_BANK_PLAIN},
+                            {"colour.mul", NINEFOLD_MULTI_OP_MUL, NINEFOLD_MULTI_COLOUR, NINEFOLD_MULTI_BANK_PLAIN}};
     for (const Row &row : rows) {
-        Job job = rectangleJob(std::string("multi.") + row.name, Kind::blit, axesOf(1, 0, 0, copy), Content::opaque, frameSize);
+        Job job = rectangleJob(std::string("multi.") + row.name, Kind::blit,
+                               axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, copy), Content::opaque,
+                               frameSize);
         job.axes.multi = uint8_t(row.multi);
         job.ownOnly = true;
         job.goal = 1.5;
@@ -172,7 +188,8 @@ void addMulti(std::vector<Job> &jobs)
             SetPrescaleMultiMode(row.bank);
             SetBlendModeMulti(row.operation);
         };
-        const auto blend = besides(job, axesOf(1, 0, 0, Blend(row.operation)));
+        const auto blend =
+            besides(job, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, Blend(row.operation)));
         blend->work.content = Content::soft;
         job.more = [blend](Contenders &contenders) {
             contenders.push_back(kernelAs("blend alone", Role::yardstick, *blend, blend->axes, {}));
@@ -188,10 +205,12 @@ void addCustom(std::vector<Job> &jobs)
 {
     for (const bool multi : {false, true})
         for (int size : {frameSize, 8}) {
-            Job job = rectangleJob(multi ? "custom.multi" : "custom.blend", Kind::blit, axesOf(1, 0, 0, multi ? copy : Blend(12)),
+            Job job = rectangleJob(multi ? "custom.multi" : "custom.blend", Kind::blit,
+                                   axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT,
+                                          multi ? copy : Blend(NINEFOLD_BLEND_CUSTOM)),
                                    Content::opaque, size);
             if (multi)
-                job.axes.multi = 0;
+                job.axes.multi = NINEFOLD_MULTI_TEXTURE;
             job.ownOnly = true;
             job.goal = 1.1;
             job.setup = [] {
@@ -220,26 +239,37 @@ void addMip(std::vector<Job> &jobs)
         int shape, rectOpt, filter, plainFilter;
         int multi;
     };
-    constexpr Row rows[] = {{"mip.point.stretch", 1, 1, 2, 0, 3},         {"mip.point.mixed.stretch", 1, 1, 2, 0, 2},
-                            {"mip.bilinear.stretch", 1, 1, 5, 1, 3},      {"mip.point.triangles", 2, 7, 2, 0, 3},
-                            {"mip.point.mixed.triangles", 2, 7, 2, 0, 2}, {"mip.bilinear.triangles", 2, 7, 5, 1, 3}};
+    constexpr Row rows[] = {{"mip.point.stretch", NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, NINEFOLD_FILTER_MIP,
+                             NINEFOLD_FILTER_POINT, NINEFOLD_MULTI_NONE},
+                            {"mip.point.mixed.stretch", NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, NINEFOLD_FILTER_MIP,
+                             NINEFOLD_FILTER_POINT, NINEFOLD_MULTI_COLOUR},
+                            {"mip.bilinear.stretch", NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH,
+                             NINEFOLD_FILTER_MIP_BILINEAR, NINEFOLD_FILTER_BILINEAR, NINEFOLD_MULTI_NONE},
+                            {"mip.point.triangles", NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_MIP,
+                             NINEFOLD_FILTER_POINT, NINEFOLD_MULTI_NONE},
+                            {"mip.point.mixed.triangles", NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_MIP,
+                             NINEFOLD_FILTER_POINT, NINEFOLD_MULTI_COLOUR},
+                            {"mip.bilinear.triangles", NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_MIP_BILINEAR,
+                             NINEFOLD_FILTER_BILINEAR, NINEFOLD_MULTI_NONE}};
     for (const Row &row : rows) {
-        Job job = rectangleJob(row.name, row.shape == 2 ? Kind::corners : Kind::stretch,
+        Job job = rectangleJob(row.name, row.shape == NINEFOLD_SHAPE_TRIANGLE ? Kind::corners : Kind::stretch,
                                axesOf(row.shape, row.rectOpt, row.filter, copy), Content::opaque, frameSize, 3);
         Primitive &p = job.work.primitives[0];
-        if (row.shape == 2)
+        if (row.shape == NINEFOLD_SHAPE_TRIANGLE)
             p.uv[3] = p.uv[1], p.uv[1].v = p.uv[0].v, p.uv[2] = {p.uv[0].u, p.uv[3].v};
         job.axes.multi = uint8_t(row.multi);
-        job.work.bilinear = row.filter == 5;
+        job.work.bilinear = row.filter == NINEFOLD_FILTER_MIP_BILINEAR;
         job.work.mipmapped = true;
-        job.ownOnly = row.multi != 3;
+        job.ownOnly = row.multi != NINEFOLD_MULTI_NONE;
         job.work.maps = {{{{3, 0, double(p.texelU())}, {0, 3, double(p.texelV())}, {0, 0, 1}}}};
         job.goal = 1.3;
-        job.setup = [] { rs.tex1 = nullptr, SetPrescaleMultiMode(0), SetBlendModeMulti(7); };
+        job.setup = [] {
+            rs.tex1 = nullptr, SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_PLAIN), SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL);
+        };
         std::array<std::shared_ptr<Job>, 2> levels;
         for (size_t i : {0, 1}) {
             levels[i] = besides(job, axesOf(row.shape, row.rectOpt, row.plainFilter, copy));
-            levels[i]->axes.multi = uint8_t(i == 0 ? row.multi : 3);
+            levels[i]->axes.multi = uint8_t(i == 0 ? row.multi : NINEFOLD_MULTI_NONE);
             for (TexCoord &uv : levels[i]->work.primitives[0].uv)
                 uv = {uv.u >> (i + 1), uv.v >> (i + 1)};
         }
@@ -264,13 +294,15 @@ void addRuns(std::vector<Job> &jobs)
 {
     for (const Blend blend : {copy, alpha})
         for (int size : {frameSize, 64}) {
-            Job job = rectangleJob(blend == copy ? "runs.copy" : "runs.alpha", Kind::blit, axesOf(1, 5, 0, blend),
+            Job job = rectangleJob(blend == copy ? "runs.copy" : "runs.alpha", Kind::blit,
+                                   axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_RUNS, NINEFOLD_FILTER_POINT, blend),
                                    Content::sparse, size);
             for (Primitive &p : job.work.primitives)
                 p.vertex[0].x = std::max(p.vertex[0].x, size == frameSize ? 0 : 128), p.vertex[1].x = p.vertex[0].x + size;
             job.note = "70 % transparent";
             job.ownOnly = true;
-            job.more = [plain = besides(job, axesOf(1, 0, 0, blend))](Contenders &contenders) {
+            job.more = [plain = besides(job, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, blend))](
+                           Contenders &contenders) {
                 contenders.push_back(kernelAs("no map", Role::yardstick, *plain, plain->axes, {}));
             };
             jobs.push_back(job);
@@ -290,7 +322,7 @@ void addOcclusion(std::vector<Job> &jobs)
             Job job;
             job.name = std::string(row.name) + (large ? "/large" : "/30px");
             job.kernel = row.kernel;
-            job.axes = axesOf(2, 7, 6, copy);
+            job.axes = axesOf(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy);
             job.work.kind = Kind::flatTriangle;
             job.perCall = !large;
             job.ownOnly = true;

@@ -61,22 +61,31 @@ void addQuads(std::vector<Job> &jobs)
         jobs.push_back(quadJob(name, kind, axes, content, map));
         jobs.back().note = note;
     };
-    add("rotated.point.copy", Kind::corners, axesOf(1, 2, 0, copy), Content::opaque, turned, "");
-    add("rotated.point.alpha", Kind::corners, axesOf(1, 2, 0, alpha), Content::sprite, turned, "");
+    add("rotated.point.copy", Kind::corners, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_CORNERS, NINEFOLD_FILTER_POINT, copy),
+        Content::opaque, turned, "");
+    add("rotated.point.alpha", Kind::corners,
+        axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_CORNERS, NINEFOLD_FILTER_POINT, alpha), Content::sprite, turned, "");
     // Four corners mix four texels only where they draw through the Shahei plane; elsewhere they choose one of two by a stipple.
-    add("rotated.bilinear.copy", Kind::corners, axesOf(2, 7, 1, copy), Content::opaque, turned, "two triangles");
-    add("rotated.bilinear.alpha", Kind::corners, axesOf(2, 7, 1, alpha), Content::sprite, turned, "two triangles");
-    add("rotated.stippled.copy", Kind::corners, axesOf(1, 2, 1, copy), Content::opaque, turned,
+    add("rotated.bilinear.copy", Kind::corners,
+        axesOf(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_BILINEAR, copy), Content::opaque, turned,
+        "two triangles");
+    add("rotated.bilinear.alpha", Kind::corners,
+        axesOf(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_BILINEAR, alpha), Content::sprite, turned,
+        "two triangles");
+    add("rotated.stippled.copy", Kind::corners,
+        axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_CORNERS, NINEFOLD_FILTER_BILINEAR, copy), Content::opaque, turned,
         "one of two texels; peers mix four");
-    add("rotated.stippled.alpha", Kind::corners, axesOf(1, 2, 1, alpha), Content::sprite, turned,
+    add("rotated.stippled.alpha", Kind::corners,
+        axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_CORNERS, NINEFOLD_FILTER_BILINEAR, alpha), Content::sprite, turned,
         "one of two texels; peers mix four");
     jobs[jobs.size() - 2].work.bilinear = jobs.back().work.bilinear = true;
-    add("floor.point.copy", Kind::table, axesOf(1, 3, 0, copy), Content::opaque, floorMap(), "a row each by a line table");
+    add("floor.point.copy", Kind::table, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_TABLE, NINEFOLD_FILTER_POINT, copy),
+        Content::opaque, floorMap(), "a row each by a line table");
 
-    ninefold::Axes axes = axesOf(2, 7, 0, copy);
-    axes.pers = 1;
+    ninefold::Axes axes = axesOf(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_POINT, copy);
+    axes.pers = NINEFOLD_PERS_ON;
     add("perspective.point.copy", Kind::perspective, axes, Content::opaque, perspectiveMap(), "two triangles");
-    axes.filter = 1;
+    axes.filter = NINEFOLD_FILTER_BILINEAR;
     add("perspective.bilinear.copy", Kind::perspective, axes, Content::opaque, perspectiveMap(), "two triangles");
 }
 
@@ -142,12 +151,12 @@ void addTriangles(std::vector<Job> &jobs)
         DrawFunc scalar;
     };
     constexpr Row rows[] = {
-        {"triangle.point.copy", Kind::triangle, 0, copy, scalar::triangleCopy},
-        {"triangle.point.alpha", Kind::triangle, 0, alpha, scalar::triangleAlpha},
-        {"triangle.bilinear.copy", Kind::triangle, 1, copy, scalar::triangleBilinearCopy},
-        {"triangle.bilinear.alpha", Kind::triangle, 1, alpha, scalar::triangleBilinearAlpha},
-        {"triangle.gouraud", Kind::gouraudTriangle, 7, copy, scalar::gouraudTriangle},
-        {"triangle.flat", Kind::flatTriangle, 6, copy, scalar::flatTriangle},
+        {"triangle.point.copy", Kind::triangle, NINEFOLD_FILTER_POINT, copy, scalar::triangleCopy},
+        {"triangle.point.alpha", Kind::triangle, NINEFOLD_FILTER_POINT, alpha, scalar::triangleAlpha},
+        {"triangle.bilinear.copy", Kind::triangle, NINEFOLD_FILTER_BILINEAR, copy, scalar::triangleBilinearCopy},
+        {"triangle.bilinear.alpha", Kind::triangle, NINEFOLD_FILTER_BILINEAR, alpha, scalar::triangleBilinearAlpha},
+        {"triangle.gouraud", Kind::gouraudTriangle, NINEFOLD_FILTER_GOURAUD, copy, scalar::gouraudTriangle},
+        {"triangle.flat", Kind::flatTriangle, NINEFOLD_FILTER_FLAT, copy, scalar::flatTriangle},
     };
     for (const Size &size : sizes)
         for (const Row &row : rows) {
@@ -155,14 +164,14 @@ void addTriangles(std::vector<Job> &jobs)
             const bool large = size.most == 0;
             Job job;
             job.name = std::string(row.name) + "/" + size.name;
-            job.axes = axesOf(2, 7, row.filter, row.blend);
+            job.axes = axesOf(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, row.filter, row.blend);
             job.scalar = row.scalar;
             job.goal = row.kind == Kind::flatTriangle ? 1 : 0.5; // peers fill as fast as memory goes
             job.perCall = !large;
             Work &work = job.work;
             work.kind = row.kind;
             work.blend = row.blend;
-            work.bilinear = row.filter == 1;
+            work.bilinear = row.filter == NINEFOLD_FILTER_BILINEAR;
             work.content = row.blend == alpha ? Content::sprite : Content::opaque;
             work.textureSize = large ? frameSize : smallTexture;
             work.primitives = triangles(large, size.least, size.most, work.textureSize);
@@ -178,13 +187,17 @@ void addColours(std::vector<Job> &jobs)
 {
     for (int size : {8, 16, 32}) {
         seed();
-        Job flat = rectangleJob("fill", Kind::fill, axesOf(1, 7, 6, copy), Content::opaque, size);
+        Job flat =
+            rectangleJob("fill", Kind::fill, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy),
+                         Content::opaque, size);
         flat.scalar = scalar::flatRect;
         jobs.push_back(flat);
     }
     for (int size : {frameSize, 32}) {
         seed();
-        Job gouraud = rectangleJob("gouraud", Kind::gouraudRect, axesOf(1, 7, 7, copy), Content::opaque, size);
+        Job gouraud = rectangleJob("gouraud", Kind::gouraudRect,
+                                   axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_GOURAUD, copy),
+                                   Content::opaque, size);
         gouraud.goal = 0.5;
         // Colours of a plane, which peers draw alike as two triangles.
         for (Primitive &p : gouraud.work.primitives)
@@ -203,7 +216,7 @@ void addLines(std::vector<Job> &jobs)
         seed();
         Job job;
         job.name = std::string("line/") + length.name;
-        job.axes = axesOf(0, 7, 6, copy);
+        job.axes = axesOf(NINEFOLD_SHAPE_LINE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy);
         job.scalar = scalar::flatLine;
         job.goal = 0.5;
         job.perCall = true;

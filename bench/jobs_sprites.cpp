@@ -40,20 +40,21 @@ struct StretchRow {
 };
 
 constexpr StretchRow stretchRows[] = {
-    {"point.copy.x1.5", 0, copy, 1.5, scalar::pointCopy, true},
-    {"point.alpha.x1.5", 0, alpha, 1.5, scalar::pointAlpha, true},
-    {"bilinear.copy.x1.5", 1, copy, 1.5, scalar::bilinearCopy, true},
-    {"bilinear.alpha.x1.5", 1, alpha, 1.5, scalar::bilinearAlpha, true},
-    {"bilinear.copy.x0.7", 1, copy, 0.7, scalar::bilinearCopy, false},
-    {"bilinear.alpha.x0.7", 1, alpha, 0.7, scalar::bilinearAlpha, false},
-    {"bilinear.copy.x4", 1, copy, 4, scalar::bilinearCopy, false},
-    {"bilinear.alpha.x4", 1, alpha, 4, scalar::bilinearAlpha, false},
+    {"point.copy.x1.5", NINEFOLD_FILTER_POINT, copy, 1.5, scalar::pointCopy, true},
+    {"point.alpha.x1.5", NINEFOLD_FILTER_POINT, alpha, 1.5, scalar::pointAlpha, true},
+    {"bilinear.copy.x1.5", NINEFOLD_FILTER_BILINEAR, copy, 1.5, scalar::bilinearCopy, true},
+    {"bilinear.alpha.x1.5", NINEFOLD_FILTER_BILINEAR, alpha, 1.5, scalar::bilinearAlpha, true},
+    {"bilinear.copy.x0.7", NINEFOLD_FILTER_BILINEAR, copy, 0.7, scalar::bilinearCopy, false},
+    {"bilinear.alpha.x0.7", NINEFOLD_FILTER_BILINEAR, alpha, 0.7, scalar::bilinearAlpha, false},
+    {"bilinear.copy.x4", NINEFOLD_FILTER_BILINEAR, copy, 4, scalar::bilinearCopy, false},
+    {"bilinear.alpha.x4", NINEFOLD_FILTER_BILINEAR, alpha, 4, scalar::bilinearAlpha, false},
 };
 
 // Boxes as letters have them, out of an atlas.
 Job glyphJob()
 {
-    Job job = rectangleJob("unit.alpha", Kind::blit, axesOf(1, 0, 0, alpha), Content::soft, 16);
+    Job job = rectangleJob("unit.alpha", Kind::blit,
+                           axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, alpha), Content::soft, 16);
     job.name = "unit.alpha/glyphs";
     job.pixels = 0;
     for (Primitive &p : job.work.primitives) {
@@ -69,13 +70,16 @@ Job glyphJob()
 
 void addSpriteJobs(std::vector<Job> &jobs)
 {
-    Job fill = rectangleJob("fill", Kind::fill, axesOf(1, 7, 6, copy), Content::opaque, frameSize);
+    Job fill = rectangleJob("fill", Kind::fill, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy),
+                            Content::opaque, frameSize);
     fill.scalar = scalar::flatRect;
     jobs.push_back(fill);
     for (int size : {frameSize, 8, 16, 32})
         for (const UnitRow &row : unitRows) {
             seed();
-            Job job = rectangleJob(std::string("unit.") + row.name, Kind::blit, axesOf(1, 0, 0, row.blend), row.content, size);
+            Job job = rectangleJob(std::string("unit.") + row.name, Kind::blit,
+                                   axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, row.blend),
+                                   row.content, size);
             job.goal = row.goal;
             job.scalar = row.scalar;
             jobs.push_back(job);
@@ -86,7 +90,8 @@ void addSpriteJobs(std::vector<Job> &jobs)
             if (size < frameSize && !row.small)
                 continue;
             seed();
-            Job job = rectangleJob(row.name, Kind::stretch, axesOf(1, 1, row.filter, row.blend),
+            Job job = rectangleJob(row.name, Kind::stretch,
+                                   axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, row.filter, row.blend),
                                    row.blend == copy ? Content::opaque : Content::sprite, size, 1 / row.magnification);
             job.scalar = row.scalar;
             jobs.push_back(job);

@@ -83,7 +83,7 @@ Contender storesOf(std::string name, Role role, const Work &work, bool triangles
 
 Contender caller(std::string name, Role role, const Job &job, DrawFunc kernel, int set, std::function<void()> setup)
 {
-    Contender made = storesOf(std::move(name), role, job.work, job.axes.shape == 2, kernel);
+    Contender made = storesOf(std::move(name), role, job.work, job.axes.shape == NINEFOLD_SHAPE_TRIANGLE, kernel);
     made.prepare = [work = &job.work, set, setup = std::move(setup)] {
         prepareState(*work);
         if (setup)

@@ -128,7 +128,7 @@ void printSummary(const std::vector<Row> &rows)
 {
     Tally peers, sprites, yardsticks, scalars;
     for (const Row &row : rows) {
-        const bool sprite = row.job.perCall && row.job.axes.shape == 1;
+        const bool sprite = row.job.perCall && row.job.axes.shape == NINEFOLD_SHAPE_RECTANGLE;
         (row.best(Role::yardstick) ? yardsticks : sprite ? sprites : peers).add(row.ours(), row.rival(), row.job.goal);
         scalars.add(row.ours(), row.find(Role::scalar), row.job.scalarGoal);
     }

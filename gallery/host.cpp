@@ -90,7 +90,7 @@ void Canvas::use()
     rs.zBuffer = priorities_.data();
     rs.prescale = rs.prescaleMulti = 256;
     rs.mosaicSize = rs.mosaicSize1 = 1;
-    SetBlendModeMulti(0);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
 }
 
 bool Canvas::taken(int x, int y) const { return shahei_[index(x, y) >> 4] >> (15 - (x & 15)) & 1; }
@@ -158,7 +158,7 @@ void cover(const Canvas &canvas, Texture *picture)
     rs.tex0 = picture;
     corners(0, 0, canvas.width, canvas.height);
     source(rs.uv0, width / canvas.width / 2, height / canvas.height / 2, width, height);
-    draw({.filter = 1, .rectOpt = 1});
+    draw({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH});
 }
 
 void sprite(Texture *picture, int x, int y, const Modes &modes)
@@ -177,7 +177,7 @@ void triangle(const Corner &a, const Corner &b, const Corner &c, const Modes &mo
         rs.uv0[i++] = texel(corner->u, corner->v);
     }
     Modes triangular = modes;
-    triangular.shape = 2;
+    triangular.shape = NINEFOLD_SHAPE_TRIANGLE;
     draw(triangular);
 }
 
@@ -249,15 +249,15 @@ std::string describe(const Modes &m)
         if (!word.empty())
             words += ", " + word;
     };
-    const bool colours = m.filter == 6 || m.filter == 7;
-    if (m.shape == 1 && !colours)
+    const bool colours = m.filter == NINEFOLD_FILTER_FLAT || m.filter == NINEFOLD_FILTER_GOURAUD;
+    if (m.shape == NINEFOLD_SHAPE_RECTANGLE && !colours)
         add(rectOpts[m.rectOpt]);
     if (m.pers)
         add("perspective");
     add(filters[m.filter]);
     add(blends[m.blend]);
     add(shaheis[m.shahei]);
-    if (m.multi != 3 && !colours)
+    if (m.multi != NINEFOLD_MULTI_NONE && !colours)
         add(std::string(multis[m.multi]) + " by \"" + multiOperatorName(rs.blendModeMulti) + "\"" +
             (rs.prescaleMultiMode ? " (second bank)" : ""));
     if (m.rule)

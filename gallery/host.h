@@ -30,12 +30,12 @@ void addMatte(Texture &picture);
 
 // Values of the nine axes, as the mode setters take them: blend may also be 14 to 19.
 struct Modes {
-    long shape = 1;
-    long filter = 0;
-    long rectOpt = 0;
-    long shahei = 0;
-    long blend = 0;
-    long multi = 3;
+    long shape = NINEFOLD_SHAPE_RECTANGLE;
+    long filter = NINEFOLD_FILTER_POINT;
+    long rectOpt = NINEFOLD_RECT_UNIT;
+    long shahei = NINEFOLD_SHAHEI_NONE;
+    long blend = NINEFOLD_BLEND_COPY;
+    long multi = NINEFOLD_MULTI_NONE;
     long rule = 0;
     long prescale = 0;
     long pers = 0;

@@ -9,9 +9,16 @@ using namespace canvas;
 
 namespace {
 
-bool isFour(int blend) { return blend == 1 || blend == 2 || blend == 4; }
+bool isFour(int blend)
+{
+    return blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_CONST_ALPHA || blend == NINEFOLD_BLEND_ALPHA_FAST;
+}
 
-bool isStippled(const Modes &m) { return m.shape == 1 && (m.rectOpt == 2 || m.rectOpt == 3) && m.shahei != 1 && m.shahei != 2; }
+bool isStippled(const Modes &m)
+{
+    return m.shape == NINEFOLD_SHAPE_RECTANGLE && (m.rectOpt == NINEFOLD_RECT_CORNERS || m.rectOpt == NINEFOLD_RECT_TABLE) &&
+           !marksPlane(m.shahei);
+}
 
 struct Weights {
     uint32_t centre, h, w, d;
@@ -60,13 +67,19 @@ protected:
     static std::vector<Modes> forms(int blend, int multi)
     {
         std::vector<Modes> all;
-        for (int shahei = 0; shahei < 6; ++shahei) {
-            if (blend == 0 ? shahei == 3 || shahei == 5 : shahei == 1 || shahei == 2)
+        for (int shahei : shaheis) {
+            if (blend == NINEFOLD_BLEND_COPY ? testsPriority(shahei) : marksPlane(shahei))
                 continue;
-            for (int rectOpt = 0; rectOpt < 4; ++rectOpt)
-                all.push_back({.filter = 1, .rectOpt = rectOpt, .shahei = shahei, .blend = blend, .multi = multi});
+            for (int rectOpt : rectOpts)
+                all.push_back(
+                    {.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = rectOpt, .shahei = shahei, .blend = blend, .multi = multi});
             for (int pers : {0, 1})
-                all.push_back({.shape = 2, .pers = pers, .filter = 1, .shahei = shahei, .blend = blend, .multi = multi});
+                all.push_back({.shape = NINEFOLD_SHAPE_TRIANGLE,
+                               .pers = pers,
+                               .filter = NINEFOLD_FILTER_BILINEAR,
+                               .shahei = shahei,
+                               .blend = blend,
+                               .multi = multi});
         }
         return all;
     }
@@ -79,7 +92,7 @@ protected:
         LineTableRecord &line = uv == rs.uv0 ? line0 : line1;
         line = {u, v, u, v};
         rs.lineTable0 = &line0, rs.lineTable1 = &line1;
-        if (m.shape == 2) {
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE) {
             triangle(0, 0, 2, 0, 0, 2);
             clip(0, 0, 1, 1);
         } else {
@@ -98,7 +111,7 @@ TEST_F(Bilinear, NextToACentreThatTexelHasAlmostAllTheWeight)
         const uint32_t values[2][2] = {{10, 255}, {255, 255}};
         return 0xFF000000 | (u < 2 && v < 2 ? values[v][u] : 90) * 0x010101;
     });
-    for (const Modes &m : forms(0, 3)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_NONE)) {
         if (isStippled(m))
             continue;
         wipe();
@@ -112,7 +125,7 @@ TEST_F(Bilinear, AtATexelsCornerAllFourHaveAQuarter)
 {
     // fx = fy = 0: wx = wy = 128, p = 64. The neighbours lie to the left and above.
     rs.tex0 = texture(4, 4, {0xFF0A0000, 0xFF000B00, 0xFF0C0000, 0xFF0D0000, 0xFF000004, 0xFF100050, 0xFF200000, 0xFF300000});
-    for (const Modes &m : forms(0, 3)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_NONE)) {
         if (isStippled(m))
             continue;
         wipe();
@@ -126,7 +139,7 @@ TEST_F(Bilinear, AtATexelsCornerAllFourHaveAQuarter)
 TEST_F(Bilinear, OnlyTheCentreIsTestedForZero)
 {
     rs.tex0 = texture(4, 4, [](uint32_t u, uint32_t v) { return u == 1 && v == 1 ? 0 : 0xFFFFFFFF; });
-    for (const Modes &m : forms(0, 3)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_NONE)) {
         for (int32_t f : {0, 0x4000, 0x7F00, 0x8000, 0xC000, 0xFFFF}) {
             wipe();
             point(m, texels(1) + f, texels(1) + f, rs.uv0);
@@ -137,7 +150,7 @@ TEST_F(Bilinear, OnlyTheCentreIsTestedForZero)
     }
     // A set centre among zeros is darkened towards black: 0xF0 / 4.
     rs.tex0 = texture(4, 4, [](uint32_t u, uint32_t v) { return u == 1 && v == 1 ? 0xFFF0F0F0 : 0; });
-    for (const Modes &m : forms(0, 3)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_NONE)) {
         if (isStippled(m))
             continue;
         wipe();
@@ -149,7 +162,7 @@ TEST_F(Bilinear, OnlyTheCentreIsTestedForZero)
 
 TEST_F(Bilinear, NeighboursWrapOnAllSides)
 {
-    for (const Modes &m : forms(0, 3)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_NONE)) {
         if (isStippled(m))
             continue;
         for (int32_t u : {0, 0x7FFF, texels(15) + 0x8000, texels(15) + 0xFFFF}) {
@@ -165,8 +178,8 @@ TEST_F(Bilinear, NeighboursWrapOnAllSides)
     rs.tex0 = texture(
         16, 16, [](uint32_t u, uint32_t v) { return 0xFF000000 | (u == 15 ? 40u : 0) | (v == 15 ? 80u << 8 : 0) | 4 << 16; });
     wipe();
-    point({.rectOpt = 1}, 0, 0, rs.uv0);
-    draw({.filter = 1, .rectOpt = 1});
+    point({.rectOpt = NINEFOLD_RECT_STRETCH}, 0, 0, rs.uv0);
+    draw({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH});
     EXPECT_EQ(at(0, 0), 0x042814u);
 }
 
@@ -174,7 +187,7 @@ TEST_F(Bilinear, AlphaSurvivesUnderTheAlphaBlendsOnly)
 {
     rs.writeMask = 0xFFFFFFFF;
     for (int blend : blends) {
-        for (int multi : {1, 2}) {
+        for (int multi : {NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR}) {
             for (const Modes &m : forms(blend, multi)) {
                 wipe();
                 const int32_t u = texels(3) + 0x3000, v = texels(2) + 0xB000;
@@ -196,7 +209,7 @@ TEST_F(Bilinear, AlphaSurvivesUnderTheAlphaBlendsOnly)
 TEST_F(Bilinear, CopiesWriteAlphaZeroEvenFromAnOpaqueTexture)
 {
     rs.tex0 = texture(16, 16, [](uint32_t u, uint32_t v) { return 0xFF000000 | 0x0F0F0F * (u + v); });
-    for (const Modes &m : forms(0, 3)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_NONE)) {
         if (isStippled(m))
             continue;
         wipe();
@@ -212,7 +225,7 @@ TEST_F(Bilinear, BlendOneWeighsByTheMixedAlpha)
 {
     // Alpha (0x80 + 0x40 + 0x20 + 0) / 4 = 0x38 = 56; white over black: 255 * 56 / 256 = 55.
     rs.tex0 = texture(2, 2, {0x00FFFFFF, 0x20FFFFFF, 0x40FFFFFF, 0x80FFFFFF});
-    for (const Modes &m : forms(1, 3)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_ALPHA, NINEFOLD_MULTI_NONE)) {
         if (isStippled(m))
             continue;
         wipe();
@@ -228,7 +241,7 @@ TEST_F(Bilinear, TheSecondTextureIsAlwaysMixedInFourChannels)
     rs.writeMask = 0xFFFFFFFF;
     rs.tex0 = solid(0xFF808080);
     for (int blend : blends) {
-        for (const Modes &m : forms(blend, 0)) {
+        for (const Modes &m : forms(blend, NINEFOLD_MULTI_TEXTURE)) {
             wipe();
             const int32_t u = texels(3) + 0x3000, v = texels(2) + 0xB000;
             point(m, 0x8000, 0x8000, rs.uv0);
@@ -245,7 +258,7 @@ TEST_F(Bilinear, AZeroCentreInTheSecondTextureLetsTheSourceGoOn)
 {
     rs.tex0 = solid(0xFF808080);
     rs.tex1 = texture(4, 4, [](uint32_t u, uint32_t v) { return u == 1 && v == 1 ? 0 : 0xFFFFFFFF; });
-    for (const Modes &m : forms(0, 0)) {
+    for (const Modes &m : forms(NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_TEXTURE)) {
         wipe();
         point(m, 0x8000, 0x8000, rs.uv0);
         point(m, texels(1) + 0x2000, texels(1) + 0xE000, rs.uv1);
@@ -262,8 +275,8 @@ TEST_F(Bilinear, AZeroCentreInTheSecondTextureLetsTheSourceGoOn)
 
 TEST_F(Bilinear, UnitRectanglesKeepTheFractionsOfTheirStart)
 {
-    for (int shahei : {0, 1, 2, 4}) {
-        const Modes m{.filter = 1, .shahei = shahei};
+    for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY, NINEFOLD_SHAHEI_STIPPLE}) {
+        const Modes m{.filter = NINEFOLD_FILTER_BILINEAR, .shahei = shahei};
         for (const auto &[u, v] :
              {std::pair{0x34567, 0x5ABCD}, {-0x34567, -0x1234}, {texels(100) + 0x8001, texels(-77) + 0x7FFF}}) {
             rs.uv0[0] = {u, v};
@@ -284,17 +297,17 @@ TEST_F(Bilinear, ReversedUnitRectanglesDrawTheSame)
 {
     rs.uv0[0] = {0x34567, 0x5ABCD};
     corners(3, 2, 40, 20);
-    draw({.filter = 1});
+    draw({.filter = NINEFOLD_FILTER_BILINEAR});
     const State straight = state();
     clear();
     corners(40, 20, 3, 2);
-    draw({.filter = 1});
+    draw({.filter = NINEFOLD_FILTER_BILINEAR});
     EXPECT_EQ(state().pixels, straight.pixels);
 }
 
 TEST_F(Bilinear, RowsOfStretchedRectanglesFloor)
 {
-    const Modes m{.filter = 1, .rectOpt = 1};
+    const Modes m{.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH};
     for (int32_t v : {-0x8000, -1, -0x10001, -0x4000}) {
         clear();
         point(m, -0x8000, v, rs.uv0);
@@ -327,29 +340,33 @@ TEST_F(FractionField, EveryPairOfFractionsIsMixedByItsWeights)
         table.push_back({u0, v0 + y * 256, u0 + 256 * 256, v0 + y * 256});
     rs.lineTable0 = rs.lineTable1 = table.data();
     corners(0, 0, 256, 256);
-    for (int multi : {3, 0}) { // the second texture shows through its operator, in four channels
-        for (Modes m : {Modes{.filter = 1, .rectOpt = 1}, Modes{.filter = 1, .rectOpt = 2, .shahei = 1},
-                        Modes{.filter = 1, .rectOpt = 3, .shahei = 1}, Modes{.filter = 4, .rectOpt = 3, .shahei = 1},
-                        Modes{.shape = 2, .filter = 1}}) {
-            if (m.filter == 4)
+    for (int multi :
+         {NINEFOLD_MULTI_NONE, NINEFOLD_MULTI_TEXTURE}) { // the second texture shows through its operator, in four channels
+        for (Modes m :
+             {Modes{.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH},
+              Modes{.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_CORNERS, .shahei = NINEFOLD_SHAHEI_PLANE},
+              Modes{.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = NINEFOLD_SHAHEI_PLANE},
+              Modes{.filter = NINEFOLD_FILTER_LINE_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = NINEFOLD_SHAHEI_PLANE},
+              Modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_BILINEAR}}) {
+            if (m.filter == NINEFOLD_FILTER_LINE_BILINEAR)
                 CreateMipmapTexture(rs.tex0);
             m.multi = multi;
             for (TexCoord *uv : {rs.uv0, rs.uv1}) {
                 uv[0] = {u0, v0};
-                if (m.shape == 2) {
+                if (m.shape == NINEFOLD_SHAPE_TRIANGLE) {
                     uv[1] = {u0 + 512 * 256, v0}, uv[2] = {u0, v0 + 512 * 256};
                 } else {
-                    uv[1] = {u0 + 256 * 256, m.rectOpt == 1 ? v0 + 256 * 256 : v0};
+                    uv[1] = {u0 + 256 * 256, m.rectOpt == NINEFOLD_RECT_STRETCH ? v0 + 256 * 256 : v0};
                     uv[2] = {u0, v0 + 256 * 256}, uv[3] = {u0 + 256 * 256, v0 + 256 * 256};
                 }
             }
-            if (m.shape == 2)
+            if (m.shape == NINEFOLD_SHAPE_TRIANGLE)
                 triangle(0, 0, 512, 0, 0, 512);
             else
                 corners(0, 0, 256, 256);
             wipe();
             draw(m);
-            EXPECT_TRUE(state().pixels == expected[multi == 0]) << m;
+            EXPECT_TRUE(state().pixels == expected[multi == NINEFOLD_MULTI_TEXTURE]) << m;
         }
     }
     // Four channels of tex0, seen through constant alpha of 255 over black: (c * 255) >> 8. Alpha is told apart by the operator.
@@ -360,9 +377,12 @@ TEST_F(FractionField, EveryPairOfFractionsIsMixedByItsWeights)
         seen.push_back(first);
         return first;
     };
-    for (int blend : {1, 2, 4}) {
+    for (int blend : {NINEFOLD_BLEND_ALPHA, NINEFOLD_BLEND_CONST_ALPHA, NINEFOLD_BLEND_ALPHA_FAST}) {
         seen.clear();
-        kernel({.filter = 1, .rectOpt = 1, .blend = blend, .multi = 2})();
+        kernel({.filter = NINEFOLD_FILTER_BILINEAR,
+                .rectOpt = NINEFOLD_RECT_STRETCH,
+                .blend = blend,
+                .multi = NINEFOLD_MULTI_COLOUR})();
         EXPECT_TRUE(seen == expected[1]) << blend;
     }
 }
@@ -399,11 +419,14 @@ protected:
     static std::vector<Modes> stippledForms()
     {
         std::vector<Modes> all;
-        for (int shahei : {0, 3, 4, 5}) {
-            const int blend = shahei == 3 || shahei == 5 ? 11 : 0;
-            all.push_back({.filter = 1, .rectOpt = 2, .shahei = shahei, .blend = blend});
-            all.push_back({.filter = 1, .rectOpt = 3, .shahei = shahei, .blend = blend});
-            all.push_back({.filter = 4, .rectOpt = 3, .shahei = shahei, .blend = blend});
+        for (int shahei :
+             {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
+            const int blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY;
+            all.push_back(
+                {.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_CORNERS, .shahei = shahei, .blend = blend});
+            all.push_back({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = shahei, .blend = blend});
+            all.push_back(
+                {.filter = NINEFOLD_FILTER_LINE_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = shahei, .blend = blend});
         }
         return all;
     }
@@ -512,9 +535,9 @@ TEST_F(StippledChoice, TheDitherOfTwoColoursVariesInXOnly)
 TEST_F(StippledChoice, UnderThePlaneWalkTheSamePositionIsMixed)
 {
     rs.tex0 = texture(2, 2, {0xFF0000FF, 0xFFFF0000, 0xFF0000FF, 0xFFFF0000});
-    for (int shahei : {1, 2}) {
-        for (int rectOpt : {2, 3}) {
-            const Modes m{.filter = 1, .rectOpt = rectOpt, .shahei = shahei};
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
+        for (int rectOpt : {NINEFOLD_RECT_CORNERS, NINEFOLD_RECT_TABLE}) {
+            const Modes m{.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = rectOpt, .shahei = shahei};
             place(m, 0, 0, 64, 32);
             for (TexCoord &uv : rs.uv0)
                 uv = {0xC000, 0x8000};
@@ -590,16 +613,20 @@ TEST_F(SmallTextures, MixOnlyTheirOwnTexels)
     Texture *row8 = enclosed(8, 1, [](uint32_t u, uint32_t) { return 0x80000000 + u * 0x101010 + 0x010101; });
     rs.multiFunc = [](uint32_t, uint32_t second) { return second; };
     for (Texture *t : {one, column8, row8}) {
-        for (int multi : {3, 0}) {
-            for (int shahei : {0, 1, 4}) {
+        for (int multi : {NINEFOLD_MULTI_NONE, NINEFOLD_MULTI_TEXTURE}) {
+            for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}) {
                 std::vector<Modes> forms;
-                for (int rectOpt = 0; rectOpt < 4; ++rectOpt)
-                    forms.push_back({.filter = 1, .rectOpt = rectOpt, .shahei = shahei, .multi = multi});
+                for (int rectOpt : rectOpts)
+                    forms.push_back({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = rectOpt, .shahei = shahei, .multi = multi});
                 for (int pers : {0, 1})
-                    forms.push_back({.shape = 2, .pers = pers, .filter = 1, .shahei = shahei, .multi = multi});
+                    forms.push_back({.shape = NINEFOLD_SHAPE_TRIANGLE,
+                                     .pers = pers,
+                                     .filter = NINEFOLD_FILTER_BILINEAR,
+                                     .shahei = shahei,
+                                     .multi = multi});
                 for (const Modes &m : forms) {
                     for (int32_t offset : {0, 0x4000, 0x8000, 0xC000}) {
-                        rs.tex0 = multi == 3 ? t : one;
+                        rs.tex0 = multi == NINEFOLD_MULTI_NONE ? t : one;
                         rs.tex1 = t;
                         place(m, 0, 0, 40, 20);
                         for (TexCoord *uv : {rs.uv0, rs.uv1})
@@ -611,11 +638,12 @@ TEST_F(SmallTextures, MixOnlyTheirOwnTexels)
                         draw(m);
                         for (int y = 0; y < 20; ++y) {
                             for (int x = 0; x < 40; ++x) {
-                                if (multi == 3 && isStippled(m)) { // a texel of this texture
+                                if (multi == NINEFOLD_MULTI_NONE && isStippled(m)) { // a texel of this texture
                                     ASSERT_EQ(at(x, y) >> 24, 0x80u) << m;
                                     ASSERT_NE(at(x, y), 0xFFEE55AAu) << m;
                                 } else {
-                                    ASSERT_EQ(at(x, y), mixAt(*t, texels(x) + offset, texels(y) + offset, multi == 0))
+                                    ASSERT_EQ(at(x, y),
+                                              mixAt(*t, texels(x) + offset, texels(y) + offset, multi == NINEFOLD_MULTI_TEXTURE))
                                         << m << " " << t->width << " by " << t->height << " at " << x << ", " << y;
                                 }
                             }
@@ -627,10 +655,10 @@ TEST_F(SmallTextures, MixOnlyTheirOwnTexels)
     }
     // One texel is mixed to itself: the weights add up to 256.
     rs.tex0 = one;
-    place({.rectOpt = 1}, 0, 0, 40, 20);
+    place({.rectOpt = NINEFOLD_RECT_STRETCH}, 0, 0, 40, 20);
     rs.uv0[1] = {0x12345, 0x23456};
     clear();
-    draw({.filter = 1, .rectOpt = 1});
+    draw({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH});
     for (int x = 0; x < 40; ++x)
         EXPECT_EQ(at(x, 11), 0x00402010u);
 }

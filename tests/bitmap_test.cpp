@@ -187,7 +187,7 @@ TEST_F(BitmapFile, SignatureDepthAndCompressionAreNotLookedAt)
 TEST_F(BitmapFile, CentredPictures)
 {
     write(bitmap(3, 3));
-    Placed placed = loadAdjusted(1, 1);
+    Placed placed = loadAdjusted(NINEFOLD_ALIGN_CENTRE, NINEFOLD_ALIGN_CENTRE);
     EXPECT_EQ(placed.x, 1); // 2 - 1
     EXPECT_EQ(placed.y, 1);
     EXPECT_EQ(placed.width, 3);
@@ -195,13 +195,13 @@ TEST_F(BitmapFile, CentredPictures)
     EXPECT_EQ(pixelsOf(placed.texture), expectedPixels(4, 4, 1, 1, 3, 3));
 
     write(bitmap(6, 5));
-    placed = loadAdjusted(1, 1);
+    placed = loadAdjusted(NINEFOLD_ALIGN_CENTRE, NINEFOLD_ALIGN_CENTRE);
     EXPECT_EQ(placed.x, 1); // 4 - 3
     EXPECT_EQ(placed.y, 2); // 4 - 2
     EXPECT_EQ(pixelsOf(placed.texture), expectedPixels(8, 8, 1, 2, 6, 5));
 
     write(bitmap(1, 4));
-    placed = loadAdjusted(1, 1);
+    placed = loadAdjusted(NINEFOLD_ALIGN_CENTRE, NINEFOLD_ALIGN_CENTRE);
     EXPECT_EQ(placed.x, 0);
     EXPECT_EQ(placed.y, 0);
     EXPECT_EQ(pixelsOf(placed.texture), expectedPixels(1, 4, 0, 0, 1, 4));
@@ -210,18 +210,18 @@ TEST_F(BitmapFile, CentredPictures)
 TEST_F(BitmapFile, PicturesAtTheRightAndBottomEdge)
 {
     write(bitmap(5, 3));
-    Placed placed = loadAdjusted(2, 0);
+    Placed placed = loadAdjusted(NINEFOLD_ALIGN_END, NINEFOLD_ALIGN_START);
     EXPECT_EQ(placed.texture->width, 8u);
     EXPECT_EQ(placed.x, 3);
     EXPECT_EQ(placed.y, 0);
     EXPECT_EQ(pixelsOf(placed.texture), expectedPixels(8, 4, 3, 0, 5, 3));
 
-    placed = loadAdjusted(0, 2);
+    placed = loadAdjusted(NINEFOLD_ALIGN_START, NINEFOLD_ALIGN_END);
     EXPECT_EQ(placed.x, 0);
     EXPECT_EQ(placed.y, 1);
     EXPECT_EQ(pixelsOf(placed.texture), expectedPixels(8, 4, 0, 1, 5, 3));
 
-    placed = loadAdjusted(2, 1);
+    placed = loadAdjusted(NINEFOLD_ALIGN_END, NINEFOLD_ALIGN_CENTRE);
     EXPECT_EQ(placed.x, 3);
     EXPECT_EQ(placed.y, 1);
 }
@@ -243,11 +243,12 @@ TEST_F(BitmapFile, OtherAlignmentsAreTheLeftAndTop)
 TEST_F(BitmapFile, OutParametersMayBeNull)
 {
     write(bitmap(5, 3));
-    TexturePtr texture(LoadTextureAdjust(path.string().data(), 2, 2, nullptr, nullptr, nullptr, nullptr));
+    TexturePtr texture(
+        LoadTextureAdjust(path.string().data(), NINEFOLD_ALIGN_END, NINEFOLD_ALIGN_END, nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(pixelsOf(texture), expectedPixels(8, 4, 3, 1, 5, 3));
 
     long y = 0, width = 0;
-    texture.reset(LoadTextureAdjust(path.string().data(), 2, 2, nullptr, &y, &width, nullptr));
+    texture.reset(LoadTextureAdjust(path.string().data(), NINEFOLD_ALIGN_END, NINEFOLD_ALIGN_END, nullptr, &y, &width, nullptr));
     EXPECT_EQ(y, 1);
     EXPECT_EQ(width, 5);
 }
@@ -255,7 +256,7 @@ TEST_F(BitmapFile, OutParametersMayBeNull)
 TEST_F(BitmapFile, MissingFileGivesNull)
 {
     EXPECT_EQ(load(), nullptr);
-    const Placed placed = loadAdjusted(1, 1);
+    const Placed placed = loadAdjusted(NINEFOLD_ALIGN_CENTRE, NINEFOLD_ALIGN_CENTRE);
     EXPECT_EQ(placed.texture, nullptr);
     EXPECT_TRUE(placed.untouched());
 }
@@ -265,7 +266,7 @@ TEST_F(BitmapFile, DirectoryGivesNull) { EXPECT_EQ(LoadTexture(fs::temp_director
 TEST_F(BitmapFile, EmptyFileIsOneClearPixel)
 {
     write({});
-    const Placed placed = loadAdjusted(0, 0);
+    const Placed placed = loadAdjusted(NINEFOLD_ALIGN_START, NINEFOLD_ALIGN_START);
     ASSERT_NE(placed.texture, nullptr);
     EXPECT_EQ(placed.texture->origWidth, 0u);
     EXPECT_EQ(placed.width, 0);
@@ -375,7 +376,7 @@ TEST_F(BitmapFile, SizesThatCannotBeGiveNull)
         Bytes bytes = header(width, height);
         bytes.resize(400, 0xEE);
         write(bytes);
-        const Placed placed = loadAdjusted(1, 2);
+        const Placed placed = loadAdjusted(NINEFOLD_ALIGN_CENTRE, NINEFOLD_ALIGN_END);
         EXPECT_EQ(placed.texture, nullptr) << width << " by " << height;
         EXPECT_TRUE(placed.untouched());
         EXPECT_EQ(load(), nullptr);

@@ -24,9 +24,9 @@ protected:
     static std::vector<Modes> forms()
     {
         std::vector<Modes> all;
-        for (int shahei : {0, 1, 4})
-            for (int filter : {0, 8, 2})
-                all.push_back({.filter = filter, .rectOpt = 2, .shahei = shahei});
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})
+            for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_MIP})
+                all.push_back({.filter = filter, .rectOpt = NINEFOLD_RECT_CORNERS, .shahei = shahei});
         return all;
     }
 };
@@ -42,7 +42,7 @@ TEST_F(FourCorners, AParallelogramAlongTheAxesIsTheStretch)
         const State corners2 = state();
         wipe();
         rs.uv0[1] = rs.uv0[3];
-        draw({.filter = m.filter, .rectOpt = 1, .shahei = m.shahei});
+        draw({.filter = m.filter, .rectOpt = NINEFOLD_RECT_STRETCH, .shahei = m.shahei});
         EXPECT_EQ(state().pixels, corners2.pixels) << m;
         EXPECT_EQ(at(10, 5), idAt(3 + 3, 5 + 2));
     }
@@ -165,7 +165,7 @@ TEST_F(FourCorners, TheSecondTextureHasCornersOfItsOwn)
     rs.uv1[3] = {-0x8000 + texels(4), -0x8000 + texels(4)};
     corners(0, 0, 4, 4);
     for (Modes m : forms()) {
-        m.multi = 0;
+        m.multi = NINEFOLD_MULTI_TEXTURE;
         wipe();
         draw(m);
         EXPECT_EQ(row(0, 0, 4), (Pixels{0xFF80F00F, 0xFF80000F, 0xFF80100F, 0xFF80200F})) << m;

@@ -46,8 +46,8 @@ bool pairOf(int shahei, int blend, Pairs pairs)
 {
     if (blend == 3 || blend > 12 || shahei > 5)
         return false;
-    const bool plane = shahei == 1 || shahei == 2, zTest = shahei == 3 || shahei == 5;
-    if ((plane && blend != 0) || (zTest && blend == 0))
+    const bool plane = marksPlane(shahei), zTest = testsPriority(shahei);
+    if ((plane && blend != NINEFOLD_BLEND_COPY) || (zTest && blend == NINEFOLD_BLEND_COPY))
         return false;
     return pairs == Pairs::all || plane == (pairs == Pairs::planeOnly);
 }
@@ -184,19 +184,19 @@ TEST(DrawCode, ComesFromTheModeFields)
 {
     rs = RenderState{};
     EXPECT_EQ(CreateDrawCode(), 0x1C0368u); // all modes 0
-    SetShapeMode(1);
-    SetRectOptMode(1);
-    SetMultiMode(3);
-    SetBlendMode(1);
+    SetShapeMode(NINEFOLD_SHAPE_RECTANGLE);
+    SetRectOptMode(NINEFOLD_RECT_STRETCH);
+    SetMultiMode(NINEFOLD_MULTI_NONE);
+    SetBlendMode(NINEFOLD_BLEND_ALPHA);
     EXPECT_EQ(CreateDrawCode(), 0x40769u);
-    SetShapeMode(2);
-    SetPersMode(1);
-    SetRuleAlphaMode(1);
-    SetPrescaleMode(1);
-    SetFilterMode(5);
-    SetShaheiMode(3);
-    SetMultiMode(2);
-    SetBlendMode(11);
+    SetShapeMode(NINEFOLD_SHAPE_TRIANGLE);
+    SetPersMode(NINEFOLD_PERS_ON);
+    SetRuleAlphaMode(NINEFOLD_RULE_ON);
+    SetPrescaleMode(NINEFOLD_PRESCALE_ON);
+    SetFilterMode(NINEFOLD_FILTER_MIP_BILINEAR);
+    SetShaheiMode(NINEFOLD_SHAHEI_PRIORITY);
+    SetMultiMode(NINEFOLD_MULTI_COLOUR);
+    SetBlendMode(NINEFOLD_BLEND_MERGE);
     EXPECT_EQ(CreateDrawCode(), 0xEBDAE6Au);
     rs = RenderState{};
 }
@@ -204,14 +204,14 @@ TEST(DrawCode, ComesFromTheModeFields)
 TEST(DrawCode, NeitherBanksNorOperatorsArePartOfIt)
 {
     rs = RenderState{};
-    SetShapeMode(1);
+    SetShapeMode(NINEFOLD_SHAPE_RECTANGLE);
     const unsigned long code = CreateDrawCode();
-    SetBlendModeMulti(7);
-    SetPrescaleMultiMode(1);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     EXPECT_EQ(CreateDrawCode(), code);
-    SetBlendMode(14);
+    SetBlendMode(NINEFOLD_BLEND_LUMA_SRC);
     const unsigned long custom = CreateDrawCode();
-    SetBlendMode(19);
+    SetBlendMode(NINEFOLD_BLEND_DST);
     EXPECT_EQ(CreateDrawCode(), custom);
     rs = RenderState{};
 }
@@ -332,7 +332,8 @@ TEST_F(LookUpAndDraw, PerLineMipFormsOutsideLineTablesAreOneFunction)
     std::set<DrawFunc> functions;
     size_t records = 0;
     for (const Combination &c : catalogue()) {
-        if ((c.filter == 3 || c.filter == 4) && c.rectOpt != 3) {
+        if ((c.filter == NINEFOLD_FILTER_LINE_POINT || c.filter == NINEFOLD_FILTER_LINE_BILINEAR) &&
+            c.rectOpt != NINEFOLD_RECT_TABLE) {
             functions.insert(SearchDrawFunc(c.code()));
             ++records;
         }
@@ -341,7 +342,7 @@ TEST_F(LookUpAndDraw, PerLineMipFormsOutsideLineTablesAreOneFunction)
     ASSERT_EQ(functions.size(), 1u);
     const DrawFunc nothing = *functions.begin();
     ASSERT_NE(nothing, nullptr);
-    for (int shape : {1, 2}) {
+    for (int shape : {NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_SHAPE_TRIANGLE}) {
         placeLargely(shape);
         const State before = state();
         nothing();
@@ -356,9 +357,9 @@ TEST_F(LookUp, ColourTrianglesHaveOneFunctionForBothPerspectives)
 {
     size_t records = 0;
     for (const Combination &c : catalogue()) {
-        if (c.shape == 2 && c.pers == 1 && (c.filter == 6 || c.filter == 7)) {
+        if (c.shape == NINEFOLD_SHAPE_TRIANGLE && c.pers == NINEFOLD_PERS_ON && (hasColoursOnly(c.filter))) {
             Combination affine = c;
-            affine.pers = 0;
+            affine.pers = NINEFOLD_PERS_OFF;
             EXPECT_EQ(SearchDrawFunc(c.code()), SearchDrawFunc(affine.code())) << std::hex << c.code();
             ++records;
         }
@@ -403,13 +404,13 @@ TEST_F(LookUp, CodeZeroIsAMissLikeAnyOtherOnceSomethingWasFound)
 TEST_F(LookUp, ABlendThatDoesNotExistDropsEveryOtherAxis)
 {
     rs = RenderState{};
-    SetShapeMode(1);
-    SetFilterMode(1);
-    SetRectOptMode(3);
-    SetShaheiMode(4);
-    SetMultiMode(2);
-    SetRuleAlphaMode(1);
-    SetPrescaleMode(1);
+    SetShapeMode(NINEFOLD_SHAPE_RECTANGLE);
+    SetFilterMode(NINEFOLD_FILTER_BILINEAR);
+    SetRectOptMode(NINEFOLD_RECT_TABLE);
+    SetShaheiMode(NINEFOLD_SHAHEI_STIPPLE);
+    SetMultiMode(NINEFOLD_MULTI_COLOUR);
+    SetRuleAlphaMode(NINEFOLD_RULE_ON);
+    SetPrescaleMode(NINEFOLD_PRESCALE_ON);
     for (long blend : {3l, -1l}) {
         SetBlendMode(blend);
         EXPECT_EQ(SearchDrawFunc(CreateDrawCode()), SearchDrawFunc(rectDefault)) << blend;
@@ -426,9 +427,9 @@ TEST_F(LookUpAndDraw, ABlendThatDoesNotExistDrawsAsTheUnitCopy)
     rs.tex0 = source;
     rs.uv0[0] = {};
     rs.uv0[1] = {0x20000, 0}; // a stretch would read this
-    SetShapeMode(1);
-    SetRectOptMode(1);
-    SetPrescaleMode(1);
+    SetShapeMode(NINEFOLD_SHAPE_RECTANGLE);
+    SetRectOptMode(NINEFOLD_RECT_STRETCH);
+    SetPrescaleMode(NINEFOLD_PRESCALE_ON);
     SetBlendMode(3);
     const DrawFunc copy = SearchDrawFunc(CreateDrawCode());
     ASSERT_NE(copy, nullptr);

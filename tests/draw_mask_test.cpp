@@ -61,7 +61,7 @@ TEST_F(DrawMask, MakingTheTableLeavesEveryPixelDrawn)
     EXPECT_EQ(current(), rows(0, 0));
 }
 
-TEST_F(DrawMask, PresetZeroDrawsNothing) { EXPECT_EQ(preset(0), rows(0xFFFF, 0xFFFF)); }
+TEST_F(DrawMask, PresetZeroDrawsNothing) { EXPECT_EQ(preset(NINEFOLD_STIPPLE_NOTHING), rows(0xFFFF, 0xFFFF)); }
 
 TEST_F(DrawMask, PresetOneDrawsTwoPixels)
 {
@@ -90,12 +90,12 @@ TEST_F(DrawMask, QuartersArePatterns)
     EXPECT_EQ(preset(63), rows(0xAAAA, 0xFFFF));
     EXPECT_EQ(preset(127), rows(0xAAAA, 0x5555));
     EXPECT_EQ(preset(191), rows(0xAAAA, 0));
-    EXPECT_EQ(preset(255), rows(0, 0));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_FADE_LAST), rows(0, 0));
 }
 
 TEST_F(DrawMask, PresetsDrawOnePixelMoreEach)
 {
-    EXPECT_EQ(drawn(preset(0)), 0); // none has one pixel
+    EXPECT_EQ(drawn(preset(NINEFOLD_STIPPLE_NOTHING)), 0); // none has one pixel
     Mask before = preset(1);
     for (long n = 1; n < 256; ++n) {
         const Mask mask = preset(n);
@@ -148,16 +148,16 @@ TEST_F(DrawMask, WholeOrder)
 
 TEST_F(DrawMask, FixedPatterns)
 {
-    EXPECT_EQ(preset(256), rows(0, 0));
-    EXPECT_EQ(preset(256), preset(255));
-    EXPECT_EQ(preset(257), rows(0xAAAA, 0x5555));
-    EXPECT_EQ(preset(257), preset(127));
-    EXPECT_EQ(preset(258), rows(0xAAAA, 0xAAAA));
-    EXPECT_EQ(preset(259), rows(0, 0xFFFF));
-    EXPECT_EQ(preset(260), rows(0xAAAA, 0xFFFF));
-    EXPECT_EQ(preset(260), preset(63));
-    EXPECT_EQ(preset(261), rows(0xAAAA, 0));
-    EXPECT_EQ(preset(261), preset(191));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_ALL), rows(0, 0));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_ALL), preset(NINEFOLD_STIPPLE_FADE_LAST));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_CHESSBOARD), rows(0xAAAA, 0x5555));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_CHESSBOARD), preset(127));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_ODD_COLUMNS), rows(0xAAAA, 0xAAAA));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_EVEN_ROWS), rows(0, 0xFFFF));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_ODD_COLUMNS_EVEN_ROWS), rows(0xAAAA, 0xFFFF));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_ODD_COLUMNS_EVEN_ROWS), preset(63));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_ODD_COLUMNS_AND_ROWS), rows(0xAAAA, 0));
+    EXPECT_EQ(preset(NINEFOLD_STIPPLE_ODD_COLUMNS_AND_ROWS), preset(191));
 }
 
 TEST_F(DrawMask, IndexAboveTheLastChangesNothing)
@@ -183,7 +183,7 @@ TEST_F(DrawMask, PresetTouchesTheMaskOnly)
 TEST_F(DrawMask, LowWordOfTheIndexCounts)
 {
     if constexpr (sizeof(long) > 4) {
-        EXPECT_EQ(preset((1l << 16 << 16) + 258), rows(0xAAAA, 0xAAAA));
+        EXPECT_EQ(preset((1l << 16 << 16) + NINEFOLD_STIPPLE_ODD_COLUMNS), rows(0xAAAA, 0xAAAA));
     }
 }
 
@@ -191,7 +191,7 @@ TEST_F(DrawMask, MakingTheTableAgainChangesNothing)
 {
     uint16_t before[256][16];
     std::memcpy(before, ninefold::stipples, sizeof before);
-    SetPresetDrawMask(0);
+    SetPresetDrawMask(NINEFOLD_STIPPLE_NOTHING);
     MakeDrawMaskTable();
     EXPECT_EQ(std::memcmp(before, ninefold::stipples, sizeof before), 0);
     EXPECT_EQ(current(), rows(0, 0));

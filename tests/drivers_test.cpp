@@ -33,7 +33,7 @@ protected:
     {
         const int32_t u = 0x80000, v = 0x40000;
         uv[0] = {u, v};
-        uv[1] = {u + acrossU, rectOpt == 1 ? v + downV : v};
+        uv[1] = {u + acrossU, rectOpt == NINEFOLD_RECT_STRETCH ? v + downV : v};
         uv[2] = {u, v + downV};
         uv[3] = {u + acrossU, v + downV};
     }
@@ -68,9 +68,9 @@ protected:
     static std::vector<Modes> rectangleForms()
     {
         std::vector<Modes> all;
-        for (int rectOpt : {1, 2})
-            for (int filter : {2, 5})
-                for (int shahei : {0, 1})
+        for (int rectOpt : {NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS})
+            for (int filter : {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_MIP_BILINEAR})
+                for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE})
                     all.push_back({.filter = filter, .rectOpt = rectOpt, .shahei = shahei});
         return all;
     }
@@ -78,10 +78,10 @@ protected:
     static std::vector<Modes> triangleForms()
     {
         std::vector<Modes> all;
-        for (int filter : {2, 5})
+        for (int filter : {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_MIP_BILINEAR})
             for (int pers : {0, 1})
-                for (int shahei : {0, 1})
-                    all.push_back({.shape = 2, .pers = pers, .filter = filter, .shahei = shahei});
+                for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE})
+                    all.push_back({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = pers, .filter = filter, .shahei = shahei});
         return all;
     }
 
@@ -99,7 +99,7 @@ TEST_F(RectangleDriver, TwoTexelsAPixelAreLevelOneAtFullWeight)
         EXPECT_EQ(rs.mipFrac, 255);
         EXPECT_EQ(rs.mipTex, base->mip[2]);
         EXPECT_EQ(rs.mipRatio, 77) << "belongs to triangles";
-        if (m.filter == 2 && m.shahei == 0) {
+        if (m.filter == NINEFOLD_FILTER_MIP && m.shahei == NINEFOLD_SHAHEI_NONE) {
             for (int y = 10; y < 14; ++y) // coordinates are halved: a texel of level 1 a pixel, from (4, 2)
                 for (int x = 10; x < 18; ++x)
                     ASSERT_EQ(at(x, y), levels::idAt(1, uint32_t(x - 10 + 4), uint32_t(y - 10 + 2))) << m;
@@ -113,14 +113,14 @@ TEST_F(RectangleDriver, BelowTwoTexelsTheBaseIsDrawnDirectly)
     for (const Modes &m : rectangleForms()) {
         // 8 pixels wide, 4 high; a 16th of a texel short of two a pixel for whole-texel lengths.
         for (int32_t across : {texels(16) - 1, texels(15), texels(12), texels(8), texels(4), 0, -texels(15)}) {
-            if (m.rectOpt == 2 && across == texels(16) - 1)
+            if (m.rectOpt == NINEFOLD_RECT_CORNERS && across == texels(16) - 1)
                 across = texels(15) + 0xFFFF; // lengths are whole texels: 15
             spread(m.rectOpt, rs.uv0, across, texels(30));
             EXPECT_EQ(chosenLevel(m), -1) << m << " across " << across;
             EXPECT_EQ(rs.mipFrac, 201);
             const State mip = state();
             Modes direct = m;
-            direct.filter = m.filter == 2 ? 0 : 1;
+            direct.filter = m.filter == NINEFOLD_FILTER_MIP ? 0 : 1;
             wipe();
             draw(direct);
             EXPECT_TRUE(state() == mip) << m << " is the plain filter's picture";
@@ -156,7 +156,7 @@ TEST_F(RectangleDriver, OctavesStartAtPowersOfTwoAndTheWeightFallsInside)
                  {0x7FFFF, 2, 0},   {0x80000, 3, 255}, {0xC8000, 3, 111}};
     for (const Modes &m : rectangleForms()) {
         for (const auto &c : cases) {
-            if (m.rectOpt == 2 && c.density & 0xFFFF)
+            if (m.rectOpt == NINEFOLD_RECT_CORNERS && c.density & 0xFFFF)
                 continue; // whole texels only
             spread(m.rectOpt, rs.uv0, c.density, texels(60));
             EXPECT_EQ(chosenLevel(m), c.level) << m << std::hex << c.density;
@@ -174,7 +174,7 @@ TEST_F(RectangleDriver, TheClampShiftsCoordinatesByTheClampedLevelAndKeepsTheWei
         EXPECT_EQ(chosenLevel(m), 1) << m;
         EXPECT_EQ(rs.mipFrac, 223) << m; // 255 - (0x240000 >> 13 & 255)
         EXPECT_EQ(rs.mipTex, base->mip[2]);
-        if (m.filter == 2 && m.shahei == 0) {
+        if (m.filter == NINEFOLD_FILTER_MIP && m.shahei == NINEFOLD_SHAHEI_NONE) {
             EXPECT_EQ(at(11, 11), levels::idAt(1, (4 + 18) & 3, (2 + 20) & 1)) << m;
         }
     }
@@ -260,7 +260,7 @@ TEST_F(RectangleDriver, ASecondTextureThatIsSetIsWalkedUnderEveryMulti)
     rs.tex1 = second;
     corners(10, 10, 18, 14);
     for (Modes m : rectangleForms()) {
-        for (int multi = 0; multi < 4; ++multi) {
+        for (int multi : multis) {
             m.multi = multi;
             spread(m.rectOpt, rs.uv0, texels(16), texels(8));
             spread(m.rectOpt, rs.uv1, texels(48), texels(24)); // 6 texels: level 2, 255 - (0x60000 >> 10 & 255)
@@ -290,8 +290,8 @@ TEST_F(RectangleDriver, ASecondTextureThatIsSetIsWalkedUnderEveryMulti)
 TEST_F(RectangleDriver, FourCornersGoByWholeTexelLengthsOfTwoEdges)
 {
     corners(10, 10, 15, 15);
-    for (int filter : {2, 5}) {
-        const Modes m{.filter = filter, .rectOpt = 2};
+    for (int filter : {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_MIP_BILINEAR}) {
+        const Modes m{.filter = filter, .rectOpt = NINEFOLD_RECT_CORNERS};
         // 6 by 8 texels along the top, 8 by 6 down the left: length 10 both, 2 a pixel.
         rs.uv0[0] = {0, 0};
         rs.uv0[1] = {texels(6), texels(8)};
@@ -314,17 +314,17 @@ TEST_F(RectangleDriver, AbsoluteValuesAndComparisonsWrap)
     corners(0, 0, 1, 1);
     rs.uv0[0] = {0, 0};
     rs.uv0[1] = {INT32_MIN, texels(40)};
-    EXPECT_EQ(chosenLevel({.filter = 2, .rectOpt = 1}), 5);
+    EXPECT_EQ(chosenLevel({.filter = NINEFOLD_FILTER_MIP, .rectOpt = NINEFOLD_RECT_STRETCH}), 5);
     EXPECT_EQ(rs.mipFrac, 255);
     // Above the last octave no level fits: level 0 and the old weight, but not the short way.
     rs.uv0[1] = {0x40000000, 0x50000000};
-    EXPECT_EQ(chosenLevel({.filter = 2, .rectOpt = 1}), 0);
+    EXPECT_EQ(chosenLevel({.filter = NINEFOLD_FILTER_MIP, .rectOpt = NINEFOLD_RECT_STRETCH}), 0);
     EXPECT_EQ(rs.mipFrac, 201);
     // A length of 40548 texels turns negative when it is shifted; divided by 1 and made absolute it is 0x619C0000.
     rs.uv0[0] = {0, 0};
     rs.uv0[1] = {0x70000000, 0x70000000};
     rs.uv0[2] = {0x7FFF0000, 0x7FFF0000}; // 46339: 0x4AFD0000
-    EXPECT_EQ(chosenLevel({.filter = 2, .rectOpt = 2}), 0);
+    EXPECT_EQ(chosenLevel({.filter = NINEFOLD_FILTER_MIP, .rectOpt = NINEFOLD_RECT_CORNERS}), 0);
     EXPECT_EQ(rs.mipFrac, 201);
 }
 
@@ -349,7 +349,7 @@ TEST_F(TriangleDriver, UpToOneTexelTheBaseIsDrawnDirectly)
             EXPECT_EQ(rs.mipFrac, 201);
             const State mip = state();
             Modes direct = m;
-            direct.filter = m.filter == 2 ? 0 : 1;
+            direct.filter = m.filter == NINEFOLD_FILTER_MIP ? 0 : 1;
             wipe();
             draw(direct);
             EXPECT_EQ(state().pixels, mip.pixels) << m;
@@ -432,7 +432,7 @@ TEST_F(TriangleDriver, ANegativeDensityGoesDirect)
     rs.uv0[0] = {0, 0};
     rs.uv0[1] = {0x7FFF0000, -0x7FFF0000};
     rs.uv0[2] = {0x7FFF0000, 0x7FFF0000};
-    EXPECT_EQ(chosenLevel({.shape = 2, .filter = 2}), -1);
+    EXPECT_EQ(chosenLevel({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_MIP}), -1);
     EXPECT_EQ(static_cast<uint32_t>(rs.mipRatio), 0xB5030000u);
 }
 
@@ -455,7 +455,7 @@ TEST_F(TriangleDriver, LevelClampAndShiftOfCoordinates)
         place(4, texels(144)); // 36 a pixel: level 5
         EXPECT_EQ(chosenLevel(m), 1) << m;
         EXPECT_EQ(rs.mipFrac, 223) << m;
-        if (m.filter == 2) { // without an operator and rule: the next level's texel
+        if (m.filter == NINEFOLD_FILTER_MIP) { // without an operator and rule: the next level's texel
             EXPECT_EQ(at(11, 10), levels::idAt(2, ((4 + 18) / 2) & 1, 0)) << m;
         }
     }
@@ -484,7 +484,7 @@ TEST_F(TriangleDriver, ASecondTextureThatIsSetIsWalkedUnderEveryMulti)
 {
     rs.tex1 = second;
     for (Modes m : triangleForms()) {
-        for (int multi = 0; multi < 4; ++multi) {
+        for (int multi : multis) {
             m.multi = multi;
             place(8, texels(24));
             place(8, texels(48), rs.uv1);
@@ -562,15 +562,15 @@ protected:
     void forEachForm(int filter, std::initializer_list<int> multis, std::initializer_list<int> rules, Visitor &&visit)
     {
         for (int pers : {0, 1})
-            for (int shahei = 0; shahei < 6; ++shahei)
+            for (int shahei : shaheis)
                 for (int rule : rules)
                     for (int multi : multis) {
-                        const Modes m{.shape = 2,
+                        const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE,
                                       .pers = pers,
                                       .rule = rule,
                                       .filter = filter,
                                       .shahei = shahei,
-                                      .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                                      .blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY,
                                       .multi = multi};
                         stale();
                         wipe();
@@ -623,7 +623,8 @@ TEST_F(TriangleForms, FilterTwoWithAnOperatorAndNoRuleCallsItAndShowsTheMix)
         expectPicture(m, [&](int x, int y) { return mixAt(x, y); }); // alpha 0
         EXPECT_EQ(callCount, 16 * ninefold::usableSets()) << m;
         EXPECT_EQ(seenFirst, mixAt(3, 3)) << m;
-        EXPECT_EQ(seenSecond, m.multi == 0 ? levels::point(*second->mip[1], u1(3), v1(3)) : 0x00334455u) << m;
+        EXPECT_EQ(seenSecond, m.multi == NINEFOLD_MULTI_TEXTURE ? levels::point(*second->mip[1], u1(3), v1(3)) : 0x00334455u)
+            << m;
     });
 }
 
@@ -631,8 +632,8 @@ TEST_F(TriangleForms, FilterTwosDroppedOperatorIsCalledUnderEveryBlend)
 {
     static std::string order;
     for (int blend : blends) {
-        for (int multi : {0, 1, 2}) {
-            const Modes m{.shape = 2, .filter = 2, .blend = blend, .multi = multi};
+        for (int multi : {NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR}) {
+            const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_MIP, .blend = blend, .multi = multi};
             wipe();
             order.clear();
             rs.multiFunc = [](uint32_t, uint32_t) {
@@ -646,9 +647,9 @@ TEST_F(TriangleForms, FilterTwosDroppedOperatorIsCalledUnderEveryBlend)
             kernel(m)();
             std::string expected;
             for (int k = 0; k < 16; ++k)
-                expected += blend == 12 ? "mb" : "m";
+                expected += blend == NINEFOLD_BLEND_CUSTOM ? "mb" : "m";
             EXPECT_EQ(order, expected) << m;
-            if (blend == 0 || blend == 11 || blend == 12) {
+            if (blend == NINEFOLD_BLEND_COPY || blend == NINEFOLD_BLEND_MERGE || blend == NINEFOLD_BLEND_CUSTOM) {
                 expectPicture(m, [&](int x, int y) { return mixAt(x, y); });
             }
         }
@@ -668,12 +669,15 @@ TEST_F(TriangleForms, FilterTwosDroppedOperatorIsNotCalledForAZeroSecondTexelBut
 TEST_F(TriangleForms, FilterTwosMixHasAlphaZeroWhichAlphaBlendsShow)
 {
     // Blend 1 with a source alpha of 0 stores (d * 255) / 256: 21, 32, 43.
-    for (int multi : {0, 1, 2}) {
+    for (int multi : {NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR}) {
         wipe();
-        draw({.shape = 2, .filter = 2, .blend = 1, .multi = multi});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_MIP, .blend = NINEFOLD_BLEND_ALPHA, .multi = multi});
         EXPECT_EQ(row(0, 0, 4), Pixels(4, 0x00213243));
         wipe();
-        draw({.shape = 2, .filter = 2, .blend = 4, .multi = multi}); // the destination as it is
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE,
+              .filter = NINEFOLD_FILTER_MIP,
+              .blend = NINEFOLD_BLEND_ALPHA_FAST,
+              .multi = multi}); // the destination as it is
         EXPECT_EQ(row(0, 0, 4), Pixels(4, ground));
     }
 }
@@ -725,7 +729,7 @@ TEST_F(TriangleForms, FilterFivesFourthTapMovesAWholeTexelOfTheLevelBelow)
     rs.uv0[1] = {2 * 0x54000 + texels(24), 2 * 0x114000}, rs.uv0[2] = {2 * 0x54000, 2 * 0x114000 + texels(24)};
     for (int pers : {0, 1}) {
         wipe();
-        draw({.shape = 2, .pers = pers, .filter = 5});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = pers, .filter = NINEFOLD_FILTER_MIP_BILINEAR});
         // Tap 4 alone: 255 * 16 / 256 = 15; then 15 * 128 / 256 = 7.
         EXPECT_EQ(at(0, 0), 0x00070000u);
     }
@@ -765,7 +769,7 @@ TEST_F(TriangleForms, AStaleWeightIsReadWhereTheSearchFindsNone)
     for (int32_t left : {0, 31, 255}) {
         wipe();
         rs.mipFrac1 = left;
-        draw({.shape = 2, .filter = 5, .multi = 0});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_MIP_BILINEAR, .multi = NINEFOLD_MULTI_TEXTURE});
         const int32_t pu = startU1 + 0x8000, pv = startV1 + 0x8000 * 2;
         EXPECT_EQ(at(1, 2),
                   levels::mix4(levels::bilinear(*second, pu, pv, true),
@@ -791,10 +795,14 @@ TEST_F(TriangleForms, RuleTextureAndItsCoordinatesStayAsTheyAre)
 TEST_F(TriangleForms, UnderThePlaneWalkOnlyDrawnPixelsAreMarked)
 {
     levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 2 ? 0 : levels::idAt(l, tu, tv); });
-    for (int filter : {2, 5}) {
-        for (int multi : {0, 1, 2, 3}) {
+    for (int filter : {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_MIP_BILINEAR}) {
+        for (int multi : {NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR, NINEFOLD_MULTI_NONE}) {
             for (int rule : {0, 1}) {
-                const Modes m{.shape = 2, .rule = rule, .filter = filter, .shahei = 2, .multi = multi};
+                const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE,
+                              .rule = rule,
+                              .filter = filter,
+                              .shahei = NINEFOLD_SHAHEI_PLANE_PRIORITY,
+                              .multi = multi};
                 wipe();
                 rs.zRef = 8;
                 draw(m);

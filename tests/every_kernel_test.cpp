@@ -63,7 +63,7 @@ TEST_F(EveryKernel, LeavesTheRenderStateAsItWasButForMipScratch)
         const State before = state();
         func();
         State after = state();
-        const bool mip = a.filter >= 2 && a.filter <= 5;
+        const bool mip = readsLevels(a.filter);
         if (mip) {
             clearScratch(after.rs);
             RenderState expected;
@@ -82,13 +82,13 @@ TEST_F(EveryKernel, WritesNothingOutsideTheClipRectangleAndTheSameAsUnclippedIns
     int k = 0;
     forEachKernel([&](const Axes &a, DrawFunc func) {
         // The rule slip of run-length rectangles counts from the first pixel that is drawn.
-        const bool slips = a.rectOpt == 5 && a.rule && a.shahei == 0;
+        const bool slips = a.rectOpt == NINEFOLD_RECT_RUNS && a.rule && a.shahei == NINEFOLD_SHAHEI_NONE;
         ++k;
         const bool flippedX = k & 1, flippedY = k & 2;
         placeLargely(a.shape, flippedX, flippedY);
         const State before = state();
         // Behind a row that is left out the planes lag: what belongs to the last row would lie outside.
-        table0[14].startU = a.shahei == 1 || a.shahei == 2 ? 0 : NINEFOLD_SKIP_ROW;
+        table0[14].startU = marksPlane(a.shahei) ? 0 : NINEFOLD_SKIP_ROW;
         func();
         const State whole = state();
         restore(before);
@@ -118,11 +118,12 @@ TEST_F(EveryKernel, WritesPlanesOnlyInTheirModes)
         const State before = state();
         func();
         const State after = state();
-        const bool empty = (a.filter == 3 || a.filter == 4) && a.rectOpt != 3;
-        ASSERT_EQ(after.plane != before.plane, (a.shahei == 1 || a.shahei == 2) && !empty) << nameOf(a);
-        ASSERT_EQ(after.z != before.z, a.shahei == 2 && !empty) << nameOf(a);
+        const bool empty = (a.filter == NINEFOLD_FILTER_LINE_POINT || a.filter == NINEFOLD_FILTER_LINE_BILINEAR) &&
+                           a.rectOpt != NINEFOLD_RECT_TABLE;
+        ASSERT_EQ(after.plane != before.plane, (marksPlane(a.shahei)) && !empty) << nameOf(a);
+        ASSERT_EQ(after.z != before.z, a.shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY && !empty) << nameOf(a);
         ASSERT_TRUE(after.pixels == before.pixels || !empty) << nameOf(a);
-        ASSERT_TRUE(after.pixels != before.pixels || empty || a.blend != 0) << nameOf(a);
+        ASSERT_TRUE(after.pixels != before.pixels || empty || a.blend != NINEFOLD_BLEND_COPY) << nameOf(a);
         restore(before);
     });
 }
@@ -141,7 +142,7 @@ TEST_F(EveryKernel, EmptyAndClippedAwayRectanglesTouchNothing)
     };
     const State before = state();
     forEachKernel([&](const Axes &a, DrawFunc func) {
-        if (a.shape != 1)
+        if (a.shape != NINEFOLD_SHAPE_RECTANGLE)
             return;
         for (const auto &p : placements) {
             for (int flip = 0; flip < 4; ++flip) {
@@ -152,7 +153,7 @@ TEST_F(EveryKernel, EmptyAndClippedAwayRectanglesTouchNothing)
         State after = state();
         std::memcpy(after.rs.vertex, before.rs.vertex, sizeof after.rs.vertex);
         // A driver measures before the kernel that it calls looks at the clip.
-        if (a.filter == 2 || a.filter == 5) {
+        if (a.filter == NINEFOLD_FILTER_MIP || a.filter == NINEFOLD_FILTER_MIP_BILINEAR) {
             RenderState expected = before.rs;
             clearScratch(expected);
             clearScratch(after.rs);
@@ -179,7 +180,7 @@ TEST_F(EveryKernel, TrianglesWithoutARowInsideTheClipTouchNoPlane)
     rs.scanShift = nullptr;
     const State before = state();
     forEachKernel([&](const Axes &a, DrawFunc func) {
-        if (a.shape != 2)
+        if (a.shape != NINEFOLD_SHAPE_TRIANGLE)
             return;
         for (const auto &p : placements) {
             triangle(p[0], p[1], p[2], p[3], p[4], p[5]);
@@ -204,23 +205,23 @@ TEST_F(EveryKernel, ReadsOnlyTheVerticesOfItsShape)
 {
     expectTheSameAfter([](const Axes &a, DrawFunc, const State &) {
         rs.vertex[3] = {-77, 1000, -5};
-        if (a.shape != 2)
+        if (a.shape != NINEFOLD_SHAPE_TRIANGLE)
             rs.vertex[2] = {12, -345, 0};
         if (!a.pers)
             for (Vertex &v : rs.vertex)
                 v.z = 0;
         // Nor the coordinates that belong to other corners.
         rs.uv2[3] = {0x123456, 0x654321};
-        if (a.shape == 1)
+        if (a.shape == NINEFOLD_SHAPE_RECTANGLE)
             rs.uv2[2] = {-1, -1};
-        if (a.shape == 2)
+        if (a.shape == NINEFOLD_SHAPE_TRIANGLE)
             rs.uv0[3] = rs.uv1[3] = {0x7654321, -0x7654321}, rs.color[3] = ~rs.color[3];
-        if (a.shape == 1 && a.rectOpt == 1)
+        if (a.shape == NINEFOLD_SHAPE_RECTANGLE && a.rectOpt == NINEFOLD_RECT_STRETCH)
             rs.uv0[2] = rs.uv0[3] = rs.uv1[2] = rs.uv1[3] = {-1, 0x7FFFFFFF};
-        if (a.shape == 1 && (a.rectOpt == 0 || a.rectOpt >= 5))
+        if (a.shape == NINEFOLD_SHAPE_RECTANGLE && (a.rectOpt == NINEFOLD_RECT_UNIT || a.rectOpt >= NINEFOLD_RECT_RUNS))
             for (int k = 1; k < 4; ++k)
                 rs.uv0[k] = rs.uv1[k] = {-1, 0x7FFFFFFF};
-        if (a.shape == 0)
+        if (a.shape == NINEFOLD_SHAPE_LINE)
             rs.color[2] = rs.color[3] = 0;
     });
 }

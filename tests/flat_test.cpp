@@ -15,10 +15,11 @@ class Colours : public Canvas {
 protected:
     explicit Colours(unsigned w = 256, unsigned h = 32) : Canvas(w, h) {}
 
-    static constexpr Modes flatRect{.filter = 6}, gouraudRect{.filter = 7}, flatTriangle{.shape = 2, .filter = 6},
-        gouraudTriangle{.shape = 2, .filter = 7};
+    static constexpr Modes flatRect{.filter = NINEFOLD_FILTER_FLAT}, gouraudRect{.filter = NINEFOLD_FILTER_GOURAUD},
+        flatTriangle{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_FLAT},
+        gouraudTriangle{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_GOURAUD};
 
-    static Modes with(Modes m, int shahei, int blend = 0)
+    static Modes with(Modes m, int shahei, int blend = NINEFOLD_BLEND_COPY)
     {
         m.shahei = shahei, m.blend = blend;
         return m;
@@ -87,18 +88,19 @@ TEST_F(FlatRectangle, ZeroIsAColourLikeAnyOther)
     corners(5, 3, 40, 9);
     triangle(5, 12, 40, 12, 5, 30);
     for (Modes m : {flatRect, gouraudRect, flatTriangle, gouraudTriangle}) {
-        for (int shahei : {0, 1, 2, 4}) {
+        for (int shahei :
+             {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY, NINEFOLD_SHAHEI_STIPPLE}) {
             wipe();
             colours(0, 0, 0, 0);
             rs.zRef = 4;
-            if (m.shape == 1)
+            if (m.shape == NINEFOLD_SHAPE_RECTANGLE)
                 corners(5, 3, 40, 9);
             else
                 triangle(5, 3, 40, 3, 5, 9);
             draw(with(m, shahei));
             EXPECT_EQ(at(6, 3), 0u) << m;
-            EXPECT_EQ(taken(6, 3), shahei == 1 || shahei == 2) << m;
-            EXPECT_EQ(zAt(6, 3), shahei == 2 ? 4 : 0) << m;
+            EXPECT_EQ(taken(6, 3), marksPlane(shahei)) << m;
+            EXPECT_EQ(zAt(6, 3), shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 4 : 0) << m;
         }
     }
 }
@@ -111,7 +113,7 @@ TEST_F(FlatRectangle, GatesTakeTheirPixels)
     for (uint16_t &row : rs.drawMask)
         row = static_cast<uint16_t>(random());
     for (Modes m : {flatRect, gouraudRect, flatTriangle, gouraudTriangle}) {
-        for (int shahei = 0; shahei < 6; ++shahei) {
+        for (int shahei : shaheis) {
             wipe();
             for (uint16_t &word : plane)
                 word = static_cast<uint16_t>(random() & random());
@@ -119,28 +121,29 @@ TEST_F(FlatRectangle, GatesTakeTheirPixels)
                 byte = static_cast<uint8_t>(random());
             rs.zRef = 0x780;
             const State before = state();
-            if (m.shape == 1)
+            if (m.shape == NINEFOLD_SHAPE_RECTANGLE)
                 corners(37, 2, 199, 31);
             else
                 triangle(37, 2, 199, 2, 37, 31);
-            draw(with(m, shahei, shahei == 3 || shahei == 5 ? 11 : 0));
+            draw(with(m, shahei, testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY));
             // Slope of the triangle's right edge: -162 / 29, truncated in 16.16.
             for (int y = 0; y < 32; ++y) {
-                const int right = m.shape == 1 ? 199 : (199 * 65536 - 162 * 65536 / 29 * (y - 2)) >> 16;
+                const int right = m.shape == NINEFOLD_SHAPE_RECTANGLE ? 199 : (199 * 65536 - 162 * 65536 / 29 * (y - 2)) >> 16;
                 for (int x = 0; x < 256; ++x) {
                     const size_t i = size_t(y * 256 + x);
                     const bool bit = before.plane[i / 16] >> (15 - x % 16) & 1, mask = rs.drawMask[y & 15] >> (15 - x % 16) & 1;
                     bool drawn = x >= 37 && x < right && y >= 2 && y < 31;
-                    if (shahei == 1 || shahei == 2)
+                    if (marksPlane(shahei))
                         drawn = drawn && !bit && !mask;
                     if (shahei >= 4)
                         drawn = drawn && !mask;
-                    if (shahei == 3 || shahei == 5)
+                    if (testsPriority(shahei))
                         drawn = drawn && before.z[i] >= 0x80;
                     ASSERT_EQ(at(x, y), drawn ? 0xFFAA5500 : ground) << m << " shahei " << shahei << " at " << x << ", " << y;
-                    ASSERT_EQ(taken(x, y), bit || (drawn && (shahei == 1 || shahei == 2)))
+                    ASSERT_EQ(taken(x, y), bit || (drawn && (marksPlane(shahei))))
                         << m << " shahei " << shahei << " at " << x << ", " << y;
-                    ASSERT_EQ(zAt(x, y), drawn && shahei == 2 ? 0x80 : before.z[i]) << m << " shahei " << shahei;
+                    ASSERT_EQ(zAt(x, y), drawn && shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x80 : before.z[i])
+                        << m << " shahei " << shahei;
                 }
             }
         }
@@ -225,7 +228,7 @@ TEST_F(GouraudRectangle, ChannelsBeyondTheirRangeLeakIntoTheChannelAbove)
     // Corners 2^32 - 3 columns apart: the width wraps to -3. Up to column 0 there are 2^31 steps, 0 for even ones.
     colours(0x80C81000, 0x80E62E1E, 0x80C81000, 0x80E62E1E); // red, green and blue go down by 10 a pixel
     rs.vertex[0] = {INT32_MIN, 3, 0}, rs.vertex[1] = {INT32_MAX - 2, 5, 0};
-    for (int shahei : {0, 1, 4}) {
+    for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}) {
         wipe();
         draw(with(gouraudRect, shahei));
         for (int y = 3; y < 5; ++y) {
@@ -252,7 +255,7 @@ TEST_F(GouraudRectangle, UnderThePlaneWalkSkippedPixelsStep)
     std::mt19937 random(73);
     for (uint32_t &c : rs.color)
         c = static_cast<uint32_t>(random());
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         wipe();
         for (uint16_t &word : plane)
             word = static_cast<uint16_t>(random());
@@ -292,7 +295,7 @@ TEST_F(ColourTriangle, EdgesTruncateWhereTexturedOnesRound)
     }
     rs.tex0 = solid(0xFF00FF00);
     clear();
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_EQ(at(10, 5), ground);
     EXPECT_NE(at(11, 5), ground);
 }
@@ -322,7 +325,8 @@ TEST_F(ColourTriangle, RowsOfNoWidthDrawNothing)
     colours(0xFF00FF00, 0xFFFF0000, 0xFF0000FF);
     triangle(10, 2, 10, 12, 10, 25);
     for (const Modes &m : {flatTriangle, gouraudTriangle}) {
-        for (int shahei : {0, 1, 2, 4}) {
+        for (int shahei :
+             {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY, NINEFOLD_SHAHEI_STIPPLE}) {
             wipe();
             draw(with(m, shahei));
             EXPECT_TRUE(untouched());
@@ -381,7 +385,7 @@ TEST_F(ColourTriangle, AShiftBeyondTheClipSkipsItsRowAndTheRestStepsOn)
     triangle(4, 2, 34, 2, 4, 32);
     clip(2, 1, 60, 31);
     for (const Modes &m : {flatTriangle, gouraudTriangle}) {
-        for (int shahei : {0, 1}) {
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE}) {
             rs.scanShift = nullptr;
             wipe();
             draw(with(m, shahei));
@@ -395,7 +399,7 @@ TEST_F(ColourTriangle, AShiftBeyondTheClipSkipsItsRowAndTheRestStepsOn)
                 for (int x = 0; x < 64; ++x)
                     ASSERT_EQ(at(x, y), y == 5 || y == 6 || y == 9 ? ground : straight.pixels[size_t(y * 64 + x)])
                         << x << ", " << y;
-            if (m.filter == 7) { // 8 of blue a pixel, 8 of green a row
+            if (m.filter == NINEFOLD_FILTER_GOURAUD) { // 8 of blue a pixel, 8 of green a row
                 EXPECT_EQ(at(7, 10), 0xFF000000u + 8 * 0x800 + 3 * 8);
             }
         }

@@ -123,12 +123,12 @@ TEST_F(FreshLibrary, PresetDrawMasksLetAllThroughBeforeTheirTableIsMade)
         for (uint16_t row : state->drawMask)
             EXPECT_EQ(row, 0) << index;
     }
-    OWN(SetPresetDrawMask)(259); // needs no table
+    OWN(SetPresetDrawMask)(NINEFOLD_STIPPLE_EVEN_ROWS); // needs no table
     EXPECT_EQ(state->drawMask[1], 0xFFFF);
 
     OWN(MakeDrawMaskTable)();
     EXPECT_EQ(state->drawMask[1], 0);
-    OWN(SetPresetDrawMask)(0);
+    OWN(SetPresetDrawMask)(NINEFOLD_STIPPLE_NOTHING);
     EXPECT_EQ(state->drawMask[0], 0xFFFF);
 }
 

@@ -32,7 +32,7 @@ TEST(GlyphNoFont, GlyphsAreEmpty)
     char name[] = "VL Gothic";
     rs.fontName = name;
     rs.fontHeight = 16;
-    rs.fontQuality = 3;
+    rs.fontQuality = NINEFOLD_QUALITY_GREY64;
     char text[] = "A\x88\xEA";
     EXPECT_EQ(CreateFontTextureFuchi(text), text + 1);
     EXPECT_EQ(CreateFontTexture(text + 1), text + 3);

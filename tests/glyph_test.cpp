@@ -106,7 +106,7 @@ protected:
     // A box of `value`s in the rows of the quality's format.
     void serve(uint32_t width, uint32_t height, uint8_t value = 0xFF)
     {
-        const uint32_t pitch = rs.fontQuality == 0 ? (width + 31) / 32 * 4 : (width + 3) / 4 * 4;
+        const uint32_t pitch = rs.fontQuality == NINEFOLD_QUALITY_MONO ? (width + 31) / 32 * 4 : (width + 3) / 4 * 4;
         source_.glyph = {width, height, 0, 0, static_cast<int32_t>(width), std::vector<uint8_t>(pitch * height, value)};
     }
     void serveEmpty(uint32_t width = 1, uint32_t height = 1) { source_.glyph = {width, height, 0, 0, 5, {}}; }
@@ -591,7 +591,7 @@ TEST_F(Glyph, NeighboursOutsideTheBoxCountAsNothing)
 
 TEST_F(Glyph, PartlyCoveredPixelsKeepTheirAlphaAndDarken)
 {
-    rs.fontQuality = 3;
+    rs.fontQuality = NINEFOLD_QUALITY_GREY64;
     serve(3, 3, 64);
     source_.glyph.bytes[5] = 32; // the centre
     ASSERT_TRUE(draw(Style::Rimmed));
@@ -603,7 +603,7 @@ TEST_F(Glyph, PartlyCoveredPixelsKeepTheirAlphaAndDarken)
 TEST_F(Glyph, RimWorksInPlace)
 {
     // Pixels done before have lost colour, a fraction of their weight, which decides a few sums.
-    rs.fontQuality = 3;
+    rs.fontQuality = NINEFOLD_QUALITY_GREY64;
     std::mt19937 random(1);
     bool differs = false;
     for (int round = 0; round < 200 && !differs; ++round) {
@@ -676,7 +676,10 @@ TEST_F(Glyph, AgreesWithTheReference)
                 served.bytes.resize(below(200));
             else
                 serve(served.width, served.height);
-            const uint32_t levels = rs.fontQuality == 1 ? 5 : rs.fontQuality == 2 ? 17 : rs.fontQuality == 3 ? 65 : 256;
+            const uint32_t levels = rs.fontQuality == NINEFOLD_QUALITY_GREY4    ? 5
+                                    : rs.fontQuality == NINEFOLD_QUALITY_GREY16 ? 17
+                                    : rs.fontQuality == NINEFOLD_QUALITY_GREY64 ? 65
+                                                                                : 256;
             const uint32_t solid = levels == 256 ? 0xFF : levels - 1;
             const uint32_t style = below(4); // noise, mostly solid, over the levels, sparse
             for (auto &byte : served.bytes) {

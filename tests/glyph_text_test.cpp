@@ -296,7 +296,7 @@ protected:
         rs.fontName = name_;
         rs.fontHeight = -20;
         rs.fontWeight = 400;
-        rs.fontQuality = 3;
+        rs.fontQuality = NINEFOLD_QUALITY_GREY64;
     }
     void TearDown() override
     {

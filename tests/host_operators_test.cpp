@@ -65,8 +65,8 @@ protected:
 
 TEST_F(HostOperators, AlternatePixelByPixelWhenBothAreTheHosts)
 {
-    for (const Modes &m : pointForms(0, 12, 0)) {
-        if (m.filter == 2 && m.shape == 2)
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_CUSTOM, NINEFOLD_MULTI_TEXTURE)) {
+        if (m.filter == NINEFOLD_FILTER_MIP && m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
         clear();
         place(m, 3, 4, 40, 6); // more than a vector, less than whole ones
@@ -92,7 +92,7 @@ TEST_F(HostOperators, RowsOfMoreThanAChunkAlternateToo)
     corners(1, 0, 1000, 2);
     rs.clipRight = 1024;
     calls.clear();
-    kernel({.blend = 12, .multi = 2})();
+    kernel({.blend = NINEFOLD_BLEND_CUSTOM, .multi = NINEFOLD_MULTI_COLOUR})();
     ASSERT_EQ(calls.size(), 2u * 2 * 999);
     for (size_t k = 0; k < calls.size(); ++k)
         ASSERT_EQ(calls[k].which, k % 2 ? 'b' : 'm') << k;
@@ -109,11 +109,12 @@ TEST_F(HostOperators, AreCalledLeftToRightForPixelsThatReachTheirStageOnly)
     rs.ruleThreshold = 100, rs.ruleWidth = 50;
     std::fill_n(rs.drawMask, 16, uint16_t{0x4210});
     rs.zRef = 9;
-    for (int shahei : {0, 3, 4, 5}) {
+    for (int shahei :
+         {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
         for (int rule : {0, 1}) {
-            for (Modes m : pointForms(shahei, 12, 0)) {
+            for (Modes m : pointForms(shahei, NINEFOLD_BLEND_CUSTOM, NINEFOLD_MULTI_TEXTURE)) {
                 m.rule = rule;
-                if (m.filter == 2 && m.shape == 2)
+                if (m.filter == NINEFOLD_FILTER_MIP && m.shape == NINEFOLD_SHAPE_TRIANGLE)
                     continue;
                 clear();
                 for (size_t k = 0; k < z.size(); ++k)
@@ -128,12 +129,13 @@ TEST_F(HostOperators, AreCalledLeftToRightForPixelsThatReachTheirStageOnly)
                         continue;
                     }
                     if (rule && x % 5 == 0) {
-                        slip += m.rectOpt == 5 && shahei == 0;
+                        slip += m.rectOpt == NINEFOLD_RECT_RUNS && shahei == NINEFOLD_SHAHEI_NONE;
                         continue;
                     }
-                    if ((shahei == 3 || shahei == 5) && (2 * 64 + x) % 11 == 0)
+                    if ((testsPriority(shahei)) && (2 * 64 + x) % 11 == 0)
                         continue;
-                    if ((shahei == 4 || shahei == 5) && (0x4210 >> (15 - x % 16) & 1))
+                    if ((shahei == NINEFOLD_SHAHEI_STIPPLE || shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE) &&
+                        (0x4210 >> (15 - x % 16) & 1))
                         continue;
                     const uint32_t texel = idAt(x - slip, 2), second = 0x20000 + 64 * 2 + x;
                     expected.push_back({'m', texel, second});
@@ -147,7 +149,7 @@ TEST_F(HostOperators, AreCalledLeftToRightForPixelsThatReachTheirStageOnly)
 
 TEST_F(HostOperators, UnderThePlaneWalkSkippedPixelsAreNoCalls)
 {
-    for (const Modes &m : pointForms(1, 0, 0)) {
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PLANE, NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_TEXTURE)) {
         wipe();
         plane[4 * 2] = 0x0FF0;
         plane[4 * 2 + 1] = 0xFFFF;
@@ -157,7 +159,7 @@ TEST_F(HostOperators, UnderThePlaneWalkSkippedPixelsAreNoCalls)
         for (uint32_t x = 2; x < 40; ++x)
             if (x < 4 || (x > 11 && x < 16) || x > 31)
                 expected.push_back({'m', idAt(x, 2), 0x20000 + 64 * 2 + x});
-        if (m.filter == 2 && m.shape == 2)
+        if (m.filter == NINEFOLD_FILTER_MIP && m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
         ASSERT_EQ(made, expected) << m;
     }
@@ -165,12 +167,12 @@ TEST_F(HostOperators, UnderThePlaneWalkSkippedPixelsAreNoCalls)
 
 TEST_F(HostOperators, OneOfTheHostBesideOneOfTheLibrary)
 {
-    for (const Modes &m : pointForms(0, 12, 2)) {
-        if (m.filter == 2 && m.shape == 2)
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_CUSTOM, NINEFOLD_MULTI_COLOUR)) {
+        if (m.filter == NINEFOLD_FILTER_MIP && m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
         place(m, 1, 2, 60, 3);
         // Only the blend is the host's: the library's xor of 24 bits comes before.
-        SetBlendModeMulti(16);
+        SetBlendModeMulti(NINEFOLD_MULTI_OP_XOR);
         rs.blendFunc = hostBlend;
         clear();
         std::vector<Call> made = callsOf(m);
@@ -179,7 +181,7 @@ TEST_F(HostOperators, OneOfTheHostBesideOneOfTheLibrary)
             ASSERT_EQ(made[k], (Call{'b', ground, idAt(k + 1, 2) ^ 0x50505})) << m;
         // Only the multi operator is.
         rs.multiFunc = hostMulti;
-        SetBlendMode(16);
+        SetBlendMode(NINEFOLD_BLEND_XOR);
         clear();
         made = callsOf(m);
         ASSERT_EQ(made.size(), 59u) << m;
@@ -193,12 +195,13 @@ TEST_F(HostOperators, EveryPixelOfALineIsBlendedOnceFromStartToEnd)
 {
     rs.color[0] = 0x12345678;
     corners(60, 3, 5, 20);
-    for (int shahei : {0, 4}) {
-        for (int filter : {6, 7}) {
+    for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_STIPPLE}) {
+        for (int filter : {NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD}) {
             std::fill_n(rs.color, 2, 0x12345678u);
             std::fill_n(rs.drawMask, 16, uint16_t{0});
             clear();
-            const std::vector<Call> made = callsOf({.shape = 0, .filter = filter, .shahei = shahei, .blend = 12});
+            const std::vector<Call> made =
+                callsOf({.shape = NINEFOLD_SHAPE_LINE, .filter = filter, .shahei = shahei, .blend = NINEFOLD_BLEND_CUSTOM});
             EXPECT_EQ(made, std::vector<Call>(55, Call{'b', ground, 0x12345678}));
         }
     }
@@ -218,7 +221,7 @@ TEST_F(WrappedOperators, DrawLikeTheLibrarysOwn)
         wrappedMulti = rs.multiFunc, wrappedBlend = rs.blendFunc;
         int n = 0;
         forEachKernel([&](const Axes &a, DrawFunc func) {
-            if (a.multi == 3 && a.blend != 12)
+            if (a.multi == NINEFOLD_MULTI_NONE && a.blend != NINEFOLD_BLEND_CUSTOM)
                 return;
             if (n++ % 20 != value) // every kernel meets one operator
                 return;
@@ -241,15 +244,15 @@ TEST_F(WrappedOperators, DrawLikeTheLibrarysOwn)
 // A host may put operators of one kind behind the pointer of the other.
 TEST_F(HostOperators, EitherPointerTakesAnyOperatorOfTheLibrary)
 {
-    SetBlendMode(14); // luma of the source: alpha 0
+    SetBlendMode(NINEFOLD_BLEND_LUMA_SRC); // luma of the source: alpha 0
     const PixelOperator luma = rs.blendFunc;
-    SetBlendModeMulti(2); // constant alpha
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_CONST_ALPHA); // constant alpha
     rs.blendAlpha = 128;
     rs.blendFunc = rs.multiFunc;
     rs.multiFunc = luma;
     rs.color[0] = 0x00FFFFFF;
-    for (const Modes &m : pointForms(0, 12, 2)) {
-        if (m.filter == 2 && m.shape == 2)
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_CUSTOM, NINEFOLD_MULTI_COLOUR)) {
+        if (m.filter == NINEFOLD_FILTER_MIP && m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
         clear();
         place(m, 0, 0, 8, 8);

@@ -404,9 +404,10 @@ TEST_F(RowBacks, AgreeOverAllPairsOfChannels)
     Words d, s, live, expected;
     std::fill(std::begin(live.at), std::end(live.at), ~0u);
     for (int blend : canvas::blends) {
-        if (blend == 12)
+        if (blend == NINEFOLD_BLEND_CUSTOM)
             continue;
-        const bool weighs = blend == 1 || blend == 4 || blend == 2;
+        const bool weighs =
+            blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_ALPHA_FAST || blend == NINEFOLD_BLEND_CONST_ALPHA;
         for (uint32_t alpha = 0; alpha < 256; alpha += weighs ? thin : 51) {
             rs.blendAlpha = alpha;
             for (uint32_t k = 0; k < 65536; k += chunk * (thin == 1 ? 1 : 8)) {
@@ -434,14 +435,14 @@ TEST_F(RowBacks, AgreeForEveryPrescaleFactorAndChannel)
 {
     Words d, s, live, rule{};
     std::fill(std::begin(live.at), std::end(live.at), ~0u);
-    for (int blend : {0, 1, 5, 6}) {
+    for (int blend : {NINEFOLD_BLEND_COPY, NINEFOLD_BLEND_ALPHA, NINEFOLD_BLEND_ADD, NINEFOLD_BLEND_SUB}) {
         for (uint32_t factor = 0; factor <= 256; factor += thin) {
             rs.prescale = factor;
             for (uint32_t k = 0; k < 256; k += chunk) {
                 for (uint32_t i = 0; i < uint32_t(chunk); ++i)
                     d.at[i] = uint32_t(random()), s.at[i] = (k + i) * 0x01010101;
                 for (Marks marks : {Marks::none, Marks::plane})
-                    if (blend == 0 || marks == Marks::none)
+                    if (blend == NINEFOLD_BLEND_COPY || marks == Marks::none)
                         expectRow({true, false, false, blend, marks}, d, s, live, rule, chunk);
             }
         }

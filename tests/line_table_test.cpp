@@ -18,16 +18,16 @@ protected:
     }
 
     // Point samples of tex0. Those with a Z test merge all bits.
-    static std::vector<Modes> forms(std::initializer_list<int> shaheis, int multi = 3)
+    static std::vector<Modes> forms(const std::vector<int> &gates, int multi = NINEFOLD_MULTI_NONE)
     {
         std::vector<Modes> all;
-        for (int shahei : shaheis)
-            for (int filter : {0, 8, 3, 2})
-                if (filter != 2 || (multi == 3 && shahei != 1 && shahei != 2))
+        for (int shahei : gates)
+            for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_MIP})
+                if (filter != NINEFOLD_FILTER_MIP || (multi == NINEFOLD_MULTI_NONE && !marksPlane(shahei)))
                     all.push_back({.filter = filter,
-                                   .rectOpt = 3,
+                                   .rectOpt = NINEFOLD_RECT_TABLE,
                                    .shahei = shahei,
-                                   .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                                   .blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY,
                                    .multi = multi});
         return all;
     }
@@ -68,7 +68,7 @@ TEST_F(LineTable, EachRowHasASegmentOfItsOwn)
     lines[2] = {texels(30), texels(2), texels(30), texels(10)}; // straight down one column
     lines[3] = {texels(0), texels(0), texels(4), texels(8)}; // slanted, half a column a pixel
     lines[4] = {texels(50), texels(20), texels(50), texels(12)}; // straight up one
-    for (const Modes &m : forms({0, 4})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_STIPPLE})) {
         clear();
         draw(m);
         for (uint32_t k = 0; k < 8; ++k) {
@@ -87,7 +87,7 @@ TEST_F(LineTable, RowsAndColumnsBothFloorAndStepsTruncate)
     place({}, 0, 0, 3, 1);
     // From half a texel before 0; 2 texels over 3 pixels are 0xAAAA and -2 texels -0xAAAA.
     lines[0] = {-0x8000, -0x8000, -0x8000 + texels(2), -0x8000 - texels(2)};
-    for (const Modes &m : forms({0, 1, 4})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})) {
         wipe();
         draw(m);
         // u: -0x8000, 0x2AAA, 0xD554; v: -0x8000, -0x12AAA, -0x1D554.
@@ -100,7 +100,7 @@ TEST_F(LineTable, TheFirstDrawnRecordIsThatOfTheFirstRowTheClipLeaves)
     place({}, 4, -10, 20, 10);
     for (uint32_t k = 0; k < 20; ++k)
         lines[k] = {texels(int(k)), texels(3), texels(int(k) + 16), texels(3)};
-    for (const Modes &m : forms({0, 1, 4})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})) {
         wipe();
         rs.clipLeft = 7;
         draw(m);
@@ -118,13 +118,14 @@ TEST_F(LineTable, ATableOfLeftOutRowsDrawsNothingAndTouchesNoPlane)
     for (LineTableRecord &line : lines)
         line.startU = NINEFOLD_SKIP_ROW;
     lines.push_back({1, 1, 1, 1});
-    for (int shahei = 0; shahei < 6; ++shahei) {
-        for (int filter : {0, 8, 1, 2, 3, 4, 5}) {
-            for (int multi = 0; multi < 4; ++multi) {
+    for (int shahei : shaheis) {
+        for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_BILINEAR, NINEFOLD_FILTER_MIP,
+                           NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_LINE_BILINEAR, NINEFOLD_FILTER_MIP_BILINEAR}) {
+            for (int multi : multis) {
                 const Modes m{.filter = filter,
-                              .rectOpt = 3,
+                              .rectOpt = NINEFOLD_RECT_TABLE,
                               .shahei = shahei,
-                              .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                              .blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY,
                               .multi = multi};
                 wipe();
                 std::fill(plane.begin(), plane.end(), uint16_t{0x1248});
@@ -143,8 +144,8 @@ TEST_F(LineTable, OnlyTheExactStartUIsTheSentinel)
     lines[1] = {0x7FFEFFFF, 0, 0x7FFEFFFF, 0};
     lines[2] = {0, NINEFOLD_SKIP_ROW, NINEFOLD_SKIP_ROW, NINEFOLD_SKIP_ROW};
     lines[3] = {NINEFOLD_SKIP_ROW, 0, 0, 0};
-    for (const Modes &m : forms({0, 4})) {
-        if (m.filter != 0 && m.filter != 8)
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_STIPPLE})) {
+        if (m.filter != NINEFOLD_FILTER_POINT && m.filter != NINEFOLD_FILTER_MOSAIC)
             continue; // the length of row 2 asks for a smaller level
         clear();
         draw(m);
@@ -155,7 +156,7 @@ TEST_F(LineTable, OnlyTheExactStartUIsTheSentinel)
 TEST_F(LineTable, BehindAGapTheFrameBufferTheTableAndTheZPlaneHaveMovedOn)
 {
     gapInRowFour();
-    for (const Modes &m : forms({0, 1, 2, 3, 4, 5})) {
+    for (const Modes &m : forms({std::begin(shaheis), std::end(shaheis)})) {
         wipe();
         for (int x = 0; x < 16; ++x)
             for (int y = 0; y < 8; ++y)
@@ -164,7 +165,7 @@ TEST_F(LineTable, BehindAGapTheFrameBufferTheTableAndTheZPlaneHaveMovedOn)
         draw(m);
         for (int y = 0; y < 8; ++y) {
             Pixels expected = y == 4 ? Pixels(16, ground) : texelRow(uint32_t(y), 16);
-            if (y == 5 && (m.shahei == 3 || m.shahei == 5)) // the Z bytes of row 5 are those of row 5
+            if (y == 5 && (testsPriority(m.shahei))) // the Z bytes of row 5 are those of row 5
                 for (size_t x = 1; x < 16; x += 2)
                     expected[x] = ground;
             EXPECT_EQ(row(y, 0, 16), expected) << m << " row " << y;
@@ -177,7 +178,8 @@ TEST_F(LineTable, BehindAGapTheStippleRowIsThatOfTheRowAbove)
     gapInRowFour();
     for (int y = 0; y < 16; ++y) // row y lets pixel y through
         rs.drawMask[y] = static_cast<uint16_t>(~(0x8000 >> y));
-    for (const Modes &m : forms({1, 2, 4, 5})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY, NINEFOLD_SHAHEI_STIPPLE,
+                                 NINEFOLD_SHAHEI_PRIORITY_STIPPLE})) {
         wipe();
         rs.zRef = 0;
         draw(m);
@@ -188,7 +190,7 @@ TEST_F(LineTable, BehindAGapTheStippleRowIsThatOfTheRowAbove)
 TEST_F(LineTable, BehindAGapThePlaneWordsAreThoseOfTheRowAbove)
 {
     gapInRowFour();
-    for (const Modes &m : forms({1, 2})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY})) {
         wipe();
         plane[4 * 4] = 0xF000; // seen by row 5
         plane[4 * 7] = 0x00FF; // seen by none
@@ -205,8 +207,8 @@ TEST_F(LineTable, BehindAGapThePlaneWordsAreThoseOfTheRowAbove)
         // The Z bytes are written where the pixels are.
         EXPECT_EQ(zAt(0, 4), 0);
         EXPECT_EQ(zAt(0, 5), 0);
-        EXPECT_EQ(zAt(4, 5), m.shahei == 2 ? 0x42 : 0) << m;
-        EXPECT_EQ(zAt(0, 7), m.shahei == 2 ? 0x42 : 0) << m;
+        EXPECT_EQ(zAt(4, 5), m.shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x42 : 0) << m;
+        EXPECT_EQ(zAt(0, 7), m.shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x42 : 0) << m;
     }
 }
 
@@ -214,8 +216,8 @@ TEST_F(LineTable, BehindAGapTheRuleRowIsThatOfTheRowAbove)
 {
     gapInRowFour();
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t v) { return u == v ? 255u : 0u; }); // row y passes pixel y
-    for (Modes m : forms({0, 1, 2, 3, 4, 5})) {
-        m.rule = 1;
+    for (Modes m : forms({std::begin(shaheis), std::end(shaheis)})) {
+        m.rule = NINEFOLD_RULE_ON;
         wipe();
         rs.zRef = 0;
         draw(m);
@@ -229,7 +231,7 @@ TEST_F(LineTable, SeveralGapsAddUp)
     lines[1].startU = lines[2].startU = lines[5].startU = NINEFOLD_SKIP_ROW;
     for (int y = 0; y < 16; ++y)
         rs.drawMask[y] = static_cast<uint16_t>(~(0x8000 >> y));
-    for (const Modes &m : forms({4})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_STIPPLE})) {
         clear();
         draw(m);
         // Rows 0, 3, 4, 6, 7 take the stipple rows 0, 1, 2, 3, 4.
@@ -249,8 +251,8 @@ TEST_F(LineTable, GapsThatTheClipCutsOffDoNotCount)
     rs.tex2 = texture(64, 32, [](uint32_t, uint32_t v) { return v == 2 || v == 3 || v == 4 ? 255u : 0u; });
     for (int y = 0; y < 16; ++y)
         rs.drawMask[y] = y == 2 || y == 4 ? 0x00FF : 0xFFFF;
-    for (Modes m : forms({1, 4})) {
-        m.rule = 1;
+    for (Modes m : forms({NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})) {
+        m.rule = NINEFOLD_RULE_ON;
         wipe();
         plane[4 * 2] = 0x8000;
         rs.clipTop = 2;
@@ -260,7 +262,7 @@ TEST_F(LineTable, GapsThatTheClipCutsOffDoNotCount)
         Pixels two = texelRow(2, 16), five = texelRow(5, 16);
         for (size_t x = 8; x < 16; ++x)
             two[x] = five[x] = ground;
-        if (m.shahei == 1)
+        if (m.shahei == NINEFOLD_SHAHEI_PLANE)
             two[0] = ground;
         EXPECT_EQ(row(2, 0, 16), two) << m;
         EXPECT_EQ(row(3, 0, 16), Pixels(16, ground)) << m;
@@ -273,7 +275,7 @@ TEST_F(LineTable, CornerColoursStepOverGaps)
 {
     gapInRowFour();
     rs.color[2] = rs.color[3] = 80; // 10 a row
-    for (const Modes &m : forms({0, 1, 4}, 1)) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}, NINEFOLD_MULTI_CORNERS)) {
         wipe();
         draw(m);
         for (int y = 0; y < 8; ++y)
@@ -289,7 +291,7 @@ TEST_F(LineTable, TheSecondTableStepsOverGapsAndIsNotTestedItself)
     for (int y = 0; y < 8; ++y)
         second[size_t(y)] = {texels(20 + y), texels(y), texels(36 + y), texels(y)};
     second[2] = {NINEFOLD_SKIP_ROW, texels(3), NINEFOLD_SKIP_ROW, texels(3)}; // column 0x7FFF is 63, wrapped
-    for (const Modes &m : forms({0, 1, 4}, 0)) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}, NINEFOLD_MULTI_TEXTURE)) {
         rs.lineTable1 = second.data();
         wipe();
         draw(m);
@@ -307,8 +309,8 @@ TEST_F(LineTable, WithoutASecondTextureTheSecondTableIsNotRead)
     gapInRowFour();
     rs.lineTable1 = nullptr;
     rs.tex1 = nullptr;
-    for (int multi : {1, 2, 3})
-        for (const Modes &m : forms({0, 1, 4}, multi))
+    for (int multi : {NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR, NINEFOLD_MULTI_NONE})
+        for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}, multi))
             draw(m);
     EXPECT_NE(at(0, 0), ground);
 }
@@ -317,7 +319,7 @@ TEST_F(LineTable, ReversedCornersLeaveTheTableAndExchangeColoursAndRule)
 {
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t) { return u == 0 ? 255u : 0u; });
     rs.color[0] = 10, rs.color[1] = 20, rs.color[2] = 30, rs.color[3] = 40;
-    for (const Modes &m : forms({0, 1, 4})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})) {
         wipe();
         place({}, 8, 4, 16, 8);
         corners(16, 8, 8, 4);
@@ -327,15 +329,15 @@ TEST_F(LineTable, ReversedCornersLeaveTheTableAndExchangeColoursAndRule)
                 ASSERT_EQ(at(x, y), idAt(uint32_t(x), uint32_t(y))) << m;
         // Colours: the bottom right's is now at the top left.
         Modes coloured = m;
-        coloured.multi = 1;
-        if (m.filter != 2) {
+        coloured.multi = NINEFOLD_MULTI_CORNERS;
+        if (m.filter != NINEFOLD_FILTER_MIP) {
             wipe();
             draw(coloured);
             EXPECT_EQ(at(8, 4), 0xFF000000u + 40) << m;
         }
         // The rule runs from 7 down by 7/8 a pixel: column 0 at the last one alone. Unexchanged the first two would pass.
         Modes ruled = m;
-        ruled.rule = 1;
+        ruled.rule = NINEFOLD_RULE_ON;
         rs.uv2[0] = {texels(0), 0}, rs.uv2[1] = {texels(7), 0};
         wipe();
         draw(ruled);
@@ -348,7 +350,7 @@ TEST_F(LineTable, ASegmentIsAsWideAsTheRectangleWhateverTheClipLeaves)
     place({}, 0, 0, 10, 1);
     lines[0] = {0, 0, texels(7), texels(3)};
     // 458752 / 10 = 45875, 196608 / 10 = 19660.
-    for (const Modes &m : forms({0, 1, 4})) {
+    for (const Modes &m : forms({NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})) {
         wipe();
         clip(4, 0, 8, 1);
         draw(m);

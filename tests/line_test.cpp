@@ -84,14 +84,17 @@ protected:
         rs.writeMask = 0xFFFFFFFF;
     }
 
-    static Modes line(int filter, int shahei = 0)
+    static Modes line(int filter, int shahei = NINEFOLD_SHAHEI_NONE)
     {
-        return {.shape = 0, .filter = filter, .shahei = shahei, .blend = shahei == 3 || shahei == 5 ? 11 : 0};
+        return {.shape = NINEFOLD_SHAPE_LINE,
+                .filter = filter,
+                .shahei = shahei,
+                .blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY};
     }
 
     void expectPoints(const Points &expected)
     {
-        for (int filter : {6, 7}) {
+        for (int filter : {NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD}) {
             clear();
             draw(line(filter));
             for (int y = 0; y < 32; ++y)
@@ -255,7 +258,7 @@ TEST_F(Line, EveryDirectionAndEveryKindOfEnd)
         clear();
         for (int set = 0; set < ninefold::usableSets(); ++set) {
             ninefold::useSet(set);
-            kernel(line(6 + round % 2))();
+            kernel(line(round % 2 ? NINEFOLD_FILTER_GOURAUD : NINEFOLD_FILTER_FLAT))();
         }
         ASSERT_EQ(drawnCount(), static_cast<int>(expected.size())) << x0 << ", " << y0 << " to " << x1 << ", " << y1;
         for (const auto &[px, py] : expected)
@@ -268,17 +271,17 @@ TEST_F(Line, ColoursRunTowardTheEndByTheWholeLength)
     // Three points from blue 0 to 255: a slope of 0x550000, pixels 0 and 85; the third is not drawn.
     rs.color[0] = 0xFF000000, rs.color[1] = 0xFF0000FF;
     corners(10, 5, 12, 5);
-    draw(line(7));
+    draw(line(NINEFOLD_FILTER_GOURAUD));
     EXPECT_EQ(row(5, 9, 13), (Pixels{ground, 0xFF000000, 0xFF000055, ground}));
     // The other way, falling: 255, 170.
     rs.color[0] = 0xFF0000FF, rs.color[1] = 0xFF000000;
     clear();
     corners(10, 5, 10, 7);
-    draw(line(7));
+    draw(line(NINEFOLD_FILTER_GOURAUD));
     EXPECT_EQ(column(10, 4, 8), (Pixels{ground, 0xFF0000FF, 0xFF0000AA, ground}));
     // Filter 6 has the first colour all along.
     clear();
-    draw(line(6));
+    draw(line(NINEFOLD_FILTER_FLAT));
     EXPECT_EQ(column(10, 4, 8), (Pixels{ground, 0xFF0000FF, 0xFF0000FF, ground}));
 }
 
@@ -288,15 +291,15 @@ TEST_F(Line, ClippingDoesNotMoveItsColours)
     const int ends[][4] = {{2, 3, 61, 25}, {61, 25, 2, 3}, {5, 30, 20, 1}, {30, 1, 12, 31}};
     for (const auto &e : ends) {
         corners(e[0], e[1], e[2], e[3]);
-        for (int shahei = 0; shahei < 6; ++shahei) {
+        for (int shahei : shaheis) {
             clip(0, 0, 64, 32);
             wipe();
             rs.zRef = 0;
-            draw(line(7, shahei));
+            draw(line(NINEFOLD_FILTER_GOURAUD, shahei));
             const State whole = state();
             wipe();
             clip(9, 8, 44, 21);
-            draw(line(7, shahei));
+            draw(line(NINEFOLD_FILTER_GOURAUD, shahei));
             EXPECT_GT(drawnCount(), 5);
             for (int y = 8; y < 21; ++y)
                 for (int x = 9; x < 44; ++x)
@@ -317,28 +320,28 @@ TEST_F(Line, PlanesAndStippleAreTestedBitByBit)
                             static_cast<int>(random() % 80) - 8, static_cast<int>(random() % 40) - 4};
         corners(ends[0], ends[1], ends[2], ends[3]);
         const Points points = walk(ends[0], ends[1], ends[2], ends[3], 0, 0, 64, 32);
-        for (int shahei = 0; shahei < 6; ++shahei) {
+        for (int shahei : shaheis) {
             clear();
             for (uint16_t &word : plane)
                 word = static_cast<uint16_t>(random() & random());
             for (uint8_t &byte : z)
                 byte = static_cast<uint8_t>(random());
             const State before = state();
-            draw(line(6 + round % 2, shahei));
+            draw(line(round % 2 ? NINEFOLD_FILTER_GOURAUD : NINEFOLD_FILTER_FLAT, shahei));
             for (int y = 0; y < 32; ++y) {
                 for (int x = 0; x < 64; ++x) {
                     const size_t i = size_t(y * 64 + x);
                     const bool bit = before.plane[i / 16] >> (15 - x % 16) & 1, mask = rs.drawMask[y & 15] >> (15 - x % 16) & 1;
                     bool drawn = std::find(points.begin(), points.end(), std::pair(x, y)) != points.end();
-                    if (shahei == 1 || shahei == 2)
+                    if (marksPlane(shahei))
                         drawn = drawn && !bit && !mask;
                     if (shahei >= 4)
                         drawn = drawn && !mask;
-                    if (shahei == 3 || shahei == 5)
+                    if (testsPriority(shahei))
                         drawn = drawn && before.z[i] >= 0x80;
                     ASSERT_EQ(at(x, y) != ground, drawn) << shahei << " at " << x << ", " << y;
-                    ASSERT_EQ(taken(x, y), bit || (drawn && (shahei == 1 || shahei == 2))) << shahei;
-                    ASSERT_EQ(zAt(x, y), drawn && shahei == 2 ? 0x80 : before.z[i]) << shahei;
+                    ASSERT_EQ(taken(x, y), bit || (drawn && (marksPlane(shahei)))) << shahei;
+                    ASSERT_EQ(zAt(x, y), drawn && shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x80 : before.z[i]) << shahei;
                 }
             }
         }
@@ -350,7 +353,7 @@ TEST_F(Line, ModeTwoHasNoPriorityTest)
     std::fill(z.begin(), z.end(), uint8_t{3});
     rs.zRef = 200;
     corners(5, 5, 9, 5);
-    draw(line(6, 2));
+    draw(line(NINEFOLD_FILTER_FLAT, NINEFOLD_SHAHEI_PLANE_PRIORITY));
     EXPECT_EQ(drawnCount(), 4);
     EXPECT_EQ(zAt(6, 5), 200);
     EXPECT_EQ(zAt(9, 5), 3);
@@ -360,19 +363,19 @@ TEST_F(Line, ZeroIsDrawnAndPrescaleFollowsTheBlend)
 {
     rs.color[0] = rs.color[1] = 0;
     corners(5, 5, 9, 5);
-    for (int filter : {6, 7}) {
+    for (int filter : {NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD}) {
         clear();
         draw(line(filter));
         EXPECT_EQ(row(5, 5, 10), (Pixels{0, 0, 0, 0, ground}));
     }
     rs.prescale = 128;
     rs.color[0] = rs.color[1] = 0x80604020;
-    for (int filter : {6, 7}) {
+    for (int filter : {NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD}) {
         clear();
-        draw({.shape = 0, .prescale = 1, .filter = filter});
+        draw({.shape = NINEFOLD_SHAPE_LINE, .prescale = NINEFOLD_PRESCALE_ON, .filter = filter});
         EXPECT_EQ(at(6, 5), 0x80302010u);
         clear();
-        draw({.shape = 0, .prescale = 1, .filter = filter, .blend = 1});
+        draw({.shape = NINEFOLD_SHAPE_LINE, .prescale = NINEFOLD_PRESCALE_ON, .filter = filter, .blend = NINEFOLD_BLEND_ALPHA});
         // Alpha 64: (0x60 * 64 + 0x22 * 191) / 256 and so on.
         EXPECT_EQ(at(6, 5), 0x0031363Au);
     }
@@ -393,7 +396,10 @@ TEST_F(Line, AScreenBlendOverAZTestIsTheKernelExportedByName)
     rs.zRef = 100;
     rs.color[0] = 0x10F02040, rs.color[1] = 0xE01090C0;
     corners(-3, 2, 61, 29);
-    draw({.shape = 0, .filter = 7, .shahei = 3, .blend = 9});
+    draw({.shape = NINEFOLD_SHAPE_LINE,
+          .filter = NINEFOLD_FILTER_GOURAUD,
+          .shahei = NINEFOLD_SHAHEI_PRIORITY,
+          .blend = NINEFOLD_BLEND_SCREEN});
     const State expected = state();
     EXPECT_FALSE(untouched());
     clear();

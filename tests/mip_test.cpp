@@ -26,13 +26,13 @@ protected:
         rs.color[0] = 0x00334455;
     }
 
-    static Modes lineForm(int filter, int shahei = 0, int multi = 3, int rule = 0)
+    static Modes lineForm(int filter, int shahei = NINEFOLD_SHAHEI_NONE, int multi = NINEFOLD_MULTI_NONE, int rule = 0)
     {
         return {.rule = rule,
                 .filter = filter,
-                .rectOpt = 3,
+                .rectOpt = NINEFOLD_RECT_TABLE,
                 .shahei = shahei,
-                .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                .blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY,
                 .multi = multi};
     }
 
@@ -55,9 +55,9 @@ protected:
     {
         const int32_t startU = line0.startU, startV = line0.startV;
         const int32_t du = (line0.endU - startU) / pixels >> level, dv = (line0.endV - startV) / pixels >> level;
-        for (int shahei : {0, 1, 3, 4}) {
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE}) {
             wipe();
-            draw(lineForm(3, shahei));
+            draw(lineForm(NINEFOLD_FILTER_LINE_POINT, shahei));
             for (int x = 0; x < pixels; ++x)
                 ASSERT_EQ(at(x, 0), levels::point(*base->mip[level], (startU >> level) + du * x, (startV >> level) + dv * x))
                     << u << " by " << v << " texels over " << pixels << " pixels, at " << x;
@@ -146,7 +146,7 @@ TEST_F(LineLevel, OfANegativeStepIsTheSixteenth)
     line0 = {-0x60000000, -0x60000000, 0x10000000, 0x10000000};
     corners(0, 0, 1, 1);
     expectLevel(1, 28672, 28672, 5); // the chain's last but one
-    draw(lineForm(2, 1));
+    draw(lineForm(NINEFOLD_FILTER_MIP, NINEFOLD_SHAHEI_PLANE));
     EXPECT_EQ(rs.mipFrac, 195); // 0x9E640000 >> 23 & 255 = 60
 }
 
@@ -154,7 +154,7 @@ TEST_F(LineLevel, TheClippedStartIsTheShiftedStartPlusShiftedSteps)
 {
     segment(49, 100, 37, 0x123457, 0x345679);
     const int32_t du = texels(100) / 49 >> 1, dv = texels(37) / 49 >> 1;
-    for (int filter : {3, 2}) {
+    for (int filter : {NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_MIP}) {
         clear();
         clip(7, 0, 40, 1);
         draw(lineForm(filter));
@@ -166,7 +166,7 @@ TEST_F(LineLevel, TheClippedStartIsTheShiftedStartPlusShiftedSteps)
     segment(49, -100, -37, 0x723457, 0x545679);
     const int32_t back = -texels(100) / 49 >> 1, up = -texels(37) / 49 >> 1;
     clear();
-    draw(lineForm(3));
+    draw(lineForm(NINEFOLD_FILTER_LINE_POINT));
     for (int x = 7; x < 40; ++x)
         ASSERT_EQ(at(x, 0), levels::point(*base->mip[1], (0x723457 >> 1) + back * x, (0x545679 >> 1) + up * x)) << x;
 }
@@ -178,7 +178,7 @@ TEST_F(LineLevel, EachRowChoosesItsOwn)
         table.push_back({0x2468, 0x1357, 0x2468 + texels(8 << level), 0x1357});
     rs.lineTable0 = table.data();
     corners(0, 0, 8, 6);
-    for (int filter : {3, 2}) {
+    for (int filter : {NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_MIP}) {
         clear();
         draw(lineForm(filter));
         for (int level = 0; level < 6; ++level)
@@ -216,15 +216,18 @@ TEST_F(LineScratch, EveryFilterAndModeLeavesWhatItShould)
     // tex1: 49 * 6 texels over 49 pixels, 0x60000, level 2: 255 - (0x60000 >> 10 & 255) = 127.
     segment(49, 100, 0);
     line1 = {0, 0, texels(49 * 6), 0};
-    for (int filter : {2, 3, 4, 5}) {
-        for (int shahei = 0; shahei < 6; ++shahei) {
-            for (int multi = 0; multi < 4; ++multi) {
+    for (int filter :
+         {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_LINE_BILINEAR, NINEFOLD_FILTER_MIP_BILINEAR}) {
+        for (int shahei : shaheis) {
+            for (int multi : multis) {
                 for (int rule : {0, 1}) {
                     rs.tex2 = solid(255);
                     const Modes m = lineForm(filter, shahei, multi, rule);
-                    const bool levelsToo = filter == 2 || filter == 5, walk = shahei == 1 || shahei == 2;
-                    const Scratch expected{walk ? 250 : 201, multi == 0 ? 127 : 99, levelsToo ? base->mip[2] : nullptr,
-                                           levelsToo && multi == 0 ? second->mip[3] : nullptr};
+                    const bool levelsToo = filter == NINEFOLD_FILTER_MIP || filter == NINEFOLD_FILTER_MIP_BILINEAR,
+                               walk = marksPlane(shahei);
+                    const Scratch expected{walk ? 250 : 201, multi == NINEFOLD_MULTI_TEXTURE ? 127 : 99,
+                                           levelsToo ? base->mip[2] : nullptr,
+                                           levelsToo && multi == NINEFOLD_MULTI_TEXTURE ? second->mip[3] : nullptr};
                     EXPECT_EQ(after(m), expected) << m;
                 }
             }
@@ -236,23 +239,25 @@ TEST_F(LineScratch, WeightsStayWhereTheSearchFindsNoLevel)
 {
     segment(100, 50, 0); // half a texel a pixel
     line1 = {0, 0, texels(50), 0};
-    for (int filter : {2, 3, 4, 5}) {
-        const bool levelsToo = filter == 2 || filter == 5;
-        EXPECT_EQ(after(lineForm(filter, 1, 0)),
+    for (int filter :
+         {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_LINE_BILINEAR, NINEFOLD_FILTER_MIP_BILINEAR}) {
+        const bool levelsToo = filter == NINEFOLD_FILTER_MIP || filter == NINEFOLD_FILTER_MIP_BILINEAR;
+        EXPECT_EQ(after(lineForm(filter, NINEFOLD_SHAHEI_PLANE, NINEFOLD_MULTI_TEXTURE)),
                   (Scratch{201, 99, levelsToo ? base->mip[1] : nullptr, levelsToo ? second->mip[1] : nullptr}))
             << filter;
     }
     // And beyond the last octave.
     segment(1, 16384, 0);
     line1 = {0, 0, texels(20000), 0};
-    EXPECT_EQ(after(lineForm(2, 1, 0)), (Scratch{201, 99, base->mip[1], second->mip[1]}));
+    EXPECT_EQ(after(lineForm(NINEFOLD_FILTER_MIP, NINEFOLD_SHAHEI_PLANE, NINEFOLD_MULTI_TEXTURE)),
+              (Scratch{201, 99, base->mip[1], second->mip[1]}));
 }
 
 TEST_F(LineScratch, TheClampChangesTheLevelNotTheWeight)
 {
     rs.tex0 = levels::fill(texture(8, 4), levels::idAt); // three levels
     segment(2, 70, 0); // 35 texels: level 5, 255 - (0x230000 >> 13 & 255) = 255 - 24
-    EXPECT_EQ(after(lineForm(2, 1)), (Scratch{231, 99, rs.tex0->mip[2], nullptr}));
+    EXPECT_EQ(after(lineForm(NINEFOLD_FILTER_MIP, NINEFOLD_SHAHEI_PLANE)), (Scratch{231, 99, rs.tex0->mip[2], nullptr}));
 }
 
 TEST_F(LineScratch, RowsThatAreLeftOutDoNotTouchIt)
@@ -262,21 +267,24 @@ TEST_F(LineScratch, RowsThatAreLeftOutDoNotTouchIt)
     std::vector<LineTableRecord> second2(2, {0, 0, texels(400), 0});
     rs.lineTable1 = second2.data();
     corners(0, 0, 49, 2);
-    for (int filter : {2, 3, 4, 5})
-        for (int shahei : {0, 1})
-            EXPECT_EQ(after(lineForm(filter, shahei, 0)), (Scratch{201, 99, nullptr, nullptr})) << filter;
+    for (int filter :
+         {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_LINE_BILINEAR, NINEFOLD_FILTER_MIP_BILINEAR})
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE})
+            EXPECT_EQ(after(lineForm(filter, shahei, NINEFOLD_MULTI_TEXTURE)), (Scratch{201, 99, nullptr, nullptr})) << filter;
     // The last drawn row leaves its own behind.
     std::vector<LineTableRecord> mixed = {{0, 0, texels(100), 0}, {NINEFOLD_SKIP_ROW, 0, texels(400), 0}};
     rs.lineTable0 = mixed.data();
-    EXPECT_EQ(after(lineForm(2, 1)), (Scratch{250, 99, base->mip[2], nullptr}));
+    EXPECT_EQ(after(lineForm(NINEFOLD_FILTER_MIP, NINEFOLD_SHAHEI_PLANE)), (Scratch{250, 99, base->mip[2], nullptr}));
 }
 
 TEST_F(LineScratch, RectanglesThatAreClippedAwayDoNotTouchIt)
 {
     segment(49, 100, 0);
     clip(60, 0, 100, 8);
-    for (int filter : {2, 3, 4, 5})
-        EXPECT_EQ(after(lineForm(filter, 1, 0)), (Scratch{201, 99, nullptr, nullptr})) << filter;
+    for (int filter :
+         {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_LINE_POINT, NINEFOLD_FILTER_LINE_BILINEAR, NINEFOLD_FILTER_MIP_BILINEAR})
+        EXPECT_EQ(after(lineForm(filter, NINEFOLD_SHAHEI_PLANE, NINEFOLD_MULTI_TEXTURE)), (Scratch{201, 99, nullptr, nullptr}))
+            << filter;
 }
 
 // What each filter makes of the level in rect option 3. Positions are those of level 1 and start between its texels.
@@ -300,7 +308,7 @@ protected:
     static int32_t v1() { return startU >> 1; }
 
     static constexpr uint32_t lineFrac = 191, lineFrac1 = 127, staleFrac = 201;
-    uint32_t fracOf(const Modes &m) const { return m.shahei == 1 || m.shahei == 2 ? lineFrac : staleFrac; }
+    uint32_t fracOf(const Modes &m) const { return marksPlane(m.shahei) ? lineFrac : staleFrac; }
 
     void prepare()
     {
@@ -313,10 +321,10 @@ protected:
 
 TEST_F(LineForms, FilterThreeIsAPointSampleOfTheLevel)
 {
-    for (int shahei = 0; shahei < 6; ++shahei) {
+    for (int shahei : shaheis) {
         for (int rule : {0, 1}) {
             prepare();
-            draw(lineForm(3, shahei, 3, rule));
+            draw(lineForm(NINEFOLD_FILTER_LINE_POINT, shahei, NINEFOLD_MULTI_NONE, rule));
             for (int x = 0; x < 8; ++x)
                 EXPECT_EQ(at(x, 0), levels::point(*base->mip[1], u(x), v())) << shahei << " " << rule;
         }
@@ -326,9 +334,9 @@ TEST_F(LineForms, FilterThreeIsAPointSampleOfTheLevel)
 TEST_F(LineForms, FilterThreeSamplesTheSecondTextureOnItsOwnLevel)
 {
     rs.multiFunc = [](uint32_t, uint32_t s) { return s; };
-    for (int shahei = 0; shahei < 6; ++shahei) {
+    for (int shahei : shaheis) {
         prepare();
-        draw(lineForm(3, shahei, 0));
+        draw(lineForm(NINEFOLD_FILTER_LINE_POINT, shahei, NINEFOLD_MULTI_TEXTURE));
         for (int x = 0; x < 8; ++x)
             EXPECT_EQ(at(x, 0), levels::point(*second->mip[1], u1(x), v1())) << shahei;
     }
@@ -336,11 +344,11 @@ TEST_F(LineForms, FilterThreeSamplesTheSecondTextureOnItsOwnLevel)
 
 TEST_F(LineForms, FilterFourMixesTheLevelUnderThePlaneWalkAndChoosesOtherwise)
 {
-    for (int shahei = 0; shahei < 6; ++shahei) {
+    for (int shahei : shaheis) {
         prepare();
-        draw(lineForm(4, shahei));
+        draw(lineForm(NINEFOLD_FILTER_LINE_BILINEAR, shahei));
         for (int x = 0; x < 8; ++x) {
-            if (shahei == 1 || shahei == 2) {
+            if (marksPlane(shahei)) {
                 EXPECT_EQ(at(x, 0), levels::bilinear(*base->mip[1], u(x), v(), false)) << shahei;
                 continue;
             }
@@ -358,9 +366,9 @@ TEST_F(LineForms, FilterFourMixesTheLevelUnderThePlaneWalkAndChoosesOtherwise)
 TEST_F(LineForms, FilterFourMixesTheSecondTextureInEveryMode)
 {
     rs.multiFunc = [](uint32_t, uint32_t s) { return s; };
-    for (int shahei = 0; shahei < 6; ++shahei) {
+    for (int shahei : shaheis) {
         prepare();
-        draw(lineForm(4, shahei, 0));
+        draw(lineForm(NINEFOLD_FILTER_LINE_BILINEAR, shahei, NINEFOLD_MULTI_TEXTURE));
         for (int x = 0; x < 8; ++x)
             EXPECT_EQ(at(x, 0), levels::bilinear(*second->mip[1], u1(x), v1(), true)) << shahei;
     }
@@ -368,19 +376,19 @@ TEST_F(LineForms, FilterFourMixesTheSecondTextureInEveryMode)
 
 TEST_F(LineForms, FilterTwoWithoutAnOperatorIsThePointSampleButUnderThePlaneWalk)
 {
-    for (int shahei = 0; shahei < 6; ++shahei) {
+    for (int shahei : shaheis) {
         for (int rule : {0, 1}) {
             prepare();
-            draw(lineForm(2, shahei, 3, rule));
-            const bool next = (shahei == 1 || shahei == 2) && !rule;
+            draw(lineForm(NINEFOLD_FILTER_MIP, shahei, NINEFOLD_MULTI_NONE, rule));
+            const bool next = (marksPlane(shahei)) && !rule;
             for (int x = 0; x < 8; ++x)
                 EXPECT_EQ(at(x, 0),
                           next ? levels::texel(*base->mip[2], u(x) >> 17, v() >> 17) : levels::point(*base->mip[1], u(x), v()))
                     << shahei << " rule " << rule;
-            if (shahei == 0) {
+            if (shahei == NINEFOLD_SHAHEI_NONE) {
                 const State two = state();
                 prepare();
-                draw(lineForm(3, shahei, 3, rule));
+                draw(lineForm(NINEFOLD_FILTER_LINE_POINT, shahei, NINEFOLD_MULTI_NONE, rule));
                 EXPECT_EQ(two.pixels, state().pixels) << "draws as filter 3";
             }
         }
@@ -392,25 +400,25 @@ TEST_F(LineForms, FilterTwoTestsTheLevelForZeroAndStoresTheNextLevelsZero)
     levels::fill(base, [](uint32_t l, uint32_t tu, uint32_t tv) {
         return l == 2 ? 0u : (l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tu, tv));
     });
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         prepare();
         rs.zRef = 0x5A;
-        draw(lineForm(2, shahei));
+        draw(lineForm(NINEFOLD_FILTER_MIP, shahei));
         for (int x = 0; x < 8; ++x) {
             const bool hole = (u(x) >> 16) % 4 == 1;
             EXPECT_EQ(at(x, 0), hole ? ground : 0u) << x;
             EXPECT_EQ(taken(x, 0), !hole) << x;
-            EXPECT_EQ(zAt(x, 0), !hole && shahei == 2 ? 0x5A : 0) << x;
+            EXPECT_EQ(zAt(x, 0), !hole && shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x5A : 0) << x;
         }
     }
 }
 
 TEST_F(LineForms, FilterTwoMixesLevelsForItsOperator)
 {
-    for (int multi : {1, 2}) {
-        for (int shahei = 0; shahei < 6; ++shahei) {
+    for (int multi : {NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR}) {
+        for (int shahei : shaheis) {
             for (int rule : {0, 1}) {
-                const Modes m = lineForm(2, shahei, multi, rule);
+                const Modes m = lineForm(NINEFOLD_FILTER_MIP, shahei, multi, rule);
                 prepare();
                 std::fill_n(rs.color, 4, 0x00334455u);
                 draw(m);
@@ -429,9 +437,9 @@ TEST_F(LineForms, FilterTwoMixesLevelsOfBothTexturesAndUnmixesWhereTheSecondIsZe
 {
     levels::fill(second,
                  [](uint32_t l, uint32_t tu, uint32_t tv) { return l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tv, tu); });
-    for (int shahei = 0; shahei < 6; ++shahei) {
+    for (int shahei : shaheis) {
         for (int rule : {0, 1}) {
-            const Modes m = lineForm(2, shahei, 0, rule);
+            const Modes m = lineForm(NINEFOLD_FILTER_MIP, shahei, NINEFOLD_MULTI_TEXTURE, rule);
             prepare();
             rs.multiFunc = [](uint32_t f, uint32_t s) { return f * 3 + s; };
             draw(m);
@@ -453,29 +461,30 @@ TEST_F(LineForms, FilterTwosMixByHand)
     levels::fill(base, [](uint32_t l, uint32_t, uint32_t) { return l == 1 ? 0xFFC8C8C8 : l == 2 ? 0xFF646464 : 0xFF000000; });
     prepare();
     rs.multiFunc = [](uint32_t f, uint32_t) { return f; };
-    draw(lineForm(2, 0, 2));
+    draw(lineForm(NINEFOLD_FILTER_MIP, NINEFOLD_SHAHEI_NONE, NINEFOLD_MULTI_COLOUR));
     EXPECT_EQ(at(0, 0), 0x00B2B2B2u);
     // A white of both levels fades by a step: 255 * 255 / 256.
     levels::fill(base, [](uint32_t, uint32_t, uint32_t) { return 0xFFFFFFFF; });
-    draw(lineForm(2, 0, 2));
+    draw(lineForm(NINEFOLD_FILTER_MIP, NINEFOLD_SHAHEI_NONE, NINEFOLD_MULTI_COLOUR));
     EXPECT_EQ(at(0, 0), 0x00FEFEFEu);
 }
 
 TEST_F(LineForms, FilterFiveReadsTheLevelsFirstTexelOutsideThePlaneWalk)
 {
-    for (int shahei : {0, 3, 4, 5}) {
+    for (int shahei :
+         {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
         for (int rule : {0, 1}) {
             prepare();
-            draw(lineForm(5, shahei, 3, rule));
+            draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, shahei, NINEFOLD_MULTI_NONE, rule));
             EXPECT_EQ(row(0, 0, 8), Pixels(8, base->mip[1]->pixels[0])) << shahei; // alpha and all
             prepare();
             rs.multiFunc = watch<0x10000>;
-            draw(lineForm(5, shahei, 0, rule));
+            draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, shahei, NINEFOLD_MULTI_TEXTURE, rule));
             EXPECT_EQ(seenFirst, base->mip[1]->pixels[0]);
             EXPECT_EQ(seenSecond, second->mip[1]->pixels[0]);
-            for (int multi : {1, 2}) {
+            for (int multi : {NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR}) {
                 prepare();
-                draw(lineForm(5, shahei, multi, rule));
+                draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, shahei, multi, rule));
                 EXPECT_EQ(seenFirst, base->mip[1]->pixels[0]) << multi;
             }
         }
@@ -483,12 +492,12 @@ TEST_F(LineForms, FilterFiveReadsTheLevelsFirstTexelOutsideThePlaneWalk)
     // It is tested for zero like any texel, in both textures.
     second->mip[1]->pixels[0] = 0;
     prepare();
-    draw(lineForm(5, 0, 0));
+    draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, NINEFOLD_SHAHEI_NONE, NINEFOLD_MULTI_TEXTURE));
     EXPECT_EQ(callCount, 0);
     EXPECT_EQ(at(3, 0), base->mip[1]->pixels[0]);
     base->mip[1]->pixels[0] = 0;
     prepare();
-    draw(lineForm(5, 0));
+    draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, NINEFOLD_SHAHEI_NONE));
     EXPECT_TRUE(untouched());
 }
 
@@ -496,10 +505,10 @@ TEST_F(LineForms, FilterFiveWithNegativePositionsReadsTheLevelOnly)
 {
     // What comes out is open, but it is of the level.
     for (int32_t start : {-0x53468, -0x7FFF0000}) {
-        for (int shahei : {0, 4}) {
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_STIPPLE}) {
             prepare();
             line0 = {start, start, start + texels(20), start + texels(3)};
-            draw(lineForm(5, shahei, 3));
+            draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, shahei, NINEFOLD_MULTI_NONE));
             const Texture &level = *base->mip[1];
             for (int x = 0; x < 8; ++x)
                 EXPECT_NE(std::find(level.pixels, level.pixels + level.width * level.height, at(x, 0)),
@@ -510,10 +519,10 @@ TEST_F(LineForms, FilterFiveWithNegativePositionsReadsTheLevelOnly)
 
 TEST_F(LineForms, FilterFiveMixesFourTexelsOfBothLevelsUnderThePlaneWalk)
 {
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         for (int rule : {0, 1}) {
             prepare();
-            draw(lineForm(5, shahei, 3, rule));
+            draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, shahei, NINEFOLD_MULTI_NONE, rule));
             for (int x = 0; x < 8; ++x) {
                 const uint32_t upper = levels::bilinear(*base->mip[1], u(x), v(), false),
                                lower = levels::bilinearBelow(*base->mip[2], u(x), v(), false);
@@ -525,11 +534,11 @@ TEST_F(LineForms, FilterFiveMixesFourTexelsOfBothLevelsUnderThePlaneWalk)
 
 TEST_F(LineForms, FilterFivesSecondOperandKeepsFourChannels)
 {
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         for (int rule : {0, 1}) {
             prepare();
             rs.multiFunc = [](uint32_t, uint32_t s) { return s; };
-            draw(lineForm(5, shahei, 0, rule));
+            draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, shahei, NINEFOLD_MULTI_TEXTURE, rule));
             for (int x = 0; x < 8; ++x) {
                 const uint32_t upper = levels::bilinear(*second->mip[1], u1(x), v1(), true);
                 const uint32_t lower = levels::bilinearBelow(*second->mip[2], u1(x), v1(), true);
@@ -541,7 +550,7 @@ TEST_F(LineForms, FilterFivesSecondOperandKeepsFourChannels)
     levels::fill(second, [](uint32_t l, uint32_t, uint32_t) { return l == 1 ? 0 : 0xFFFFFFFF; });
     prepare();
     rs.multiFunc = watch<0x10000>;
-    draw(lineForm(5, 1, 0));
+    draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, NINEFOLD_SHAHEI_PLANE, NINEFOLD_MULTI_TEXTURE));
     EXPECT_EQ(callCount, 0);
     EXPECT_EQ(at(2, 0), levels::mix3(levels::bilinear(*base->mip[1], u(2), v(), false),
                                      levels::bilinearBelow(*base->mip[2], u(2), v(), false), lineFrac));
@@ -554,7 +563,7 @@ TEST_F(LineForms, FilterFivesFourChannelMixByHand)
     levels::fill(second, [](uint32_t, uint32_t, uint32_t) { return 0xFFFFFFFF; });
     prepare();
     rs.multiFunc = [](uint32_t, uint32_t s) { return s; };
-    draw(lineForm(5, 1, 0));
+    draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, NINEFOLD_SHAHEI_PLANE, NINEFOLD_MULTI_TEXTURE));
     EXPECT_EQ(at(0, 0), 0xFEFEFEFDu);
 }
 
@@ -564,7 +573,7 @@ TEST_F(LineForms, FilterFiveTestsTheCentreOfTheLevelOnly)
         return l == 2 || (l == 1 && tu % 4 == 1) ? 0 : levels::idAt(l, tu, tv);
     });
     prepare();
-    draw(lineForm(5, 1));
+    draw(lineForm(NINEFOLD_FILTER_MIP_BILINEAR, NINEFOLD_SHAHEI_PLANE));
     for (int x = 0; x < 8; ++x) {
         const bool hole = (u(x) >> 16) % 4 == 1;
         EXPECT_EQ(at(x, 0) == ground, hole) << x;
@@ -589,7 +598,7 @@ protected:
     static void spread(int rectOpt, TexCoord *uv, TexCoord start, int32_t acrossU, int32_t downV)
     {
         uv[0] = start;
-        uv[1] = {start.u + acrossU, rectOpt == 1 ? start.v + downV : start.v};
+        uv[1] = {start.u + acrossU, rectOpt == NINEFOLD_RECT_STRETCH ? start.v + downV : start.v};
         uv[2] = {start.u, start.v + downV};
         uv[3] = {start.u + acrossU, start.v + downV};
     }
@@ -622,18 +631,18 @@ protected:
     template <class Visitor>
     void forEachForm(int filter, std::initializer_list<int> multis, Visitor &&visit)
     {
-        for (int rectOpt : {1, 2})
-            for (int shahei = 0; shahei < 6; ++shahei)
+        for (int rectOpt : {NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS})
+            for (int shahei : shaheis)
                 for (int rule : {0, 1})
                     for (int multi : multis) {
                         const Modes m{.rule = rule,
                                       .filter = filter,
                                       .rectOpt = rectOpt,
                                       .shahei = shahei,
-                                      .blend = shahei == 3 || shahei == 5 ? 11 : 0,
+                                      .blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY,
                                       .multi = multi};
                         prepare(m);
-                        visit(m, shahei == 1 || shahei == 2);
+                        visit(m, marksPlane(shahei));
                     }
     }
 
@@ -655,7 +664,7 @@ TEST_F(RectangleForms, FilterTwoTestsTheLevelForZeroAndStoresTheNextLevelsZero)
         return l == 2 ? 0u : (l == 1 && tu % 4 == 1 ? 0 : levels::idAt(l, tu, tv));
     });
     forEachForm(2, {3}, [&](const Modes &m, bool walk) {
-        rs.zRef = m.shahei == 2 ? 0x5A : 0;
+        rs.zRef = m.shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x5A : 0;
         draw(m);
         const bool next = walk && !m.rule;
         for (int y = 0; y < 4; ++y) {
@@ -663,7 +672,7 @@ TEST_F(RectangleForms, FilterTwoTestsTheLevelForZeroAndStoresTheNextLevelsZero)
                 const bool hole = (u(x) >> 16) % 4 == 1;
                 ASSERT_EQ(at(x, y), hole ? ground : next ? 0u : texelAt(x, y)) << m << " at " << x;
                 ASSERT_EQ(taken(x, y), walk && !hole) << m << " at " << x;
-                ASSERT_EQ(zAt(x, y), m.shahei == 2 && !hole ? 0x5A : 0) << m << " at " << x;
+                ASSERT_EQ(zAt(x, y), m.shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY && !hole ? 0x5A : 0) << m << " at " << x;
             }
         }
     });
@@ -697,10 +706,10 @@ TEST_F(RectangleForms, FilterTwosSecondOperandIsMixedInThreeChannelsAndAZeroUnmi
 TEST_F(RectangleForms, FilterTwosRowsTruncateInTheStretchForTheLevelAndFloorBelow)
 {
     // A single row at -0.5 of level 1: truncated to row 0; in the next level, -1 >> 17 is row -1.
-    for (int rectOpt : {1, 2}) {
-        for (int multi : {3, 2, 0}) {
-            for (int shahei : {0, 1}) {
-                const Modes m{.filter = 2, .rectOpt = rectOpt, .shahei = shahei, .multi = multi};
+    for (int rectOpt : {NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS}) {
+        for (int multi : {NINEFOLD_MULTI_NONE, NINEFOLD_MULTI_COLOUR, NINEFOLD_MULTI_TEXTURE}) {
+            for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE}) {
+                const Modes m{.filter = NINEFOLD_FILTER_MIP, .rectOpt = rectOpt, .shahei = shahei, .multi = multi};
                 prepare(m);
                 corners(0, 0, 8, 1);
                 spread(rectOpt, rs.uv0, {startU, -0x10000}, texels(24), texels(2));
@@ -711,11 +720,11 @@ TEST_F(RectangleForms, FilterTwosRowsTruncateInTheStretchForTheLevelAndFloorBelo
                 };
                 draw(m);
                 // 2 texels a pixel down, 3 across: level 1, weight 255 - 0.
-                const int line = rectOpt == 1 ? 0 : -1;
+                const int line = rectOpt == NINEFOLD_RECT_STRETCH ? 0 : -1;
                 const uint32_t texel = levels::texel(*base->mip[1], u(7) >> 16, line),
                                below = levels::texel(*base->mip[2], u(7) >> 17, -1);
-                EXPECT_EQ(at(7, 0), multi != 3 ? levels::mix3(texel, below, 255) : shahei ? below : texel) << m;
-                if (multi == 0) {
+                EXPECT_EQ(at(7, 0), multi != NINEFOLD_MULTI_NONE ? levels::mix3(texel, below, 255) : shahei ? below : texel) << m;
+                if (multi == NINEFOLD_MULTI_TEXTURE) {
                     const uint32_t texel1 = levels::texel(*second->mip[1], u(7) >> 16, line),
                                    below1 = levels::texel(*second->mip[2], u(7) >> 17, -1);
                     EXPECT_EQ(seenSecond, levels::mix3(texel1, below1, 255)) << m;
@@ -728,12 +737,13 @@ TEST_F(RectangleForms, FilterTwosRowsTruncateInTheStretchForTheLevelAndFloorBelo
 TEST_F(RectangleForms, FilterFiveMixesFourTexelsOfBothLevelsButInFourCornerRectanglesWithoutThePlane)
 {
     forEachForm(5, {3, 2}, [&](const Modes &m, bool walk) {
-        const bool firstTexel = m.rectOpt == 2 && !walk;
+        const bool firstTexel = m.rectOpt == NINEFOLD_RECT_CORNERS && !walk;
         draw(m);
         expectPicture(m, [&](int x, int y) {
             const uint32_t upper = levels::bilinear(*base->mip[1], u(x), v(y), false),
                            lower = levels::bilinearBelow(*base->mip[2], u(x), v(y), false);
-            return (firstTexel ? base->mip[1]->pixels[0] : levels::mix3(upper, lower, frac)) + (m.multi == 2 ? 0x10000 : 0);
+            return (firstTexel ? base->mip[1]->pixels[0] : levels::mix3(upper, lower, frac)) +
+                   (m.multi == NINEFOLD_MULTI_COLOUR ? 0x10000 : 0);
         });
     });
 }
@@ -742,7 +752,7 @@ TEST_F(RectangleForms, FilterFivesSecondOperandKeepsFourChannels)
 {
     rs.multiFunc = [](uint32_t, uint32_t s) { return s; };
     forEachForm(5, {0}, [&](const Modes &m, bool walk) {
-        const bool firstTexel = m.rectOpt == 2 && !walk;
+        const bool firstTexel = m.rectOpt == NINEFOLD_RECT_CORNERS && !walk;
         draw(m);
         expectPicture(m, [&](int x, int y) {
             const uint32_t upper = levels::bilinear(*second->mip[1], u1(x), v1(y), true),
@@ -754,8 +764,11 @@ TEST_F(RectangleForms, FilterFivesSecondOperandKeepsFourChannels)
 
 TEST_F(RectangleForms, FilterFiveInFourCornersReadsNoNextLevelAndNoWeight)
 {
-    for (int shahei : {0, 4}) {
-        const Modes m{.filter = 5, .rectOpt = 2, .shahei = shahei, .multi = 0};
+    for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_STIPPLE}) {
+        const Modes m{.filter = NINEFOLD_FILTER_MIP_BILINEAR,
+                      .rectOpt = NINEFOLD_RECT_CORNERS,
+                      .shahei = shahei,
+                      .multi = NINEFOLD_MULTI_TEXTURE};
         prepare(m);
         rs.multiFunc = [](uint32_t f, uint32_t s) { return f ^ s; };
         draw(m);
@@ -772,7 +785,7 @@ TEST_F(RectangleForms, FilterFiveInFourCornersReadsNoNextLevelAndNoWeight)
 TEST_F(RectangleForms, FilterFivesZeroCentreInTheSecondTextureLetsTheMixGoOn)
 {
     levels::fill(second, [](uint32_t l, uint32_t, uint32_t) { return l == 1 ? 0 : 0xFFFFFFFF; });
-    const Modes m{.filter = 5, .rectOpt = 1, .multi = 0};
+    const Modes m{.filter = NINEFOLD_FILTER_MIP_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH, .multi = NINEFOLD_MULTI_TEXTURE};
     prepare(m);
     rs.multiFunc = watch<0x10000>;
     draw(m);
@@ -791,7 +804,7 @@ TEST_F(RectangleForms, FilterFiveHalvesNegativePositionsTowardZero)
     for (const Form form : {Form{1, 0}, Form{1, 1}, Form{2, 1}}) {
         // -1 is the last that is halved to 0
         for (const TexCoord start : {TexCoord{-texels(12) + 0x1234, -texels(6) + 0x4321}, TexCoord{-2, -2}}) {
-            const Modes m{.filter = 5, .rectOpt = form.rectOpt, .shahei = form.shahei};
+            const Modes m{.filter = NINEFOLD_FILTER_MIP_BILINEAR, .rectOpt = form.rectOpt, .shahei = form.shahei};
             prepare(m);
             spread(form.rectOpt, rs.uv0, start, texels(24), texels(12));
             draw(m);

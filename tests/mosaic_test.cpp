@@ -14,19 +14,23 @@ int q(int x, int size) { return x / size * size; }
 class Mosaic : public Canvas {
 protected:
     // Every form, with the texel for pixel mapping of `place`.
-    static std::vector<Modes> forms(int multi = 3)
+    static std::vector<Modes> forms(int multi = NINEFOLD_MULTI_NONE)
     {
         std::vector<Modes> all;
-        for (int shahei : {0, 1, 4}) {
-            for (int rectOpt = 0; rectOpt < 4; ++rectOpt)
-                all.push_back({.filter = 8, .rectOpt = rectOpt, .shahei = shahei, .multi = multi});
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}) {
+            for (int rectOpt : rectOpts)
+                all.push_back({.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = rectOpt, .shahei = shahei, .multi = multi});
             for (int pers : {0, 1})
-                all.push_back({.shape = 2, .pers = pers, .filter = 8, .shahei = shahei, .multi = multi});
+                all.push_back({.shape = NINEFOLD_SHAPE_TRIANGLE,
+                               .pers = pers,
+                               .filter = NINEFOLD_FILTER_MOSAIC,
+                               .shahei = shahei,
+                               .multi = multi});
         }
         return all;
     }
 
-    static bool isUnit(const Modes &m) { return m.shape == 1 && m.rectOpt == 0; }
+    static bool isUnit(const Modes &m) { return m.shape == NINEFOLD_SHAPE_RECTANGLE && m.rectOpt == NINEFOLD_RECT_UNIT; }
 
     // Moves every position of tex0 (or tex1) by whole texels.
     void shiftSource(const Modes &m, int du, int dv, bool second = false)
@@ -34,7 +38,7 @@ protected:
         TexCoord *uv = second ? rs.uv1 : rs.uv0;
         for (int k = 0; k < 4; ++k)
             uv[k].u += texels(du), uv[k].v += texels(dv);
-        if (m.rectOpt != 3)
+        if (m.rectOpt != NINEFOLD_RECT_TABLE)
             return;
         moved = lines;
         for (LineTableRecord &line : moved)
@@ -49,7 +53,7 @@ TEST_F(Mosaic, BlocksOfOneTexelArePointSampling)
 {
     rs.tex0 = texture(64, 32, [](uint32_t u, uint32_t v) { return (u * 7 + v) % 9 ? idAt(u, v) : 0; });
     rs.tex1 = texture(32, 16, [](uint32_t u, uint32_t v) { return (u + v) % 5 ? 0x5000 + 64 * v + u : 0; });
-    for (int multi : {0, 3}) {
+    for (int multi : {NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_NONE}) {
         for (Modes m : forms(multi)) {
             place(m, 2, 1, 60, 30);
             for (TexCoord *uv : {rs.uv0, rs.uv1})
@@ -62,7 +66,7 @@ TEST_F(Mosaic, BlocksOfOneTexelArePointSampling)
             const State blocks = state();
             EXPECT_GT(drawnCount(), 500);
             wipe();
-            m.filter = 0;
+            m.filter = NINEFOLD_FILTER_POINT;
             draw(m);
             EXPECT_TRUE(state() == blocks) << m;
         }
@@ -111,7 +115,7 @@ TEST_F(Mosaic, AStretchByTwoMakesBlocksOfFourFillEightPixels)
     corners(3, 2, 51, 26);
     rs.uv0[0] = {0, 0};
     rs.uv0[1] = {texels(24), texels(12)};
-    draw({.filter = 8, .rectOpt = 1});
+    draw({.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = NINEFOLD_RECT_STRETCH});
     for (int y = 2; y < 26; ++y)
         for (int x = 3; x < 51; ++x)
             ASSERT_EQ(at(x, y), idAt(uint32_t((x - 3) / 8 * 4), uint32_t((y - 2) / 8 * 4)));
@@ -148,7 +152,7 @@ TEST_F(Mosaic, TheFirstTexelOfABlockDecidesWhetherItIsDrawn)
             for (int x = 0; x < 32; ++x) {
                 const bool hole = x / 4 == 2 && y / 4 == 1;
                 ASSERT_EQ(at(x, y), hole ? ground : idAt(uint32_t(x / 4 * 4), uint32_t(y / 4 * 4))) << m;
-                if (m.shahei == 1) {
+                if (m.shahei == NINEFOLD_SHAHEI_PLANE) {
                     ASSERT_EQ(taken(x, y), !hole) << m;
                 }
             }
@@ -212,11 +216,11 @@ TEST_F(Mosaic, StretchedRowsTruncateBeforeTheyAreQuantised)
     rs.uv0[0] = {0, -0x18000};
     rs.uv0[1] = {texels(1), -0x18000};
     corners(0, 0, 1, 1);
-    draw({.filter = 8, .rectOpt = 1});
+    draw({.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = NINEFOLD_RECT_STRETCH});
     EXPECT_EQ(at(0, 0), idAt(0, 0));
     rs.uv0[1] = {texels(1), -0x18000};
     rs.uv0[2] = rs.uv0[0], rs.uv0[3] = rs.uv0[1];
-    draw({.filter = 8, .rectOpt = 2});
+    draw({.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = NINEFOLD_RECT_CORNERS});
     EXPECT_EQ(at(0, 0), idAt(0, 30));
 }
 
@@ -227,17 +231,17 @@ TEST_F(Mosaic, TheSecondTextureTakesColumnsBySize1AndWrapsThemFirst)
     rs.tex0 = solid(0xFF000000);
     rs.tex1 = texture(8, 8, [](uint32_t u, uint32_t v) { return 0x800000 + v * 0x1000 + u; });
     rs.mosaicSize = 3, rs.mosaicSize1 = 5;
-    for (const Modes &m : forms(0)) {
+    for (const Modes &m : forms(NINEFOLD_MULTI_TEXTURE)) {
         for (int offset : {0, -10}) {
             if (offset && m.pers)
                 continue;
             wipe();
             place(m, 0, 0, 20, 20);
-            if (m.rectOpt == 3 && offset)
+            if (m.rectOpt == NINEFOLD_RECT_TABLE && offset)
                 rs.lineTable0 = lines.data();
             shiftSource(m, offset, offset, true);
             draw(m);
-            const bool rowsWrapFirst = isUnit(m) || m.shape == 2;
+            const bool rowsWrapFirst = isUnit(m) || m.shape == NINEFOLD_SHAPE_TRIANGLE;
             for (int y = 0; y < 20; ++y) {
                 for (int x = 0; x < 20; ++x) {
                     const int column = q((x + offset) & 7, 5);
@@ -254,7 +258,7 @@ TEST_F(Mosaic, SkippedPixelsMoveTheUnquantisedPosition)
     rs.tex0 = index(64, 32);
     rs.mosaicSize = rs.mosaicSize1 = 4;
     for (const Modes &m : forms()) {
-        if (m.shahei != 1)
+        if (m.shahei != NINEFOLD_SHAHEI_PLANE)
             continue;
         wipe();
         plane[4 * 2] = 0x5F31;
@@ -296,7 +300,7 @@ TEST_F(MosaicQuotient, IsExactForColumnsFrom0To65535)
     corners(0, 0, 65536, 1);
     for (int set = 0; set < ninefold::usableSets(); ++set) {
         ASSERT_TRUE(ninefold::useSet(set));
-        const DrawFunc func = kernel({.filter = 8});
+        const DrawFunc func = kernel({.filter = NINEFOLD_FILTER_MOSAIC});
         for (int size : sizes()) {
             rs.mosaicSize1 = size;
             func();
@@ -316,7 +320,7 @@ TEST_F(MosaicQuotient, IsExactForPositionsFromMinus32768To32767)
     int n = 0;
     for (int set = 0; set < ninefold::usableSets(); ++set) {
         ASSERT_TRUE(ninefold::useSet(set));
-        const DrawFunc func = kernel({.filter = 8, .rectOpt = 3});
+        const DrawFunc func = kernel({.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = NINEFOLD_RECT_TABLE});
         for (int size : sizes()) {
             rs.mosaicSize = size;
             const bool alongU = ++n % 2;
@@ -343,7 +347,8 @@ TEST_F(MosaicQuotient, IsExactForTheRowsOfEveryForm)
     Texture *tall = texture(1, 65536, [](uint32_t, uint32_t v) { return v + 1; });
     rs.tex0 = tall;
     corners(0, 0, 1, 1);
-    const DrawFunc unit = kernel({.filter = 8}), stretch = kernel({.filter = 8, .rectOpt = 1});
+    const DrawFunc unit = kernel({.filter = NINEFOLD_FILTER_MOSAIC}),
+                   stretch = kernel({.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = NINEFOLD_RECT_STRETCH});
     std::mt19937 random(9);
     for (int size : sizes()) {
         rs.mosaicSize = size;

@@ -175,7 +175,7 @@ TEST_F(Occlusion, EdgesTruncateWhereTexturedTrianglesRound)
     // From 10 by 3/4 a row: row 1 starts at 10.75. A textured triangle adds a half: 11.
     triangle(10, 4, 40, 4, 13, 8);
     rs.tex0 = solid(0xFFFFFFFF);
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_EQ(at(10, 5), ground);
     EXPECT_EQ(at(11, 5), 0xFFFFFFFFu);
     clear();

@@ -338,10 +338,15 @@ TEST_F(Blend, SetBlendModeDerivesTheCustomBlends)
     const struct {
         long value;
         uint32_t result;
-    } cases[] = {{14, plain::luma(s)}, {15, plain::luma(d)}, {16, d ^ s}, {17, d & s}, {18, d | s}, {19, d}};
+    } cases[] = {{NINEFOLD_BLEND_LUMA_SRC, plain::luma(s)},
+                 {NINEFOLD_BLEND_LUMA_DST, plain::luma(d)},
+                 {NINEFOLD_BLEND_XOR, d ^ s},
+                 {NINEFOLD_BLEND_AND, d & s},
+                 {NINEFOLD_BLEND_OR, d | s},
+                 {NINEFOLD_BLEND_DST, d}};
     for (const auto &c : cases) {
         SetBlendMode(c.value);
-        EXPECT_EQ(rs.blendMode, 12) << c.value;
+        EXPECT_EQ(rs.blendMode, NINEFOLD_BLEND_CUSTOM) << c.value;
         EXPECT_EQ(rs.blendFunc(d, s), c.result) << c.value;
     }
 }
@@ -349,7 +354,7 @@ TEST_F(Blend, SetBlendModeDerivesTheCustomBlends)
 TEST_F(Blend, SetBlendModeOf13And20UpIsPlainSource)
 {
     for (long value : {13l, 20l, 21l, 1000l, long{INT_MAX}}) {
-        rs.blendMode = 5;
+        rs.blendMode = NINEFOLD_BLEND_ADD;
         rs.blendFunc = hostOperator;
         SetBlendMode(value);
         EXPECT_EQ(rs.blendMode, 0) << value;
@@ -379,7 +384,7 @@ TEST_F(Blend, LowWordOfTheModeCounts)
         EXPECT_EQ(rs.blendMode, 5);
         EXPECT_EQ(rs.blendFunc, nullptr);
         SetBlendMode(high + 16);
-        EXPECT_EQ(rs.blendMode, 12);
+        EXPECT_EQ(rs.blendMode, NINEFOLD_BLEND_CUSTOM);
         EXPECT_EQ(operatorIndex(rs.blendFunc), static_cast<int>(Op::xorWord));
         SetBlendMode(high + 0xFFFFFFFF); // -1, not the many that are 20 and up
         EXPECT_EQ(rs.blendMode, -1);
@@ -449,7 +454,7 @@ TEST_F(Multi, EveryValueOfBothBanks)
 TEST_F(Multi, ZeroTakesColourFromTheSecondAndAlphaFromTheFirst)
 {
     EXPECT_EQ(multi(0, 0xAA000000, 0x00123456), 0xAA123456u);
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     rs.prescaleMulti = 128;
     EXPECT_EQ(multi(0, 0xAA000000, 0x00123456), 0xAA091A2Bu);
 }
@@ -460,7 +465,7 @@ TEST_F(Multi, ConstAlphaLosesAlphaInTheFirstBankOnly)
     EXPECT_EQ(multi(2, 0xFF102030, 0xFF405060) >> 24, 0u);
     EXPECT_EQ(multi(2, 0x7F102030, 0x00405060) >> 24, 0u);
     const uint32_t color = multi(2, 0x7F102030, 0x00405060);
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     EXPECT_EQ(multi(2, 0xFF102030, 0x00405060) >> 24, 0xFFu);
     EXPECT_EQ(multi(2, 0x7F102030, 0x00405060), 0x7F000000u | color);
 }
@@ -469,7 +474,7 @@ TEST_F(Multi, ConstAlphasOfTheSecondBankAreNotScaled)
 {
     rs.blendAlpha = 200;
     rs.blendAlphaRgb = 50;
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     for (uint32_t scale : {0u, 100u, 256u}) {
         rs.prescaleMulti = scale;
         EXPECT_EQ(multi(2, 0xFF000000, 0x00FFFFFF), 0xFFC7C7C7u); // 255 * 200 / 256
@@ -488,10 +493,10 @@ TEST_F(Multi, ValueThreeReadsItsOwnFactor)
 TEST_F(Multi, Values3And15And19AreOneFunctionInBothBanks)
 {
     for (long value = 0; value < 20; ++value) {
-        SetPrescaleMultiMode(0);
+        SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_PLAIN);
         SetBlendModeMulti(value);
         const PixelOperator first = rs.multiFunc;
-        SetPrescaleMultiMode(1);
+        SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
         EXPECT_EQ(first == rs.multiFunc, value == 3 || value == 15 || value == 19) << value;
     }
 }
@@ -517,7 +522,7 @@ TEST_F(Multi, MergeMayChangeAlpha)
 {
     rs.writeMask = 0xFF00FF00;
     EXPECT_EQ(multi(11, 0x11223344, 0xAABBCCDD), 0xAA22CC44u);
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     rs.prescaleMulti = 128; // scales the colour, not the alpha
     EXPECT_EQ(multi(11, 0x11223344, 0xAABBCCDD), 0xAA226644u);
 }
@@ -527,7 +532,7 @@ TEST_F(Multi, FactorsBeyondTheirRangeWrap)
     rs.blendAlpha = rs.blendAlphaRgb = 256;
     EXPECT_EQ(multi(2, 1, 0), 0x00FF00FFu);
     EXPECT_EQ(multi(3, 0x80000001, 0), 0x80FF00FFu);
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     rs.prescaleMulti = 0x20000;
     EXPECT_EQ(multi(0, 0x80000000, 0x000000FF), 0x80010000u);
     rs.prescaleMulti = 512;
@@ -539,7 +544,7 @@ TEST_F(Multi, Values12And13ActAsZero)
 {
     for (long bank : {0l, 1l}) {
         SetPrescaleMultiMode(bank);
-        SetBlendModeMulti(0);
+        SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
         const PixelOperator zero = rs.multiFunc;
         for (long value : {12l, 13l}) {
             SetBlendModeMulti(value);
@@ -551,18 +556,18 @@ TEST_F(Multi, Values12And13ActAsZero)
 
 TEST_F(Multi, ValuesOutsideTheTableActAsZeroInEitherBank)
 {
-    SetBlendModeMulti(0);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
     const PixelOperator first = rs.multiFunc;
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     const PixelOperator second = rs.multiFunc;
     EXPECT_NE(first, second);
     for (long value : {20l, 21l, -1l, long{INT_MAX}, long{INT_MIN}}) {
-        SetPrescaleMultiMode(0);
-        SetBlendModeMulti(5);
+        SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_PLAIN);
+        SetBlendModeMulti(NINEFOLD_MULTI_OP_ADD);
         SetBlendModeMulti(value);
         EXPECT_EQ(rs.blendModeMulti, value);
         EXPECT_EQ(rs.multiFunc, first) << value;
-        SetPrescaleMultiMode(1);
+        SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
         EXPECT_EQ(rs.blendModeMulti, value);
         EXPECT_EQ(rs.multiFunc, second) << value;
     }
@@ -570,14 +575,14 @@ TEST_F(Multi, ValuesOutsideTheTableActAsZeroInEitherBank)
 
 TEST_F(Multi, BankChangesTheOperatorAtOnce)
 {
-    SetBlendModeMulti(5);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_ADD);
     EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::keepAdd));
     for (long mode : {1l, 2l, -1l, long{INT_MIN}}) { // all but 0 are the second
         SetPrescaleMultiMode(mode);
         EXPECT_EQ(rs.prescaleMultiMode, mode);
         EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::scaledAdd)) << mode;
     }
-    SetPrescaleMultiMode(0);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_PLAIN);
     EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::keepAdd));
 }
 
@@ -599,13 +604,13 @@ TEST_F(Multi, LowWordsOfValueAndBankCount)
 
 TEST_F(Multi, BankAloneSelectsTheOperatorOfZeroAtFirst)
 {
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::scaledSrc));
 }
 
 TEST_F(Multi, FactorsAreReadWhenCalled)
 {
-    SetBlendModeMulti(2);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_CONST_ALPHA);
     const PixelOperator function = rs.multiFunc;
     rs.blendAlpha = 255;
     EXPECT_EQ(function(0, 0x00808080), 0x007F7F7Fu);
@@ -618,8 +623,8 @@ TEST_F(Multi, SettersTouchTheirFieldsOnly)
     std::memset(&rs, 0x5A, sizeof rs);
     RenderState expected;
     std::memcpy(&expected, &rs, sizeof rs);
-    SetPrescaleMultiMode(0);
-    SetBlendModeMulti(7);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_PLAIN);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL);
     expected.prescaleMultiMode = 0;
     expected.blendModeMulti = 7;
     expected.multiFunc = rs.multiFunc;
@@ -656,10 +661,10 @@ TEST_F(Operators, TableNamesWhatTheSetterSelects)
 
 TEST_F(Operators, EitherKindWorksBehindEitherPointer)
 {
-    SetBlendModeMulti(5);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_ADD);
     rs.blendFunc = rs.multiFunc;
     EXPECT_EQ(operatorIndex(rs.blendFunc), static_cast<int>(Op::keepAdd));
-    SetBlendMode(16);
+    SetBlendMode(NINEFOLD_BLEND_XOR);
     rs.multiFunc = rs.blendFunc;
     EXPECT_EQ(operatorIndex(rs.multiFunc), static_cast<int>(Op::xorWord));
     EXPECT_EQ(rs.multiFunc(0xFF000000, 0xFF000001), 1u);
@@ -704,9 +709,10 @@ TEST_F(Prescale, ScaleAlpha)
 TEST_F(Prescale, FormFollowsTheBlend)
 {
     const uint32_t source = 0x80FF8040;
-    for (int blend : {0, 6, 7, 8, 9, 10, 11, 12})
+    for (int blend : {NINEFOLD_BLEND_COPY, NINEFOLD_BLEND_SUB, NINEFOLD_BLEND_MUL, NINEFOLD_BLEND_MUL2, NINEFOLD_BLEND_SCREEN,
+                      NINEFOLD_BLEND_OVERLAY, NINEFOLD_BLEND_MERGE, NINEFOLD_BLEND_CUSTOM})
         EXPECT_EQ(prescaleSource(blend, source, 128), 0x807F4020u) << blend;
-    for (int blend : {1, 2, 4})
+    for (int blend : {NINEFOLD_BLEND_ALPHA, NINEFOLD_BLEND_CONST_ALPHA, NINEFOLD_BLEND_ALPHA_FAST})
         EXPECT_EQ(prescaleSource(blend, source, 128), 0x40FF8040u) << blend;
     EXPECT_EQ(prescaleSource(5, source, 128) & 0xFFFFFF, 0x007F4020u);
 }

@@ -83,12 +83,12 @@ TEST_F(Perspective, AtDepthOneTheTextureLiesAsWithoutPerspective)
     rs.tex0 = index(64, 32);
     triangle(3, 1, 60, 9, 20, 31);
     rs.uv0[0] = {texels(3), texels(1)}, rs.uv0[1] = {texels(60), texels(9)}, rs.uv0[2] = {texels(20), texels(31)};
-    for (int filter : {0, 8}) {
+    for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC}) {
         clear();
-        draw({.shape = 2, .filter = filter});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = filter});
         const State affine = state();
         clear();
-        draw({.shape = 2, .pers = 1, .filter = filter});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON, .filter = filter});
         int different = 0;
         for (size_t k = 0; k < affine.pixels.size(); ++k) {
             ASSERT_EQ(at(int(k % 64), int(k / 64)) == ground, affine.pixels[k] == ground);
@@ -98,9 +98,9 @@ TEST_F(Perspective, AtDepthOneTheTextureLiesAsWithoutPerspective)
         EXPECT_LT(different, 20);
     }
     // Positions that divide evenly are the same to the bit.
-    place({.shape = 2}, 2, 3, 50, 30);
+    place({.shape = NINEFOLD_SHAPE_TRIANGLE}, 2, 3, 50, 30);
     clear();
-    draw({.shape = 2, .pers = 1});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
     for (int y = 3; y < 30; ++y)
         for (int x = 2; x < 50; ++x)
             ASSERT_EQ(at(x, y), idAt(uint32_t(x), uint32_t(y)));
@@ -115,14 +115,14 @@ TEST_F(Perspective, TheMiddleOfAnEdgeIsNearerToTheFarEnd)
     rs.vertex[0].z = rs.vertex[1].z = 1, rs.vertex[2].z = 3;
     rs.uv0[0] = {texels(5), texels(0) + 0x4000}, rs.uv0[1] = {texels(5), texels(0) + 0x4000},
     rs.uv0[2] = {texels(5), texels(48) + 0x4000};
-    draw({.shape = 2, .pers = 1});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
     EXPECT_EQ(at(0, 0), idAt(5, 0));
     EXPECT_EQ(at(0, 4), idAt(5, 5)); // 1/z = 5/6, v/z = 4.2: 5.05
     EXPECT_EQ(at(0, 8), idAt(5, 12));
     EXPECT_EQ(at(0, 12), idAt(5, 24));
     EXPECT_EQ(at(7, 12), idAt(5, 24)); // along the row the depth is the same
     clear();
-    draw({.shape = 2, .pers = 0});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_OFF});
     EXPECT_EQ(at(0, 8), idAt(5, 24));
 }
 
@@ -141,7 +141,7 @@ TEST_F(Perspective, LargerDepthsAreCoarser)
         for (int k = 0; k < 3; ++k)
             rs.vertex[k].z = c.depth, rs.uv0[k] = {0x58000, 0};
         clear();
-        draw({.shape = 2, .pers = 1});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
         EXPECT_EQ(at(2, 3), 0xFF000000 + c.expected) << c.depth;
     }
 }
@@ -159,7 +159,7 @@ TEST_F(Perspective, OneShiftServesAllThreeVertices)
                 rs.vertex[k].z = 100000, rs.uv0[k] = {0x58000, 0x58000};
             (inU ? rs.uv0[2].u : rs.uv0[2].v) = other; // the lower vertex: the first row does not show it
             clear();
-            draw({.shape = 2, .pers = 1});
+            draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
             EXPECT_EQ(at(0, 0), 0xFF000000 + (inU ? 5 * 256 + expected : expected * 256 + 5)) << other;
         }
     }
@@ -190,7 +190,7 @@ TEST_F(Perspective, TheLargestCoordinateSetsTheShiftInSevenSteps)
                 rs.vertex[k].z = 100000, rs.uv0[k] = {u, 0};
             rs.uv0[2].u = largest; // the lower vertex: the first pixel does not show it
             clear();
-            draw({.shape = 2, .pers = 1});
+            draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
             EXPECT_EQ(at(0, 0), 0xFF000000 + static_cast<uint32_t>(texelAt(u, shift))) << largest << " not " << other;
         }
     }
@@ -205,12 +205,12 @@ TEST_F(Perspective, NegativeCoordinatesAreReadAsLargeUnsignedOnes)
     triangle(0, 0, 8, 0, 0, 8);
     for (int k = 0; k < 3; ++k)
         rs.uv0[k] = {texels(-1), texels(3)};
-    draw({.shape = 2, .pers = 1});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
     EXPECT_EQ(at(0, 0), idAt(63, 3));
     // u = -4 texels at depth 40,000: 4294967290 mod 53687 is 7290; times 2^32 over 53687, halved, that is 4449.47 texels.
     for (int k = 0; k < 3; ++k)
         rs.vertex[k].z = 40000, rs.uv0[k] = {texels(-4), texels(3) + 0x8000};
-    draw({.shape = 2, .pers = 1});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
     EXPECT_EQ(at(0, 0), idAt(33, 3));
 }
 
@@ -242,7 +242,7 @@ TEST_F(Perspective, EveryPixelIsDividedExactly)
         const Scene s = walk();
         const int multi = round % 2 ? 0 : 3, rule = round % 3 == 0;
         clear();
-        draw({.shape = 2, .pers = 1, .rule = rule, .multi = multi});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON, .rule = rule, .multi = multi});
         for (int y = 0; y < 32; ++y) {
             for (int x = 0; x < 64; ++x) {
                 uint32_t expected = ground;
@@ -251,7 +251,7 @@ TEST_F(Perspective, EveryPixelIsDividedExactly)
                     const int32_t ru = static_cast<int32_t>(a[5]), rv = static_cast<int32_t>(a[6]);
                     if (!rule || (((ru / 65536) ^ (rv / 65536)) & 1)) {
                         expected = levels::point(*rs.tex0, coordinate(a[0], a[4], s.shiftU0), coordinate(a[1], a[4], s.shiftV0));
-                        if (multi == 0)
+                        if (multi == NINEFOLD_MULTI_TEXTURE)
                             expected = expected * 0x10001 + levels::point(*rs.tex1, coordinate(a[2], a[4], s.shiftU1),
                                                                           coordinate(a[3], a[4], s.shiftV1));
                     }
@@ -270,15 +270,18 @@ TEST_F(Perspective, OtherFiltersSampleAtTheSameCoordinates)
     rs.vertex[0].z = 3, rs.vertex[1].z = 5, rs.vertex[2].z = 2;
     rs.uv0[0] = {texels(2), texels(1)}, rs.uv0[1] = {texels(41), texels(6)}, rs.uv0[2] = {texels(25), texels(31)};
     const Scene s = walk();
-    for (int filter : {0, 8, 1, 2, 5}) { // up to one texel a pixel 2 and 5 are 0 and 1
-        for (int shahei : {0, 1, 4}) {
+    for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_BILINEAR, NINEFOLD_FILTER_MIP,
+                       NINEFOLD_FILTER_MIP_BILINEAR}) { // up to one texel a pixel 2 and 5 are 0 and 1
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}) {
             wipe();
-            draw({.shape = 2, .pers = 1, .filter = filter, .shahei = shahei});
+            draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON, .filter = filter, .shahei = shahei});
             for (const auto &[place, a] : s.pixels) {
                 const int32_t u = coordinate(a[0], a[4], s.shiftU0), v = coordinate(a[1], a[4], s.shiftV0);
-                const uint32_t expected = filter == 8 ? levels::texel(*rs.tex0, (u >> 16) / 5 * 5, (v >> 16) / 5 * 5)
-                                          : filter == 1 || filter == 5 ? levels::bilinear(*rs.tex0, u, v, false)
-                                                                       : levels::point(*rs.tex0, u, v);
+                const uint32_t expected = filter == NINEFOLD_FILTER_MOSAIC
+                                              ? levels::texel(*rs.tex0, (u >> 16) / 5 * 5, (v >> 16) / 5 * 5)
+                                          : filter == NINEFOLD_FILTER_BILINEAR || filter == NINEFOLD_FILTER_MIP_BILINEAR
+                                              ? levels::bilinear(*rs.tex0, u, v, false)
+                                              : levels::point(*rs.tex0, u, v);
                 ASSERT_EQ(at(place.first, place.second), expected) << filter << " at " << place.first << ", " << place.second;
             }
         }
@@ -294,15 +297,15 @@ TEST_F(Perspective, RulesAndColoursAreLinearOnTheScreen)
     rs.uv0[0] = {0, 0}, rs.uv0[1] = {texels(32), 0}, rs.uv0[2] = {0, texels(32)};
     rs.uv2[0] = {0, 0}, rs.uv2[1] = {texels(16), 0}, rs.uv2[2] = {0, texels(16)};
     rs.color[0] = 0, rs.color[1] = 0x80, rs.color[2] = 0x8000;
-    SetBlendModeMulti(0);
-    draw({.shape = 2, .pers = 1, .rule = 1, .multi = 1});
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON, .rule = NINEFOLD_RULE_ON, .multi = NINEFOLD_MULTI_CORNERS});
     // Two pixels of each rule column; four of blue a pixel to the right, four of green a row down.
     for (uint32_t y = 0; y < 32; ++y)
         for (uint32_t x = 0; x < 32 - y; ++x)
             ASSERT_EQ(at(int(x), int(y)), x / 2 % 2 ? 0xFF000000 + y * 4 * 256 + x * 4 : ground) << x << ", " << y;
     // The texture is not: at the middle of the top row, depths 1 and 4, u is not 16 but (0 + 8/2) / (1 + 1/4) * 2 = 6.4.
     clear();
-    draw({.shape = 2, .pers = 1});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
     EXPECT_EQ(at(16, 0), idAt(6, 0));
 }
 
@@ -312,7 +315,7 @@ TEST_F(Perspective, IsTheKernelExportedByName)
     triangle(2, 1, 61, 6, 25, 31);
     rs.vertex[1].z = 4, rs.vertex[2].z = 9;
     rs.uv0[1] = {texels(32), 0}, rs.uv0[2] = {0, texels(32)};
-    draw({.shape = 2, .pers = 1});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON});
     const State expected = state();
     clear();
     DrawPolygon_PERS_TEST();
@@ -358,7 +361,7 @@ protected:
         for (int set = 0; set < ninefold::usableSets() && !HasFatalFailure(); ++set) {
             SCOPED_TRACE(ninefold::setNames[set]);
             ASSERT_TRUE(ninefold::useSet(set));
-            body(kernel({.shape = 2, .pers = 1}));
+            body(kernel({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = NINEFOLD_PERS_ON}));
         }
     }
 };

@@ -13,7 +13,7 @@ bool inside(int left, int top, int right, int bottom, int x, int y) { return x >
 
 class PixelPath : public Canvas {
 protected:
-    static std::vector<Modes> texturedForms(int shahei, int blend = 0)
+    static std::vector<Modes> texturedForms(int shahei, int blend = NINEFOLD_BLEND_COPY)
     {
         std::vector<Modes> forms = pointForms(shahei, blend);
         for (const Modes &m : mixingForms(shahei, blend))
@@ -29,7 +29,7 @@ TEST_F(PlaneGate, AZeroTexelStaysFreeAndASecondDrawFillsIt)
     Texture *holed = texture(64, 32, [](uint32_t x, uint32_t y) { return (x == 5 || x == 20) && y == 3 ? 0 : idAt(x, y); });
     equipped(holed);
     Texture *whole = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 0xFFABCDEF; }));
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         for (const Modes &m : texturedForms(shahei)) {
             wipe();
             place(m, 2, 1, 50, 30);
@@ -59,7 +59,7 @@ TEST_F(PlaneGate, AZeroTexelStaysFreeAndASecondDrawFillsIt)
 TEST_F(PlaneGate, BitFifteenIsTheLeftmostPixel)
 {
     rs.tex0 = equipped(index(64, 32));
-    for (const Modes &m : pointForms(1)) {
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PLANE)) {
         wipe();
         plane[4 * 1 + 1] = 0x8001; // row 1, pixels 16 and 31
         place(m, 0, 0, 64, 32);
@@ -79,7 +79,7 @@ TEST_F(PlaneGate, ModeTwoWritesZOnlyWhereItMarks)
     rs.tex0 = equipped(holed);
     rs.zRef = 0x1AB; // the low byte counts
     stipple({0x0F0F, 0, 0, 0x8000, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x0001});
-    for (const Modes &m : texturedForms(2)) {
+    for (const Modes &m : texturedForms(NINEFOLD_SHAHEI_PLANE_PRIORITY)) {
         wipe();
         std::fill(z.begin(), z.end(), uint8_t{7});
         plane[4 * 5 + 1] = 0xF00F;
@@ -105,7 +105,7 @@ TEST_F(PlaneGate, PixelsThatTheStippleHoldsBackStayFree)
 {
     rs.tex0 = equipped(index(64, 32));
     std::fill_n(rs.drawMask, 16, uint16_t{0xAAAA});
-    for (const Modes &m : pointForms(1)) {
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PLANE)) {
         wipe();
         place(m, 0, 0, 64, 32);
         draw(m);
@@ -117,7 +117,7 @@ TEST_F(PlaneGate, PixelsThatTheStippleHoldsBackStayFree)
 TEST_F(PlaneGate, ThirteenToEighteenTouchesTwoWordsAndRestoresTheRest)
 {
     rs.tex0 = equipped(index(64, 32));
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         for (const Modes &m : pointForms(shahei)) {
             for (uint16_t first : {uint16_t{0}, uint16_t{0xFFFF}, uint16_t{0x5A51}}) {
                 for (uint16_t second : {uint16_t{0}, uint16_t{0xFFFF}, uint16_t{0x4C33}}) {
@@ -141,7 +141,7 @@ TEST_F(PlaneGate, ThirteenToEighteenTouchesTwoWordsAndRestoresTheRest)
 TEST_F(PlaneGate, ASpanInsideOneWordKeepsTheBitsOnBothSides)
 {
     rs.tex0 = equipped(index(64, 32));
-    for (const Modes &m : pointForms(2)) {
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PLANE_PRIORITY)) {
         wipe();
         plane[4 * 2 + 1] = 0xA00A; // pixels 16, 18 and 28, 30 of row 2
         place(m, 19, 2, 27, 3);
@@ -154,7 +154,7 @@ TEST_F(PlaneGate, ASpanInsideOneWordKeepsTheBitsOnBothSides)
 TEST_F(PlaneGate, TheWordBehindARectangleThatEndsOnAWordKeepsItsValue)
 {
     rs.tex0 = equipped(index(64, 32));
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         for (const Modes &m : pointForms(shahei)) {
             for (uint16_t behind : {uint16_t{0}, uint16_t{0xFFFF}, uint16_t{0x1234}}) {
                 wipe();
@@ -173,7 +173,7 @@ TEST_F(PlaneGate, TheLastWordOfThePlaneIsNotPassed)
 {
     // The word behind the last pixel of the last row lies beyond the plane: the sanitizers tell.
     rs.tex0 = equipped(index(64, 32));
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         for (const Modes &m : pointForms(shahei)) {
             wipe();
             place(m, 40, 30, 64, 32);
@@ -196,7 +196,7 @@ TEST_F(PlaneGate, MarksAsAPixelByPixelWalkWould)
         for (uint16_t &word : before)
             word = static_cast<uint16_t>(round % 3 == 0 ? random() : random() & random() & random());
         const int left = static_cast<int>(random() % 64), right = left + 1 + static_cast<int>(random() % (64 - uint32_t(left)));
-        for (const Modes &m : pointForms(1)) {
+        for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PLANE)) {
             clear();
             plane = before;
             rs.shaheiPlane = plane.data();
@@ -225,8 +225,8 @@ protected:
 TEST_F(NarrowFrame, ARectangleWalksTheWordOfItsFirstRowOnEveryRow)
 {
     rs.tex0 = index(8, 8);
-    for (int shahei : {1, 2}) {
-        for (int rectOpt = 0; rectOpt < 4; ++rectOpt) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
+        for (int rectOpt : rectOpts) {
             const Modes m{.rectOpt = rectOpt, .shahei = shahei};
             wipe();
             place(m, 1, 2, 7, 6);
@@ -244,7 +244,7 @@ TEST_F(NarrowFrame, ARectangleWalksTheWordOfItsFirstRowOnEveryRow)
 TEST_F(NarrowFrame, ATriangleFindsTheWordOfEachRow)
 {
     rs.tex0 = index(8, 8);
-    const Modes m{.shape = 2, .shahei = 1};
+    const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE, .shahei = NINEFOLD_SHAHEI_PLANE};
     triangle(0, 1, 8, 1, 0, 9); // row 1 + k has 8 - k pixels
     rs.uv0[0] = {0, texels(1)}, rs.uv0[1] = {texels(8), texels(1)}, rs.uv0[2] = {0, texels(9)};
     draw(m);
@@ -260,11 +260,11 @@ TEST_F(NarrowFrame, ATriangleFindsTheWordOfEachRow)
 
 TEST_F(NarrowFrame, ALineFindsTheWordOfEachPixel)
 {
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         wipe();
         rs.color[0] = 0xFF00FF00;
         corners(3, 1, 3, 7); // (3, 1) to (3, 6)
-        draw({.shape = 0, .filter = 6, .shahei = shahei});
+        draw({.shape = NINEFOLD_SHAPE_LINE, .filter = NINEFOLD_FILTER_FLAT, .shahei = shahei});
         EXPECT_EQ(column(3, 0, 8), (Pixels{ground, 0xFF00FF00, 0xFF00FF00, ground, 0xFF00FF00, ground, 0xFF00FF00, ground}));
         EXPECT_EQ(plane, (std::vector<uint16_t>{0x1000, 0x1000, 0x1000, 0x1000}));
     }
@@ -281,8 +281,8 @@ TEST_F(ZTest, PassesWhereThePlaneIsNotBelowTheLowByteOfZRef)
         uint32_t zRef;
         uint8_t reference;
     } references[] = {{5, 5}, {0x105, 5}, {0, 0}, {0x80, 0x80}, {0xFFFFFFFF, 255}, {0x8000, 0}};
-    for (int shahei : {3, 5}) {
-        for (const Modes &m : pointForms(shahei, 11)) { // all bits from the source
+    for (int shahei : {NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
+        for (const Modes &m : pointForms(shahei, NINEFOLD_BLEND_MERGE)) { // all bits from the source
             for (const auto &r : references) {
                 wipe();
                 for (size_t k = 0; k < z.size(); ++k)
@@ -308,7 +308,7 @@ TEST_F(ZTest, ModeFiveTestsTheStippleToo)
     rs.writeMask = 0xFFFFFFFF;
     std::fill_n(rs.drawMask, 16, uint16_t{0x3333}); // pixels 2, 3 of four
     rs.zRef = 5;
-    for (const Modes &m : pointForms(5, 11)) {
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PRIORITY_STIPPLE, NINEFOLD_BLEND_MERGE)) {
         wipe();
         for (size_t k = 0; k < z.size(); ++k)
             z[k] = k & 1 ? 5 : 4;
@@ -329,8 +329,10 @@ TEST_F(Stipple, ShowsPartsOfTheSamePicture)
     std::mt19937 random(3);
     for (uint16_t &row : rs.drawMask)
         row = static_cast<uint16_t>(random());
-    for (int shahei : {1, 2, 4, 5}) {
-        for (const Modes &m : pointForms(shahei, shahei == 5 ? 11 : 0)) {
+    for (int shahei :
+         {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
+        for (const Modes &m :
+             pointForms(shahei, shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY)) {
             wipe();
             place(m, 3, 1, 61, 31);
             draw(m);
@@ -348,7 +350,7 @@ TEST_F(Stipple, StandsStillOnTheScreen)
 {
     rs.tex0 = equipped(index(64, 32));
     stipple({0x8000, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x0002});
-    for (const Modes &m : pointForms(4)) {
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_STIPPLE)) {
         for (int left : {0, 5, 16}) {
             for (int top : {0, 15}) {
                 clear();
@@ -376,8 +378,8 @@ TEST_F(SecondSource, AZeroInTheSecondTextureLeavesTheTexelAsItIs)
         ++calls;
         return second ? second | 0xFF000000 : 0xDEADBEEF;
     };
-    for (int shahei : {0, 1, 4}) {
-        for (const Modes &m : pointForms(shahei, 0, 0)) {
+    for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}) {
+        for (const Modes &m : pointForms(shahei, NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_TEXTURE)) {
             wipe();
             place(m, 2, 3, 60, 28);
             int covered = 0;
@@ -403,9 +405,9 @@ TEST_F(SecondSource, ColoursOfZeroAreOperandsLikeAnyOther)
 {
     rs.tex0 = equipped(index(64, 32));
     rs.multiFunc = [](uint32_t, uint32_t second) { return second == 0 ? 0x12345678u : 0xBADu; };
-    for (int multi : {1, 2}) {
-        for (const Modes &m : pointForms(0, 0, multi)) {
-            if (m.filter == 2 && m.shape == 2)
+    for (int multi : {NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR}) {
+        for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_COPY, multi)) {
+            if (m.filter == NINEFOLD_FILTER_MIP && m.shape == NINEFOLD_SHAPE_TRIANGLE)
                 continue;
             clear();
             place(m, 0, 0, 20, 20);
@@ -420,8 +422,8 @@ TEST_F(SecondSource, ASourceThatTheOperatorTurnsIntoZeroIsWrittenAndMarked)
     rs.tex0 = equipped(index(64, 32));
     rs.tex1 = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 1; }));
     rs.multiFunc = [](uint32_t, uint32_t) { return 0u; };
-    for (int multi : {0, 1, 2}) {
-        for (const Modes &m : pointForms(1, 0, multi)) {
+    for (int multi : {NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_COLOUR}) {
+        for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PLANE, NINEFOLD_BLEND_COPY, multi)) {
             wipe();
             place(m, 0, 0, 16, 16);
             draw(m);
@@ -435,7 +437,7 @@ TEST_F(SecondSource, TheOneColourIsTheFirstUnderEveryCorner)
 {
     rs.tex0 = equipped(index(64, 32));
     rs.color[0] = 0x00112233, rs.color[1] = 0x00445566, rs.color[2] = 0x00778899, rs.color[3] = 0x00AABBCC;
-    for (const Modes &m : pointForms(0, 0, 2)) {
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_COLOUR)) {
         clear();
         place(m, 0, 0, 20, 20);
         std::swap(rs.vertex[0], rs.vertex[1]); // not sorted with the vertices
@@ -455,7 +457,7 @@ protected:
         PixelPath::SetUp();
         rs.tex0 = equipped(index(64, 32));
         rs.color[0] = 0, rs.color[1] = 100, rs.color[2] = 200, rs.color[3] = 40;
-        SetBlendModeMulti(0); // the colour with the texel's alpha
+        SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND); // the colour with the texel's alpha
     }
 
     static uint32_t blue(int64_t value) { return 0xFF000000 | static_cast<uint32_t>(value >> 16); }
@@ -476,8 +478,8 @@ TEST_F(CornerColours, RunDownTheEdgesAndAcrossEachRowWithTruncatedSteps)
 {
     EXPECT_EQ(expected(0, 100, 200, 40, 0),
               (Pixels{0xFF000000, 0xFF00000E, 0xFF00001C, 0xFF00002A, 0xFF000039, 0xFF000047, 0xFF000055}));
-    for (const Modes &m : pointForms(0, 0, 1)) {
-        if (m.shape == 2)
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_CORNERS)) {
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
         clear();
         place(m, 10, 5, 17, 8);
@@ -497,10 +499,10 @@ TEST_F(CornerColours, RunDownTheEdgesAndAcrossEachRowWithTruncatedSteps)
 
 TEST_F(CornerColours, FollowReversedCornersInRectOptionsOneTwoThreeOnly)
 {
-    for (const Modes &m : pointForms(0, 0, 1)) {
-        if (m.shape == 2)
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_CORNERS)) {
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
-        const bool follow = m.rectOpt >= 1 && m.rectOpt <= 3;
+        const bool follow = m.rectOpt >= NINEFOLD_RECT_STRETCH && m.rectOpt <= NINEFOLD_RECT_TABLE;
         for (int flip = 1; flip < 4; ++flip) {
             clear();
             place(m, 10, 5, 17, 8);
@@ -525,9 +527,9 @@ TEST_F(CornerColours, ChannelsThatLeaveTheirRangeStayInTheirByte)
     rs.tex0 = solid(0xFFFFFFFF);
     rs.color[0] = rs.color[2] = 0x00C80000, rs.color[1] = rs.color[3] = 0x00E6001E; // red 200 to 230, blue 0 to 30
     rs.multiFunc = [](uint32_t, uint32_t second) { return second; };
-    for (int rectOpt : {0, 1, 2}) {
-        for (int shahei : {0, 1, 4}) {
-            const Modes m{.rectOpt = rectOpt, .shahei = shahei, .multi = 1};
+    for (int rectOpt : {NINEFOLD_RECT_UNIT, NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS}) {
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE}) {
+            const Modes m{.rectOpt = rectOpt, .shahei = shahei, .multi = NINEFOLD_MULTI_CORNERS};
             wipe();
             rs.vertex[0] = {INT32_MIN, 3, 0}, rs.vertex[1] = {INT32_MAX - 2, 5, 0};
             draw(m);
@@ -542,8 +544,8 @@ TEST_F(CornerColours, HaveFourChannelsInTheirPlaces)
 {
     rs.color[0] = 0x10203040, rs.color[1] = 0x90203040, rs.color[2] = 0x10A03040, rs.color[3] = 0x90A03040;
     rs.multiFunc = [](uint32_t, uint32_t second) { return second; };
-    for (const Modes &m : pointForms(0, 0, 1)) {
-        if (m.shape == 2)
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_CORNERS)) {
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
         clear();
         place(m, 0, 0, 8, 8);
@@ -556,8 +558,8 @@ TEST_F(CornerColours, HaveFourChannelsInTheirPlaces)
 
 TEST_F(CornerColours, WalkOnUnderThePlaneWalk)
 {
-    for (const Modes &m : pointForms(1, 0, 1)) {
-        if (m.shape == 2)
+    for (const Modes &m : pointForms(NINEFOLD_SHAHEI_PLANE, NINEFOLD_BLEND_COPY, NINEFOLD_MULTI_CORNERS)) {
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
         wipe();
         plane[4 * 6] = 0x0030; // row 6, pixels 10 and 11
@@ -594,17 +596,19 @@ TEST_F(Prescale, FadesAlphaUnderAlphaBlendsAndDimsColourUnderTheOthers)
         if (host)
             rs.blendFunc = [](uint32_t destination, uint32_t source) { return destination ^ source; };
         else
-            SetBlendMode(16); // the library's own xor
+            SetBlendMode(NINEFOLD_BLEND_XOR); // the library's own xor
         for (const auto &c : cases) {
-            for (int shahei : {0, 3, 4, 5}) {
-                if (c.blend == 0 && (shahei == 3 || shahei == 5))
+            for (int shahei :
+                 {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
+                if (c.blend == NINEFOLD_BLEND_COPY && (testsPriority(shahei)))
                     continue;
                 std::vector<Modes> forms = pointForms(shahei, c.blend);
                 for (const Modes &m : colourForms(shahei, c.blend))
                     forms.push_back(m);
                 for (Modes m : forms) {
                     for (int prescale : {0, 1}) {
-                        if (prescale && m.shape == 2 && m.filter >= 6 && m.filter <= 7)
+                        if (prescale && m.shape == NINEFOLD_SHAPE_TRIANGLE && m.filter >= NINEFOLD_FILTER_FLAT &&
+                            m.filter <= NINEFOLD_FILTER_GOURAUD)
                             continue;
                         m.prescale = prescale;
                         clear();
@@ -625,8 +629,8 @@ TEST_F(Prescale, LeavesTheColourToTheAlphaBlend)
     // from 0.
     rs.tex0 = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 0xC8C86400; }));
     rs.prescale = 64;
-    for (Modes m : pointForms(0, 1)) {
-        m.prescale = 1;
+    for (Modes m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_ALPHA)) {
+        m.prescale = NINEFOLD_PRESCALE_ON;
         clear();
         place(m, 0, 0, 8, 8);
         draw(m);
@@ -648,10 +652,10 @@ TEST_F(Prescale, ComesAfterTheSecondSourceAndBeforeTheBlend)
         blended[0] = destination, blended[1] = source;
         return 0x5A5A5A5Au;
     };
-    for (Modes m : pointForms(0, 12, 2)) {
-        if (m.filter == 2 && m.shape == 2)
+    for (Modes m : pointForms(NINEFOLD_SHAHEI_NONE, NINEFOLD_BLEND_CUSTOM, NINEFOLD_MULTI_COLOUR)) {
+        if (m.filter == NINEFOLD_FILTER_MIP && m.shape == NINEFOLD_SHAPE_TRIANGLE)
             continue;
-        m.prescale = 1;
+        m.prescale = NINEFOLD_PRESCALE_ON;
         clear();
         place(m, 0, 0, 8, 8);
         draw(m);
@@ -668,14 +672,15 @@ TEST_F(Prescale, UnderConstantAlphaDrawsLikeItsPartnerWithoutForEveryForm)
     rs.tex0 = equipped(index(64, 32));
     rs.blendAlpha = 77;
     rs.prescale = 13;
-    for (int shahei : {0, 3, 4, 5}) {
-        for (Modes m : pointForms(shahei, 2)) {
+    for (int shahei :
+         {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
+        for (Modes m : pointForms(shahei, NINEFOLD_BLEND_CONST_ALPHA)) {
             clear();
             place(m, 0, 0, 40, 20);
             draw(m);
             const State plain = state();
             clear();
-            m.prescale = 1;
+            m.prescale = NINEFOLD_PRESCALE_ON;
             draw(m);
             EXPECT_TRUE(state() == plain) << m;
         }
@@ -688,7 +693,7 @@ TEST_F(Prescale, FactorsAbove256SpillAsThePackedArithmeticDoes)
     rs.tex0 = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 0x800120FF; }));
     rs.prescale = 0x1FF;
     for (Modes m : pointForms()) {
-        m.prescale = 1;
+        m.prescale = NINEFOLD_PRESCALE_ON;
         clear();
         place(m, 0, 0, 8, 8);
         draw(m);
@@ -704,9 +709,10 @@ TEST_F(PixelPath, ConstantAlphaBeyond255GoesOnInWrappingWords)
     } cases[] = {{255, 0x009F5F1F}, {256, 0x009F5F1F}, {300, 0x00B56719}, {0x12345, 0x007D654E}, {0x80000001, 0x00223243}};
     rs.tex0 = equipped(texture(64, 32, [](uint32_t, uint32_t) { return 0xC0A06020; }));
     std::fill_n(rs.color, 4, 0xC0A06020);
-    for (int shahei : {0, 3, 4, 5}) {
-        std::vector<Modes> forms = pointForms(shahei, 2);
-        for (const Modes &m : colourForms(shahei, 2))
+    for (int shahei :
+         {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
+        std::vector<Modes> forms = pointForms(shahei, NINEFOLD_BLEND_CONST_ALPHA);
+        for (const Modes &m : colourForms(shahei, NINEFOLD_BLEND_CONST_ALPHA))
             forms.push_back(m);
         for (const Modes &m : forms) {
             for (const auto &c : cases) {
@@ -726,7 +732,9 @@ TEST_F(PixelPath, TheMapsAloneDecideInRunLengthForms)
     // A texel that becomes 0 after the maps were made is drawn as it is.
     rs.tex0 = equipped(index(64, 32));
     rs.tex0->pixels[64 * 2 + 3] = 0;
-    for (const Modes &m : {Modes{.rectOpt = 5}, Modes{.rectOpt = 6, .shahei = 1}, Modes{.rectOpt = 6, .shahei = 2}}) {
+    for (const Modes &m :
+         {Modes{.rectOpt = NINEFOLD_RECT_RUNS}, Modes{.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = NINEFOLD_SHAHEI_PLANE},
+          Modes{.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = NINEFOLD_SHAHEI_PLANE_PRIORITY}}) {
         wipe();
         place(m, 0, 0, 8, 8);
         draw(m);

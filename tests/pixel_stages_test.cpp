@@ -21,8 +21,8 @@ protected:
         MakeDrawMaskTable();
         SetFrameBuffer(target.get());
         rs.clipRight = rs.clipBottom = size;
-        SetShapeMode(1);
-        SetMultiMode(3);
+        SetShapeMode(NINEFOLD_SHAPE_RECTANGLE);
+        SetMultiMode(NINEFOLD_MULTI_NONE);
         fillBackground();
     }
 
@@ -49,7 +49,7 @@ protected:
     {
         PixelStages::SetUp();
         SetFilterMode(GetParam());
-        SetShaheiMode(4);
+        SetShaheiMode(NINEFOLD_SHAHEI_STIPPLE);
         rs.color[0] = 0xFFABCDEF;
         rs.tex0 = source.get();
         std::fill_n(source->pixels, 16, 0xFFABCDEF);
@@ -60,7 +60,7 @@ protected:
 
 TEST_P(MaskedRectangle, PresetZeroDrawsNothing)
 {
-    SetPresetDrawMask(0);
+    SetPresetDrawMask(NINEFOLD_STIPPLE_NOTHING);
     draw(3, 5, 61, 60);
     for (int i = 0; i < size * size; ++i)
         ASSERT_EQ(target->pixels[i], background) << i;
@@ -89,7 +89,7 @@ TEST_F(PixelStages, PrescaleZeroUnderCopyWritesAlphaOnly)
 {
     TexturePtr source = makeTexture(4, 1, {0xFF123456, 0x80FFFFFF, 0, 0x00FFFFFF});
     rs.tex0 = source.get();
-    SetPrescaleMode(1);
+    SetPrescaleMode(NINEFOLD_PRESCALE_ON);
     rs.prescale = 0;
     draw(0, 0, 4, 1);
     EXPECT_EQ(at(0, 0), 0xFF000000u);
@@ -103,12 +103,12 @@ TEST_F(PixelStages, PrescaleChangesNothingUnderConstantAlpha)
     TexturePtr source = makeTexture(4, 1, {0xFF123456, 0x80FFFFFF, 0x01020304, 0x00FFFFFF});
     rs.tex0 = source.get();
     rs.blendAlpha = 99;
-    SetBlendMode(2);
+    SetBlendMode(NINEFOLD_BLEND_CONST_ALPHA);
     draw(0, 0, 4, 1);
     const std::vector<uint32_t> plain(target->pixels, target->pixels + 4);
     for (uint32_t factor : {0u, 128u, 256u}) {
         fillBackground();
-        SetPrescaleMode(1);
+        SetPrescaleMode(NINEFOLD_PRESCALE_ON);
         rs.prescale = factor;
         draw(0, 0, 4, 1);
         EXPECT_EQ(std::vector<uint32_t>(target->pixels, target->pixels + 4), plain) << factor;
@@ -119,9 +119,9 @@ TEST_F(PixelStages, PrescaleFadesUnderAlphaBlends)
 {
     TexturePtr source = makeTexture(1, 1, {0xFFFFFFFF});
     rs.tex0 = source.get();
-    SetPrescaleMode(1);
+    SetPrescaleMode(NINEFOLD_PRESCALE_ON);
     rs.prescale = 128; // alpha 255 to 127
-    for (long blend : {1l, 4l}) {
+    for (long blend : {NINEFOLD_BLEND_ALPHA, NINEFOLD_BLEND_ALPHA_FAST}) {
         target->pixels[0] = 0xFF000000;
         SetBlendMode(blend);
         draw(0, 0, 1, 1);
@@ -134,17 +134,17 @@ TEST_F(PixelStages, OperatorChangesUnderAHeldKernel)
     TexturePtr source = makeTexture(1, 1, {0x80102030});
     rs.tex0 = source.get();
     rs.color[0] = 0x00010101;
-    SetMultiMode(2);
-    SetBlendModeMulti(16);
+    SetMultiMode(NINEFOLD_MULTI_COLOUR);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_XOR);
     rs.vertex[1] = {1, 1, 0};
     const DrawFunc kernel = SearchDrawFunc(CreateDrawCode());
     kernel();
     EXPECT_EQ(at(0, 0), 0x80112131u);
-    SetBlendModeMulti(0);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
     kernel();
     EXPECT_EQ(at(0, 0), 0x80010101u);
     rs.prescaleMulti = 0;
-    SetPrescaleMultiMode(1);
+    SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_SCALED);
     kernel();
     EXPECT_EQ(at(0, 0), 0x80000000u);
 }

@@ -13,7 +13,12 @@ protected:
     std::vector<Modes> unitForms(Texture *t)
     {
         CreateRunlengthMap(t);
-        return {{}, {.filter = 8}, {.rectOpt = 5}, {.shahei = 1}, {.filter = 8, .shahei = 2}, {.shahei = 4}};
+        return {{},
+                {.filter = NINEFOLD_FILTER_MOSAIC},
+                {.rectOpt = NINEFOLD_RECT_RUNS},
+                {.shahei = NINEFOLD_SHAHEI_PLANE},
+                {.filter = NINEFOLD_FILTER_MOSAIC, .shahei = NINEFOLD_SHAHEI_PLANE_PRIORITY},
+                {.shahei = NINEFOLD_SHAHEI_STIPPLE}};
     }
 };
 
@@ -186,10 +191,10 @@ TEST_F(UnitRectangle, TheSecondTextureHasAStartAndAWrapOfItsOwn)
     rs.tex1 = texture(4, 2, [](uint32_t u, uint32_t v) { return 0xA0 + 16 * v + u; });
     rs.uv0[0] = {texels(5), texels(3)};
     rs.uv1[0] = {texels(-1) + 0xFFFF, texels(1)};
-    SetBlendModeMulti(0); // the low bytes of tex1 with the alpha of tex0
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND); // the low bytes of tex1 with the alpha of tex0
     corners(0, 0, 3, 2);
     clip(1, 0, 64, 32);
-    draw({.multi = 0});
+    draw({.multi = NINEFOLD_MULTI_TEXTURE});
     EXPECT_EQ(row(0, 0, 4), (Pixels{ground, 0xFF0000B0, 0xFF0000B1, ground}));
     EXPECT_EQ(row(1, 0, 4), (Pixels{ground, 0xFF0000A0, 0xFF0000A1, ground}));
 }

@@ -20,9 +20,9 @@ uint32_t edge(uint32_t destination, uint32_t source, int value)
     if (rs.ruleThreshold + rs.ruleWidth <= value)
         return source;
     uint32_t w = (static_cast<uint32_t>(value - rs.ruleThreshold) << 8) / static_cast<uint32_t>(rs.ruleWidth);
-    if (rs.ruleCurve == 1)
+    if (rs.ruleCurve == NINEFOLD_CURVE_FAST)
         w = 255 - ((255 - w) * (255 - w) >> 8);
-    else if (rs.ruleCurve == 2)
+    else if (rs.ruleCurve == NINEFOLD_CURVE_SLOW)
         w = w * w >> 8;
     return levels::mix3(source, destination, w);
 }
@@ -68,7 +68,7 @@ protected:
 
 TEST_F(TextureRule, WipesTheSourceInByTheSecondTexture)
 {
-    for (int curve : {0, 1, 2}) {
+    for (int curve : {NINEFOLD_CURVE_LINEAR, NINEFOLD_CURVE_FAST, NINEFOLD_CURVE_SLOW}) {
         rs.ruleCurve = curve;
         clear();
         run(DrawRectTexRule);
@@ -165,11 +165,11 @@ TEST_F(TextureRule, LooksAtNoModeMaskOrPlane)
     run(DrawRectTexRule);
     const State expected = state();
     clear();
-    SetShapeMode(2);
-    SetFilterMode(5);
-    SetBlendMode(9);
-    SetShaheiMode(5);
-    SetPrescaleMode(1);
+    SetShapeMode(NINEFOLD_SHAPE_TRIANGLE);
+    SetFilterMode(NINEFOLD_FILTER_MIP_BILINEAR);
+    SetBlendMode(NINEFOLD_BLEND_SCREEN);
+    SetShaheiMode(NINEFOLD_SHAHEI_PRIORITY_STIPPLE);
+    SetPrescaleMode(NINEFOLD_PRESCALE_ON);
     rs.prescale = 3;
     rs.blendAlpha = 0;
     std::fill_n(rs.drawMask, 16, uint16_t{0xFFFF});
@@ -256,7 +256,7 @@ TEST_F(GradientRule, WipesFromLeftToRightAndWithReversedVerticesFromRightToLeft)
 
 TEST_F(GradientRule, CornerValuesFollowTheirVertices)
 {
-    rs.ruleThreshold = 100, rs.ruleWidth = 60, rs.ruleCurve = 2;
+    rs.ruleThreshold = 100, rs.ruleWidth = 60, rs.ruleCurve = NINEFOLD_CURVE_SLOW;
     for (int flip = 0; flip < 4; ++flip) {
         corners(flip & 1 ? 60 : 4, flip & 2 ? 30 : 2, flip & 1 ? 4 : 60, flip & 2 ? 2 : 30);
         values(10, 220, 130, 250);
@@ -288,7 +288,7 @@ TEST_F(GradientRule, UnlikeThoseOfAGouraudRectangle)
     rs.ruleThreshold = 127, rs.ruleWidth = 0;
     corners(60, 2, 4, 30);
     rs.color[0] = rs.color[2] = 0xFF000000, rs.color[1] = rs.color[3] = 0xFF0000FF;
-    draw({.filter = 7});
+    draw({.filter = NINEFOLD_FILTER_GOURAUD});
     EXPECT_LT(at(5, 5), at(58, 5)); // blue grows to the right all the same
     clear();
     run(DrawRectGradRule);

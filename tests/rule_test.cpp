@@ -35,22 +35,22 @@ protected:
     }
 
     // Every form with a rule; those of colours alone last.
-    static std::vector<Modes> forms(int shahei = 0, int blend = 0)
+    static std::vector<Modes> forms(int shahei = NINEFOLD_SHAHEI_NONE, int blend = NINEFOLD_BLEND_COPY)
     {
         std::vector<Modes> all = pointForms(shahei, blend);
-        for (int shape : {1, 2})
-            for (int filter : {6, 7})
+        for (int shape : {NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_SHAPE_TRIANGLE})
+            for (int filter : {NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD})
                 all.push_back({.shape = shape, .filter = filter, .shahei = shahei, .blend = blend});
         for (Modes &m : all)
-            m.rule = 1;
+            m.rule = NINEFOLD_RULE_ON;
         return all;
     }
 
-    static bool isColours(const Modes &m) { return m.filter == 6 || m.filter == 7; }
+    static bool isColours(const Modes &m) { return hasColoursOnly(m.filter); }
     static uint32_t sourceAt(const Modes &m, int x, int y) { return isColours(m) ? 0xFFABCDEF : idAt(uint32_t(x), uint32_t(y)); }
 
     // The slip of run-length rectangles is told in their own tests.
-    static bool slips(const Modes &m) { return m.rectOpt == 5 && m.shahei == 0; }
+    static bool slips(const Modes &m) { return m.rectOpt == NINEFOLD_RECT_RUNS && m.shahei == NINEFOLD_SHAHEI_NONE; }
 };
 
 TEST_F(Rule, AThresholdOf255RefusesEverythingMinusOneNothing)
@@ -133,7 +133,7 @@ TEST_F(Rule, FullPixelsKeepTheirAlphaSoftOnesHaveNone)
 {
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t) { return u % 2 ? 250u : 150u; });
     rs.ruleThreshold = 100, rs.ruleWidth = 100;
-    for (int shahei : {0, 1, 2, 4}) {
+    for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY, NINEFOLD_SHAHEI_STIPPLE}) {
         for (const Modes &m : forms(shahei)) {
             wipe();
             place(m, 0, 0, 30, 8);
@@ -195,7 +195,7 @@ TEST_F(Rule, OnNegativePositionsTheSourcesColumnFloorsAndTheRulesTruncates)
     corners(0, 0, 4, 1);
     rs.uv0[0] = {-texels(2) + 0x8000, 0}, rs.uv0[1] = {texels(2) + 0x8000, 0};
     rs.uv2[0] = {-texels(2) + 0x8000, 0}, rs.uv2[1] = {texels(2) + 0x8000, 0};
-    draw({.rule = 1, .rectOpt = 1});
+    draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_STRETCH});
     // -1.5, -0.5, 0.5, 1.5: the rule's columns are -1, 0, 0, 1, the source's -2, -1, 0, 1.
     EXPECT_EQ(row(0, 0, 4), (Pixels{ground, idAt(63, 0), idAt(0, 0), ground}));
 }
@@ -207,7 +207,7 @@ TEST_F(Rule, LiesAlongTheAxesOfARectangleInEveryRectOption)
     rs.tex2 = texture(32, 32, [](uint32_t u, uint32_t v) { return (u + v) % 2 ? 255u : 0u; });
     rs.ruleThreshold = 10;
     for (const Modes &m : forms()) {
-        if (m.shape == 2 || slips(m))
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE || slips(m))
             continue;
         for (const bool clipped : {false, true}) {
             clear();
@@ -234,7 +234,7 @@ TEST_F(Rule, FollowsReversedCornersAlsoWhereTheSourceDoesNot)
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t v) { return u == 3 && v == 2 ? 255u : 0u; });
     rs.ruleThreshold = 10;
     for (const Modes &m : forms()) {
-        if (m.shape == 2 || slips(m))
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE || slips(m))
             continue;
         for (int flip = 0; flip < 4; ++flip) {
             clear();
@@ -269,18 +269,19 @@ TEST_F(Rule, StandsBeforeAllOtherTests)
     rs.ruleThreshold = 10;
     std::fill_n(rs.drawMask, 16, uint16_t{0x1111}); // 3 of four
     rs.zRef = 5;
-    for (int shahei = 0; shahei < 6; ++shahei) {
-        for (Modes m : forms(shahei, shahei == 3 || shahei == 5 ? 11 : 0)) {
-            if (isColours(m) || slips(m) || (m.shape == 2 && m.filter == 2))
+    for (int shahei : shaheis) {
+        for (Modes m : forms(shahei, testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY)) {
+            if (isColours(m) || slips(m) || (m.shape == NINEFOLD_SHAPE_TRIANGLE && m.filter == NINEFOLD_FILTER_MIP))
                 continue;
-            m.multi = 2;
+            m.multi = NINEFOLD_MULTI_COLOUR;
             wipe();
             for (size_t k = 0; k < z.size(); ++k)
                 z[k] = k % 5 ? 5 : 4;
             place(m, 0, 0, 60, 1);
             int expected = 0;
             for (int x = 0; x < 60; ++x) {
-                const bool mask = shahei != 0 && shahei != 3 && x % 4 == 3, low = (shahei == 3 || shahei == 5) && x % 5 == 0;
+                const bool mask = shahei != NINEFOLD_SHAHEI_NONE && shahei != NINEFOLD_SHAHEI_PRIORITY && x % 4 == 3,
+                           low = (testsPriority(shahei)) && x % 5 == 0;
                 expected += x % 3 && !mask && !low;
             }
             underEverySet([&] {
@@ -298,9 +299,9 @@ TEST_F(Rule, RefusedPixelsStayFreeInThePlanes)
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t v) { return (u + v) % 3 ? 255u : 0u; });
     rs.ruleThreshold = 10;
     rs.zRef = 0x66;
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         for (const Modes &m : forms(shahei)) {
-            if (m.shape == 1 && isColours(m))
+            if (m.shape == NINEFOLD_SHAPE_RECTANGLE && isColours(m))
                 continue;
             wipe();
             place(m, 3, 2, 60, 30);
@@ -310,7 +311,7 @@ TEST_F(Rule, RefusedPixelsStayFreeInThePlanes)
                     const bool drawn = (x + y) % 3;
                     ASSERT_EQ(at(x, y) != ground, drawn) << m;
                     ASSERT_EQ(taken(x, y), drawn) << m << " at " << x << ", " << y;
-                    ASSERT_EQ(zAt(x, y), drawn && shahei == 2 ? 0x66 : 0) << m;
+                    ASSERT_EQ(zAt(x, y), drawn && shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x66 : 0) << m;
                 }
             }
         }
@@ -323,10 +324,10 @@ TEST_F(Rule, ColourRectanglesMarkTheWholeRunAlsoWhatIsRefused)
     rs.ruleThreshold = 10;
     rs.zRef = 0x66;
     std::fill_n(rs.drawMask, 16, uint16_t{0x0100}); // what the stipple holds back is in no run
-    for (int shahei : {1, 2}) {
-        for (int filter : {6, 7}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
+        for (int filter : {NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD}) {
             for (int prescale : {0, 1}) {
-                const Modes m{.rule = 1, .prescale = prescale, .filter = filter, .shahei = shahei};
+                const Modes m{.rule = NINEFOLD_RULE_ON, .prescale = prescale, .filter = filter, .shahei = shahei};
                 for (int threshold : {10, 255}) { // refusing some, and all
                     rs.ruleThreshold = threshold;
                     wipe();
@@ -340,7 +341,7 @@ TEST_F(Rule, ColourRectanglesMarkTheWholeRunAlsoWhatIsRefused)
                             ASSERT_EQ(at(x, y) != ground, inRun && (x + y) % 3 && threshold == 10)
                                 << m << " at " << x << ", " << y;
                             ASSERT_EQ(taken(x, y), was || inRun) << m << " at " << x << ", " << y;
-                            ASSERT_EQ(zAt(x, y), inRun && shahei == 2 ? 0x66 : 0) << m;
+                            ASSERT_EQ(zAt(x, y), inRun && shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x66 : 0) << m;
                         }
                     }
                 }
@@ -353,15 +354,15 @@ TEST_F(Rule, SkippedRunsStepTheRulesColumnByMultiplication)
 {
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t) { return u % 2 ? 255u : 0u; });
     rs.ruleThreshold = 10;
-    for (const Modes &m : forms(1)) {
+    for (const Modes &m : forms(NINEFOLD_SHAHEI_PLANE)) {
         wipe();
         for (size_t y = 0; y < 32; ++y)
             plane[4 * y] = 0x3FFC, plane[4 * y + 1] = 0xFFFF, plane[4 * y + 2] = 0x8001;
         place(m, 1, 0, 63, 20);
         rs.uv2[0].u /= 2, rs.uv2[1].u /= 2; // two pixels a column
-        if (m.shape == 2)
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE)
             rs.uv2[2].u /= 2;
-        const bool wholeRun = m.shape == 1 && isColours(m);
+        const bool wholeRun = m.shape == NINEFOLD_SHAPE_RECTANGLE && isColours(m);
         draw(m);
         for (int x = 1; x < 63; ++x) {
             const int bits[] = {0x3FFC, 0xFFFF, 0x8001, 0};
@@ -376,14 +377,14 @@ TEST_F(Rule, WithRectOptionFiveTheFirstPixelThatPassesTakesTheFirstTexelOfItsRun
 {
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t) { return u == 10 ? 0u : 255u; });
     rs.ruleThreshold = 10;
-    const Modes m{.rule = 1, .rectOpt = 5};
+    const Modes m{.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_RUNS};
     place(m, 10, 4, 20, 5);
     draw(m);
     EXPECT_EQ(row(4, 10, 13), (Pixels{ground, idAt(10, 4), idAt(11, 4)}));
     // Not so under gates.
     clear();
     Modes gated = m;
-    gated.shahei = 4;
+    gated.shahei = NINEFOLD_SHAHEI_STIPPLE;
     draw(gated);
     EXPECT_EQ(row(4, 10, 13), (Pixels{ground, idAt(11, 4), idAt(12, 4)}));
 }
@@ -394,13 +395,13 @@ TEST_F(Rule, MipFormsKeepTheRuleTextureAndItsCoordinates)
     rs.ruleThreshold = 10;
     corners(0, 0, 8, 8);
     rs.uv2[0] = {0, 0}, rs.uv2[1] = {texels(8), texels(8)};
-    for (int rectOpt : {1, 2}) {
-        for (int filter : {2, 5}) {
+    for (int rectOpt : {NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS}) {
+        for (int filter : {NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_MIP_BILINEAR}) {
             clear();
             rs.uv0[0] = {0, 0};
-            rs.uv0[1] = {texels(32), rectOpt == 1 ? texels(24) : 0};
+            rs.uv0[1] = {texels(32), rectOpt == NINEFOLD_RECT_STRETCH ? texels(24) : 0};
             rs.uv0[2] = {0, texels(24)}, rs.uv0[3] = {texels(32), texels(24)};
-            draw({.rule = 1, .filter = filter, .rectOpt = rectOpt});
+            draw({.rule = NINEFOLD_RULE_ON, .filter = filter, .rectOpt = rectOpt});
             for (int x = 0; x < 8; ++x)
                 EXPECT_EQ(at(x, 5) != ground, x % 2 == 1) << filter << " " << rectOpt << " at " << x;
         }
@@ -460,7 +461,7 @@ TEST_F(SoftEdge, EveryValueHasItsWeightUnderEveryCurveThresholdAndWidth)
         edges.push_back({static_cast<int>(random() % 300) - 40, 1 + static_cast<int>(random() % 400)});
     for (int set = 0; set < ninefold::usableSets(); ++set) {
         ninefold::useSet(set);
-        const DrawFunc stretch = kernel({.rule = 1, .rectOpt = 1});
+        const DrawFunc stretch = kernel({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_STRETCH});
         for (const auto &[threshold, ruleWidth] : edges) {
             for (int curve : {0, 1, 2, 3, -1, 1000}) {
                 restore(before);
@@ -491,7 +492,7 @@ TEST_F(SoftEdge, MixesTheBlendedPixelWithTheDestinationAsItStood)
     };
     const State before = state();
     seen.clear();
-    kernel({.rule = 1, .rectOpt = 1, .blend = 12})();
+    kernel({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_STRETCH, .blend = NINEFOLD_BLEND_CUSTOM})();
     ASSERT_EQ(seen.size(), 256u);
     for (uint32_t m = 0; m < 256; ++m) {
         const uint32_t d = before.pixels[m], s = rs.tex0->pixels[m];
@@ -503,22 +504,24 @@ TEST_F(SoftEdge, MixesTheBlendedPixelWithTheDestinationAsItStood)
     rs.tex2 = solid(127);
     rs.tex0 = texture(256, 1, [](uint32_t, uint32_t) { return 0xC0A06020; });
     clear();
-    draw({.rule = 1, .rectOpt = 1, .blend = 9});
+    draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_STRETCH, .blend = NINEFOLD_BLEND_SCREEN});
     EXPECT_EQ(at(3, 0), 0x00675950u);
     rs.tex2 = rule;
 }
 
 TEST_F(SoftEdge, IsTheSameInEveryFormThatReachesIt)
 {
-    rs.ruleThreshold = 30, rs.ruleWidth = 170, rs.ruleCurve = 1;
+    rs.ruleThreshold = 30, rs.ruleWidth = 170, rs.ruleCurve = NINEFOLD_CURVE_FAST;
     const State before = state();
-    draw({.rule = 1, .rectOpt = 1});
+    draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_STRETCH});
     const State expected = state();
     restore(before);
-    for (const Modes &m : {Modes{.rule = 1}, Modes{.rule = 1, .filter = 8}, Modes{.rule = 1, .shahei = 4},
-                           Modes{.rule = 1, .shahei = 1}, Modes{.rule = 1, .rectOpt = 5, .shahei = 4}}) {
+    for (const Modes &m : {Modes{.rule = NINEFOLD_RULE_ON}, Modes{.rule = NINEFOLD_RULE_ON, .filter = NINEFOLD_FILTER_MOSAIC},
+                           Modes{.rule = NINEFOLD_RULE_ON, .shahei = NINEFOLD_SHAHEI_STIPPLE},
+                           Modes{.rule = NINEFOLD_RULE_ON, .shahei = NINEFOLD_SHAHEI_PLANE},
+                           Modes{.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_RUNS, .shahei = NINEFOLD_SHAHEI_STIPPLE}}) {
         restore(before);
-        rs.ruleThreshold = 30, rs.ruleWidth = 170, rs.ruleCurve = 1;
+        rs.ruleThreshold = 30, rs.ruleWidth = 170, rs.ruleCurve = NINEFOLD_CURVE_FAST;
         draw(m);
         EXPECT_EQ(state().pixels, expected.pixels) << m;
     }

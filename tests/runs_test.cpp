@@ -12,12 +12,16 @@ protected:
     RunLength() : Canvas(2048, 8) {}
 
     // Every form of rect option 5 that ends in a copy; blends by writeMask stand in where blend 0 has none.
-    static std::vector<Modes> forms(int multi = 3)
+    static std::vector<Modes> forms(int multi = NINEFOLD_MULTI_NONE)
     {
         rs.writeMask = 0xFFFFFFFF;
         std::vector<Modes> all;
-        for (int shahei : {0, 3, 4, 5})
-            all.push_back({.rectOpt = 5, .shahei = shahei, .blend = shahei == 0 || shahei == 4 ? 0 : 11, .multi = multi});
+        for (int shahei :
+             {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_STIPPLE, NINEFOLD_SHAHEI_PRIORITY_STIPPLE})
+            all.push_back({.rectOpt = NINEFOLD_RECT_RUNS,
+                           .shahei = shahei,
+                           .blend = shahei == NINEFOLD_SHAHEI_NONE || shahei == NINEFOLD_SHAHEI_STIPPLE ? 0 : 11,
+                           .multi = multi});
         return all;
     }
 
@@ -47,7 +51,7 @@ TEST_F(RunLength, AFullRowIsReadInStretchesOfAtMost127)
     rs.tex2 = texture(1024, 1, [](uint32_t u, uint32_t) { return u == 0 ? 0u : 255u; });
     rs.uv2[1] = {texels(1024), texels(1)};
     clear();
-    draw({.rule = 1, .rectOpt = 5});
+    draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_RUNS});
     EXPECT_EQ(at(0, 0), ground);
     for (int x = 1; x < 127; ++x)
         ASSERT_EQ(at(x, 0), idAt(uint32_t(x - 1), 0));
@@ -190,7 +194,7 @@ TEST_F(RunLength, ThePositionsBesideTheTextureMoveWithTheHoles)
     rs.tex1 = texture(256, 1, [](uint32_t u, uint32_t) { return 0x100 + u; });
     corners(20, 1, 60, 2);
     std::fill_n(rs.drawMask, 16, uint16_t{0x0101}); // pixels 7 and 15
-    for (const Modes &m : forms(0)) {
+    for (const Modes &m : forms(NINEFOLD_MULTI_TEXTURE)) {
         clear();
         for (int x = 0; x < 2048; ++x)
             zAt(x, 1) = x == 31 || x == 41 ? 3 : 4;
@@ -198,9 +202,9 @@ TEST_F(RunLength, ThePositionsBesideTheTextureMoveWithTheHoles)
         draw(m);
         for (int x = 20; x < 60; ++x) {
             bool drawn = (x - 20) % 10 < 4;
-            if (m.shahei >= 4 && x % 8 == 7)
+            if (m.shahei >= NINEFOLD_SHAHEI_STIPPLE && x % 8 == 7)
                 drawn = false;
-            if ((m.shahei == 3 || m.shahei == 5) && (x == 31 || x == 41))
+            if ((testsPriority(m.shahei)) && (x == 31 || x == 41))
                 drawn = false;
             ASSERT_EQ(at(x, 1), drawn ? 0xFF000100 + uint32_t(x - 20) : ground) << m << " at " << x;
         }
@@ -212,7 +216,7 @@ TEST_F(RunLength, CornerColoursMoveWithTheHoles)
     rs.tex0 = holed(64, [](int u) { return u % 10 >= 4; });
     rs.color[1] = rs.color[3] = 200; // 4 a pixel over 50
     corners(20, 1, 70, 2);
-    for (const Modes &m : forms(1)) {
+    for (const Modes &m : forms(NINEFOLD_MULTI_CORNERS)) {
         clear();
         rs.zRef = 0;
         draw(m);
@@ -244,7 +248,7 @@ TEST_F(RuleSlip, AStoppedPixelHoldsTheSourceBackToTheEndOfItsStretch)
     //     0    1   2    3  4    5    6    7    8    9   10   11
     rule({10, 255, 0, 255, 9, 255, 255, 255, 255, 0, 255, 255});
     clear();
-    draw({.rule = 1, .rectOpt = 5});
+    draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_RUNS});
     EXPECT_EQ(row(0, 99, 113), (Pixels{ground, ground, idAt(0, 0), ground, idAt(1, 0), ground, idAt(2, 0), ground, ground,
                                        idAt(8, 0), ground, idAt(9, 0), idAt(10, 0), ground}));
 }
@@ -256,11 +260,11 @@ TEST_F(RuleSlip, IsThereWithEveryBlendAndMulti)
     rs.multiFunc = [](uint32_t first, uint32_t) { return first; };
     rs.blendFunc = [](uint32_t, uint32_t source) { return source; };
     rule({0, 255, 0, 255});
-    for (int multi = 0; multi < 4; ++multi) {
-        for (int blend : {0, 11, 12}) {
+    for (int multi : multis) {
+        for (int blend : {NINEFOLD_BLEND_COPY, NINEFOLD_BLEND_MERGE, NINEFOLD_BLEND_CUSTOM}) {
             rs.writeMask = 0xFFFFFFFF;
             clear();
-            draw({.rule = 1, .rectOpt = 5, .blend = blend, .multi = multi});
+            draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_RUNS, .blend = blend, .multi = multi});
             EXPECT_EQ(row(0, 100, 104), (Pixels{ground, idAt(0, 0), ground, idAt(1, 0)})) << blend << " " << multi;
         }
     }
@@ -273,9 +277,9 @@ TEST_F(RuleSlip, IsNotThereUnderGatesNorInOtherRectOptions)
     std::vector<Modes> others = forms();
     others.erase(others.begin()); // Shahei mode 0
     others.push_back({});
-    others.push_back({.filter = 8});
+    others.push_back({.filter = NINEFOLD_FILTER_MOSAIC});
     for (Modes m : others) {
-        m.rule = 1;
+        m.rule = NINEFOLD_RULE_ON;
         clear();
         draw(m);
         EXPECT_EQ(row(0, 100, 104), (Pixels{ground, idAt(1, 0), ground, idAt(3, 0)})) << m;
@@ -289,7 +293,7 @@ TEST_F(RuleSlip, DestinationAndSecondTextureDoNotSlip)
     rs.multiFunc = [](uint32_t first, uint32_t second) { return first << 16 | second; };
     rule({0, 255, 255, 0, 255});
     clear();
-    draw({.rule = 1, .rectOpt = 5, .multi = 0});
+    draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_RUNS, .multi = NINEFOLD_MULTI_TEXTURE});
     EXPECT_EQ(row(0, 100, 105), (Pixels{ground, 0x00000501, 0x00010502, ground, 0x00020504}));
 }
 
@@ -300,7 +304,7 @@ TEST_F(RuleSlip, LastsOverALongStretchOfManyChunks)
     rs.uv2[1] = {texels(120), texels(1)};
     corners(100, 0, 220, 1);
     clear();
-    draw({.rule = 1, .rectOpt = 5});
+    draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_RUNS});
     uint32_t passed = 0;
     for (int k = 0; k < 120; ++k)
         ASSERT_EQ(at(100 + k, 0), k % 3 ? idAt(passed++, 0) : ground) << k;
@@ -321,22 +325,22 @@ protected:
 TEST_F(ZeroMap, PlaneBitsStayFreeUnderZeroTexels)
 {
     rs.tex0 = mapped([](int u, int v) { return (u + v) % 3 == 0; });
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         wipe();
         rs.zRef = 0x77;
         place({}, 5, 3, 50, 20);
-        draw({.rectOpt = 6, .shahei = shahei});
+        draw({.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = shahei});
         for (int y = 0; y < 32; ++y) {
             for (int x = 0; x < 64; ++x) {
                 const bool drawn = x >= 5 && x < 50 && y >= 3 && y < 20 && (x + y) % 3;
                 ASSERT_EQ(at(x, y), drawn ? idAt(uint32_t(x), uint32_t(y)) : ground);
                 ASSERT_EQ(taken(x, y), drawn);
-                ASSERT_EQ(zAt(x, y), drawn && shahei == 2 ? 0x77 : 0);
+                ASSERT_EQ(zAt(x, y), drawn && shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 0x77 : 0);
             }
         }
         // What is drawn later fills the holes and nothing else.
         rs.tex0 = mapped([](int, int) { return false; });
-        draw({.rectOpt = 6, .shahei = shahei});
+        draw({.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = shahei});
         for (int y = 3; y < 20; ++y)
             for (int x = 5; x < 50; ++x)
                 ASSERT_TRUE(taken(x, y));
@@ -350,7 +354,7 @@ TEST_F(ZeroMap, MapStippleAndPlaneJoin)
     std::fill_n(rs.drawMask, 16, uint16_t{0x4444}); // 1 of four
     std::fill(plane.begin(), plane.end(), uint16_t{0x2222}); // 2 of four
     place({}, 0, 0, 64, 32);
-    draw({.rectOpt = 6, .shahei = 1});
+    draw({.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = NINEFOLD_SHAHEI_PLANE});
     for (int x = 0; x < 64; ++x)
         EXPECT_EQ(at(x, 7), x % 4 == 3 ? idAt(uint32_t(x), 7) : ground);
     EXPECT_EQ(plane[0], 0x3333); // neither the map's bits nor the stipple's come in
@@ -361,7 +365,7 @@ TEST_F(ZeroMap, TheMapIsReadByTheFrameBuffersPositionTheTexelsByTheSources)
     rs.tex0 = mapped([](int u, int) { return u == 20; });
     place({}, 16, 4, 32, 6);
     rs.uv0[0] = {texels(3), texels(9)};
-    draw({.rectOpt = 6, .shahei = 1});
+    draw({.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = NINEFOLD_SHAHEI_PLANE});
     for (int y = 4; y < 6; ++y)
         for (int x = 16; x < 32; ++x)
             EXPECT_EQ(at(x, y), x == 20 ? ground : idAt(uint32_t(x - 16 + 3), uint32_t(y - 4 + 9))) << x;
@@ -373,7 +377,7 @@ TEST_F(ZeroMap, AZeroInTheSecondTextureIsNoHoleAndNoMark)
     rs.tex0 = mapped([](int u, int) { return u == 2; });
     rs.tex1 = texture(64, 32, [](uint32_t u, uint32_t) { return u % 2 ? 0x800 + u : 0; });
     place({}, 0, 0, 8, 1);
-    draw({.rectOpt = 6, .shahei = 1, .multi = 0});
+    draw({.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = NINEFOLD_SHAHEI_PLANE, .multi = NINEFOLD_MULTI_TEXTURE});
     EXPECT_EQ(row(0, 0, 8), (Pixels{idAt(0, 0), 0xFF000801, ground, 0xFF000803, idAt(4, 0), 0xFF000805, idAt(6, 0), 0xFF000807}));
     EXPECT_EQ(plane[0], 0xDF00);
 }
@@ -383,14 +387,14 @@ TEST_F(ZeroMap, PixelsThatTheRuleStopsStayFree)
     rs.tex0 = mapped([](int u, int) { return u == 2; });
     rs.tex2 = texture(64, 32, [](uint32_t u, uint32_t) { return u == 5 || u == 2 ? 0u : 255u; });
     rs.zRef = 9;
-    for (int shahei : {1, 2}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
         wipe();
         place({}, 0, 0, 8, 1);
-        draw({.rule = 1, .rectOpt = 6, .shahei = shahei});
+        draw({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = shahei});
         EXPECT_EQ(row(0, 0, 8), (Pixels{idAt(0, 0), idAt(1, 0), ground, idAt(3, 0), idAt(4, 0), ground, idAt(6, 0), idAt(7, 0)}));
         EXPECT_EQ(plane[0], 0xDB00);
         EXPECT_EQ(zAt(5, 0), 0);
-        EXPECT_EQ(zAt(6, 0), shahei == 2 ? 9 : 0);
+        EXPECT_EQ(zAt(6, 0), shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? 9 : 0);
     }
 }
 
@@ -398,7 +402,7 @@ TEST_F(ZeroMap, IsTheKernelExportedByName)
 {
     rs.tex0 = mapped([](int u, int v) { return (u ^ v) % 5 == 0; });
     place({}, 3, 2, 59, 31);
-    draw({.rectOpt = 6, .shahei = 1});
+    draw({.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = NINEFOLD_SHAHEI_PLANE});
     const State expected = state();
     wipe();
     DrawRectTexRunlen_TEST();

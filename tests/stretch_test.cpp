@@ -25,9 +25,9 @@ protected:
     static std::vector<Modes> forms()
     {
         std::vector<Modes> all;
-        for (int shahei : {0, 1, 4})
-            for (int filter : {0, 8, 2})
-                all.push_back({.filter = filter, .rectOpt = 1, .shahei = shahei});
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})
+            for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_MIP})
+                all.push_back({.filter = filter, .rectOpt = NINEFOLD_RECT_STRETCH, .shahei = shahei});
         return all;
     }
 };
@@ -164,7 +164,7 @@ TEST_F(Stretch, TheSecondTextureTruncatesItsRowsAlike)
     rs.uv1[1] = {-0x8000 + texels(2), -0x8000 + texels(2)};
     corners(0, 0, 2, 2);
     for (Modes m : forms()) {
-        m.multi = 0;
+        m.multi = NINEFOLD_MULTI_TEXTURE;
         wipe();
         span(0, 0, 0, 0);
         draw(m);
@@ -183,7 +183,7 @@ TEST_F(Stretch, TheSecondTextureHasStepsAndReversalOfItsOwn)
     rs.uv1[1] = {texels(8), texels(1)};
     corners(8, 2, 0, 0); // half a texel a pixel, one a row, both reversed
     for (Modes m : forms()) {
-        m.multi = 0;
+        m.multi = NINEFOLD_MULTI_TEXTURE;
         wipe();
         draw(m);
         EXPECT_EQ(row(0, 0, 8),
@@ -265,7 +265,7 @@ TEST_F(Stretch, StepsThatGoRoundTheTextureAndThe32BitsWithinAVector)
     rs.uv0[0] = {int32_t(start), 0}, rs.uv0[1] = {int32_t(start - 3 * step), 0};
     for (int set = 0; set < ninefold::usableSets() && ninefold::useSet(set); ++set) {
         wipe();
-        draw({.rectOpt = 1});
+        draw({.rectOpt = NINEFOLD_RECT_STRETCH});
         for (uint32_t x = 0; x < 64; ++x) {
             const uint32_t position = start + step * (0x80000000u + x);
             ASSERT_EQ(at(int(x), 0), idAt(uint32_t(int32_t(position) >> 16) & 1023, 0)) << ninefold::setNames[set] << " " << x;
@@ -283,7 +283,7 @@ TEST_F(Stretch, MixesGoOverTheEndOfThe32BitsInTheWidestTexture)
         Pixels baseline;
         for (int set = 0; set < ninefold::usableSets() && ninefold::useSet(set); ++set) {
             wipe();
-            draw({.filter = 1});
+            draw({.filter = NINEFOLD_FILTER_BILINEAR});
             if (set == 0)
                 baseline = row(0, 0, 64);
             ASSERT_EQ(row(0, 0, 64), baseline) << ninefold::setNames[set] << std::hex << " " << u;

@@ -189,7 +189,7 @@ TEST(DeleteTexture, HostPixelsStay)
     texture->height = 1;
     texture->log2Width = 1;
     texture->pixels = model->pixels;
-    texture->flags = 1;
+    texture->flags = NINEFOLD_TEXTURE_HOST_PIXELS;
     CreateRunlengthMap(texture);
     CreateZeroPixelMap(texture);
     texture->mip[0] = texture;

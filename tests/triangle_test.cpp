@@ -47,10 +47,10 @@ protected:
     static std::vector<Modes> forms()
     {
         std::vector<Modes> all;
-        for (int filter : {0, 8, 1})
+        for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_BILINEAR})
             for (int pers : {0, 1})
-                for (int shahei : {0, 1, 4})
-                    all.push_back({.shape = 2, .pers = pers, .filter = filter, .shahei = shahei});
+                for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_STIPPLE})
+                    all.push_back({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = pers, .filter = filter, .shahei = shahei});
         return all;
     }
 };
@@ -130,15 +130,15 @@ TEST_F(Triangle, AnyVertexOrderGivesTheSamePixels)
             v[1].y = v[0].y, v[1].x = v[0].x + 9; // flat top or bottom
         if (round % 4 == 2)
             v[2].y = v[0].y, v[2].x = v[0].x - 9;
-        for (int filter : {0, 6, 7}) {
-            for (int multi : {3, 1}) {
-                const Modes m{.shape = 2, .pers = round % 2, .filter = filter, .multi = multi};
+        for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD}) {
+            for (int multi : {NINEFOLD_MULTI_NONE, NINEFOLD_MULTI_CORNERS}) {
+                const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = round % 2, .filter = filter, .multi = multi};
                 State first;
                 for (const auto &order : orders) {
                     for (int k = 0; k < 3; ++k)
                         rs.vertex[k] = v[order[k]], rs.uv0[k] = uv[order[k]], rs.color[k] = colour[order[k]];
                     clear();
-                    if (filter == 6)
+                    if (filter == NINEFOLD_FILTER_FLAT)
                         rs.color[0] = 0xFF00FF00; // not sorted with the vertices
                     draw(m);
                     if (order[0] == 0 && order[1] == 1)
@@ -165,7 +165,7 @@ TEST_F(Triangle, OnFlatEdgesTheLeftCornerComesFirstWhateverTheOrder)
                 rs.uv0[k] = {corner[0] == 10 ? texels(8) : texels(40), texels(3)};
             }
             clear();
-            draw({.shape = 2});
+            draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
             if (first.empty()) {
                 first = state().pixels;
                 EXPECT_GT(drawnCount(), 100);
@@ -188,7 +188,7 @@ TEST_F(Triangle, RejectionByRowsIsThatOfWholeTriangles)
         rs.mipRatio = -1;
         triangle(10, y0, 20, y1, 12, y2);
         clear();
-        draw({.shape = 2, .filter = 2});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_MIP});
         EXPECT_TRUE(untouched());
         return rs.mipRatio == -1;
     };
@@ -220,7 +220,7 @@ TEST_F(Triangle, SharedEdgesAreDrawnOnce)
 {
     // Fans around a point and halves of rectangles: no pixel twice, none left out inside.
     rs.blendFunc = [](uint32_t destination, uint32_t) { return destination + 1; };
-    const Modes m{.shape = 2, .blend = 12};
+    const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE, .blend = NINEFOLD_BLEND_CUSTOM};
     const int outline[][2] = {{4, 3}, {30, 1}, {58, 6}, {61, 28}, {33, 30}, {2, 25}};
     std::fill_n(frame->pixels, width * height, 0u);
     for (int k = 0; k < 6; ++k) {
@@ -264,7 +264,7 @@ TEST_F(Triangle, EdgesAndAttributesAgreeWithAPlainWalk)
         clip(window.left, window.top, window.right, window.bottom);
         const trapezoid::Picture expected = trapezoid::draw(corners, 0x8000, window);
         clear();
-        draw({.shape = 2});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
         for (int y = 0; y < 32; ++y) {
             for (int x = 0; x < 64; ++x) {
                 const auto pixel = expected.find({x, y});
@@ -281,11 +281,11 @@ TEST_F(Triangle, DifferencesOf32768ColumnsWrap)
 {
     // (40000 << 16) / 8 wraps to (40000 - 65536) * 65536 / 8: the right edge runs to the left and nothing is drawn.
     triangle(0, 0, 0, 8, 40000, 8);
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_TRUE(untouched());
     // 32767 does not.
     triangle(0, 0, 0, 8, 32767, 8);
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_EQ(spanOf(1), std::pair(0, 64));
 }
 
@@ -303,7 +303,7 @@ TEST_F(Triangle, VerticesAreOrderedWithoutTheOrigin)
     // Rows that do not wrap are in order.
     rs.originY = 5;
     triangle(10, 5, 40, 5, 10, 21);
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_EQ(spanOf(10), std::pair(10, 40));
 }
 
@@ -314,11 +314,11 @@ TEST_F(Triangle, TheOrientationWraps)
     triangle(0, 0, 30000, 10, 0, 20);
     clip(0, 0, 64, 32);
     clear();
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_EQ(spanOf(1), std::pair(0, 64)) << "30000 * 20 does not wrap";
     triangle(0, 0, 30000, 10, 0, 30000 * 3);
     clear();
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_EQ(spanOf(1), std::pair(0, 0));
 }
 
@@ -334,14 +334,14 @@ TEST_F(TallTriangle, ACollinearOneHasItsMiddleOnTheRightAndShowsWhereEdgesComeAp
     triangle(0, 0, 50, 59, 500, 590);
     for (int pers : {0, 1}) {
         clear();
-        draw({.shape = 2, .pers = pers});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = pers});
         EXPECT_EQ(drawnCount(), 1);
         EXPECT_EQ(at(480, 567), 0xFFABCDEFu);
     }
     // Downward to the left the long edge stays to the right, and the spans have negative widths.
     clear();
     triangle(500, 0, 450, 59, 0, 590);
-    draw({.shape = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
     EXPECT_TRUE(untouched());
 }
 
@@ -352,7 +352,7 @@ TEST_F(TallTriangle, TheLongEdgeCarriesItsTruncationOnFromTheUpperTrapezoid)
     for (int top : {0, 30, 59, 100, 500}) { // also when rows, or all of the upper trapezoid, are cut off
         clear();
         clip(0, top, 512, 1024);
-        draw({.shape = 2});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE});
         EXPECT_EQ(drawnCount(), 1) << top;
         EXPECT_EQ(at(480, 567), 0xFFABCDEFu) << top;
     }

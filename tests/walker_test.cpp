@@ -29,14 +29,14 @@ protected:
     static std::vector<Modes> forms()
     {
         std::vector<Modes> all;
-        for (int filter : {0, 8})
+        for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC})
             for (int pers : {0, 1})
-                for (int shahei = 0; shahei < 6; ++shahei)
-                    all.push_back({.shape = 2,
+                for (int shahei : shaheis)
+                    all.push_back({.shape = NINEFOLD_SHAPE_TRIANGLE,
                                    .pers = pers,
                                    .filter = filter,
                                    .shahei = shahei,
-                                   .blend = shahei == 3 || shahei == 5 ? 11 : 0});
+                                   .blend = testsPriority(shahei) ? NINEFOLD_BLEND_MERGE : NINEFOLD_BLEND_COPY});
         return all;
     }
 };
@@ -119,9 +119,9 @@ TEST_F(Walker, SpansThatRoundingCrossesDrawNothingAndMarkNothing)
         for (size_t k = 0; k < 3; ++k)
             corners[k] = {rs.vertex[k].x, rs.vertex[k].y, {}};
         const trapezoid::Picture expected = trapezoid::draw(corners, 0x8000, {0, 0, 64, 32});
-        for (int shahei : {0, 1, 2}) {
+        for (int shahei : {NINEFOLD_SHAHEI_NONE, NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
             wipe();
-            draw({.shape = 2, .shahei = shahei});
+            draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .shahei = shahei});
             EXPECT_EQ(drawnCount(), static_cast<int>(expected.size())) << round;
             for (int py = 0; py < 32; ++py)
                 for (int px = 0; px < 64; ++px)
@@ -145,7 +145,7 @@ TEST_F(Walker, CrossedEndsChangeNoBitWhateverThePlaneHolds)
         for (size_t k = 0; k < 3; ++k)
             corners[k] = {rs.vertex[k].x, rs.vertex[k].y, {}};
         const trapezoid::Picture expected = trapezoid::draw(corners, 0x8000, {0, 0, 64, 32});
-        draw({.shape = 2, .shahei = 1});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .shahei = NINEFOLD_SHAHEI_PLANE});
         for (int y = 0; y < 32; ++y) {
             for (int x = 0; x < 64; ++x) {
                 const bool was = before[size_t(y * 4 + x / 16)] >> (15 - x % 16) & 1;
@@ -175,7 +175,7 @@ TEST_F(Walker, ScanShiftMovesSpansWithTheirTexels)
                 const int from = x - shifts[size_t(y)];
                 const uint32_t expected = from >= 0 && from < 64 ? straight.pixels[size_t(y * 64 + from)] : ground;
                 ASSERT_EQ(at(x, y), expected) << m << " at " << x << ", " << y;
-                if (m.shahei == 1 || m.shahei == 2) {
+                if (marksPlane(m.shahei)) {
                     ASSERT_EQ(taken(x, y), expected != ground) << m;
                 }
             }
@@ -268,9 +268,9 @@ TEST_F(Walker, TexelsOfNegativePositionsFloor)
 {
     triangle(0, 0, 8, 0, 0, 8);
     rs.uv0[0] = {-0x8000, -0x8000}, rs.uv0[1] = {-0x8000 + texels(8), -0x8000}, rs.uv0[2] = {-0x8000, -0x8000 + texels(8)};
-    for (int filter : {0, 8}) {
+    for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC}) {
         clear();
-        draw({.shape = 2, .filter = filter});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = filter});
         EXPECT_EQ(row(0, 0, 3), (Pixels{idAt(63, 31), idAt(0, 31), idAt(1, 31)}));
         EXPECT_EQ(row(1, 0, 3), (Pixels{idAt(63, 0), idAt(0, 0), idAt(1, 0)}));
     }
@@ -282,9 +282,9 @@ TEST_F(Walker, ASecondTriangleFillsWhatTheFirstLeftOpen)
     Texture *full = texture(64, 32, [](uint32_t, uint32_t) { return 0xFFABCDEF; });
     for (Texture *t : {holed, full})
         equipped(t);
-    for (int filter : {0, 8, 2}) {
-        for (int shahei : {1, 2}) {
-            const Modes m{.shape = 2, .filter = filter, .shahei = shahei};
+    for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_MIP}) {
+        for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
+            const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = filter, .shahei = shahei};
             wipe();
             triangle(3, 1, 60, 4, 30, 31);
             mapByPlace();
@@ -315,13 +315,13 @@ TEST_F(Walker, SpansInOneWordAndSpansThatEndOnOneKeepTheBitsAround)
     std::mt19937 random(31);
     for (const auto &[left, right] :
          {std::pair{19, 27}, {16, 32}, {17, 32}, {16, 31}, {5, 16}, {15, 17}, {31, 33}, {48, 64}, {63, 64}}) {
-        for (int shahei : {1, 2}) {
+        for (int shahei : {NINEFOLD_SHAHEI_PLANE, NINEFOLD_SHAHEI_PLANE_PRIORITY}) {
             wipe();
             for (uint16_t &word : plane)
                 word = static_cast<uint16_t>(random() & random());
             const std::vector<uint16_t> before = plane;
             // Vertical edges for a few rows: two of the triangles that make a rectangle, cut by the clip.
-            const Modes m{.shape = 2, .shahei = shahei};
+            const Modes m{.shape = NINEFOLD_SHAPE_TRIANGLE, .shahei = shahei};
             place(m, left, 4, right, 9);
             draw(m);
             for (int y = 0; y < 32; ++y) {
@@ -345,7 +345,7 @@ TEST_F(Walker, SpansThatTheTriangleEndsOnAWordBoundaryKeepTheWordBehind)
         wipe();
         for (size_t y = 0; y < 32; ++y)
             plane[y * 4 + 2] = behind;
-        draw({.shape = 2, .shahei = 1});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .shahei = NINEFOLD_SHAHEI_PLANE});
         for (size_t y = 0; y < 32; ++y)
             EXPECT_EQ(plane[y * 4 + 2], behind);
         EXPECT_EQ(plane[9 * 4 + 1], 0x3FFF); // columns 18 to 31
@@ -355,18 +355,18 @@ TEST_F(Walker, SpansThatTheTriangleEndsOnAWordBoundaryKeepTheWordBehind)
 TEST_F(Walker, ColoursOfCornersFollowTheirVertices)
 {
     // color[i] belongs to vertex[i]: red along x, green along y, blue at the top only.
-    SetBlendModeMulti(0);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
     const int orders[][3] = {{0, 1, 2}, {1, 2, 0}, {2, 1, 0}};
     const Vertex v[] = {{0, 0, 1}, {16, 0, 1}, {0, 16, 1}};
     const uint32_t colour[] = {0x00000010, 0x00800010, 0x00008010};
     for (const auto &order : orders) {
-        for (int filter : {0, 1, 8}) {
+        for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_BILINEAR, NINEFOLD_FILTER_MOSAIC}) {
             for (int k = 0; k < 3; ++k)
                 rs.vertex[k] = v[order[k]], rs.color[k] = colour[order[k]];
             mapByPlace();
             clear();
-            draw({.shape = 2, .filter = filter, .multi = 1});
-            const uint32_t alpha = filter == 1 ? 0 : 0xFF000000;
+            draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = filter, .multi = NINEFOLD_MULTI_CORNERS});
+            const uint32_t alpha = filter == NINEFOLD_FILTER_BILINEAR ? 0 : 0xFF000000;
             for (uint32_t y = 0; y < 16; ++y)
                 for (uint32_t x = 0; x < 16 - y; ++x)
                     ASSERT_EQ(at(int(x), int(y)), alpha | x * 8 << 16 | y * 8 << 8 | 0x10) << x << ", " << y;
@@ -376,11 +376,11 @@ TEST_F(Walker, ColoursOfCornersFollowTheirVertices)
 
 TEST_F(Walker, TheOneColourIsNotSortedWithTheVertices)
 {
-    SetBlendModeMulti(0);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
     rs.color[0] = 0x00112233, rs.color[1] = 0x00445566, rs.color[2] = 0x00778899;
     triangle(0, 16, 16, 0, 0, 0);
     mapByPlace();
-    draw({.shape = 2, .multi = 2});
+    draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .multi = NINEFOLD_MULTI_COLOUR});
     EXPECT_EQ(at(3, 3), 0xFF112233u);
     EXPECT_EQ(at(12, 0), 0xFF112233u);
 }
@@ -389,13 +389,13 @@ TEST_F(Walker, TheSecondTextureHasAttributesAndMasksOfItsOwn)
 {
     rs.tex0 = equipped(solid(0xFF000000));
     rs.tex1 = texture(8, 4, [](uint32_t u, uint32_t v) { return 0x800000 + v * 0x100 + u; });
-    SetBlendModeMulti(0);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
     triangle(0, 0, 16, 0, 0, 16);
     rs.uv1[0] = {texels(3), texels(2)}, rs.uv1[1] = {texels(35), texels(2)}, rs.uv1[2] = {texels(3), texels(10)};
-    for (int filter : {0, 8}) {
+    for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC}) {
         for (int pers : {0, 1}) {
             clear();
-            draw({.shape = 2, .pers = pers, .filter = filter, .multi = 0});
+            draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = pers, .filter = filter, .multi = NINEFOLD_MULTI_TEXTURE});
             for (uint32_t y = 0; y < 8; ++y)
                 for (uint32_t x = 0; x < 16 - y; ++x) // two texels a pixel across, half a texel a row down
                     ASSERT_EQ(at(int(x), int(y)), 0xFF800000 + ((2 + y / 2) & 3) * 0x100 + ((3 + 2 * x) & 7)) << x << ", " << y;
@@ -420,11 +420,11 @@ TEST_F(Walker, RefusedPixelsStepAllTheSame)
         for (int y = 0; y < 32; ++y) {
             for (int x = 0; x < 32 - y; ++x) {
                 bool drawn = true;
-                if (m.shahei == 1 || m.shahei == 2)
+                if (marksPlane(m.shahei))
                     drawn = !((0xA5C3 | 0x1812) >> (15 - x % 16) & 1);
-                if (m.shahei == 4 || m.shahei == 5)
+                if (m.shahei == NINEFOLD_SHAHEI_STIPPLE || m.shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE)
                     drawn = !(0xA5C3 >> (15 - x % 16) & 1);
-                if (m.shahei == 3 || m.shahei == 5)
+                if (testsPriority(m.shahei))
                     drawn = drawn && (x * 3 + y) % 4;
                 ASSERT_EQ(at(x, y), drawn ? idAt(uint32_t(x), uint32_t(y)) : ground) << m << " at " << x << ", " << y;
             }
@@ -436,16 +436,16 @@ TEST_F(Walker, OnlyTheLowByteOfZRefCounts)
 {
     triangle(0, 0, 16, 0, 0, 16);
     mapByPlace();
-    for (int shahei : {3, 5}) {
+    for (int shahei : {NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_PRIORITY_STIPPLE}) {
         wipe();
         std::fill(z.begin(), z.end(), uint8_t{5});
         rs.zRef = 0x105;
-        draw({.shape = 2, .shahei = shahei, .blend = 11});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .shahei = shahei, .blend = NINEFOLD_BLEND_MERGE});
         EXPECT_EQ(at(3, 3), idAt(3, 3));
         wipe();
         rs.zRef = 0x06;
         std::fill(z.begin(), z.end(), uint8_t{5});
-        draw({.shape = 2, .shahei = shahei, .blend = 11});
+        draw({.shape = NINEFOLD_SHAPE_TRIANGLE, .shahei = shahei, .blend = NINEFOLD_BLEND_MERGE});
         EXPECT_TRUE(untouched());
     }
 }
@@ -458,7 +458,10 @@ TEST_F(Walker, AnEmptyClipRectangleReadsAndWritesNoPlaneAlsoWhereTheSourceIsTheF
     corners(-5, 0, 30, 4);
     for (int left : {0, 5, 16}) {
         clip(left, 0, left, 8);
-        for (const Modes &m : {Modes{.shahei = 1}, {.shahei = 2}, {.filter = 1, .rectOpt = 1, .shahei = 1}}) {
+        for (const Modes &m :
+             {Modes{.shahei = NINEFOLD_SHAHEI_PLANE},
+              {.shahei = NINEFOLD_SHAHEI_PLANE_PRIORITY},
+              {.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH, .shahei = NINEFOLD_SHAHEI_PLANE}}) {
             wipe();
             draw(m);
             EXPECT_TRUE(untouched()) << m << " from " << left;

@@ -18,7 +18,7 @@ void perspective(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), coffee = load("coffee"), stars = load("stars"), bricks = load("bricks");
     for (const long pers : {0, 1}) {
-        const Modes modes{.shape = 2, .filter = 1, .pers = pers};
+        const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_BILINEAR, .pers = pers};
         {
             Canvas canvas(width, height);
             cover(canvas, stars.get());
@@ -40,19 +40,21 @@ void mipFloors(Sheet &sheet)
     const TexturePtr bricks = loadMipped("bricks"), stars = load("stars");
     const char *names[] = {
         "0: nearest", "1: bilinear", "2: nearest in the level below the chosen one", "", "", "5: two bilinear levels mixed"};
-    for (const long filter : {0, 1, 2, 5}) {
+    for (const long filter :
+         {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_BILINEAR, NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_MIP_BILINEAR}) {
         Canvas canvas(width, height);
         cover(canvas, stars.get());
         rs.tex0 = bricks.get();
-        const Modes modes{.shape = 2, .filter = filter, .pers = 1};
+        const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = filter, .pers = NINEFOLD_PERS_ON};
         floorStrips({128, 46, 220}, 0.6, 56, height, 34, modes);
         sheet.add(canvas, std::string("Filter ") + names[filter], modes);
     }
     names[2] = "2: nearest in the chosen level";
-    for (const long filter : {0, 1, 2, 5}) {
+    for (const long filter :
+         {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_BILINEAR, NINEFOLD_FILTER_MIP, NINEFOLD_FILTER_MIP_BILINEAR}) {
         Canvas canvas(width, height);
         rs.tex0 = bricks.get();
-        const Modes modes{.filter = filter, .rectOpt = 1};
+        const Modes modes{.filter = filter, .rectOpt = NINEFOLD_RECT_STRETCH};
         corners(0, 0, width, height);
         source(rs.uv0, 0, 0, width * 5, height * 5);
         draw(modes);
@@ -79,12 +81,16 @@ void mipLines(Sheet &sheet)
         draw(modes);
         sheet.add(canvas, caption, modes);
     };
-    lined("Filter 0: the base texture", {.filter = 0, .rectOpt = 3});
-    lined("Filter 3: the row's level", {.filter = 3, .rectOpt = 3});
-    lined("Filter 2 with the plane: the level below it", {.filter = 2, .rectOpt = 3, .shahei = 1});
-    lined("Filter 1 with the plane: four texels of the base texture", {.filter = 1, .rectOpt = 3, .shahei = 1});
-    lined("Filter 4 with the plane: four texels of the row's level", {.filter = 4, .rectOpt = 3, .shahei = 1});
-    lined("Filter 5 with the plane: two levels mixed", {.filter = 5, .rectOpt = 3, .shahei = 1});
+    lined("Filter 0: the base texture", {.filter = NINEFOLD_FILTER_POINT, .rectOpt = NINEFOLD_RECT_TABLE});
+    lined("Filter 3: the row's level", {.filter = NINEFOLD_FILTER_LINE_POINT, .rectOpt = NINEFOLD_RECT_TABLE});
+    lined("Filter 2 with the plane: the level below it",
+          {.filter = NINEFOLD_FILTER_MIP, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = NINEFOLD_SHAHEI_PLANE});
+    lined("Filter 1 with the plane: four texels of the base texture",
+          {.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = NINEFOLD_SHAHEI_PLANE});
+    lined("Filter 4 with the plane: four texels of the row's level",
+          {.filter = NINEFOLD_FILTER_LINE_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = NINEFOLD_SHAHEI_PLANE});
+    lined("Filter 5 with the plane: two levels mixed",
+          {.filter = NINEFOLD_FILTER_MIP_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE, .shahei = NINEFOLD_SHAHEI_PLANE});
 }
 
 } // namespace gallery

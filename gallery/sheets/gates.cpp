@@ -40,24 +40,25 @@ void stipples(Sheet &sheet)
         rs.tex0 = cat.get();
         corners(0, 0, 128, 96);
         source(rs.uv0, 1, 1, 256, 192);
-        const Modes modes{.filter = 1, .rectOpt = 1, .shahei = 4};
+        const Modes modes{
+            .filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH, .shahei = NINEFOLD_SHAHEI_STIPPLE};
         draw(modes);
         sheet.add(canvas, caption, modes);
     };
     for (const long index : {0, 7, 15, 31, 63, 95, 111, 127, 159, 191, 223, 255})
         stippled(index, std::to_string(index) + (index ? ": " + std::to_string(index + 1) + " of 256 pixels" : ": none"));
-    stippled(256, "256: all");
-    stippled(257, "257: checkerboard");
-    stippled(258, "258: odd columns");
-    stippled(259, "259: even rows");
-    stippled(260, "260: odd columns of even rows");
-    stippled(261, "261: odd rows and odd columns");
+    stippled(NINEFOLD_STIPPLE_ALL, "256: all");
+    stippled(NINEFOLD_STIPPLE_CHESSBOARD, "257: checkerboard");
+    stippled(NINEFOLD_STIPPLE_ODD_COLUMNS, "258: odd columns");
+    stippled(NINEFOLD_STIPPLE_EVEN_ROWS, "259: even rows");
+    stippled(NINEFOLD_STIPPLE_ODD_COLUMNS_EVEN_ROWS, "260: odd columns of even rows");
+    stippled(NINEFOLD_STIPPLE_ODD_COLUMNS_AND_ROWS, "261: odd rows and odd columns");
 }
 
 void shaheiPlane(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat"), horse = loadKeyed("horse"), cup = loadKeyed("cup");
-    const Modes plane{.shahei = 1};
+    const Modes plane{.shahei = NINEFOLD_SHAHEI_PLANE};
     Canvas canvas(width, height);
     sprite(cup.get(), 16, 30, plane);
     sprite(horse.get(), 100, 60, plane); // behind the cup, since drawn later
@@ -78,7 +79,9 @@ void shaheiPlane(Sheet &sheet)
 void priorityPlane(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), horse = loadKeyed("horse"), cup = loadKeyed("cup"), stars = load("stars");
-    const Modes write{.shahei = 2}, test{.filter = 6, .shahei = 3, .blend = 2}, add{.rectOpt = 1, .shahei = 3, .blend = 5};
+    const Modes write{.shahei = NINEFOLD_SHAHEI_PLANE_PRIORITY},
+        test{.filter = NINEFOLD_FILTER_FLAT, .shahei = NINEFOLD_SHAHEI_PRIORITY, .blend = NINEFOLD_BLEND_CONST_ALPHA},
+        add{.rectOpt = NINEFOLD_RECT_STRETCH, .shahei = NINEFOLD_SHAHEI_PRIORITY, .blend = NINEFOLD_BLEND_ADD};
     Canvas canvas(width, height);
     canvas.fillPriority(255);
     rs.zRef = 50;
@@ -111,7 +114,8 @@ void priorityPlane(Sheet &sheet)
 void occlusion(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat"), stars = load("stars"), bricks = load("bricks");
-    const Modes plane{.shahei = 1}, behind{.shahei = 3, .blend = 2};
+    const Modes plane{.shahei = NINEFOLD_SHAHEI_PLANE},
+        behind{.shahei = NINEFOLD_SHAHEI_PRIORITY, .blend = NINEFOLD_BLEND_CONST_ALPHA};
     {
         Canvas canvas(width, height);
         cover(canvas, stars.get());
@@ -156,7 +160,8 @@ void occlusion(Sheet &sheet)
     {
         Canvas canvas(width, height);
         cover(canvas, bricks.get());
-        const Modes opaque{.shahei = 1}, blended{.shahei = 3, .blend = 9};
+        const Modes opaque{.shahei = NINEFOLD_SHAHEI_PLANE},
+            blended{.shahei = NINEFOLD_SHAHEI_PRIORITY, .blend = NINEFOLD_BLEND_SCREEN};
         star(DrawShaheiZbufferPolygonMask, 128, 96, 7, 50, 90);
         sprite(coffee.get(), 0, 0, opaque);
         rs.zRef = 1;

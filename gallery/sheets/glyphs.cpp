@@ -14,11 +14,12 @@ void glyphs(Sheet &sheet)
     const char *qualities[] = {"mono", "4 levels", "16 levels", "64 levels"};
     for (const bool rimmed : {false, true})
         for (const bool italic : {false, true})
-            for (const int quality : {0, 1, 2, 3}) {
+            for (const int quality :
+                 {NINEFOLD_QUALITY_MONO, NINEFOLD_QUALITY_GREY4, NINEFOLD_QUALITY_GREY16, NINEFOLD_QUALITY_GREY64}) {
                 Canvas canvas(256, 192);
                 cover(canvas, coffee.get());
                 Text text(256, 256);
-                const Modes modes{.blend = 4};
+                const Modes modes{.blend = NINEFOLD_BLEND_ALPHA_FAST};
                 Font font{-26, 700, quality, italic, rimmed};
                 text.write(font, latin, 10, 30, modes);
                 font.height = -34;
@@ -28,7 +29,7 @@ void glyphs(Sheet &sheet)
                 // Below them a part of the atlas.
                 rs.color[0] = argb({20, 30, 50});
                 corners(0, 132, 256, 192);
-                draw({.filter = 6});
+                draw({.filter = NINEFOLD_FILTER_FLAT});
                 rs.tex0 = text.atlas();
                 source(rs.uv0, 0, 0, 0, 0);
                 draw(modes);

@@ -37,33 +37,36 @@ void blends(Sheet &sheet)
         cover(canvas, coffee.get());
         sheet.add(canvas, "The destination");
     }
-    blended(0, "Copy: the source as it is, with alpha fading towards its corners");
-    blended(1, "Alpha");
-    blended(2, "Constant alpha 128: the source's alpha is not read");
-    blended(4, "Alpha, exact at both ends");
-    blended(5, "Add");
-    blended(6, "Subtract");
-    blended(7, "Multiply");
-    blended(8, "Multiply by two");
-    blended(9, "Screen");
-    blended(10, "Overlay");
-    blended(11, "Merge: bits by writeMask 0xF0C0E0");
-    blended(12, "This program's own operator: the brighter of each channel", lighten);
-    blended(14, "Luma of the source");
-    blended(15, "Luma of the destination");
-    blended(16, "Exclusive or");
-    blended(17, "And");
-    blended(18, "Or");
-    blended(19, "Destination: nothing changes");
+    blended(NINEFOLD_BLEND_COPY, "Copy: the source as it is, with alpha fading towards its corners");
+    blended(NINEFOLD_BLEND_ALPHA, "Alpha");
+    blended(NINEFOLD_BLEND_CONST_ALPHA, "Constant alpha 128: the source's alpha is not read");
+    blended(NINEFOLD_BLEND_ALPHA_FAST, "Alpha, exact at both ends");
+    blended(NINEFOLD_BLEND_ADD, "Add");
+    blended(NINEFOLD_BLEND_SUB, "Subtract");
+    blended(NINEFOLD_BLEND_MUL, "Multiply");
+    blended(NINEFOLD_BLEND_MUL2, "Multiply by two");
+    blended(NINEFOLD_BLEND_SCREEN, "Screen");
+    blended(NINEFOLD_BLEND_OVERLAY, "Overlay");
+    blended(NINEFOLD_BLEND_MERGE, "Merge: bits by writeMask 0xF0C0E0");
+    blended(NINEFOLD_BLEND_CUSTOM, "This program's own operator: the brighter of each channel", lighten);
+    blended(NINEFOLD_BLEND_LUMA_SRC, "Luma of the source");
+    blended(NINEFOLD_BLEND_LUMA_DST, "Luma of the destination");
+    blended(NINEFOLD_BLEND_XOR, "Exclusive or");
+    blended(NINEFOLD_BLEND_AND, "And");
+    blended(NINEFOLD_BLEND_OR, "Or");
+    blended(NINEFOLD_BLEND_DST, "Destination: nothing changes");
     blended(13, "Mode 13 is copy again");
 }
 
 void multiOperators(Sheet &sheet)
 {
+#define VALUE(name, value, word, meaning) name,
+    static constexpr int operators[] = {NINEFOLD_MULTI_OPS(VALUE)};
+#undef VALUE
     const TexturePtr coffee = load("coffee"), cat = load("cat");
     addMatte(*cat);
-    for (const int bank : {0, 1})
-        for (const int value : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 14, 15, 16, 17, 18, 19}) {
+    for (const int bank : {NINEFOLD_MULTI_BANK_PLAIN, NINEFOLD_MULTI_BANK_SCALED})
+        for (const int value : operators) {
             Canvas canvas(128, 96);
             SetPrescaleMultiMode(bank);
             SetBlendModeMulti(value);
@@ -76,7 +79,8 @@ void multiOperators(Sheet &sheet)
             corners(0, 0, 128, 96);
             source(rs.uv0, 1, 1, 256, 192);
             source(rs.uv1, 1, 1, 256, 192);
-            const Modes modes{.filter = 1, .rectOpt = 1, .multi = 0};
+            const Modes modes{
+                .filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH, .multi = NINEFOLD_MULTI_TEXTURE};
             draw(modes);
             sheet.add(canvas, std::to_string(value) + ": " + multiOperatorName(value), modes);
         }
@@ -89,26 +93,30 @@ void multiColours(Sheet &sheet)
         Canvas canvas(256, 192);
         SetBlendModeMulti(op);
         std::transform(colours.begin(), colours.end(), rs.color, [](Colour c) { return argb(c); });
-        const Modes modes{.rectOpt = 1, .multi = multi};
+        const Modes modes{.rectOpt = NINEFOLD_RECT_STRETCH, .multi = multi};
         rs.tex0 = picture;
         corners(0, 0, 256, 192);
         source(rs.uv0, 0, 0, 256, 192);
         draw(modes);
         sheet.add(canvas, caption, modes);
     };
-    coloured(1, 7, coffee.get(), {{255, 255, 255}, {255, 120, 40}, {60, 60, 220}, {20, 10, 40}},
+    coloured(NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_OP_MUL, coffee.get(),
+             {{255, 255, 255}, {255, 120, 40}, {60, 60, 220}, {20, 10, 40}},
              "Multiplied by white, orange, blue and dark corners");
-    coloured(1, 10, bricks.get(), {{220, 60, 30}, {230, 190, 60}, {40, 90, 200}, {60, 170, 90}},
-             "Grey bricks, overlaid with four colours");
-    coloured(2, 8, bricks.get(), {{230, 120, 80}}, "Grey bricks times two times brick red");
-    coloured(2, 9, coffee.get(), {{20, 60, 140}}, "Screened with blue");
+    coloured(NINEFOLD_MULTI_CORNERS, NINEFOLD_MULTI_OP_OVERLAY, bricks.get(),
+             {{220, 60, 30}, {230, 190, 60}, {40, 90, 200}, {60, 170, 90}}, "Grey bricks, overlaid with four colours");
+    coloured(NINEFOLD_MULTI_COLOUR, NINEFOLD_MULTI_OP_MUL2, bricks.get(), {{230, 120, 80}},
+             "Grey bricks times two times brick red");
+    coloured(NINEFOLD_MULTI_COLOUR, NINEFOLD_MULTI_OP_SCREEN, coffee.get(), {{20, 60, 140}}, "Screened with blue");
 }
 
 void prescales(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), cat = load("cat");
     addMatte(*cat);
-    for (const auto &[blend, caption] : {std::pair{0L, "Colour dimmed"}, {5L, "Less and less added"}, {1L, "Opacity"}})
+    for (const auto &[blend, caption] : {std::pair{long{NINEFOLD_BLEND_COPY}, "Colour dimmed"},
+                                         {NINEFOLD_BLEND_ADD, "Less and less added"},
+                                         {NINEFOLD_BLEND_ALPHA, "Opacity"}})
         for (const uint32_t factor : {0u, 64u, 128u, 192u, 256u}) {
             Canvas canvas(128, 96);
             cover(canvas, coffee.get());
@@ -116,7 +124,10 @@ void prescales(Sheet &sheet)
             rs.tex0 = cat.get();
             corners(16, 8, 112, 88);
             source(rs.uv0, 1.3, 1.2, 256, 192);
-            const Modes modes{.filter = 1, .rectOpt = 1, .blend = blend, .prescale = 1};
+            const Modes modes{.filter = NINEFOLD_FILTER_BILINEAR,
+                              .rectOpt = NINEFOLD_RECT_STRETCH,
+                              .blend = blend,
+                              .prescale = NINEFOLD_PRESCALE_ON};
             draw(modes);
             sheet.add(canvas, std::string(caption) + ", " + std::to_string(factor), modes);
         }

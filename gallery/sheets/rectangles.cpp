@@ -76,7 +76,8 @@ void unitCopies(Sheet &sheet)
         sheet.add(canvas, "The cat covers the canvas; the clip rectangle is inset", copy);
     }
     {
-        const TexturePtr centred = loadAdjusted("horse", 1, 1), bottomRight = loadAdjusted("horse", 2, 2);
+        const TexturePtr centred = loadAdjusted("horse", NINEFOLD_ALIGN_CENTRE, NINEFOLD_ALIGN_CENTRE),
+                         bottomRight = loadAdjusted("horse", NINEFOLD_ALIGN_END, NINEFOLD_ALIGN_END);
         Canvas canvas(width, height);
         cover(canvas, gravel.get());
         sprite(centred.get(), 0, 32);
@@ -98,7 +99,7 @@ void unitCopies(Sheet &sheet)
 void stretches(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), bricks = load("bricks"), gravel = load("gravel");
-    const Modes stretch{.rectOpt = 1};
+    const Modes stretch{.rectOpt = NINEFOLD_RECT_STRETCH};
     {
         Canvas canvas(width, height);
         rs.tex0 = cat.get();
@@ -156,7 +157,8 @@ void stretches(Sheet &sheet)
 void cornerQuads(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), coffee = load("coffee"), stars = load("stars");
-    const Modes quadPoint{.rectOpt = 2}, quadAlpha{.rectOpt = 2, .blend = 5};
+    const Modes quadPoint{.rectOpt = NINEFOLD_RECT_CORNERS},
+        quadAlpha{.rectOpt = NINEFOLD_RECT_CORNERS, .blend = NINEFOLD_BLEND_ADD};
     {
         Canvas canvas(width, height);
         rs.tex0 = cat.get();
@@ -192,7 +194,7 @@ void cornerQuads(Sheet &sheet)
 void lineTables(Sheet &sheet)
 {
     const TexturePtr cat = load("cat"), coffee = load("coffee"), bricks = load("bricks"), stars = load("stars");
-    const Modes table{.rectOpt = 3};
+    const Modes table{.rectOpt = NINEFOLD_RECT_TABLE};
     std::vector<LineTableRecord> rows(height);
     {
         Canvas canvas(width, height);
@@ -242,7 +244,7 @@ void mosaics(Sheet &sheet)
     const TexturePtr cat = load("cat");
     for (const int size : {2, 4, 7, 16, 32}) {
         Canvas canvas(width, height);
-        const Modes mosaic{.filter = 8, .rectOpt = 1};
+        const Modes mosaic{.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = NINEFOLD_RECT_STRETCH};
         rs.tex0 = cat.get();
         rs.mosaicSize = size;
         corners(0, 0, width, height);
@@ -252,7 +254,7 @@ void mosaics(Sheet &sheet)
     }
     {
         Canvas canvas(width, height);
-        const Modes mosaic{.filter = 8};
+        const Modes mosaic{.filter = NINEFOLD_FILTER_MOSAIC};
         rs.tex0 = cat.get();
         rs.mosaicSize = 4, rs.mosaicSize1 = 24;
         corners(0, 0, width, height);
@@ -261,7 +263,7 @@ void mosaics(Sheet &sheet)
     }
     {
         Canvas canvas(width, height);
-        const Modes mosaic{.filter = 8, .rectOpt = 2};
+        const Modes mosaic{.filter = NINEFOLD_FILTER_MOSAIC, .rectOpt = NINEFOLD_RECT_CORNERS};
         rs.tex0 = cat.get();
         rs.mosaicSize = 8;
         drawCorners(texel(60, 10), texel(220, 60), texel(10, 120), texel(180, 180), mosaic);
@@ -269,7 +271,7 @@ void mosaics(Sheet &sheet)
     }
     {
         Canvas canvas(width, height);
-        const Modes mosaic{.shape = 2, .filter = 8};
+        const Modes mosaic{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_MOSAIC};
         rs.tex0 = cat.get();
         rs.mosaicSize = 12;
         quad({40, 6, 1, 0, 0}, {220, 20, 1, 255, 0}, {6, 180, 1, 0, 191}, {250, 186, 1, 255, 191}, mosaic);
@@ -285,7 +287,7 @@ void filters(Sheet &sheet)
     const auto draws = [&](const Modes &modes, const char *caption) {
         Canvas canvas(width, height);
         rs.tex0 = cat.get();
-        if (modes.rectOpt == 2)
+        if (modes.rectOpt == NINEFOLD_RECT_CORNERS)
             drawCorners(texel(u + step / 2, v + step / 2), texel(u + 64 + step / 2, v + step / 2),
                         texel(u + step / 2, v + 48 + step / 2), texel(u + 64 + step / 2, v + 48 + step / 2), modes);
         else {
@@ -295,10 +297,12 @@ void filters(Sheet &sheet)
         }
         sheet.add(canvas, caption, modes);
     };
-    draws({.filter = 0, .rectOpt = 1}, "Nearest");
-    draws({.filter = 1, .rectOpt = 1}, "Bilinear: four texels mixed");
-    draws({.filter = 1, .rectOpt = 2}, "Bilinear in four corners and line tables: one of two texels, chosen by a stipple");
-    draws({.filter = 1, .rectOpt = 2, .shahei = 1}, "... but with the Shahei plane four texels are mixed");
+    draws({.filter = NINEFOLD_FILTER_POINT, .rectOpt = NINEFOLD_RECT_STRETCH}, "Nearest");
+    draws({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH}, "Bilinear: four texels mixed");
+    draws({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_CORNERS},
+          "Bilinear in four corners and line tables: one of two texels, chosen by a stipple");
+    draws({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_CORNERS, .shahei = NINEFOLD_SHAHEI_PLANE},
+          "... but with the Shahei plane four texels are mixed");
 }
 
 void runLengths(Sheet &sheet)
@@ -315,7 +319,7 @@ void runLengths(Sheet &sheet)
     };
     {
         Canvas canvas(width, height);
-        const Modes modes{.rectOpt = 5};
+        const Modes modes{.rectOpt = NINEFOLD_RECT_RUNS};
         cover(canvas, gravel.get());
         runs(8, 8, modes);
         runs(64, 40, modes);
@@ -324,7 +328,7 @@ void runLengths(Sheet &sheet)
     }
     {
         Canvas canvas(width, height);
-        const Modes modes{.rectOpt = 5, .blend = 2};
+        const Modes modes{.rectOpt = NINEFOLD_RECT_RUNS, .blend = NINEFOLD_BLEND_CONST_ALPHA};
         cover(canvas, coffee.get());
         rs.blendAlpha = 140;
         runs(64, 40, modes);
@@ -336,13 +340,13 @@ void runLengths(Sheet &sheet)
     for (const auto &[x, y] : {std::pair{0, 14}, {128, 60}})
         CopyTexture(layer.get(), cup.get(), x, y, 0, 0, 128, 118);
     CreateZeroPixelMap(layer.get());
-    const Modes mapped{.rectOpt = 6, .shahei = 1};
+    const Modes mapped{.rectOpt = NINEFOLD_RECT_PLANE_RUNS, .shahei = NINEFOLD_SHAHEI_PLANE};
     Canvas canvas(width, height);
     rs.tex0 = layer.get();
     corners(0, 0, width, height);
     draw(mapped);
     sheet.add(canvas, "A layer through its zero-pixel map: drawn pixels are marked as taken", mapped);
-    const Modes behind{.shahei = 1};
+    const Modes behind{.shahei = NINEFOLD_SHAHEI_PLANE};
     rs.tex0 = cat.get();
     draw(behind);
     sheet.add(canvas, "The background, drawn afterwards, goes around them", behind);

@@ -23,7 +23,8 @@ void paintRule(const Canvas &canvas, int segments, uint32_t middle, Rim &&rim)
         rs.color[1] = grey(rim(i));
         rs.color[2] = grey(rim(i + 1));
         triangle({x, y, 1, 0, 0}, {x + radius * 1.1 * std::cos(from), y + radius * 1.1 * std::sin(from), 1, 0, 0},
-                 {x + radius * 1.1 * std::cos(to), y + radius * 1.1 * std::sin(to), 1, 0, 0}, {.shape = 2, .filter = 7});
+                 {x + radius * 1.1 * std::cos(to), y + radius * 1.1 * std::sin(to), 1, 0, 0},
+                 {.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_GOURAUD});
     }
 }
 
@@ -35,7 +36,7 @@ void wipes(Sheet &sheet)
     Canvas rule(128, 128);
     paintRule(rule, 48, 255, [](int) { return 0u; });
     const char *names[] = {"linear", "fast", "slow"};
-    for (const int curve : {0, 1, 2})
+    for (const int curve : {NINEFOLD_CURVE_LINEAR, NINEFOLD_CURVE_FAST, NINEFOLD_CURVE_SLOW})
         for (int step = 0; step < 10; ++step) {
             Canvas canvas(128, 96);
             cover(canvas, coffee.get());
@@ -47,7 +48,7 @@ void wipes(Sheet &sheet)
             corners(0, 0, 128, 96);
             source(rs.uv0, 1, 1, 256, 192);
             source(rs.uv2, 0, 0, 128, 128);
-            const Modes modes{.filter = 1, .rectOpt = 1, .rule = 1};
+            const Modes modes{.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = NINEFOLD_RECT_STRETCH, .rule = NINEFOLD_RULE_ON};
             draw(modes);
             sheet.add(canvas, std::string(names[curve]) + ", threshold " + std::to_string(rs.ruleThreshold), modes);
         }
@@ -65,7 +66,7 @@ void wipeShapes(Sheet &sheet)
         corners(0, 0, width, height);
         source(rs.uv0, 0, 0, width, height);
         source(rs.uv2, 0, 0, width, height);
-        const Modes modes{.rule = 1};
+        const Modes modes{.rule = NINEFOLD_RULE_ON};
         draw(modes);
         sheet.add(canvas, "A photograph of gravel as the rule", modes);
     }
@@ -78,7 +79,7 @@ void wipeShapes(Sheet &sheet)
         corners(0, 0, width, height);
         source(rs.uv0, 0, 0, width, height);
         source(rs.uv2, 0, 0, horse->origWidth, horse->origHeight);
-        const Modes modes{.rectOpt = 1, .rule = 1};
+        const Modes modes{.rectOpt = NINEFOLD_RECT_STRETCH, .rule = NINEFOLD_RULE_ON};
         draw(modes);
         sheet.add(canvas, "A silhouette as the rule, without a soft edge", modes);
     }
@@ -89,14 +90,15 @@ void wipeShapes(Sheet &sheet)
             const double from = 2 * pi * i / 64 - pi / 2, to = 2 * pi * (i + 1) / 64 - pi / 2;
             rs.color[0] = 0xFF000000 | uint32_t(255 - 4 * i) * 0x10101u;
             triangle({64, 64, 1, 0, 0}, {64 + 100 * std::cos(from), 64 + 100 * std::sin(from), 1, 0, 0},
-                     {64 + 100 * std::cos(to), 64 + 100 * std::sin(to), 1, 0, 0}, {.shape = 2, .filter = 6});
+                     {64 + 100 * std::cos(to), 64 + 100 * std::sin(to), 1, 0, 0},
+                     {.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_FLAT});
         }
         Canvas canvas(width, height);
         cover(canvas, coffee.get());
         rs.ruleThreshold = 100, rs.ruleWidth = 30;
         rs.tex0 = cat.get();
         rs.tex2 = clock.pixels();
-        const Modes modes{.shape = 2, .filter = 1, .rule = 1};
+        const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_BILINEAR, .rule = NINEFOLD_RULE_ON};
         const Corner a{20, 10, 1, 0.5, 0.5}, b{236, 10, 1, 255.5, 0.5}, c{20, 182, 1, 0.5, 191.5}, d{236, 182, 1, 255.5, 191.5};
         rs.uv2[0] = texel(0, 0), rs.uv2[1] = texel(127, 0), rs.uv2[2] = texel(0, 127);
         triangle(a, b, c, modes);
@@ -109,7 +111,7 @@ void wipeShapes(Sheet &sheet)
         rs.color[0] = rs.color[2] = 0xFFFFFFFF;
         rs.color[1] = rs.color[3] = 0xFF000000;
         corners(0, 0, 32, 32);
-        draw({.filter = 7});
+        draw({.filter = NINEFOLD_FILTER_GOURAUD});
         Canvas canvas(width, height);
         cover(canvas, coffee.get());
         rs.ruleThreshold = 90, rs.ruleWidth = 60;
@@ -118,7 +120,7 @@ void wipeShapes(Sheet &sheet)
         corners(0, 0, width, height);
         source(rs.uv0, 0, 0, width, height);
         source(rs.uv2, 0, 0, 8 * 32, 32);
-        const Modes modes{.blend = 9, .rule = 1};
+        const Modes modes{.blend = NINEFOLD_BLEND_SCREEN, .rule = NINEFOLD_RULE_ON};
         draw(modes);
         sheet.add(canvas, "Blinds: a small rule repeated eight times, under a screen blend", modes);
     }
@@ -145,7 +147,7 @@ void ruleRectangles(Sheet &sheet)
     {
         Canvas canvas(width, height);
         cover(canvas, coffee.get());
-        rs.ruleThreshold = 90, rs.ruleWidth = 80, rs.ruleCurve = 2;
+        rs.ruleThreshold = 90, rs.ruleWidth = 80, rs.ruleCurve = NINEFOLD_CURVE_SLOW;
         rs.color[0] = 255, rs.color[1] = 100, rs.color[2] = 140, rs.color[3] = 0;
         rs.tex0 = cat.get();
         corners(0, 0, width, height);

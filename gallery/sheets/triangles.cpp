@@ -77,13 +77,13 @@ void meshes(Sheet &sheet)
         mesh(waves, [&](const Corner &a, const Corner &b, const Corner &c) { triangle(a, b, c, modes); });
         sheet.add(canvas, caption, modes);
     };
-    bent({.shape = 2}, "96 triangles, nearest");
-    bent({.shape = 2, .filter = 1}, "The same, bilinear");
+    bent({.shape = NINEFOLD_SHAPE_TRIANGLE}, "96 triangles, nearest");
+    bent({.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_BILINEAR}, "The same, bilinear");
     {
         Canvas canvas(width, height);
         cover(canvas, gravel.get());
-        SetBlendModeMulti(7);
-        const Modes modes{.shape = 2, .filter = 1, .multi = 1};
+        SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL);
+        const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_BILINEAR, .multi = NINEFOLD_MULTI_CORNERS};
         rs.tex0 = cat.get();
         mesh(waves, [&](const Corner &a, const Corner &b, const Corner &c) {
             rs.color[0] = lightAt(a.u), rs.color[1] = lightAt(b.u), rs.color[2] = lightAt(c.u);
@@ -93,7 +93,7 @@ void meshes(Sheet &sheet)
     }
     {
         Canvas canvas(width, height);
-        const Modes modes{.shape = 2, .filter = 7};
+        const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_GOURAUD};
         mesh(flat, [&](const Corner &a, const Corner &b, const Corner &c) {
             const Corner *corners[] = {&a, &b, &c};
             for (int i = 0; i < 3; ++i)
@@ -104,7 +104,7 @@ void meshes(Sheet &sheet)
     }
     {
         Canvas canvas(width, height);
-        const Modes modes{.shape = 2, .filter = 6};
+        const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_FLAT};
         mesh(flat, [&](const Corner &a, const Corner &b, const Corner &c) {
             rs.color[0] = colourNear(*cat, (a.u + b.u + c.u) / 3, (a.v + b.v + c.v) / 3, 8);
             triangle(a, b, c, modes);
@@ -114,7 +114,7 @@ void meshes(Sheet &sheet)
     {
         Canvas canvas(width, height);
         cover(canvas, cat.get());
-        const Modes modes{.shape = 2, .filter = 7, .blend = 1};
+        const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_GOURAUD, .blend = NINEFOLD_BLEND_ALPHA};
         for (int i = 0; i < 24; ++i) {
             const double from = 2 * pi * i / 24, to = 2 * pi * (i + 1) / 24;
             rs.color[0] = argb({255, 230, 120}, 255);
@@ -129,7 +129,7 @@ void meshes(Sheet &sheet)
 void scanShifts(Sheet &sheet)
 {
     const TexturePtr coffee = load("coffee"), stars = load("stars");
-    const Modes modes{.shape = 2, .filter = 1};
+    const Modes modes{.shape = NINEFOLD_SHAPE_TRIANGLE, .filter = NINEFOLD_FILTER_BILINEAR};
     std::vector<int32_t> shifts(height);
     const auto displaced = [&](const char *caption, double (*shift)(int)) {
         Canvas canvas(width, height);
@@ -160,7 +160,7 @@ void lines(Sheet &sheet)
     };
     {
         Canvas canvas(width, height);
-        const Modes modes{.shape = 0, .filter = 6};
+        const Modes modes{.shape = NINEFOLD_SHAPE_LINE, .filter = NINEFOLD_FILTER_FLAT};
         fan(128, 96, 180, 200, modes, [&](int i) {
             const double angle = 2 * pi * i / 180;
             rs.color[0] = colourNear(*coffee, 128 + 70 * std::cos(angle), 96 + 70 * std::sin(angle), 1);
@@ -170,7 +170,7 @@ void lines(Sheet &sheet)
     {
         Canvas canvas(width, height);
         cover(canvas, stars.get());
-        const Modes modes{.shape = 0, .filter = 7, .blend = 5};
+        const Modes modes{.shape = NINEFOLD_SHAPE_LINE, .filter = NINEFOLD_FILTER_GOURAUD, .blend = NINEFOLD_BLEND_ADD};
         fan(153, 71, 72, 90, modes, [&](int i) {
             rs.color[0] = argb({200, 160, 110});
             rs.color[1] = argb(i % 2 ? Colour{0, 0, 60} : Colour{40, 0, 0});
@@ -179,7 +179,8 @@ void lines(Sheet &sheet)
     }
     {
         Canvas canvas(width, height);
-        const Modes plane{.shahei = 1}, modes{.shape = 0, .filter = 7, .shahei = 1};
+        const Modes plane{.shahei = NINEFOLD_SHAHEI_PLANE},
+            modes{.shape = NINEFOLD_SHAPE_LINE, .filter = NINEFOLD_FILTER_GOURAUD, .shahei = NINEFOLD_SHAHEI_PLANE};
         sprite(cup.get(), 64, 40, plane);
         fan(128, 96, 120, 150, modes, [&](int) {
             rs.color[0] = argb({255, 240, 200});

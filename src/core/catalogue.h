@@ -11,58 +11,85 @@
 
 namespace ninefold {
 
-// One combination. Values are those of the mode setters.
+// One combination. Values are those of the mode setters, named in ninefold/axes.h.
 struct Axes {
-    uint8_t shape; // 0 line, 1 rectangle, 2 triangle
-    uint8_t pers; // 1: perspective, triangles only
-    uint8_t rule; // 1: rule test and soft edge
-    uint8_t prescale; // 1: source scaled ahead of the blend
-    uint8_t filter; // 0 point, 1 bilinear, 2 to 5 mip forms, 6 flat, 7 Gouraud, 8 mosaic
-    uint8_t rectOpt; // 0 unit, 1 stretch, 2 corners, 3 line table, 5 runs, 6 runs through the Shahei plane, 7 none
-    uint8_t shahei; // 0 none, 1 plane, 2 plane and Z write, 3 Z test, 4 stipple, 5 Z test and stipple
+    uint8_t shape;
+    uint8_t pers;
+    uint8_t rule;
+    uint8_t prescale;
+    uint8_t filter;
+    uint8_t rectOpt;
+    uint8_t shahei;
     uint8_t blend; // 0 to 12 without 3
-    uint8_t multi; // 0 second texture, 1 corner colours, 2 one colour, 3 none
+    uint8_t multi;
 
     constexpr bool operator==(const Axes &) const = default;
 };
 
 // The values of each axis in table order, outermost axis first.
 namespace axis {
-constexpr uint8_t shapes[] = {2, 1, 0};
-constexpr uint8_t flags[] = {0, 1}; // pers, rule, prescale
-constexpr uint8_t filters[] = {0, 8, 1, 3, 4, 2, 5, 6, 7};
-constexpr uint8_t rectOpts[] = {0, 5, 6, 1, 2, 3, 7};
-constexpr uint8_t shaheis[] = {0, 4, 1, 2, 3, 5};
-constexpr uint8_t blends[] = {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-constexpr uint8_t multis[] = {0, 1, 2, 3};
+constexpr uint8_t shapes[] = {NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_SHAPE_LINE};
+constexpr uint8_t perspectives[] = {NINEFOLD_PERS_OFF, NINEFOLD_PERS_ON};
+constexpr uint8_t rules[] = {NINEFOLD_RULE_OFF, NINEFOLD_RULE_ON};
+constexpr uint8_t prescales[] = {NINEFOLD_PRESCALE_OFF, NINEFOLD_PRESCALE_ON};
+constexpr uint8_t filters[] = {NINEFOLD_FILTER_POINT,        NINEFOLD_FILTER_MOSAIC,        NINEFOLD_FILTER_BILINEAR,
+                               NINEFOLD_FILTER_LINE_POINT,   NINEFOLD_FILTER_LINE_BILINEAR, NINEFOLD_FILTER_MIP,
+                               NINEFOLD_FILTER_MIP_BILINEAR, NINEFOLD_FILTER_FLAT,          NINEFOLD_FILTER_GOURAUD};
+constexpr uint8_t rectOpts[] = {NINEFOLD_RECT_UNIT,    NINEFOLD_RECT_RUNS,  NINEFOLD_RECT_PLANE_RUNS, NINEFOLD_RECT_STRETCH,
+                                NINEFOLD_RECT_CORNERS, NINEFOLD_RECT_TABLE, NINEFOLD_RECT_NONE};
+constexpr uint8_t shaheis[] = {NINEFOLD_SHAHEI_NONE,           NINEFOLD_SHAHEI_STIPPLE,  NINEFOLD_SHAHEI_PLANE,
+                               NINEFOLD_SHAHEI_PLANE_PRIORITY, NINEFOLD_SHAHEI_PRIORITY, NINEFOLD_SHAHEI_PRIORITY_STIPPLE};
+#define NINEFOLD_VALUE(name, value, word, meaning) name,
+constexpr uint8_t blends[] = {NINEFOLD_BLENDS(NINEFOLD_VALUE)};
+constexpr uint8_t multis[] = {NINEFOLD_MULTIS(NINEFOLD_VALUE)};
+#undef NINEFOLD_VALUE
 } // namespace axis
 
-// The plane is for opaque work, the Z test for what is blended over it.
-constexpr bool pairExists(const Axes &a)
+// What several values of an axis have in common. Colours: no texture, so no multi stage and no rect option.
+constexpr bool hasColoursOnly(int filter) { return filter == NINEFOLD_FILTER_FLAT || filter == NINEFOLD_FILTER_GOURAUD; }
+constexpr bool readsLevels(int filter)
 {
-    const bool plane = a.shahei == 1 || a.shahei == 2, zTest = a.shahei == 3 || a.shahei == 5;
-    return (!plane || a.blend == 0) && (!zTest || a.blend != 0);
+    return filter == NINEFOLD_FILTER_MIP || filter == NINEFOLD_FILTER_MIP_BILINEAR || filter == NINEFOLD_FILTER_LINE_POINT ||
+           filter == NINEFOLD_FILTER_LINE_BILINEAR;
+}
+constexpr bool marksPlane(int shahei) { return shahei == NINEFOLD_SHAHEI_PLANE || shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY; }
+constexpr bool testsPriority(int shahei)
+{
+    return shahei == NINEFOLD_SHAHEI_PRIORITY || shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE;
 }
 
-constexpr bool multiExists(const Axes &a) { return a.multi == 3 || (a.filter != 6 && a.filter != 7); }
+// The plane is for opaque work, the priority test for what is blended over it.
+constexpr bool pairExists(const Axes &a)
+{
+    return a.blend == NINEFOLD_BLEND_COPY ? !testsPriority(a.shahei) : !marksPlane(a.shahei);
+}
+
+constexpr bool multiExists(const Axes &a) { return a.multi == NINEFOLD_MULTI_NONE || !hasColoursOnly(a.filter); }
 
 // Whether shape, pers, rule, prescale, filter and rect option go together; Shahei mode, blend and multi are not looked at.
 constexpr bool familyExists(const Axes &a)
 {
-    const bool colours = a.filter == 6 || a.filter == 7, mip = a.filter >= 2 && a.filter <= 5;
-    if (a.shape == 0)
-        return colours && a.rectOpt == 7 && !a.rule && !a.pers;
-    if (a.shape == 2)
-        return a.rectOpt == 7 && !(colours && a.prescale);
-    if (a.pers || (a.rectOpt == 7) != colours)
+    const bool colours = hasColoursOnly(a.filter);
+    if (a.shape == NINEFOLD_SHAPE_LINE)
+        return colours && a.rectOpt == NINEFOLD_RECT_NONE && !a.rule && !a.pers;
+    if (a.shape == NINEFOLD_SHAPE_TRIANGLE)
+        return a.rectOpt == NINEFOLD_RECT_NONE && !(colours && a.prescale);
+    if (a.pers || (a.rectOpt == NINEFOLD_RECT_NONE) != colours)
         return false;
-    return a.rectOpt == 0 ? !mip : a.rectOpt == 5 || a.rectOpt == 6 ? a.filter == 0 : true;
+    if (a.rectOpt == NINEFOLD_RECT_UNIT)
+        return !readsLevels(a.filter);
+    if (a.rectOpt == NINEFOLD_RECT_RUNS || a.rectOpt == NINEFOLD_RECT_PLANE_RUNS)
+        return a.filter == NINEFOLD_FILTER_POINT;
+    return true;
 }
 
 constexpr bool exists(const Axes &a)
 {
-    const bool plane = a.shahei == 1 || a.shahei == 2;
-    return familyExists(a) && pairExists(a) && multiExists(a) && !(a.rectOpt == 5 && plane) && !(a.rectOpt == 6 && !plane);
+    if (a.rectOpt == NINEFOLD_RECT_RUNS && marksPlane(a.shahei))
+        return false;
+    if (a.rectOpt == NINEFOLD_RECT_PLANE_RUNS && !marksPlane(a.shahei))
+        return false;
+    return familyExists(a) && pairExists(a) && multiExists(a);
 }
 
 constexpr uint32_t codeOf(const Axes &a)
@@ -98,9 +125,9 @@ template <class Visitor>
 constexpr void forEachCombination(Visitor &&visit)
 {
     for (uint8_t shape : axis::shapes)
-        for (uint8_t pers : axis::flags)
-            for (uint8_t rule : axis::flags)
-                for (uint8_t prescale : axis::flags)
+        for (uint8_t pers : axis::perspectives)
+            for (uint8_t rule : axis::rules)
+                for (uint8_t prescale : axis::prescales)
                     for (uint8_t filter : axis::filters)
                         for (uint8_t rectOpt : axis::rectOpts) {
                             Axes a{shape, pers, rule, prescale, filter, rectOpt, 0, 0, 0};

@@ -26,12 +26,13 @@ DrawFunc cachedFunc;
                                               uint32_t shahei, uint32_t blend, uint32_t multi, uint32_t shape)
 {
     // Without branches: a host's modes follow no pattern.
-    const uint32_t colours = filter == 6 || filter == 7;
-    const uint32_t noRectOpt = 0u - ((shape == 0) | (shape == 2) | ((shape == 1) & colours));
-    const uint32_t noMulti = 0u - ((shape == 0) | colours);
-    const uint32_t noPers = 0u - ((shape != 2) | colours);
-    rectOpt = (rectOpt & ~noRectOpt) | (noRectOpt & 7);
-    multi = (multi & ~noMulti) | (noMulti & 3);
+    const uint32_t line = shape == NINEFOLD_SHAPE_LINE, rectangle = shape == NINEFOLD_SHAPE_RECTANGLE,
+                   triangle = shape == NINEFOLD_SHAPE_TRIANGLE, colours = hasColoursOnly(int(filter));
+    const uint32_t noRectOpt = 0u - (line | triangle | (rectangle & colours));
+    const uint32_t noMulti = 0u - (line | colours);
+    const uint32_t noPers = 0u - ((shape != NINEFOLD_SHAPE_TRIANGLE) | colours);
+    rectOpt = (rectOpt & ~noRectOpt) | (noRectOpt & NINEFOLD_RECT_NONE);
+    multi = (multi & ~noMulti) | (noMulti & NINEFOLD_MULTI_NONE);
     pers &= ~noPers;
     // Values too wide for their field spill to the left.
     return pers << 27 | rule << 26 | prescale << 25 | filter << 21 | rectOpt << 18 | shahei << 15 | blend << 10 | multi << 8 |

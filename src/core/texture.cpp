@@ -43,7 +43,7 @@ void DeleteTexture(Texture *texture)
 
     delete[] texture->runlengthMap;
     delete[] texture->zeroPixelMap;
-    if ((texture->flags & 1) == 0)
+    if ((texture->flags & NINEFOLD_TEXTURE_HOST_PIXELS) == 0)
         ninefold::freeAligned(texture->pixels);
     DeleteMipmapTexture(texture);
     delete texture;

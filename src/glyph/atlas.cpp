@@ -23,9 +23,9 @@ FontDescription describeFont()
 Format formatOf(uint32_t quality)
 {
     switch (quality) {
-    case 1: return Format::Grey4;
-    case 2: return Format::Grey16;
-    case 3: return Format::Grey64;
+    case NINEFOLD_QUALITY_GREY4: return Format::Grey4;
+    case NINEFOLD_QUALITY_GREY16: return Format::Grey16;
+    case NINEFOLD_QUALITY_GREY64: return Format::Grey64;
     default: return Format::Mono;
     }
 }
@@ -36,15 +36,15 @@ public:
     Coverage(const uint8_t *bytes, uint32_t size, uint32_t width, uint32_t quality)
         : bytes_(bytes), size_(size), quality_(quality),
           // The mono stride falls a word short when width modulo 32 is 1 to 7: such glyphs come out sheared. Hosts know them so.
-          stride_(((quality == 0 ? width >> 3 : width) + 3) & ~3u),
-          // Quality above 3 is given mono bits, and reads them as grey of one level.
-          levelBits_(quality <= 3 ? quality * 2 : 0)
+          stride_(((quality == NINEFOLD_QUALITY_MONO ? width >> 3 : width) + 3) & ~3u),
+          // Quality above the last is given mono bits, and reads them as grey of one level.
+          levelBits_(quality <= NINEFOLD_QUALITY_GREY64 ? quality * 2 : 0)
     {}
 
     // Of a pixel; 255 is full. Greater values keep their low byte when they become an alpha.
     uint32_t at(uint32_t col, uint32_t row) const
     {
-        if (quality_ == 0)
+        if (quality_ == NINEFOLD_QUALITY_MONO)
             return (byteAt(row * stride_ + col / 8) >> (7 - (col & 7)) & 1) * 255;
         return byteAt(row * stride_ + col) * 255 >> levelBits_;
     }

@@ -41,8 +41,8 @@ private:
 uint32_t aligned(uint32_t alignment, uint32_t room, uint32_t size)
 {
     switch (alignment) {
-    case 1: return (room >> 1) - size / 2;
-    case 2: return room - size;
+    case NINEFOLD_ALIGN_CENTRE: return (room >> 1) - size / 2;
+    case NINEFOLD_ALIGN_END: return room - size;
     default: return 0;
     }
 }

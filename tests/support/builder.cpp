@@ -89,7 +89,7 @@ void Builder::frame()
         log2Height = random.percent(10) ? 0 : random.between(2, small ? 4 : std::min(6, 12 - log2Width));
         if (small)
             log2Width = std::min(log2Width, 7);
-        if (axes().rectOpt == 5 && !guard && random.percent(50)) { // room to move back in
+        if (axes().rectOpt == NINEFOLD_RECT_RUNS && !guard && random.percent(50)) { // room to move back in
             log2Width = random.between(8, 9);
             log2Height = random.between(0, 2);
         }
@@ -118,12 +118,13 @@ void Builder::frame()
     }
     const uint32_t pixels = static_cast<uint32_t>(endPixel - firstPixel);
     // a run of 128 zeros moves back 128 columns, as often as the row is long
-    const uint32_t before = overlap ? 0x8800 : axes().rectOpt == 5 ? 4 * (pitch + 160) : 4 * (pitch + 64);
+    const uint32_t before = overlap ? 0x8800 : axes().rectOpt == NINEFOLD_RECT_RUNS ? 4 * (pitch + 160) : 4 * (pitch + 64);
     const uint32_t after = overlap ? 0x8800 : 4 * 64;
 
     scene.pixels = place(frameSlot, 4 * pixels, 16, before, after);
     scene.pixels.offset -= 4 * firstPixel;
-    const bool hasPlane = axes().shahei == 1 || axes().shahei == 2 || writesPlanes;
+    const bool hasPlane =
+        axes().shahei == NINEFOLD_SHAHEI_PLANE || axes().shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY || writesPlanes;
     firstWord = firstPixel >> 4;
     endWord = (endPixel + 15) >> 4;
     if (hasPlane || (log2Width >= 4 && random.percent(30))) {
@@ -131,7 +132,7 @@ void Builder::frame()
             place(planeSlot, static_cast<uint32_t>(2 * (endWord - firstWord)), 2, overlap ? 0x4400 : 64, overlap ? 0x4400 : 64);
         scene.plane.offset -= 2 * firstWord;
     }
-    if (readsPriority || axes().shahei == 2 || writesPlanes || random.percent(30)) {
+    if (readsPriority || axes().shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY || writesPlanes || random.percent(30)) {
         scene.priority = place(prioritySlot, pixels, 1, overlap ? 0x8800 : before / 4, overlap ? 0x8800 : 64);
         scene.priority.offset -= firstPixel;
     }
@@ -191,7 +192,7 @@ void Builder::planes()
 
 void Builder::shifts()
 {
-    const uint32_t share = axes().shape == 2 ? 40 : 15;
+    const uint32_t share = axes().shape == NINEFOLD_SHAPE_TRIANGLE ? 40 : 15;
     if (!random.percent(share))
         return;
     scene.shifts = place(shiftsSlot, scene.frameHeight * 4, 4, 64, 64);
@@ -252,14 +253,15 @@ void Builder::factors()
         return random.between(libraryOperators, operatorCount - 1);
     };
     scene.multiOperator =
-        axes().multi != 3
+        axes().multi != NINEFOLD_MULTI_NONE
             ? (random.percent(80) ? random.between(0, 9) == 0 ? hostMulti : random.between(multiOperators, blendOperators - 1)
                                   : anyOperator())
             : random.pick<int>({nullOperator, hostMulti});
-    scene.blendOperator = axes().blend == 12 ? (random.percent(50)   ? random.between(blendOperators, operatorCount - 1)
-                                                : random.percent(50) ? static_cast<int>(hostBlend)
-                                                                     : anyOperator())
-                                             : random.pick<int>({nullOperator, hostBlend});
+    scene.blendOperator = axes().blend == NINEFOLD_BLEND_CUSTOM
+                              ? (random.percent(50)   ? random.between(blendOperators, operatorCount - 1)
+                                 : random.percent(50) ? static_cast<int>(hostBlend)
+                                                      : anyOperator())
+                              : random.pick<int>({nullOperator, hostBlend});
 }
 
 void Builder::rule()
@@ -297,11 +299,12 @@ void Builder::build()
     big = kind == Kind::big || (!small && !offsets && !large && random.percent(overlap || guard ? 4 : 8));
     atEnd = (scene.id.number & 1) == 0;
     scene.axes = scene.subject.axes();
-    const bool firstTexel = axes().filter == 5 && axes().shahei != 1 && axes().shahei != 2;
-    chains = axes().filter >= 2 && axes().filter <= 5;
-    forward = firstTexel && axes().shape == 1 && (axes().rectOpt == 2 || axes().rectOpt == 3);
-    writesPlanes = scene.subject.fillsPlanes() || axes().shahei == 1 || axes().shahei == 2;
-    readsPriority = axes().shahei == 3 || axes().shahei == 5;
+    const bool firstTexel = axes().filter == NINEFOLD_FILTER_MIP_BILINEAR && !ninefold::marksPlane(axes().shahei);
+    chains = ninefold::readsLevels(axes().filter);
+    forward = firstTexel && axes().shape == NINEFOLD_SHAPE_RECTANGLE &&
+              (axes().rectOpt == NINEFOLD_RECT_CORNERS || axes().rectOpt == NINEFOLD_RECT_TABLE);
+    writesPlanes = scene.subject.fillsPlanes() || ninefold::marksPlane(axes().shahei);
+    readsPriority = ninefold::testsPriority(axes().shahei);
 
     frame();
     planes();
@@ -324,9 +327,9 @@ void Builder::build()
     forward = false;
     positions(scene.state.uv2, scene.tex2);
     forward = wrapsRule;
-    if (axes().rectOpt == 3) {
+    if (axes().rectOpt == NINEFOLD_RECT_TABLE) {
         lineTable(scene.lines0, lines0Slot, scene.tex0, true);
-        if (axes().multi == 0)
+        if (axes().multi == NINEFOLD_MULTI_TEXTURE)
             lineTable(scene.lines1, lines1Slot, scene.tex1, false);
     }
     shifts();

@@ -36,7 +36,7 @@ private:
     int64_t firstWord = 0, endWord = 0; // of the Shahei plane
 
     ninefold::Axes &axes() { return scene.axes; }
-    bool textured() { return axes().filter != 6 && axes().filter != 7 && !scene.subject.fillsPlanes(); }
+    bool textured() { return !ninefold::hasColoursOnly(axes().filter) && !scene.subject.fillsPlanes(); }
 
     // memory
     Place place(int slot, uint32_t bytes, uint32_t align, uint32_t roomBefore, uint32_t roomAfter);

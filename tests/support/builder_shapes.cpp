@@ -41,7 +41,7 @@ void Builder::rectangle()
 {
     RenderState &state = scene.state;
     const auto length = [this](int32_t room) {
-        if ((big || large || axes().rectOpt == 5) && random.percent(70))
+        if ((big || large || axes().rectOpt == NINEFOLD_RECT_RUNS) && random.percent(70))
             return random.percent(50) ? room + random.between(0, 40) : random.between(1, room + 40);
         if (random.percent(75))
             return std::min(lengths[random.below(std::size(lengths))], 3 * room + 3);
@@ -55,7 +55,7 @@ void Builder::rectangle()
     if (random.percent(2) && !forward) { // far out
         left -= random.between(0, 70000);
         right += random.between(0, 70000);
-        if (axes().rectOpt != 3) {
+        if (axes().rectOpt != NINEFOLD_RECT_TABLE) {
             top -= random.between(0, 70000);
             bottom += random.between(0, 70000);
         }
@@ -203,7 +203,7 @@ bool Builder::visible() const
 {
     const RenderState &state = scene.state;
     const Vertex *const vertex = state.vertex;
-    const int count = scene.axes.shape == 2 ? 3 : 2;
+    const int count = scene.axes.shape == NINEFOLD_SHAPE_TRIANGLE ? 3 : 2;
     int32_t left = vertex[0].x, right = left, top = vertex[0].y, bottom = top;
     for (int i = 1; i < count; ++i) {
         left = std::min(left, vertex[i].x);
@@ -211,7 +211,7 @@ bool Builder::visible() const
         top = std::min(top, vertex[i].y);
         bottom = std::max(bottom, vertex[i].y);
     }
-    if (scene.axes.shape == 0)
+    if (scene.axes.shape == NINEFOLD_SHAPE_LINE)
         ++right, ++bottom;
     if (std::max(left, state.clipLeft) >= std::min(right, state.clipRight) ||
         std::max(top, state.clipTop) >= std::min(bottom, state.clipBottom))
@@ -249,7 +249,7 @@ void Builder::farOut()
                 (one < other ? other : one) += distance();
         };
         apart(vertex[0].x, vertex[1].x);
-        if (axes().rectOpt != 3)
+        if (axes().rectOpt != NINEFOLD_RECT_TABLE)
             apart(vertex[0].y, vertex[1].y);
         break;
     }

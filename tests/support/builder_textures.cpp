@@ -18,7 +18,7 @@ Builder::Size Builder::textureSize()
         size = {frameTexture.log2Width, frameTexture.log2Height};
     } else if (large) {
         size = {random.between(0, 12), random.between(0, 12)};
-    } else if (axes().rectOpt == 5) {
+    } else if (axes().rectOpt == NINEFOLD_RECT_RUNS) {
         size.log2Width = guard                ? random.between(0, 6)
                          : random.percent(60) ? random.between(7, 9)
                                               : random.between(2, big ? 11 : 9);
@@ -79,7 +79,7 @@ int Builder::source(int firstSlot)
 {
     Pool pool = random.percent(90) ? random.pick({noisePool, noisePool, solidPool, extremePool, alphaPool})
                                    : random.pick({runPool, stripePool});
-    if (axes().rectOpt == 5)
+    if (axes().rectOpt == NINEFOLD_RECT_RUNS)
         pool = guard ? noisePool : random.pick({runPool, runPool, stripePool, noisePool, solidPool});
     return texture(firstSlot, textureSize(), pool, chains);
 }
@@ -88,7 +88,7 @@ void Builder::textures()
 {
     if (textured())
         scene.tex0 = source(tex0Slot);
-    const bool needsSecond = axes().multi == 0 || scene.subject.is("DrawRectGradRule_GEN_RULE_MIPMAP_TEST");
+    const bool needsSecond = axes().multi == NINEFOLD_MULTI_TEXTURE || scene.subject.is("DrawRectGradRule_GEN_RULE_MIPMAP_TEST");
     if (needsSecond || random.percent(30)) // or one that an earlier draw left behind
         scene.tex1 = source(tex1Slot);
     if (axes().rule || random.percent(10)) {
@@ -142,13 +142,13 @@ void Builder::overlaps()
         const int64_t distance = random.percent(60) ? random.between(-20, 20) : random.between(-130, 130);
         int64_t offset = scene.pixels.offset + 4 * (lines * scene.frameWidth + distance);
         int slot = frameSlot;
-        if (axes().shahei == 1 || axes().shahei == 2) {
+        if (ninefold::marksPlane(axes().shahei)) {
             const uint32_t where = random.below(10);
             if (where < 3) {
                 slot = planeSlot;
                 offset = (scene.plane.offset & ~3) +
                          4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 32));
-            } else if (where < 5 && axes().shahei == 2) {
+            } else if (where < 5 && axes().shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY) {
                 slot = prioritySlot;
                 offset = (scene.priority.offset & ~3) +
                          4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 4));
@@ -193,14 +193,14 @@ void Builder::maps()
     bound.height = wanted.height();
     bound.log2Width = wanted.log2Width;
     bound.log2Height = wanted.log2Height;
-    if (axes().rectOpt == 5) {
+    if (axes().rectOpt == NINEFOLD_RECT_RUNS) {
         const std::vector<int8_t> map = reference::runLengthMap(bound);
         scene.runs = place(runsSlot, static_cast<uint32_t>(map.size()), 1, 32, 32);
         fill(scene.windows[static_cast<size_t>(scene.windowCount - 1)], solidPool);
         std::memcpy(world.at<std::byte>(scene.runs), map.data(), map.size());
         wanted.runs = true;
     }
-    if (axes().rectOpt == 6) {
+    if (axes().rectOpt == NINEFOLD_RECT_PLANE_RUNS) {
         // a bit for each pixel of the frame buffer, whatever the texture's size
         scene.zeros = place(zerosSlot, static_cast<uint32_t>(2 * (endWord - firstWord)), 2, 32, 32);
         scene.zeros.offset -= 2 * firstWord;
@@ -266,25 +266,28 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
         };
         for (int i = 0; i < 4; ++i) {
             // the corners of a rectangle follow from two of them
-            const Vertex &forU = axes().shape == 2 ? vertex[i] : vertex[i & 1];
-            const Vertex &forV = axes().shape == 2 ? vertex[i] : axes().rectOpt == 2 ? vertex[i >> 1] : vertex[i & 1];
+            const Vertex &forU = axes().shape == NINEFOLD_SHAPE_TRIANGLE ? vertex[i] : vertex[i & 1];
+            const Vertex &forV = axes().shape == NINEFOLD_SHAPE_TRIANGLE   ? vertex[i]
+                                 : axes().rectOpt == NINEFOLD_RECT_CORNERS ? vertex[i >> 1]
+                                                                           : vertex[i & 1];
             uv[i] = {position(forU.x + state.originX), position(forV.y + state.originY)};
         }
-        if (axes().shape == 1 && (axes().rectOpt == 0 || axes().rectOpt >= 5))
+        if (axes().shape == NINEFOLD_SHAPE_RECTANGLE &&
+            (axes().rectOpt == NINEFOLD_RECT_UNIT || axes().rectOpt >= NINEFOLD_RECT_RUNS))
             uv[0] = {std::min(uv[0].u, uv[1].u), std::min(uv[0].v, uv[1].v)};
         return;
     }
     const Size size = textureIndex < 0 ? Size{4, 4}
                                        : Size{scene.textures[static_cast<size_t>(textureIndex)].log2Width,
                                               scene.textures[static_cast<size_t>(textureIndex)].log2Height};
-    if (axes().shape != 2) {
+    if (axes().shape != NINEFOLD_SHAPE_TRIANGLE) {
         const int32_t width = distanceOf(vertex[1].x, vertex[0].x), height = distanceOf(vertex[1].y, vertex[0].y);
         const Path across = path(width, size.log2Width), down = path(height, size.log2Height);
         uv[0] = {across.from, down.from};
         uv[1] = {across.to, down.to};
         for (int i = 2; i < 4; ++i)
             uv[i] = {path(width, size.log2Width).to, path(height, size.log2Height).to};
-        const bool corners = axes().rectOpt == 2;
+        const bool corners = axes().rectOpt == NINEFOLD_RECT_CORNERS;
         if (corners && random.percent(70)) { // a skewed picture, perhaps with one corner moved
             const Path skewU = path(height, size.log2Width), skewV = path(width, size.log2Height);
             const auto along = [this](int32_t from, Path by) {

@@ -3,6 +3,7 @@
 
 #include <ninefold/ninefold.h>
 
+#include "core/catalogue.h"
 #include "kernels/sets.h"
 
 #include <gtest/gtest.h>
@@ -48,7 +49,8 @@ inline void PrintTo(const Pixels &pixels, std::ostream *out)
 
 // A value for each axis. These of the unit-scale copy to begin with.
 struct Modes {
-    int shape = 1, pers = 0, rule = 0, prescale = 0, filter = 0, rectOpt = 0, shahei = 0, blend = 0, multi = 3;
+    int shape = NINEFOLD_SHAPE_RECTANGLE, pers = 0, rule = 0, prescale = 0, filter = 0, rectOpt = 0, shahei = 0, blend = 0,
+        multi = 3;
 
     uint32_t code() const
     {
@@ -68,7 +70,18 @@ inline std::ostream &operator<<(std::ostream &out, const Modes &m)
     return out;
 }
 
-constexpr int blends[] = {0, 1, 2, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+// The values of an axis by number; those rect options that go with any textured filter.
+#define NINEFOLD_VALUE(name, value, word, meaning) name,
+constexpr int shaheis[] = {NINEFOLD_SHAHEIS(NINEFOLD_VALUE)};
+constexpr int blends[] = {NINEFOLD_BLENDS(NINEFOLD_VALUE)};
+constexpr int multis[] = {NINEFOLD_MULTIS(NINEFOLD_VALUE)};
+#undef NINEFOLD_VALUE
+constexpr int rectOpts[] = {NINEFOLD_RECT_UNIT, NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS, NINEFOLD_RECT_TABLE};
+
+using ninefold::hasColoursOnly;
+using ninefold::marksPlane;
+using ninefold::readsLevels;
+using ninefold::testsPriority;
 
 // Whole texels in 16.16.
 constexpr int32_t texels(int n) { return n * 0x10000; }
@@ -110,7 +123,7 @@ protected:
         rs.prescale = rs.prescaleMulti = 256;
         rs.mosaicSize = rs.mosaicSize1 = 1;
         rs.blendFunc = [](uint32_t, uint32_t source) { return source; };
-        SetBlendModeMulti(0);
+        SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
         clear();
     }
 
@@ -199,7 +212,7 @@ protected:
     {
         int right2 = right, bottom2 = bottom;
         clip(0, 0, static_cast<int>(width), static_cast<int>(height));
-        if (m.shape == 2) {
+        if (m.shape == NINEFOLD_SHAPE_TRIANGLE) {
             const int leg = right - left + bottom - top;
             right2 = left + leg, bottom2 = top + leg;
             triangle(left, top, right2, top, left, bottom2);
@@ -211,12 +224,12 @@ protected:
             bottomLeft{texels(left), texels(bottom2)}, bottomRight{texels(right2), texels(bottom2)};
         for (TexCoord *uv : {rs.uv0, rs.uv1}) {
             uv[0] = topLeft;
-            uv[1] = m.shape == 1 && m.rectOpt == 1 ? bottomRight : topRight;
+            uv[1] = m.shape == NINEFOLD_SHAPE_RECTANGLE && m.rectOpt == NINEFOLD_RECT_STRETCH ? bottomRight : topRight;
             uv[2] = bottomLeft;
             uv[3] = bottomRight;
         }
         rs.uv2[0] = topLeft;
-        rs.uv2[1] = m.shape == 1 ? bottomRight : topRight;
+        rs.uv2[1] = m.shape == NINEFOLD_SHAPE_RECTANGLE ? bottomRight : topRight;
         rs.uv2[2] = bottomLeft;
         lines.clear();
         for (int y = top; y < bottom; ++y)
@@ -225,55 +238,57 @@ protected:
     }
 
     // Forms that sample a texel as it is, under `place` and with equipped textures.
-    static std::vector<Modes> pointForms(int shahei = 0, int blend = 0, int multi = 3)
+    static std::vector<Modes> pointForms(int shahei = NINEFOLD_SHAHEI_NONE, int blend = NINEFOLD_BLEND_COPY,
+                                         int multi = NINEFOLD_MULTI_NONE)
     {
-        const bool walk = shahei == 1 || shahei == 2;
+        const bool walk = marksPlane(shahei);
         std::vector<Modes> forms;
         const auto add = [&](Modes m) {
             m.shahei = shahei, m.blend = blend, m.multi = multi;
             forms.push_back(m);
         };
-        for (int rectOpt = 0; rectOpt < 4; ++rectOpt)
-            for (int filter : {0, 8})
+        for (int rectOpt : rectOpts)
+            for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC})
                 add({.filter = filter, .rectOpt = rectOpt});
         add({.rectOpt = walk ? 6 : 5});
-        for (int rectOpt : {1, 2})
-            add({.filter = 2, .rectOpt = rectOpt});
-        add({.filter = 3, .rectOpt = 3});
-        for (int filter : {0, 8, 2})
+        for (int rectOpt : {NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS})
+            add({.filter = NINEFOLD_FILTER_MIP, .rectOpt = rectOpt});
+        add({.filter = NINEFOLD_FILTER_LINE_POINT, .rectOpt = NINEFOLD_RECT_TABLE});
+        for (int filter : {NINEFOLD_FILTER_POINT, NINEFOLD_FILTER_MOSAIC, NINEFOLD_FILTER_MIP})
             for (int pers : {0, 1})
-                add({.shape = 2, .pers = pers, .filter = filter});
+                add({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = pers, .filter = filter});
         return forms;
     }
 
     // And those that mix texels.
-    static std::vector<Modes> mixingForms(int shahei = 0, int blend = 0, int multi = 3)
+    static std::vector<Modes> mixingForms(int shahei = NINEFOLD_SHAHEI_NONE, int blend = NINEFOLD_BLEND_COPY,
+                                          int multi = NINEFOLD_MULTI_NONE)
     {
         std::vector<Modes> forms;
         const auto add = [&](Modes m) {
             m.shahei = shahei, m.blend = blend, m.multi = multi;
             forms.push_back(m);
         };
-        for (int rectOpt = 0; rectOpt < 4; ++rectOpt)
-            add({.filter = 1, .rectOpt = rectOpt});
-        for (int rectOpt : {1, 2})
-            add({.filter = 5, .rectOpt = rectOpt});
-        for (int filter : {4, 2})
-            add({.filter = filter, .rectOpt = 3});
-        if (shahei == 1 || shahei == 2)
-            add({.filter = 5, .rectOpt = 3});
-        for (int filter : {1, 5})
+        for (int rectOpt : rectOpts)
+            add({.filter = NINEFOLD_FILTER_BILINEAR, .rectOpt = rectOpt});
+        for (int rectOpt : {NINEFOLD_RECT_STRETCH, NINEFOLD_RECT_CORNERS})
+            add({.filter = NINEFOLD_FILTER_MIP_BILINEAR, .rectOpt = rectOpt});
+        for (int filter : {NINEFOLD_FILTER_LINE_BILINEAR, NINEFOLD_FILTER_MIP})
+            add({.filter = filter, .rectOpt = NINEFOLD_RECT_TABLE});
+        if (marksPlane(shahei))
+            add({.filter = NINEFOLD_FILTER_MIP_BILINEAR, .rectOpt = NINEFOLD_RECT_TABLE});
+        for (int filter : {NINEFOLD_FILTER_BILINEAR, NINEFOLD_FILTER_MIP_BILINEAR})
             for (int pers : {0, 1})
-                add({.shape = 2, .pers = pers, .filter = filter});
+                add({.shape = NINEFOLD_SHAPE_TRIANGLE, .pers = pers, .filter = filter});
         return forms;
     }
 
     // Colours alone.
-    static std::vector<Modes> colourForms(int shahei = 0, int blend = 0)
+    static std::vector<Modes> colourForms(int shahei = NINEFOLD_SHAHEI_NONE, int blend = NINEFOLD_BLEND_COPY)
     {
         std::vector<Modes> forms;
-        for (int shape : {0, 1, 2})
-            for (int filter : {6, 7})
+        for (int shape : {NINEFOLD_SHAPE_LINE, NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_SHAPE_TRIANGLE})
+            for (int filter : {NINEFOLD_FILTER_FLAT, NINEFOLD_FILTER_GOURAUD})
                 forms.push_back({.shape = shape, .filter = filter, .shahei = shahei, .blend = blend});
         return forms;
     }

@@ -25,7 +25,7 @@ std::string checkCodes()
         const auto axes = ninefold::axesOf(code);
         const unsigned long made = CreateDrawCodeSub(axes.pers, axes.rule, axes.prescale, axes.filter, axes.rectOpt, axes.shahei,
                                                      axes.blend, axes.multi, axes.shape);
-        const bool colours = axes.filter == 6 || axes.filter == 7; // have no perspective, but codes with it
+        const bool colours = ninefold::hasColoursOnly(axes.filter); // have no perspective, but codes with it
         if (made != code && !(axes.pers && colours))
             return "CreateDrawCodeSub does not make code " + std::to_string(code) + "\n";
         if (SearchDrawFunc(code) == nullptr)

@@ -58,7 +58,7 @@ protected:
         rs.prescaleMulti = 180;
         rs.writeMask = 0xF0CC33AA;
         rs.blendFunc = [](uint32_t destination, uint32_t source) { return destination * 3 + (source ^ 0x5A5A5A5A); };
-        SetBlendModeMulti(8);
+        SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL2);
         rs.mosaicSize = 3;
         rs.mosaicSize1 = 5;
         rs.ruleThreshold = 60;
@@ -104,7 +104,7 @@ protected:
 
     static void placeLargely(int shape, bool flippedX = false, bool flippedY = false)
     {
-        if (shape == 2) {
+        if (shape == NINEFOLD_SHAPE_TRIANGLE) {
             triangle(1, 9, 62, 1, 30, 31);
             rs.vertex[1].z = 3, rs.vertex[2].z = 2;
             if (flippedX)

@@ -51,7 +51,7 @@ RenderState bindScene(const Scene &scene, World &world, bool library)
             texture.mip[level] = level < wanted.levels ? textureAt(wanted.level[static_cast<size_t>(level)]) : nullptr;
         texture.runlengthMap = wanted.runs ? world.at<int8_t>(scene.runs) : nullptr;
         texture.zeroPixelMap = wanted.zeros ? world.at<uint16_t>(scene.zeros) : nullptr;
-        texture.flags = 1;
+        texture.flags = NINEFOLD_TEXTURE_HOST_PIXELS;
         texture.refCount = 0;
         texture.origWidth = texture.width;
         texture.origHeight = texture.height;

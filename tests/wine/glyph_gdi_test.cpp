@@ -102,7 +102,7 @@ protected:
         rs.fontHeight = -20;
         rs.fontWeight = 700;
         rs.fontItalic = 1;
-        rs.fontQuality = 2;
+        rs.fontQuality = NINEFOLD_QUALITY_GREY16;
     }
     void TearDown() override
     {
