@@ -269,11 +269,46 @@ TEST(Catalogue, StandsInTableOrder)
     EXPECT_EQ(std::unordered_set<uint32_t>(all.begin(), all.end()), codes());
 }
 
-TEST(Catalogue, NamesAreUnique)
+// Each axis value of the catalogue has a word, and the list has no others.
+template <size_t values, size_t words>
+void expectWords(const uint8_t (&axis)[values], const Word (&list)[words])
+{
+    EXPECT_EQ(values, words);
+    std::set<std::string> seen;
+    for (const Word &word : list)
+        EXPECT_TRUE(seen.insert(word.text).second) << word.text;
+    for (uint8_t value : axis)
+        EXPECT_EQ(std::count_if(std::begin(list), std::end(list), [&](const Word &w) { return w.value == value; }), 1) << +value;
+}
+
+TEST(Catalogue, TheListsOfTheInterfaceNameEveryValueOnce)
+{
+#define WORD(name, value, word, meaning) {value, word},
+    expectWords(axis::shapes, {NINEFOLD_SHAPES(WORD)});
+    expectWords(axis::perspectives, {NINEFOLD_PERSPECTIVES(WORD)});
+    expectWords(axis::rules, {NINEFOLD_RULES(WORD)});
+    expectWords(axis::prescales, {NINEFOLD_PRESCALES(WORD)});
+    expectWords(axis::filters, {NINEFOLD_FILTERS(WORD)});
+    expectWords(axis::rectOpts, {NINEFOLD_RECT_OPTS(WORD)});
+    expectWords(axis::shaheis, {NINEFOLD_SHAHEIS(WORD)});
+    expectWords(axis::blends, {NINEFOLD_BLENDS(WORD)});
+    expectWords(axis::multis, {NINEFOLD_MULTIS(WORD)});
+#undef WORD
+}
+
+TEST(Catalogue, NamesAreUniqueAndKnown)
 {
     std::set<std::string> names;
     forEachCombination([&](const Axes &a) { names.insert(nameOf(a)); });
     EXPECT_EQ(names.size(), recordCount);
+    EXPECT_EQ(nameOf(axesOf(lineDefault)), "line.flat.copy");
+    EXPECT_EQ(nameOf(axesOf(rectDefault)), "rect.unit.point.copy");
+    EXPECT_EQ(nameOf(axesOf(triangleDefault)), "tri.point.copy");
+    EXPECT_EQ(nameOf(axesOf(0x258769)), "rect.stretch.bilinear.alpha.z");
+    EXPECT_EQ(nameOf(axesOf(0xFDA768)), "line.gouraud.screen.z");
+    EXPECT_EQ(nameOf(axesOf(0x188369)), "rect.planeruns.point.copy.plane");
+    EXPECT_EQ(nameOf(axesOf(0xEBDAE6A)), "tri.mipbilinear.merge.z.colour.pers.rule.prescale");
+    EXPECT_EQ(nameOf({1, 0, 1, 1, 1, 1, 5, 1, 0}), "rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale");
 }
 
 TEST(Catalogue, HashesAreThoseOfTheCrcAndFillTheBucketsAsKnown)

@@ -287,6 +287,31 @@ TEST_F(RectangleDriver, ASecondTextureThatIsSetIsWalkedUnderEveryMulti)
     }
 }
 
+TEST_F(RectangleDriver, ALeftOverSecondTextureWithoutAChainDrawsAsNone)
+{
+    const auto draws = [&](const Modes &m, Texture *left) {
+        rs.tex1 = left;
+        EXPECT_EQ(chosenLevel(m), 1) << m;
+        EXPECT_EQ(rs.tex1, left);
+        return state().pixels;
+    };
+    Texture *const plain = texture(4, 4, [](uint32_t, uint32_t) { return 0xFF00FF00; });
+    Texture *const had = equipped(texture(16, 16, [](uint32_t, uint32_t) { return 0xFF0000FF; }));
+    DeleteMipmapTexture(had);
+    corners(10, 10, 18, 14);
+    for (const Modes &m : rectangleForms()) {
+        ASSERT_EQ(m.multi, NINEFOLD_MULTI_NONE);
+        spread(m.rectOpt, rs.uv0, texels(16), texels(8));
+        const auto none = draws(m, nullptr);
+        EXPECT_FALSE(untouched()) << m;
+        for (int across : {0, 8, 48, 1024}) { // levels up to 7
+            spread(m.rectOpt, rs.uv1, texels(across), texels(across / 2));
+            EXPECT_EQ(draws(m, plain), none) << m << " " << across;
+            EXPECT_EQ(draws(m, had), none) << m << " " << across;
+        }
+    }
+}
+
 TEST_F(RectangleDriver, FourCornersGoByWholeTexelLengthsOfTwoEdges)
 {
     corners(10, 10, 15, 15);
@@ -495,6 +520,30 @@ TEST_F(TriangleDriver, ASecondTextureThatIsSetIsWalkedUnderEveryMulti)
             EXPECT_EQ(chosenLevel(m), 1) << m;
             EXPECT_EQ(rs.mipTex1, second->mip[1]) << m;
             EXPECT_EQ(rs.mipFrac1, 99) << m;
+        }
+    }
+}
+
+TEST_F(TriangleDriver, ALeftOverSecondTextureWithoutAChainDrawsAsNone)
+{
+    const auto draws = [&](const Modes &m, Texture *left) {
+        rs.tex1 = left;
+        EXPECT_EQ(chosenLevel(m), 1) << m;
+        EXPECT_EQ(rs.tex1, left);
+        return state().pixels;
+    };
+    Texture *const plain = texture(4, 4, [](uint32_t, uint32_t) { return 0xFF00FF00; });
+    Texture *const had = equipped(texture(16, 16, [](uint32_t, uint32_t) { return 0xFF0000FF; }));
+    DeleteMipmapTexture(had);
+    for (const Modes &m : triangleForms()) {
+        ASSERT_EQ(m.multi, NINEFOLD_MULTI_NONE);
+        place(8, texels(24));
+        const auto none = draws(m, nullptr);
+        EXPECT_FALSE(untouched()) << m;
+        for (int across : {0, 8, 48, 1024}) { // levels up to 7
+            place(8, texels(across), rs.uv1);
+            EXPECT_EQ(draws(m, plain), none) << m << " " << across;
+            EXPECT_EQ(draws(m, had), none) << m << " " << across;
         }
     }
 }

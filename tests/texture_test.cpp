@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <climits>
 #include <cstring>
 #include <numeric>
@@ -198,6 +200,24 @@ TEST(DeleteTexture, HostPixelsStay)
     DeleteTexture(texture);
     EXPECT_EQ(deaths, (std::vector{2, 1})); // all the rest goes; the maps are seen by the leak check
     EXPECT_EQ(pixelsOf(model), (Pixels{7, 8}));
+}
+
+// As the header shows it: nothing is allocated that DeleteTexture would not free.
+TEST(DeleteTexture, ARecordWithoutPixelsOfItsOwnTakesTheHosts)
+{
+    std::vector<uint32_t> pixels(1024 * 512 + 1, 5);
+    Texture *view = CreateTexture(0x8000, 0x8000);
+    ASSERT_EQ(view->pixels, nullptr);
+    view->pixels = pixels.data();
+    view->flags |= NINEFOLD_TEXTURE_HOST_PIXELS;
+    view->log2Width = 10, view->width = 1024;
+    view->log2Height = 9, view->height = 512;
+    ClearTexture(view);
+    CreateMipmapTexture(view);
+    EXPECT_EQ(view->mipCount, 10u);
+    DeleteTexture(view);
+    EXPECT_EQ(std::count(pixels.begin(), pixels.end(), 0u), 1024 * 512);
+    EXPECT_EQ(pixels.back(), 5u);
 }
 
 TEST(ClearTexture, ClearsTheSpareAreaToo)

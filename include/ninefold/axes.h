@@ -62,7 +62,7 @@
     X(NINEFOLD_RECT_PLANE_RUNS, 6, "planeruns", "one texel a pixel, by the zero-pixel map and the Shahei plane") \
     X(NINEFOLD_RECT_NONE,       7, "",          "no texture, or no rectangle")
 
-/* SetShaheiMode. Shahei is occlusion: the plane's bits and the priorities say which pixels are taken. */
+/* SetShaheiMode. Shahei means occlusion: the plane's bits and the priorities say which pixels are taken. */
 #define NINEFOLD_SHAHEIS(X) \
     X(NINEFOLD_SHAHEI_NONE,             0, "",        "every pixel") \
     X(NINEFOLD_SHAHEI_PLANE,            1, "plane",   "where plane and stipple are clear; drawn pixels are marked") \

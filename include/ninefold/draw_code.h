@@ -1,39 +1,36 @@
 /*
- * Draw codes: from modes to a kernel. There is a kernel for each of 30,912 combinations of nine axes:
- *
- *   shape       0 line, 1 rectangle, 2 triangle
- *   pers        0; 1 perspective, by vertex[].z (triangles)
- *   rule        0; 1 wiped in by tex2 (rectangles, triangles)
- *   prescale    0; 1 source scaled by rs.prescale ahead of the blend: its alpha under blends 1, 2, 4, its colour under the others
- *   filter      0 nearest, 1 bilinear, 2 nearest and 5 bilinear on two mip levels, 3 nearest and 4 bilinear on a mip level for
- *               each line, 6 flat color[0], 7 Gouraud, 8 mosaic
- *   rect option 0 unit scale, 1 stretched, 2 four corners, 3 line table, 5 unit scale by the run-length map, 6 unit scale by the
- *               zero-pixel map and the Shahei plane, 7 none
- *   Shahei      0 none, 1 plane and stipple, drawn pixels marked, 2 the same and zBuffer written, 3 priority test, 4 stipple,
- *               5 priority test and stipple
- *   blend       0 copy, 1 alpha, 2 constant alpha, 4 alpha with early outs, 5 add, 6 subtract, 7 multiply, 8 multiply by two,
- *               9 screen, 10 overlay, 11 merge, 12 blendFunc (see SetBlendMode)
- *   multi       0 tex1, 1 corner colours, 2 color[0], each through multiFunc before the blend; 3 none
+ * Draw codes: from modes to a kernel. Nine axes (shape, perspective, rule, prescale, filter, rect option, Shahei mode, blend,
+ * multi) have a value each, which axes.h names and explains; a combination of nine values has a number, its draw code, and a
+ * kernel, the function that draws it. There are 30,912. Below, names stand without their NINEFOLD_.
  *
  * What goes together:
- *   - Shahei modes 1, 2 with blend 0 only, 3, 5 with all blends but 0.
- *   - Lines: filters 6, 7, no rule. Filters 6, 7 anywhere: multi 3; on triangles no prescale either.
- *   - Rectangles: filters 0, 1, 8 with rect options 0 to 3; filter 0 also with 5 (Shahei modes 0, 3, 4, 5) and 6 (1, 2);
- *     filters 2 to 5 with rect options 1, 2, 3. Filters 3 and 4 draw nothing outside rect option 3.
- *   - Triangles: all filters; 3 and 4 draw nothing.
+ *   - SHAHEI_PLANE, SHAHEI_PLANE_PRIORITY: with BLEND_COPY only. SHAHEI_PRIORITY, SHAHEI_PRIORITY_STIPPLE: with every blend but
+ *     BLEND_COPY.
+ *   - Colours, FILTER_FLAT and FILTER_GOURAUD: with MULTI_NONE and RECT_NONE only; on triangles without prescale.
+ *   - Lines: colours, without rule and perspective.
+ *   - Rectangles, without perspective: FILTER_POINT, FILTER_BILINEAR and FILTER_MOSAIC with RECT_UNIT, RECT_STRETCH, RECT_CORNERS
+ *     and RECT_TABLE; the four mip filters with the last three of them; FILTER_POINT alone with RECT_RUNS, but not under the two
+ *     plane modes, and with RECT_PLANE_RUNS, under the plane modes only.
+ *   - Triangles: RECT_NONE, all filters.
+ *   - FILTER_LINE_POINT and FILTER_LINE_BILINEAR draw nothing outside RECT_TABLE.
  *
- * Some kernels want more than their modes say; all of it is their definition, not an accident:
- *   - Filter 1 mixes four texels, but under rect options 2, 3 with Shahei modes 0, 3, 4, 5 it chooses one of two by a stipple.
- *     A mix has alpha 0 except under blends 1, 2, 4. The transparent test looks at the nearest texel alone.
- *   - Filter 2 mixes its two levels only on the way to multiFunc; with multi 3 it draws texels of one level. On triangles
+ * Mip filters choose one pair of levels for the whole primitive, by its mean density of texels; under RECT_TABLE one for each
+ * row. A floor that runs far into the distance is drawn as tiles or strips, so that each has levels of its own.
+ *
+ * Some kernels want more than their modes say; all of it is their definition, not an accident ("plane modes" are SHAHEI_PLANE and
+ * SHAHEI_PLANE_PRIORITY):
+ *   - FILTER_BILINEAR mixes four texels, but under RECT_CORNERS and RECT_TABLE outside the plane modes it chooses one of two by a
+ *     stipple. A mix has alpha 0 except under BLEND_ALPHA, BLEND_CONST_ALPHA and BLEND_ALPHA_FAST. The transparent test looks at
+ *     the nearest texel alone.
+ *   - FILTER_MIP mixes its two levels only on the way to multiFunc; with MULTI_NONE it draws texels of one level. On triangles
  *     without rule the mix itself is drawn: the operator is called and its result dropped.
- *   - Filter 5 under rect option 3, and under rect option 2 when minified, with Shahei modes 0, 3, 4, 5 reads the first texel
- *     of its level everywhere; at negative positions it reads some texel of the level, and which one is open.
- *   - Rect option 5 with rule 1 and Shahei mode 0: a pixel that the rule holds back does not move the source on, up to the
- *     stretch's end.
- *   - Rect option 3: on rows that are left out the stipple row, the plane row and the rule row stand still.
- *   - Rectangles of filters 6, 7 with rule 1 and Shahei modes 1, 2 mark every pixel that the plane and the stipple leave free,
- *     also those that the rule holds back.
+ *   - FILTER_MIP_BILINEAR under RECT_TABLE, and under RECT_CORNERS when minified, outside the plane modes reads the first
+ *     texel of its level everywhere; at negative positions it reads some texel of the level, and which one is open.
+ *   - RECT_RUNS with a rule and SHAHEI_NONE: a pixel that the rule holds back does not move the source on, up to the stretch's
+ *     end.
+ *   - RECT_TABLE: on rows that are left out the stipple row, the plane row and the rule row stand still.
+ *   - Rectangles of colours with a rule under the plane modes mark every pixel that the plane and the stipple leave free, also
+ *     those that the rule holds back.
  */
 #ifndef NINEFOLD_DRAW_CODE_H
 #define NINEFOLD_DRAW_CODE_H
@@ -71,9 +68,9 @@ extern "C" {
 
 /*
  * Packs nine axis values into a draw code, from bit 27 down: pers, rule, prescale (a bit each), filter (4), rect option (3),
- * Shahei (3), blend (5), multi (2), shape | 0x68 (8). Rect option becomes 7 for lines, triangles and filters 6 and 7; multi
- * becomes 3 and pers 0 for lines and filters 6 and 7; pers is 0 for all but triangles. Nothing else is masked or checked: a
- * value too wide spills into the field to its left, and the code then names some other combination or none.
+ * Shahei (3), blend (5), multi (2), shape | 0x68 (8). Rect option becomes RECT_NONE for lines, triangles and rectangles of
+ * colours; multi becomes MULTI_NONE and pers 0 for lines and colours; pers is 0 for all but triangles. Nothing else is masked
+ * or checked: a value too wide spills into the field to its left, and the code then names some other combination or none.
  */
 NINEFOLD_API unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei,
                                              long blend, long multi, long shape);

@@ -23,15 +23,15 @@ extern "C" {
  * after may overlap a tall one. A full atlas leaves the metrics of the glyph that did not fit, and perhaps the cursor on a new
  * row. An empty glyph (a space, or any character where there is no font) sets pixel 0 of the atlas to 0.
  *
- * Mono glyphs (fontQuality 0) whose width modulo 32 is 1 to 7 come out sheared, below 8 as copies of their first row.
+ * Mono glyphs (NINEFOLD_QUALITY_MONO) whose width modulo 32 is 1 to 7 come out sheared, below 8 as copies of their first row.
  *
  * Faces come from Windows, or elsewhere from fontconfig; where there is no face of that name another one is taken.
  */
 NINEFOLD_API char *CreateFontTexture(char *text);
 
-/* The same with a dark rim: the colour falls from light grey (252) inside the glyph to black at its border, within the glyph's
- * own box. An empty glyph leaves pixel 0 of the atlas alone and clears its own box: a pixel for a space, none where there is no
- * font. */
+/* The same with a dark rim (fuchi: rim, border): the colour falls from light grey (252) inside the glyph to black at its
+ * border, within the glyph's own box. An empty glyph leaves pixel 0 of the atlas alone and clears its own box: a pixel for a
+ * space, none where there is no font. */
 NINEFOLD_API char *CreateFontTextureFuchi(char *text);
 
 #ifdef __cplusplus

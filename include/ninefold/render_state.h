@@ -20,7 +20,7 @@ typedef struct TexCoord {
     int32_t u, v;
 } TexCoord;
 
-/* One row of a line table (rect option 3): the source segment of the row in 16.16 texels, end exclusive. startU equal to
+/* One row of a line table (NINEFOLD_RECT_TABLE): the source segment of the row in 16.16 texels, end exclusive. startU equal to
  * NINEFOLD_SKIP_ROW leaves the row out (in lineTable0; lineTable1 has no say). */
 typedef struct LineTableRecord {
     int32_t startU, startV, endU, endV;
@@ -50,24 +50,28 @@ typedef struct RenderState {
     int32_t clipLeft, clipTop, clipRight, clipBottom;
     Texture *frameBuffer; /* set by SetFrameBuffer */
 
-    /* Planes, laid out as the frame buffer: width * height bits and bytes. In frame buffers narrower than 16 pixels rows share
-     * words of the Shahei plane. */
+    /* Planes, laid out as the frame buffer: width * height bits and bytes. Shahei means occlusion: a set bit of the Shahei plane
+     * hides its pixel. In frame buffers narrower than 16 pixels rows share words of that plane. */
     uint16_t *shaheiPlane; /* one bit a pixel, bit 15 of a word leftmost; set: taken, not to be drawn */
     uint8_t *zBuffer; /* one priority byte a pixel; drawn where it is not below zRef */
     uint32_t zRef; /* the primitive's priority; kernels use its low byte */
 
-    uint32_t color[4]; /* ARGB: [0] the flat colour and that of multi 2; all four the corner colours of filter 7 and multi 1 */
+    /* ARGB: [0] the flat colour and that of NINEFOLD_MULTI_COLOUR; all four the corner colours of NINEFOLD_FILTER_GOURAUD and
+     * NINEFOLD_MULTI_CORNERS */
+    uint32_t color[4];
     /* A rectangle has opposite corners in [0], [1], a line its ends there, a triangle uses [0..2]; [3] is never read. Texture
-     * positions belong to their vertices: corners that are exchanged alone mirror the picture (rect options 1, 2), together with
-     * their positions they leave it as it is. */
+     * positions belong to their vertices: corners that are exchanged alone mirror a stretched or four-corner picture, together
+     * with their positions they leave it as it is. */
     Vertex vertex[4];
-    /* Coordinates of tex0. Rectangles: unit scale reads [0] (whole texels only, except under filter 1); stretched [0], [1];
-     * four corners top left, top right, bottom left, bottom right. Triangles [0..2]. */
+    /* Coordinates of tex0. Rectangles: unit scale reads [0] (whole texels only, except under the bilinear filter); stretched
+     * [0], [1]; four corners top left, top right, bottom left, bottom right. Triangles [0..2]. */
     TexCoord uv0[4];
     Texture *tex0; /* main source; the atlas of the glyph functions */
     TexCoord uv1[4]; /* coordinates of tex1, in the same way */
-    /* Second source of multi 0; its zeros leave the first as it is. Under filters 2 and 5 (rect options 1, 2 and triangles) its
-     * chain is walked whenever it is not null, whatever multi is: leave no texture without a chain here. */
+    /* Second source of NINEFOLD_MULTI_TEXTURE; its zeros leave the first as it is. NINEFOLD_FILTER_MIP and
+     * NINEFOLD_FILTER_MIP_BILINEAR (stretched and four-corner rectangles, triangles) choose its level whenever it is not null,
+     * also where the multi stage does not draw it. There one without a chain (mipCount 0) is as good as null, but one that was
+     * deleted is still read: set tex1 to null before its texture goes. */
     Texture *tex1;
     /* Coordinates of tex2, linear on the screen also under perspective. Rectangles read [0..1], triangles [0..2]. */
     TexCoord uv2[4];
@@ -76,19 +80,23 @@ typedef struct RenderState {
     LineTableRecord *lineTable1; /* the same for tex1 */
 
     /* Factors. Outside their range the arithmetic goes on in wrapping 32-bit words and channels spill into each other. */
-    uint32_t blendAlpha; /* 0 to 255: blend 2 and multi operator 2 */
-    uint32_t blendAlphaRgb; /* 0 to 255: multi operator 3 */
+    uint32_t blendAlpha; /* 0 to 255: constant alpha, blend and multi operator */
+    uint32_t blendAlphaRgb; /* 0 to 255: NINEFOLD_MULTI_OP_CONST_ALPHA_RGB */
     uint32_t prescale; /* 0 to 256, where 256 is one: the prescale axis */
     uint32_t prescaleMulti; /* 0 to 256: second bank of multi operators */
     int32_t *scanShift; /* by frame-buffer row (inside the clip): displacement of a triangle's span, pixels; null: none */
-    uint32_t writeMask; /* blend 11, multi operator 11: set bits come from the source */
+    uint32_t writeMask; /* merge, blend and multi operator: set bits come from the source */
 
     /*
-     * Operators; null until set, and called without a test by blend 12 and multi 0, 1, 2. blendFunc is set by
-     * SetBlendMode(14..19) or by the host for blend 12, multiFunc by SetBlendModeMulti (or by the host). A host's own operator
-     * is called once for each pixel that reaches its stage, left to right; where both are the host's own the calls alternate
-     * pixel by pixel. It may keep state of its own but must not touch the frame buffer, the planes or rs. A new pointer takes
-     * effect at the next call of any kernel.
+     * Operators; null until set, and called without a test by NINEFOLD_BLEND_CUSTOM and all multi modes but NINEFOLD_MULTI_NONE.
+     * blendFunc is set by SetBlendMode(NINEFOLD_BLEND_LUMA_SRC...) or by the host for NINEFOLD_BLEND_CUSTOM, multiFunc by
+     * SetBlendModeMulti or by the host. A new pointer takes effect at the next call of any kernel.
+     *
+     * A host's own operator is called once for each pixel that reaches its stage, left to right; where both are the host's own
+     * the calls alternate pixel by pixel. It may look at the frame buffer, zBuffer and rs, and finds the frame buffer as the
+     * pixels before left it: all stages of one pixel come before the next. The words of the Shahei plane of the row in flight are
+     * the library's own. It must change nothing that the draw works from: no texture, table or plane, not the frame buffer, and
+     * of rs nothing but the mode fields, font... and glyph..., which no kernel reads. It must not draw.
      */
     PixelOperator blendFunc;
     PixelOperator multiFunc;
@@ -97,13 +105,13 @@ typedef struct RenderState {
 
     /*
      * The rule test of rule value m, 0 to 255: nothing is drawn where m <= ruleThreshold, everything where m >= ruleThreshold +
-     * ruleWidth. Between them old and new pixel are mixed by w = ((m - ruleThreshold) << 8) / ruleWidth, which curve 1 makes
-     * 255 - ((255 - w) * (255 - w) >> 8) and curve 2 w * w >> 8: (new * w + old * (255 - w)) >> 8, alpha 0. A threshold that goes
-     * from 255 down to -ruleWidth wipes a picture in.
+     * ruleWidth. Between them old and new pixel are mixed by w = ((m - ruleThreshold) << 8) / ruleWidth, which
+     * NINEFOLD_CURVE_FAST makes 255 - ((255 - w) * (255 - w) >> 8) and NINEFOLD_CURVE_SLOW w * w >> 8:
+     * (new * w + old * (255 - w)) >> 8, alpha 0. A threshold that goes from 255 down to -ruleWidth wipes a picture in.
      */
     int32_t ruleThreshold;
     int32_t ruleWidth; /* 0 or less: a hard edge */
-    int32_t ruleCurve; /* 1: rises fast, 2: rises slowly, other: linear */
+    int32_t ruleCurve; /* NINEFOLD_CURVE_...; any other value is linear */
 
     /* axes, each stored as given by the setter of its name */
     int32_t prescaleMode;
@@ -120,7 +128,7 @@ typedef struct RenderState {
 
     /* Scratch of the mip filters, left behind by the last draw. Weights are 0 to 255. A draw whose texel density is below one,
      * or beyond the last octave, leaves weights as they were and may read them. */
-    int32_t mipFrac; /* weight of the chosen level of tex0 against mipTex; under rect option 3 only Shahei modes 1, 2 write it */
+    int32_t mipFrac; /* weight of the chosen level of tex0 against mipTex; under a line table only the plane modes write it */
     int32_t mipFrac1; /* the same for tex1 */
     Texture *mipTex; /* the next smaller level after the chosen one of tex0 */
     Texture *mipTex1; /* the same for tex1 */
@@ -130,7 +138,7 @@ typedef struct RenderState {
     char *fontName; /* face name, code page 932; with its NUL at most 32 bytes; null or empty: any face */
     int32_t fontHeight; /* cell height in pixels; negative: em height; 0: a height of the rasteriser's choice */
     int32_t fontWeight; /* 400 normal, 700 bold */
-    int32_t fontQuality; /* 0 mono; 1, 2, 3: 4, 16, 64 grey levels; others garble glyphs */
+    int32_t fontQuality; /* NINEFOLD_QUALITY_...; other values garble glyphs */
     uint32_t fontItalic; /* low byte */
     uint32_t fontCursorX, fontCursorY; /* where the next glyph goes in the atlas, pixels; the host zeroes them for a new atlas */
     uint32_t fontLineBottom; /* lowest edge so far of the atlas row; likewise */
@@ -140,9 +148,9 @@ typedef struct RenderState {
     int32_t glyphOriginX, glyphOriginY; /* offset of the bitmap from the pen on the base line, y up, */
     int32_t glyphAdvance; /* pen advance */
 
-    /* Filter 8: block sizes in texels, at least 1. Blocks start at multiples in the texture and show their first texel. */
-    int32_t mosaicSize1; /* block width in rect option 0; elsewhere the columns of tex1 */
-    int32_t mosaicSize; /* block height in rect option 0; elsewhere both axes of tex0 and the rows of tex1 */
+    /* Mosaic: block sizes in texels, at least 1. Blocks start at multiples in the texture and show their first texel. */
+    int32_t mosaicSize1; /* block width at unit scale; elsewhere the columns of tex1 */
+    int32_t mosaicSize; /* block height at unit scale; elsewhere both axes of tex0 and the rows of tex1 */
 } RenderState;
 
 #ifdef __cplusplus
@@ -166,8 +174,8 @@ NINEFOLD_API void MakeDrawMaskTable(void); /* without it the stipples 0 to 255 s
  * clip rectangle and the planes stay as they are: set them to match. */
 NINEFOLD_API Texture *SetFrameBuffer(Texture *texture);
 
-/* Mode setters. Values (draw_code.h has them all) are stored as they are; they take effect at the next CreateDrawCode. All start
- * at 0, which for the multi mode is a second texture: a host without one sets 3. */
+/* Mode setters. Values (axes.h names them all) are stored as they are; they take effect at the next CreateDrawCode. All start
+ * at 0, which for the multi mode is a second texture: a host without one sets NINEFOLD_MULTI_NONE. */
 NINEFOLD_API void SetShapeMode(long shape);
 NINEFOLD_API void SetPrescaleMode(long prescale);
 NINEFOLD_API void SetRuleAlphaMode(long rule);
@@ -199,8 +207,12 @@ NINEFOLD_API void SetPersMode(long pers);
  *                         255 - (((255 - d) * (255 - s)) >> 8) * 2
  *   11 merge              bit by bit: writeMask from s, the rest of d    likewise
  *   12                    blendFunc(destination, source)                 whatever it gives
- * So the alpha of a frame buffer means little after a blend. The bits are those of packed arithmetic: src/ops/blend.h defines
- * them.
+ * The weights of blends 1 and 2 add up to 255 but the sum is divided by 256, so they lose a little light wherever they draw:
+ * opaque white over any colour gives FE in each channel. For sprites with opaque parts take NINEFOLD_BLEND_ALPHA_FAST, which
+ * keeps opaque pixels exact and leaves the destination alone under alpha 0.
+ *
+ * The alpha of a frame buffer means nothing after a blend: windows and files want the pixel format without alpha. The bits are
+ * those of packed arithmetic: src/ops/blend.h defines them.
  */
 NINEFOLD_API void SetBlendMode(long mode);
 

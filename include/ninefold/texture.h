@@ -31,7 +31,7 @@ struct Texture {
     uint32_t mipCount; /* entries of mip in use; 0: no chain */
     int8_t *runlengthMap; /* see CreateRunlengthMap; null: none */
     uint16_t *zeroPixelMap; /* see CreateZeroPixelMap; null: none */
-    uint32_t flags; /* bit 0: `pixels` belongs to the host and DeleteTexture leaves it alone */
+    uint32_t flags; /* NINEFOLD_TEXTURE_...; see DeleteTexture */
     int32_t refCount; /* see DeleteTexture; 0 after creation */
     uint32_t origWidth; /* width as asked for, before rounding; for the host only */
     uint32_t origHeight; /* height as asked for; the same */
@@ -49,8 +49,19 @@ NINEFOLD_API Texture *CreateTexture(unsigned long width, unsigned long height);
  * after n AddRefTexture calls, and at its first after none. */
 NINEFOLD_API void AddRefTexture(Texture *texture);
 
-/* Subtracts 1 from refCount and, if that leaves 0 or less, frees the maps, the pixels (unless bit 0 of `flags` is set), mip
- * levels 1 and up, and the record. */
+/* Subtracts 1 from refCount and, if that leaves 0 or less, frees the maps, the pixels (unless `flags` has
+ * NINEFOLD_TEXTURE_HOST_PIXELS), mip levels 1 and up, and the record.
+ *
+ * With that flag a texture can show pixels of the host's, such as those of a window. A record of 4 GiB comes without any of its
+ * own:
+ *
+ *     Texture *view = CreateTexture(0x8000, 0x8000);
+ *     view->pixels = windowPixels;
+ *     view->flags |= NINEFOLD_TEXTURE_HOST_PIXELS;
+ *     view->log2Width = 10, view->width = 1024;
+ *     view->log2Height = 9, view->height = 512;
+ *
+ * Rows must follow one another without gaps, and both sizes be powers of two. The host frees its pixels after DeleteTexture. */
 NINEFOLD_API void DeleteTexture(Texture *texture);
 
 /* Sets all width * height words to 0, the transparent pixel. */
@@ -79,8 +90,8 @@ NINEFOLD_API void ReplacePixel(Texture *texture, unsigned long newColor, unsigne
 NINEFOLD_API Texture *LoadTexture(char *path);
 
 /*
- * As LoadTexture, with the picture placed inside the power-of-two texture: `alignX`, `alignY` 1 centre it, 2 put it at the
- * right or bottom edge, any other value at the left or top. The out-parameters, each of which may be null, receive the position
+ * As LoadTexture, with the picture placed inside the power-of-two texture: `alignX` and `alignY` are NINEFOLD_ALIGN_...;
+ * any other value is NINEFOLD_ALIGN_START. The out-parameters, each of which may be null, receive the position
  * of the picture's top-left pixel and its size as read from the file (pixels); when the result is null they are not written.
  */
 NINEFOLD_API Texture *LoadTextureAdjust(char *path, unsigned long alignX, unsigned long alignY, long *outX, long *outY,
@@ -88,27 +99,27 @@ NINEFOLD_API Texture *LoadTextureAdjust(char *path, unsigned long alignX, unsign
 
 /* Gives a texture its chain of half-size levels (a truncating 2 by 2 box over all four channels), down to where the smaller
  * dimension is 1. Does nothing when the chain is already whole: after changing the pixels call DeleteMipmapTexture first.
- * Transparent pixels count as black with alpha 0. Filters 2 to 5 need a chain of at least two levels, so a texture of at least
+ * Transparent pixels count as black with alpha 0. The mip filters need a chain of at least two levels, so a texture of at least
  * 2 by 2. There must be memory for it: a third more than the pixels have. */
 NINEFOLD_API void CreateMipmapTexture(Texture *texture);
 
 /* Releases mip levels 1 and up and sets mipCount to 0. DeleteTexture does the same. */
 NINEFOLD_API void DeleteMipmapTexture(Texture *texture);
 
-/* Makes the run-length map that rect option 5 reads: one signed byte a pixel, n for n non-zero pixels from here to the right
+/* Makes the run-length map that NINEFOLD_RECT_RUNS reads: one signed byte a pixel, n for n non-zero pixels from here to the right
  * within the row, -n for n zero pixels, limited to 127 and -128. Replaces an older map. Nothing keeps it current. Throws
  * std::bad_alloc without memory for it, and leaves no map.
  *
- * Mind holes of 128 zero pixels and more: at one, rect option 5 goes on 128 pixels further left instead of right, also to the
+ * Mind holes of 128 zero pixels and more: at one, that rect option goes on 128 pixels further left instead of right, also to the
  * left of the clip rectangle, and draws on from there. A sprite with such a hole needs 128 pixels of frame buffer before it (one
- * with several, as many as it is wide), or is drawn with rect option 0. */
+ * with several, as many as it is wide), or is drawn with NINEFOLD_RECT_UNIT. */
 NINEFOLD_API void CreateRunlengthMap(Texture *texture);
 
-/* Makes the zero-pixel map that rect option 6 reads: 16-bit words, bit 15 leftmost, a set bit for a pixel whose word is 0. The
- * word of a pixel is its index divided by 16, its bit 15 - (x & 15), so rows of textures narrower than 16 share bits. Replaces
- * an older map. Nothing keeps it current. Throws as CreateRunlengthMap does. Rect option 6 reads it at the frame-buffer position
- * of the pixel, whatever uv0 says: the texture must be as wide as the frame buffer, reach as far down as what is drawn, and lie
- * on it position for position. */
+/* Makes the zero-pixel map that NINEFOLD_RECT_PLANE_RUNS reads: 16-bit words, bit 15 leftmost, a set bit for a pixel whose
+ * word is 0. The word of a pixel is its index divided by 16, its bit 15 - (x & 15), so rows of textures narrower than 16 share
+ * bits. Replaces an older map. Nothing keeps it current. Throws as CreateRunlengthMap does. That rect option reads it at the
+ * frame-buffer position of the pixel, whatever uv0 says: the texture must be as wide as the frame buffer, reach as far down as
+ * what is drawn, and lie on it position for position. */
 NINEFOLD_API void CreateZeroPixelMap(Texture *texture);
 
 #ifdef __cplusplus

@@ -44,17 +44,17 @@ int main(int count, char **arguments)
     CHECK(state->shapeMode == 0 && !state->frameBuffer);
 
     /* the library writes, the host reads */
-    REACH(SetShapeMode)(1);
+    REACH(SetShapeMode)(NINEFOLD_SHAPE_RECTANGLE);
     CHECK(state->shapeMode == 1);
-    REACH(SetBlendMode)(5);
+    REACH(SetBlendMode)(NINEFOLD_BLEND_ADD);
     CHECK(state->blendMode == 5);
-    REACH(SetBlendModeMulti)(5);
+    REACH(SetBlendModeMulti)(NINEFOLD_MULTI_OP_ADD);
     CHECK(state->blendModeMulti == 5 && state->multiFunc);
 
     /* the host writes, the library reads */
-    state->filterMode = 1;
-    state->rectOptMode = 1;
-    state->multiMode = 2;
+    state->filterMode = NINEFOLD_FILTER_BILINEAR;
+    state->rectOptMode = NINEFOLD_RECT_STRETCH;
+    state->multiMode = NINEFOLD_MULTI_COLOUR;
     CHECK(REACH(CreateDrawCode)() == 0x241669);
 
     /* both, through a kernel: a flat rectangle */
@@ -70,8 +70,8 @@ int main(int count, char **arguments)
     state->vertex[0].y = 5;
     state->vertex[1].x = 4;
     state->vertex[1].y = 7;
-    REACH(SetFilterMode)(6);
-    REACH(SetBlendMode)(0);
+    REACH(SetFilterMode)(NINEFOLD_FILTER_FLAT);
+    REACH(SetBlendMode)(NINEFOLD_BLEND_COPY);
     CHECK(REACH(CreateDrawCode)() == 0xDC0369);
     REACH(MakeDrawFuncTable)();
     DrawFunc draw = REACH(SearchDrawFunc)(REACH(CreateDrawCode)());
