@@ -5,11 +5,11 @@
 // that covers Japanese, then to any. Without any face every glyph is empty.
 #if NINEFOLD_GLYPHS && !defined(_WIN32)
 
+#include "glyph/page932.h"
 #include "glyph/source.h"
 
 #include <fontconfig/fontconfig.h>
 #include <ft2build.h>
-#include <iconv.h>
 #include FT_BITMAP_H
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
@@ -32,19 +32,6 @@ FT_Pos floorPixel(FT_Pos position) { return position & ~FT_Pos{63}; }
 
 FT_Pos ceilPixel(FT_Pos position) { return floorPixel(position + 63); }
 
-// Converts from code page 932. The converter is made at its first use and stays.
-bool convert932(iconv_t &converter, const char *encoding, const char *from, size_t fromBytes, void *to, size_t toBytes)
-{
-    if (!converter)
-        converter = iconv_open(encoding, "CP932");
-    if (converter == reinterpret_cast<iconv_t>(-1))
-        return false;
-    iconv(converter, nullptr, nullptr, nullptr, nullptr);
-    char *in = const_cast<char *>(from);
-    char *out = static_cast<char *>(to);
-    return iconv(converter, &in, &fromBytes, &out, &toBytes) != static_cast<size_t>(-1);
-}
-
 // A face as a font description asks for it.
 class Font {
 public:
@@ -58,15 +45,15 @@ public:
     FT_Face face() const { return face_; }
 
     // Replaces what it was before.
-    void find(const FontDescription &font, FT_Library library, iconv_t &converter)
+    void find(const FontDescription &font, FT_Library library)
     {
         if (face_)
             FT_Done_Face(face_);
         *this = {};
         description_ = font;
 
-        char family[4 * sizeof font.name] = {};
-        if (!convert932(converter, "UTF-8", font.name, std::strlen(font.name), family, sizeof family - 1))
+        char family[3 * sizeof font.name];
+        if (!utf8Of932(font.name, family))
             std::memcpy(family, font.name, sizeof font.name); // then it may be UTF-8 already
         FcPattern *wanted = FcPatternCreate();
         if (!wanted)
@@ -237,7 +224,7 @@ public:
                 ++fontCount_;
             else
                 font_ = &fonts_[nextFont_++ % std::size(fonts_)];
-            font_->find(description, library_, nameConverter_);
+            font_->find(description, library_);
         }
         if (font_->exists())
             font_->setHeight(description.height);
@@ -285,27 +272,11 @@ public:
     void close(Release) override {}
 
 private:
-    // 0, the box of a missing glyph, for what the face lacks.
+    // 0, the box of a missing glyph, for what the page or the face lacks.
     FT_UInt glyphIndex(uint32_t code)
     {
-        const char text[] = {static_cast<char>(code >> 8), static_cast<char>(code)};
-        uint8_t unicode[4] = {0, static_cast<uint8_t>(code)};
-        if (isLeadByte932(static_cast<uint8_t>(code >> 8))) {
-            if (!convert932(textConverter_, "UTF-16BE", text, 2, unicode, sizeof unicode))
-                useMiddleDot(unicode);
-        } else if (isLeadByte932(unicode[1])) {
-            useMiddleDot(unicode);
-        } else if (unicode[1] >= 0x80 && !convert932(textConverter_, "UTF-16BE", text + 1, 1, unicode, sizeof unicode)) {
-            return 0;
-        }
-        return FT_Get_Char_Index(font_->face(), static_cast<FT_ULong>(unicode[0] << 8 | unicode[1]));
-    }
-
-    // The katakana middle dot is the code page's own stand-in for codes that it does not define.
-    static void useMiddleDot(uint8_t *unicode)
-    {
-        unicode[0] = 0x30;
-        unicode[1] = 0xFB;
+        const char16_t character = drawnCharacter932(code);
+        return character == undefined932 ? 0 : FT_Get_Char_Index(font_->face(), character);
     }
 
     bool render(Format format, FT_Pos width, FT_Pos height, FT_Pos pitch, uint8_t *bitmap)
@@ -336,7 +307,6 @@ private:
     }
 
     FT_Library library_ = nullptr;
-    iconv_t nameConverter_ = nullptr, textConverter_ = nullptr;
     Font fonts_[8]; // the last ones asked for
     size_t fontCount_ = 0, nextFont_ = 0;
     Font *font_ = nullptr; // one of them; null if no face could be opened

@@ -1,6 +1,7 @@
 // Builds without a rasteriser: every glyph is empty.
 #if !NINEFOLD_GLYPHS
 
+#include "glyph/page932.h"
 #include "glyph/source.h"
 
 namespace ninefold::glyph {

@@ -49,6 +49,4 @@ protected:
 // The rasteriser of this platform.
 Source &platformSource();
 
-constexpr bool isLeadByte932(uint8_t byte) { return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC); }
-
 } // namespace ninefold::glyph
