@@ -4,16 +4,26 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all test conform coverage fuzz mutate ports gallery bench clean
+.PHONY: all check test tidy conform coverage fuzz mutate ports gallery bench clean
 
 all:
 	scripts/setup build
 	$(release)
 
+# The loop after an edit, for one instruction set: make check SET=v1|v3|v4|all.
+check:
+	scripts/setup build
+	JOBS=$(JOBS) scripts/check $(SET)
+
 # Tests and budgets, then the tests again under sanitizers.
 test:
 	scripts/setup build gallery
 	JOBS=$(JOBS) scripts/test
+
+# clang-tidy over the files of today, or those whose path matches: make tidy ARGS=src/core.
+tidy:
+	scripts/setup build tidy
+	JOBS=$(JOBS) scripts/tidy $(ARGS)
 
 # The kernels against the reference at depth, also under sanitizers: make conform SCENES=200.
 conform: all
@@ -29,7 +39,7 @@ fuzz:
 	scripts/setup build
 	JOBS=$(JOBS) scripts/fuzz $(ARGS)
 
-# Whether the differential notices lines that are wrong: make mutate ARGS=fetch.
+# Whether the differential notices lines that are wrong, of the reference and of the library: make mutate ARGS=fetch.
 mutate:
 	scripts/setup build
 	JOBS=$(JOBS) scripts/mutate $(ARGS)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# exports.sh LIBRARY INCLUDE_DIR: the library exports exactly the names that its headers declare.
+# exports.sh LIBRARY INCLUDE_DIR: the library exports exactly the names that its headers declare, and runs nothing when it is loaded.
 set -euo pipefail
 library=$1 include=$2
 
@@ -14,4 +14,16 @@ if ! diff <(echo "$declared") <(echo "$exported"); then
     exit 1
 fi
 grep -q 'SONAME.*\[libninefold\.so\.1\]' <<<"$(readelf -d "$library")" || { echo "soname is not libninefold.so.1"; exit 1; }
+
+# What was linked, the compiler's runtime included, has no code for load and unload but the one entry that the compiler's start-up
+# file brings to each of the two lists.
+pointer=$(readelf -h "$library" | awk '/Class:/ { print $2 == "ELF64" ? 8 : 4 }')
+for list in INIT:__frame_dummy_init_array_entry FINI:__do_global_dtors_aux_fini_array_entry; do
+    size=$(readelf -dW "$library" | awk -v "tag=(${list%:*}_ARRAYSZ)" '$2 == tag { print $3 }')
+    start=$(readelf -dW "$library" | awk -v "tag=(${list%:*}_ARRAY)" '$2 == tag { print substr($3, 3) }')
+    if [ "$size" != "$pointer" ] || ! nm "$library" | grep -q "^0*$start . ${list#*:}$"; then
+        echo "the library has code of its own in ${list%:*}_ARRAY ($size bytes, not $pointer)"
+        exit 1
+    fi
+done
 echo "$(wc -l <<<"$exported") exports"
