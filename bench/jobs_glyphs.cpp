@@ -98,7 +98,7 @@ void draw(FT_Face face, const Font &font, FT_ULong character, unsigned &x)
 {
     const bool mono = font.quality == NINEFOLD_QUALITY_MONO;
     FT_Load_Char(face, character, mono ? FT_LOAD_TARGET_MONO : FT_LOAD_TARGET_NORMAL);
-    FT_GlyphSlot const slot = face->glyph;
+    FT_GlyphSlot slot = face->glyph;
     if (slot->format == FT_GLYPH_FORMAT_OUTLINE && font.weight > 550)
         FT_Outline_Embolden(&slot->outline, font.em * 64 / 24);
     if (slot->format == FT_GLYPH_FORMAT_OUTLINE && font.italic) {

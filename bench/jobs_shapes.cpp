@@ -33,7 +33,7 @@ Job quadJob(const std::string &name, Kind kind, const ninefold::Axes &axes, Cont
 Map rotation()
 {
     const double angle = 0.5235987755982988, scale = 1 / (std::cos(angle) + std::sin(angle)) - 0.002;
-    const double c = std::cos(angle) * scale, s = std::sin(angle) * scale, middle = frameSize / 2;
+    const double c = std::cos(angle) * scale, s = std::sin(angle) * scale, middle = frameSize / 2.0;
     return {{{c, -s, middle - c * middle + s * middle}, {s, c, middle - s * middle - c * middle}, {0, 0, 1}}};
 }
 

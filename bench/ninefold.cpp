@@ -142,7 +142,8 @@ void addOurs(const Job &job, Contenders &contenders)
 
 Contender kernelAs(std::string name, Role role, const Job &job, const ninefold::Axes &axes, std::function<void()> setup)
 {
-    return caller(std::move(name), role, job, SearchDrawFunc(ninefold::codeOf(axes)), ninefold::bestSet(), std::move(setup));
+    return caller(std::move(name), role, job, SearchDrawFunc(ninefold::codeOf(axes)), ninefold::usableSets() - 1,
+                  std::move(setup));
 }
 
 Contenders contendersOf(const Job &job)

@@ -34,8 +34,10 @@ long callsFor(const Contender &contender, double batchSeconds)
 {
     long calls = 1;
     double seconds = secondsOf(contender, calls);
-    for (; seconds < batchSeconds / 4 && calls < 1L << 40; seconds = secondsOf(contender, calls))
+    while (seconds < batchSeconds / 4 && calls < 1L << 40) {
         calls *= seconds < batchSeconds / 64 ? 16 : 2;
+        seconds = secondsOf(contender, calls);
+    }
     calls = std::max(1L, long(double(calls) * batchSeconds / seconds));
     return calls < 64 ? calls : (calls + 63) / 64 * 64;
 }

@@ -1,7 +1,7 @@
 // Stipples: the table of fades, the patterns, and which of them draws a pixel.
 #include <ninefold/render_state.h>
 
-#include "core/tables.h"
+#include "core/startup.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,6 @@
 // Row forms of the operators and backs of every instruction set against the scalar definitions.
 #include "kernels/parts.h"
-#include "ops/blend.h"
 #include "ops/operators.h"
-#include "ops/prescale.h"
 #include "support/canvas.h"
 
 #include <ninefold/ninefold.h>
@@ -10,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <utility>
 
 using namespace ninefold;
 using canvas::thin;
@@ -68,7 +67,7 @@ class RowOperators : public Lanes {
 protected:
     // Compares `count` pairs made by `pairAt`, chunk by chunk, in the form of this width.
     template <class PairAt>
-    void expectPairs(ops::Op op, bool wide, uint64_t count, PairAt &&pairAt)
+    void expectPairs(int op, bool wide, uint64_t count, PairAt &&pairAt)
     {
         const PixelOperator scalar = ops::operators[size_t(op)];
         Words first, second, expected, out;
@@ -80,7 +79,7 @@ protected:
                 expected.at[i] = scalar(first.at[i], second.at[i]);
             }
             for (const InstructionSet *set : sets) {
-                set->operators[wide][size_t(op)](nullptr, out.at, first.at, second.at, each, pick.at, chunk);
+                set->operators[wide][size_t(op)](out.at, first.at, second.at, each, pick.at, chunk);
                 for (int i = 0; i < chunk; ++i)
                     ASSERT_EQ(out.at[i], expected.at[i])
                         << "operator " << int(op) << " of " << std::hex << first.at[i] << " and " << second.at[i];
@@ -88,14 +87,14 @@ protected:
         }
     }
 
-    void expectRandomPairs(ops::Op op, bool wide, uint64_t count)
+    void expectRandomPairs(int op, bool wide, uint64_t count)
     {
         expectPairs(op, wide, count,
                     [this](uint64_t, uint32_t &f, uint32_t &s) { f = uint32_t(random()), s = uint32_t(random()); });
     }
 
     // All pairs of channel values, equal in all channels of a word but alpha.
-    void expectChannelPairs(ops::Op op, bool wide, uint32_t firstAlpha = 0x5A, uint32_t secondAlpha = 0xA7)
+    void expectChannelPairs(int op, bool wide, uint32_t firstAlpha = 0x5A, uint32_t secondAlpha = 0xA7)
     {
         expectPairs(op, wide, 65536 / (thin == 1 ? 1 : 4), [=](uint64_t k, uint32_t &f, uint32_t &s) {
             if (thin != 1)
@@ -108,13 +107,13 @@ protected:
     void forEachOperator(Visitor &&visit)
     {
         for (int op = 0; op < ops::opCount && !HasFatalFailure(); ++op)
-            visit(ops::Op(op));
+            visit(op);
     }
 };
 
 TEST_F(RowOperators, AgreeOverAllPairsOfChannels)
 {
-    forEachOperator([&](ops::Op op) {
+    forEachOperator([&](int op) {
         for (bool wide : {false, true}) {
             expectChannelPairs(op, wide);
             expectChannelPairs(op, wide, 0, 255);
@@ -125,11 +124,14 @@ TEST_F(RowOperators, AgreeOverAllPairsOfChannels)
 
 TEST_F(RowOperators, AgreeOverAllPairsOfChannelsUnderEveryAlphaWhereItWeighs)
 {
-    for (ops::Op op : {ops::Op::keepAlpha, ops::Op::keepAlphaFast, ops::Op::scaledAlpha, ops::Op::scaledAlphaFast}) {
+    for (int op = 0; op < ops::opCount; ++op) {
+        const ops::Op is = ops::opList[size_t(op)];
+        if (is.blend != NINEFOLD_MULTI_OP_ALPHA && is.blend != NINEFOLD_MULTI_OP_ALPHA_FAST)
+            continue;
         for (uint32_t alpha = 0; alpha < 256; alpha += thin) {
             // Of the scaled ones every alpha is seen through the factor that leaves it, and through others.
             for (uint32_t factor : {256u, 77u}) {
-                if (factor == 77 && (op == ops::Op::keepAlpha || op == ops::Op::keepAlphaFast || alpha % 8))
+                if (factor == 77 && (!is.scales || alpha % 8))
                     continue;
                 rs.prescaleMulti = factor;
                 expectChannelPairs(op, false, 0x33, alpha);
@@ -143,15 +145,16 @@ TEST_F(RowOperators, AgreeOverAllPairsOfChannelsUnderEveryConstantAlpha)
     for (uint32_t alpha = 0; alpha < 256; alpha += thin) {
         rs.blendAlpha = alpha;
         rs.blendAlphaRgb = 255 - alpha;
-        for (ops::Op op : {ops::Op::constAlpha, ops::Op::keepConstAlphaRgb, ops::Op::keepConstAlpha})
-            expectChannelPairs(op, false);
+        for (bool bank : {false, true})
+            for (int value : {NINEFOLD_MULTI_OP_CONST_ALPHA, NINEFOLD_MULTI_OP_CONST_ALPHA_RGB})
+                expectChannelPairs(ops::indexOf(ops::multiOp(bank, value)), false);
     }
 }
 
 TEST_F(RowOperators, AgreeForEveryFactorOfTheSecondBank)
 {
-    forEachOperator([&](ops::Op op) {
-        if (op < ops::Op::scaledSrc)
+    forEachOperator([&](int op) {
+        if (!ops::opList[size_t(op)].scales)
             return;
         for (uint32_t factor = 0; factor <= 256; factor += thin) {
             rs.prescaleMulti = factor;
@@ -166,7 +169,7 @@ TEST_F(RowOperators, AgreeForEveryFactorOfTheSecondBank)
 
 TEST_F(RowOperators, AgreeOnRandomWords)
 {
-    forEachOperator([&](ops::Op op) {
+    forEachOperator([&](int op) {
         for (bool wide : {false, true}) {
             for (int round = 0; round < 40; ++round) {
                 rs.blendAlpha = uint32_t(random()) & 255, rs.blendAlphaRgb = uint32_t(random()) & 255;
@@ -185,22 +188,22 @@ TEST_F(RowOperators, WideFormsAgreeForFactorsBeyondTheirRange)
         factors.push_back(uint32_t(random()) >> k % 24);
     for (uint32_t factor : factors) {
         rs.blendAlpha = rs.blendAlphaRgb = rs.prescaleMulti = factor;
-        forEachOperator([&](ops::Op op) { expectRandomPairs(op, true, 640 / (thin == 1 ? 1 : 4)); });
+        forEachOperator([&](int op) { expectRandomPairs(op, true, 640 / (thin == 1 ? 1 : 4)); });
     }
 }
 
 TEST_F(RowOperators, UnpickedPixelsKeepTheFirstOperandAndOperandsMayBeTheResult)
 {
     Words first, second, pick;
-    forEachOperator([&](ops::Op op) {
+    forEachOperator([&](int op) {
         const PixelOperator scalar = ops::operators[size_t(op)];
         for (int n = 1; n <= Chunk::size; n += n < 70 ? 3 : 61) {
             for (int i = 0; i < Chunk::padded; ++i)
                 first.at[i] = uint32_t(random()), second.at[i] = uint32_t(random()), pick.at[i] = random() % 2 ? ~0u : 0;
             forEachSet([&](const InstructionSet &set) {
                 Words out = first, over = second;
-                set.operators[false][size_t(op)](nullptr, out.at, out.at, second.at, each, picked(pick).at, n);
-                set.operators[false][size_t(op)](nullptr, over.at, first.at, over.at, each, picked(pick).at, n);
+                set.operators[false][size_t(op)](out.at, out.at, second.at, each, picked(pick).at, n);
+                set.operators[false][size_t(op)](over.at, first.at, over.at, each, picked(pick).at, n);
                 for (int i = 0; i < n; ++i) {
                     const uint32_t expected = pick.at[i] ? scalar(first.at[i], second.at[i]) : first.at[i];
                     ASSERT_EQ(out.at[i], expected) << int(op);
@@ -214,7 +217,7 @@ TEST_F(RowOperators, UnpickedPixelsKeepTheFirstOperandAndOperandsMayBeTheResult)
 TEST_F(RowOperators, OneSecondOperandMayServeAllPixels)
 {
     Words first, second, pick;
-    forEachOperator([&](ops::Op op) {
+    forEachOperator([&](int op) {
         const PixelOperator scalar = ops::operators[size_t(op)];
         const uint32_t colour = uint32_t(random());
         for (int i = 0; i < Chunk::padded; ++i)
@@ -222,7 +225,7 @@ TEST_F(RowOperators, OneSecondOperandMayServeAllPixels)
         forEachSet([&](const InstructionSet &set) {
             for (int n : {1, 5, 16, 17, 64, int(Chunk::size)}) {
                 Words out;
-                set.operators[false][size_t(op)](nullptr, out.at, first.at, second.at, repeated, picked(pick).at, n);
+                set.operators[false][size_t(op)](out.at, first.at, second.at, repeated, picked(pick).at, n);
                 for (int i = 0; i < n; ++i)
                     ASSERT_EQ(out.at[i], pick.at[i] ? scalar(first.at[i], colour) : first.at[i]) << int(op);
             }
@@ -230,64 +233,89 @@ TEST_F(RowOperators, OneSecondOperandMayServeAllPixels)
     });
 }
 
-TEST_F(RowOperators, AHostsOwnIsCalledForPickedPixelsInOrder)
+TEST_F(RowOperators, AHostsOwnIsCalledForPickedPixelsInOrderAndEachIsWrittenBeforeTheNext)
 {
     static std::vector<std::pair<uint32_t, uint32_t>> seen;
-    const PixelOperator own = [](uint32_t f, uint32_t s) {
-        seen.push_back({f, s});
-        return f * 3 + s;
-    };
-    Words first, second, pick;
+    static const uint32_t *frame;
+    static std::vector<long> written; // how much of the row at each call
+    Words first, second, pick, row;
     for (int i = 0; i < Chunk::padded; ++i)
-        first.at[i] = uint32_t(random()), second.at[i] = uint32_t(random()), pick.at[i] = random() % 3 ? ~0u : 0;
-    forEachSet([&](const InstructionSet &set) {
-        for (int mask : {each, repeated}) {
+        first.at[i] = uint32_t(random()) | 1, second.at[i] = uint32_t(random()) & ~1u, pick.at[i] = random() % 3 ? ~0u : 0;
+    const int copy = BackKey{Marks::none, NINEFOLD_BLEND_COPY, false, false}.index();
+    for (int mask : {each, repeated}) {
+        for (bool dropped : {false, true}) {
             for (int n : {1, 7, 16, 63, 64, int(Chunk::size)}) {
                 seen.clear();
-                Words out;
-                set.hostOperator(own, out.at, first.at, second.at, mask, picked(pick).at, n);
+                written.clear();
+                row = {};
+                frame = row.at;
+                const PixelOperator own = [](uint32_t f, uint32_t s) {
+                    written.push_back(std::find(frame, frame + Chunk::size, 0u) - frame);
+                    seen.push_back({f, s});
+                    return f * 3 + s;
+                };
+                Chunk c;
+                c.source = first.at, c.second = second.at;
+                std::copy_n(picked(pick).at, Chunk::size / 64, c.valid);
+                Span span{};
+                span.dst = row.at;
+                for (uint64_t &word : c.live)
+                    word = ~uint64_t{0};
+                if (n % 64)
+                    c.live[n / 64] = (uint64_t{1} << n % 64) - 1;
+                hostBacks[size_t(copy)](span, 0, n, c, {own, c.valid, mask, dropped});
                 size_t calls = 0;
                 for (int i = 0; i < n; ++i) {
                     const uint32_t s = second.at[mask == each ? i : 0];
-                    ASSERT_EQ(out.at[i], pick.at[i] ? first.at[i] * 3 + s : first.at[i]);
+                    ASSERT_EQ(row.at[i], pick.at[i] && !dropped ? first.at[i] * 3 + s : first.at[i]);
                     if (pick.at[i]) {
                         ASSERT_LT(calls, seen.size());
                         ASSERT_EQ(seen[calls], std::pair(first.at[i], s));
+                        ASSERT_EQ(written[calls], i);
                         ++calls;
                     }
                 }
                 ASSERT_EQ(seen.size(), calls);
             }
         }
-    });
+    }
 }
 
 // Backs: prescale, blend, soft edge and write.
 class RowBacks : public Lanes {
 protected:
+    // Calls the body with the blend as a type's value.
+    template <class Body>
+    static void with(int blend, Body &&body)
+    {
+        const auto all = [&]<int... n>(std::integer_sequence<int, n...>)
+        {
+            ((n == blend ? body(std::integral_constant<int, n>()) : void()), ...);
+        };
+        all(std::make_integer_sequence<int, blendCount>());
+    }
+
+    static uint32_t prescaled(int blend, uint32_t s)
+    {
+        with(blend, [&](auto number) { s = ops::prescaled<number(), true>(s, rs.prescale); });
+        return s;
+    }
+
+    // Behind blendFunc is exclusive or.
     static uint32_t blended(int blend, uint32_t d, uint32_t s)
     {
-        switch (blend) {
-        case 0: return s;
-        case 1: return ops::opAlpha(d, s);
-        case 2: return ops::opConstAlpha(d, s, rs.blendAlpha);
-        case 4: return ops::opAlphaFast(d, s);
-        case 5: return ops::opAdd(d, s);
-        case 6: return ops::opSub(d, s);
-        case 7: return ops::opMul(d, s);
-        case 8: return ops::opMul2(d, s);
-        case 9: return ops::opScreen(d, s);
-        case 10: return ops::opOverlay(d, s);
-        case 11: return ops::opMerge(d, s, rs.writeMask);
-        default: return ops::opXor(d, s);
-        }
+        uint32_t result = d ^ s;
+        if (blend != NINEFOLD_BLEND_CUSTOM)
+            with(blend, [&](auto number) { result = ops::blended<number(), true>(d, s, {}); });
+        return result;
     }
+    static constexpr size_t xorWord = size_t(ops::indexOf(ops::blendOp(NINEFOLD_BLEND_XOR)));
 
     struct Form {
         bool prescale, soft, wide;
         int blend;
         Marks marks;
-        Back of(const InstructionSet &set) const { return set.backs[wide][backIndex(prescale, blend, soft, marks)]; }
+        int index() const { return BackKey{marks, uint8_t(blend), prescale, soft}.index(); }
     };
 
     template <class Visitor>
@@ -305,11 +333,7 @@ protected:
     void expectRow(const Form &form, const Words &destination, const Words &source, const Words &live, const Words &rule, int n,
                    int offset = 0)
     {
-        forEachSet([&](const InstructionSet &set) {
-            const Back back = form.of(set);
-            if (!back)
-                return;
-            ++formsSeen;
+        const auto expectBack = [&](auto &&back) {
             Words row[3];
             std::memset(row, 0x5A, sizeof row);
             uint32_t *dst = row[1].at + offset;
@@ -322,18 +346,16 @@ protected:
             c.source = c.words;
             std::copy_n(picked(live).at, Chunk::size / 64, c.live);
             std::copy_n(rule.at, Chunk::padded, c.rule);
-            c.blendFunc = ops::operators[size_t(ops::Op::xorWord)];
-            c.blendRow = set.operators[0][size_t(ops::Op::xorWord)];
             std::fill(std::begin(c.marks), std::end(c.marks), uint64_t{0});
             for (int i = 0; i < n; ++i)
                 c.marks[i / 64] |= live.at[i] ? uint64_t{1} << i % 64 : 0;
             Span s{};
             s.dst = dst, s.plane = plane + 1, s.z = z + 16, s.x = 32 + uint32_t(offset);
-            back(s, 0, n, c);
+            back(s, c);
             for (int i = 0; i < n; ++i) {
                 uint32_t src = source.at[i];
                 if (form.prescale)
-                    src = ops::prescaleSource(form.blend, src, rs.prescale);
+                    src = prescaled(form.blend, src);
                 uint32_t expected = blended(form.blend, destination.at[i], src);
                 const int value = int(rule.at[i]);
                 if (form.soft && rs.ruleThreshold + rs.ruleWidth > value) {
@@ -354,7 +376,18 @@ protected:
             ASSERT_EQ(plane[0], 0);
             ASSERT_EQ(z[15], 7);
             ASSERT_EQ(z[16 + n], 7);
+        };
+        forEachSet([&](const InstructionSet &set) {
+            const Back back = set.backs[form.wide][form.index()];
+            if (!back)
+                return;
+            ++formsSeen;
+            expectBack([&](const Span &span, Chunk &c) { back(span, 0, n, c, set.operators[0][xorWord]); });
         });
+        // Where an operator is a host's own each pixel goes by itself, with the same bits.
+        rs.blendFunc = ops::operators[xorWord];
+        if (const HostBack back = hostBacks[size_t(form.index())])
+            expectBack([&](const Span &span, Chunk &c) { back(span, 0, n, c, {}); });
     }
 
     int formsSeen = 0;
@@ -406,8 +439,7 @@ TEST_F(RowBacks, AgreeOverAllPairsOfChannels)
     for (int blend : canvas::blends) {
         if (blend == NINEFOLD_BLEND_CUSTOM)
             continue;
-        const bool weighs =
-            blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_ALPHA_FAST || blend == NINEFOLD_BLEND_CONST_ALPHA;
+        const bool weighs = ops::weighsByAlpha(blend);
         for (uint32_t alpha = 0; alpha < 256; alpha += weighs ? thin : 51) {
             rs.blendAlpha = alpha;
             for (uint32_t k = 0; k < 65536; k += chunk * (thin == 1 ? 1 : 8)) {
@@ -422,7 +454,7 @@ TEST_F(RowBacks, AgreeOverAllPairsOfChannels)
                     std::copy_n(picked(live).at, Chunk::size / 64, c.live);
                     Span span{};
                     span.dst = row.at;
-                    set->backs[0][backIndex(false, blend, false, Marks::none)](span, 0, chunk, c);
+                    set->backs[0][BackKey{Marks::none, uint8_t(blend), false, false}.index()](span, 0, chunk, c, nullptr);
                     for (int i = 0; i < chunk; ++i)
                         ASSERT_EQ(row.at[i], expected.at[i]) << "blend " << blend << std::hex << " " << d.at[i] << " " << s.at[i];
                 }
@@ -462,7 +494,8 @@ TEST_F(Lanes, ThePackOfRunningColoursLetsWhatIsAboveTheirRangeLeak)
     forEachSet([&](const InstructionSet &set) {
         int forms = 0;
         for (Rule rule : {Rule::none, Rule::row, Rule::free}) {
-            const Front front = set.fronts[frontIndex(Fetch::gouraud, rule, Gate::none)];
+            const FrontKey key{{Motion::free, Reading::gouraud}, rule, Gate::none};
+            const Front front = set.fronts[int(Reading::gouraud)][key.index()];
             if (!front)
                 continue;
             ++forms;

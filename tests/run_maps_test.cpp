@@ -1,7 +1,7 @@
 // Run-length maps, zero-pixel maps and the run lists of plane words.
 #include <ninefold/render_state.h>
 
-#include "core/tables.h"
+#include "core/startup.h"
 #include "support/texture_ptr.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Textures: sizes, reference counts, copies and replaced colours; and the setters that store a field.
 #include <ninefold/render_state.h>
 
-#include "core/tables.h"
+#include "core/startup.h"
 #include "support/texture_ptr.h"
 
 #include <gtest/gtest.h>

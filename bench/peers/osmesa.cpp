@@ -17,7 +17,7 @@ void colour(uint32_t c) { glColor4ub(GLubyte(c >> 16), GLubyte(c >> 8), GLubyte(
 // One context for all; a job's state is set before each turn, and the picture starts as the frame buffer's.
 OSMesaContext context()
 {
-    static const OSMesaContext made = [] {
+    static OSMesaContext made = [] {
         setenv("LP_NUM_THREADS", "0", 1);
         const int attributes[] = {OSMESA_FORMAT, OSMESA_BGRA, OSMESA_DEPTH_BITS, 0, OSMESA_STENCIL_BITS, 0, 0};
         return OSMesaCreateContextAttribs(attributes, nullptr);

@@ -57,6 +57,10 @@ constexpr bool testsPriority(int shahei)
 {
     return shahei == NINEFOLD_SHAHEI_PRIORITY || shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE;
 }
+constexpr bool testsStipple(int shahei)
+{
+    return shahei == NINEFOLD_SHAHEI_STIPPLE || shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE;
+}
 
 // The plane is for opaque work, the priority test for what is blended over it.
 constexpr bool pairExists(const Axes &a)
@@ -122,25 +126,30 @@ constexpr uint32_t crcEntry(uint32_t byte)
 }
 
 template <class Visitor>
-constexpr void forEachCombination(Visitor &&visit)
+constexpr void forEachFamily(Visitor &&visit)
 {
     for (uint8_t shape : axis::shapes)
         for (uint8_t pers : axis::perspectives)
             for (uint8_t rule : axis::rules)
                 for (uint8_t prescale : axis::prescales)
                     for (uint8_t filter : axis::filters)
-                        for (uint8_t rectOpt : axis::rectOpts) {
-                            Axes a{shape, pers, rule, prescale, filter, rectOpt, 0, 0, 0};
-                            if (!familyExists(a))
-                                continue;
-                            for (uint8_t shahei : axis::shaheis)
-                                for (uint8_t blend : axis::blends)
-                                    for (uint8_t multi : axis::multis) {
-                                        a.shahei = shahei, a.blend = blend, a.multi = multi;
-                                        if (exists(a))
-                                            visit(a);
-                                    }
-                        }
+                        for (uint8_t rectOpt : axis::rectOpts)
+                            if (const Axes a{shape, pers, rule, prescale, filter, rectOpt, 0, 0, 0}; familyExists(a))
+                                visit(a);
+}
+
+template <class Visitor>
+constexpr void forEachCombination(Visitor &&visit)
+{
+    forEachFamily([&](Axes a) {
+        for (uint8_t shahei : axis::shaheis)
+            for (uint8_t blend : axis::blends)
+                for (uint8_t multi : axis::multis) {
+                    a.shahei = shahei, a.blend = blend, a.multi = multi;
+                    if (exists(a))
+                        visit(a);
+                }
+    });
 }
 
 constexpr size_t recordCount = 30912;

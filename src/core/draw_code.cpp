@@ -55,15 +55,14 @@ const DrawFuncRecord *find(uint32_t code)
     return record;
 }
 
-template <size_t... unit>
-void fillRecords(std::index_sequence<unit...>)
+template <size_t... family>
+void fillRecords(std::index_sequence<family...>)
 {
-    const TableUnit *const units[] = {&kernelsOf<unit>()...};
-    size_t n = 0;
+    const DrawFunc *next[] = {KernelsOf<Family(family)>::first...};
+    DrawFuncRecord *record = records;
     forEachCombination([&](const Axes &a) {
         const uint32_t code = codeOf(a);
-        records[n] = {nullptr, code, hashOf(code), units[n / unitSize]->at[n % unitSize]};
-        ++n;
+        *record++ = {nullptr, code, hashOf(code), *next[size_t(familyOf(a))]++};
     });
 }
 
@@ -75,15 +74,13 @@ using namespace ninefold;
 unsigned long CreateDrawCodeSub(long pers, long rule, long prescale, long filter, long rectOpt, long shahei, long blend,
                                 long multi, long shape)
 {
-    return packed(uint32_t(pers), uint32_t(rule), uint32_t(prescale), uint32_t(filter), uint32_t(rectOpt), uint32_t(shahei),
-                  uint32_t(blend), uint32_t(multi), uint32_t(shape));
+    return packed(pers, rule, prescale, filter, rectOpt, shahei, blend, multi, shape);
 }
 
 unsigned long CreateDrawCode(void)
 {
-    return packed(uint32_t(rs.persMode), uint32_t(rs.ruleAlphaMode), uint32_t(rs.prescaleMode), uint32_t(rs.filterMode),
-                  uint32_t(rs.rectOptMode), uint32_t(rs.shaheiMode), uint32_t(rs.blendMode), uint32_t(rs.multiMode),
-                  uint32_t(rs.shapeMode));
+    return packed(rs.persMode, rs.ruleAlphaMode, rs.prescaleMode, rs.filterMode, rs.rectOptMode, rs.shaheiMode, rs.blendMode,
+                  rs.multiMode, rs.shapeMode);
 }
 
 void MakeDrawFuncTable(void)
@@ -94,7 +91,7 @@ void MakeDrawFuncTable(void)
         for (uint32_t byte = 0; byte < 256; ++byte)
             crcTable[byte] = crcEntry(byte);
     }
-    fillRecords(std::make_index_sequence<tableUnits>());
+    fillRecords(std::make_index_sequence<size_t(Family::count)>());
     for (DrawFuncRecord *&head : buckets)
         head = nullptr;
     for (DrawFuncRecord &record : records) {

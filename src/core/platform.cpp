@@ -1,18 +1,20 @@
 #include "core/platform.h"
 
-#include <algorithm>
-
-#if defined(_WIN32)
-#include <fcntl.h>
-#include <io.h>
-#include <malloc.h>
-#include <share.h>
-#else
-#include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+
+#if defined(_WIN32)
+#include <malloc.h>
+#else
+#define O_BINARY 0
+#endif
+#if !defined(O_CLOEXEC)
+#define O_CLOEXEC 0
 #endif
 
 namespace ninefold {
@@ -20,98 +22,54 @@ namespace {
 
 constexpr size_t cacheLine = 64;
 
-// An open file and its length at that time.
-class File {
-public:
-    File(const File &) = delete;
-    File &operator=(const File &) = delete;
-
-#if defined(_WIN32)
-    explicit File(const char *path)
-    {
-        if (_sopen_s(&handle, path, _O_RDONLY | _O_BINARY, _SH_DENYNO, 0) == 0)
-            length = _filelengthi64(handle);
-    }
-
+struct File {
+    int handle;
     ~File()
     {
-        if (isOpen())
-            _close(handle);
-    }
-
-    int64_t read(uint8_t *to, size_t bytes) { return _read(handle, to, static_cast<unsigned>(std::min(bytes, maxRead))); }
-#else
-    explicit File(const char *path) : handle(open(path, O_RDONLY | O_CLOEXEC))
-    {
-        struct stat status;
-        if (!isOpen() || fstat(handle, &status) != 0)
-            return;
-        if (S_ISDIR(status.st_mode)) { // which open() grants
-            close(handle);
-            handle = -1;
-        }
-        length = status.st_size;
-    }
-
-    ~File()
-    {
-        if (isOpen())
+        if (handle >= 0)
             close(handle);
     }
-
-    int64_t read(uint8_t *to, size_t bytes)
-    {
-        ssize_t got;
-        do
-            got = ::read(handle, to, std::min(bytes, maxRead));
-        while (got < 0 && errno == EINTR);
-        return got;
-    }
-#endif
-
-    bool isOpen() const { return handle >= 0; }
-    size_t size() const { return static_cast<size_t>(std::max<int64_t>(length, 0)); }
-
-private:
-    static constexpr size_t maxRead = size_t{1} << 30; // more than this in one call is not portable
-
-    int handle = -1;
-    int64_t length = 0;
 };
 
 } // namespace
 
-#if defined(_WIN32)
-
-void *allocateAligned(size_t bytes) { return _aligned_malloc(bytes, cacheLine); }
-
-void freeAligned(void *memory) { _aligned_free(memory); }
-
-#else
-
 void *allocateAligned(size_t bytes)
 {
+#if defined(_WIN32)
+    return _aligned_malloc(bytes, cacheLine);
+#else
     void *memory = nullptr;
     return posix_memalign(&memory, cacheLine, bytes) == 0 ? memory : nullptr;
+#endif
 }
 
-void freeAligned(void *memory) { free(memory); }
-
-#endif
-
-bool readFile(const char *path, FileBytes &file)
+void freeAligned(void *memory)
 {
-    File source(path);
-    if (!source.isOpen())
+#if defined(_WIN32)
+    _aligned_free(memory);
+#else
+    free(memory);
+#endif
+}
+
+bool readFile(const char *path, FileBytes &bytes)
+{
+    const File file{open(path, O_RDONLY | O_BINARY | O_CLOEXEC)};
+    struct stat status {};
+    if (file.handle < 0 || fstat(file.handle, &status) != 0 || S_ISDIR(status.st_mode)) // open() grants directories
         return false;
 
-    file.data.reset(new uint8_t[source.size()]);
-    file.size = 0;
-    while (file.size < source.size()) {
-        const int64_t got = source.read(file.data.get() + file.size, source.size() - file.size);
-        if (got <= 0)
+    const auto size = static_cast<size_t>(std::max<int64_t>(status.st_size, 0));
+    bytes.data.reset(new uint8_t[size]);
+    bytes.size = 0;
+    while (bytes.size < size) {
+        constexpr size_t most = size_t{1} << 30; // more than this in one call is not portable
+        const auto got =
+            read(file.handle, bytes.data.get() + bytes.size, static_cast<unsigned>(std::min(size - bytes.size, most)));
+        if (got > 0)
+            bytes.size += static_cast<size_t>(got);
+        else if (got == 0 || errno != EINTR)
             break;
-        file.size += static_cast<size_t>(got);
     }
     return true;
 }

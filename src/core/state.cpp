@@ -1,7 +1,7 @@
 // The render state, its setters, and the table of perspective shifts.
 #include <ninefold/render_state.h>
 
-#include "core/tables.h"
+#include "core/startup.h"
 
 #include <bit>
 

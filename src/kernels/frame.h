@@ -1,4 +1,4 @@
-// What all frames share: the painter that sends the pixels of a row through the parts, and what is small and shared.
+// What all frames share.
 #pragma once
 
 #include "kernels/plan.h"
@@ -7,11 +7,6 @@
 #include <cstdint>
 
 namespace ninefold {
-
-// A frame draws one primitive from rs with the parts named by `ids`. One function for each combination of what it must keep track
-// of.
-template <Frame frame, Multi multi, bool rule, bool marks>
-void drawFrame(PartIds ids);
 
 inline Source sourceOf(const Texture &t) { return {t.pixels, t.width - 1, t.height - 1, t.log2Width}; }
 
@@ -31,13 +26,31 @@ private:
     double reciprocal;
 };
 
-constexpr bool hasSecond(Multi m) { return m == Multi::second || m == Multi::secondUnused; }
-constexpr bool hasCorners(Multi m) { return m == Multi::corners || m == Multi::cornersUnused; }
-constexpr bool hasColour(Multi m) { return m == Multi::colour || m == Multi::colourUnused; }
-constexpr bool isUnused(Multi m) { return m >= Multi::secondUnused; }
+// A colour's channels in the order alpha, red, green, blue, as 8-bit values over 16 fraction bits.
+inline uint32_t channel(uint32_t colour, int k) { return (colour >> (24 - 8 * k) & 0xFF) << 16; }
 
-// Whether factors are beyond what 16-bit products hold.
-inline bool hasWideFactors() { return rs.prescale > 256 || rs.blendAlpha > 255; }
+// What rs holds of texture 0 or 1.
+template <int t>
+struct FieldsOf {
+    static TexCoord *uv() { return t ? rs.uv1 : rs.uv0; }
+    static Texture *&texture() { return t ? rs.tex1 : rs.tex0; }
+    static Texture *&next() { return t ? rs.mipTex1 : rs.mipTex; }
+    static int32_t &frac() { return t ? rs.mipFrac1 : rs.mipFrac; }
+};
+
+// The mip level of tex0 or tex1 for a texel density in 16.16, with at least two levels in the chain. Octave k reaches from 2^k
+// to 2^(k + 1) texels a pixel; its weight `frac`, of the level against the next, is left alone where none fits. The bounds of
+// octaves wrap at 32 bits: negative densities, which come of differences that wrapped, lie in the last one, those from 2^30 on
+// in none.
+inline uint32_t levelOf(const Texture &texture, int32_t density, int32_t &frac)
+{
+    uint32_t level = 0;
+    if (density < 0 || (density >= 0x10000 && density < 0x40000000)) {
+        level = density < 0 ? 15 : uint32_t(std::bit_width(uint32_t(density))) - 17;
+        frac = 255 - ((density >> (level + 8)) & 0xFF);
+    }
+    return level >= texture.mipCount - 1 ? texture.mipCount - 2 : level;
+}
 
 // Memory that a call writes. Frames widen it rather than work it out to the pixel: what it decides is only how fast a row is
 // drawn.
@@ -55,6 +68,13 @@ struct Target {
         const uint32_t *end = t.pixels + (size_t(t.maskV + 1) << t.shift);
         return meet(t.pixels, end, pixels, pixelsEnd) || meet(t.pixels, end, plane, planeEnd) || meet(t.pixels, end, z, zEnd);
     }
+    bool overlapsChain(const Texture &t) const
+    {
+        for (uint32_t k = 0; k < t.mipCount; ++k)
+            if (overlaps(sourceOf(*t.mip[k])))
+                return true;
+        return false;
+    }
 };
 
 // The rows top to bottom - 1, columns left to right - 1 of the frame buffer and, with `marks`, of the planes.
@@ -69,188 +89,33 @@ inline Target targetOf(int32_t left, int32_t top, int32_t right, int32_t bottom,
     return t;
 }
 
-template <Multi multi>
-class Painter {
-public:
-    // `overlap`: a source shares memory with what is written. Then, and where both operators are the host's own, pixels go one at
-    // a time.
-    Painter(PartIds parts, bool overlap) : ids(parts)
-    {
-        const InstructionSet &set = *activeSets.any;
-        front = set.fronts[ids.front()];
-        back = set.backs[hasWideFactors()][ids.back()];
-        const bool wide = rs.blendAlpha > 255 || rs.blendAlphaRgb > 255 || rs.prescaleMulti > 256;
-        bool hostMulti = false, hostBlend = false;
-        [[maybe_unused]] int multiOp = 0;
-        if constexpr (multi != Multi::none) {
-            multiOp = ops::operatorIndex(rs.multiFunc);
-            hostMulti = multiOp < 0;
-            multiRow = hostMulti ? set.hostOperator : set.operators[wide][multiOp];
-            if constexpr (isUnused(multi))
-                callMulti = hostMulti;
-            if constexpr (!hasColour(multi))
-                second = set.seconds[ids.second()];
-            if constexpr (hasColour(multi)) {
-                for (int k = 0; k < 16; ++k)
-                    chunk.seconds[k] = rs.color[0];
-                chunk.second = chunk.seconds;
-            }
-        }
-        if (ids.custom()) {
-            const int op = ops::operatorIndex(rs.blendFunc);
-            hostBlend = op < 0;
-            chunk.blendFunc = rs.blendFunc;
-            chunk.blendRow = hostBlend ? nullptr : set.operators[wide][op];
-        }
-        alike = set.alike[ids.front() / uint32_t(Gate::count) % uint32_t(Rule::count)][ids.front() % uint32_t(Gate::count)];
-        plainBlock = nullptr, plainSpan = nullptr;
-        if (ids.plain() && !overlap && !hasWideFactors()) {
-            if (ids.isBlock())
-                plainBlock = set.blocks[ids.plain() - 1];
-            else
-                plainSpan = set.spans[ids.plain() - 1];
-        }
-        fused[0] = nullptr;
-        if (ids.fused() && !overlap) {
-            const uint32_t index = ids.fused() - 1;
-            if constexpr (multi == Multi::none) {
-                if (!hasWideFactors() && !ids.isBlock())
-                    fused[0] = activeSets.upTo4->spans[index], fused[1] = activeSets.upTo8->spans[index],
-                    fused[2] = set.spans[index];
-            } else if (!isUnused(multi) && !hostMulti && !wide) {
-                const uint32_t op = index + uint32_t(multiOp);
-                fused[0] = activeSets.upTo4->multiSpans[op], fused[1] = activeSets.upTo8->multiSpans[op],
-                fused[2] = set.multiSpans[op];
-            }
-        }
-        step = overlap || (hostMulti && hostBlend) ? 1 : Chunk::size;
-        literal = overlap && ids.marks() != Marks::none;
-    }
-
-    // Pixels first to first + n - 1.
-    void draw(const Span &s, int first, int n)
-    {
-        if (fused[0]) {
-            fused[(n > 4) + (n > 8)](s, first, n);
-            return;
-        }
-        if (literal) {
-            drawWords(s, n);
-            return;
-        }
-        // What a rule or a gate refuses comes in long runs, and so does what a rule lets through.
-        const bool plain = plainBlock || plainSpan;
-        bool ask = alike && n >= 64;
-        while (n > 0) {
-            if (ask) {
-                bool through;
-                const int count = alike(s, first, n, through);
-                if (count > 0 && (!through || plain)) {
-                    if (through)
-                        drawPlain(s, first, count);
-                    first += count, n -= count;
-                    if (n == 0)
-                        return;
-                }
-            }
-            const int count = n < step ? n : step;
-            const bool drawn = front(s, first, count, chunk);
-            if (drawn) {
-                combine(s, first, count);
-                back(s, first, count, chunk);
-            }
-            ask = (!drawn || plain) && alike;
-            first += count, n -= count;
+// Puts the textures that a frame reads into a span, those with a level of their own for each line excepted, and tells whether
+// any of them shares memory with what is written.
+template <Frame f>
+bool takeTextures(Span &s, const Target &target)
+{
+    bool overlap = false;
+    const auto take = [&](Source &source, const Texture *texture) NINEFOLD_INLINED {
+        source = sourceOf(*texture);
+        overlap |= target.overlaps(source);
+    };
+    if constexpr (f.walk != Walk::none && f.hasLineLevels()) {
+        overlap |= target.overlapsChain(*rs.tex0);
+        if constexpr (f.second())
+            overlap |= target.overlapsChain(*rs.tex1);
+    } else if constexpr (f.walk != Walk::none) {
+        take(s.tex[0].level, rs.tex0);
+        if constexpr (f.hasNext())
+            take(s.tex[0].next, rs.mipTex);
+        if constexpr (f.second()) {
+            take(s.tex[1].level, rs.tex1);
+            if constexpr (f.hasNext())
+                take(s.tex[1].next, rs.mipTex1);
         }
     }
-
-    Chunk chunk;
-
-private:
-    // Pixels that the rule lets through whole.
-    void drawPlain(const Span &s, int first, int n)
-    {
-        if (plainSpan) {
-            plainSpan(s, first, n);
-            return;
-        }
-        Span part{};
-        part.dst = s.dst + first;
-        part.tex0 = s.tex0, part.next0 = s.next0;
-        part.u0 = {s.u0.start + s.u0.step * uint32_t(first), s.u0.step}, part.v0 = s.v0;
-        plainBlock(part, {1, n, 0, 0, 0});
-    }
-
-    void combine(const Span &s, int first, int n)
-    {
-        if constexpr (multi != Multi::none) {
-            if (isUnused(multi) && !callMulti)
-                return;
-            if constexpr (!hasColour(multi))
-                second(s, first, n, chunk);
-            // A host's operator is called even where nothing of it is kept.
-            multiRow(rs.multiFunc, isUnused(multi) ? chunk.other : chunk.words, chunk.source, chunk.second,
-                     hasColour(multi) ? 0 : -1, hasSecond(multi) ? chunk.valid : chunk.live, n);
-            if constexpr (!isUnused(multi))
-                chunk.source = chunk.words;
-        }
-    }
-
-    // The plane walk as it is defined, word by word, for a source that shares memory with a plane: what lies outside the span is
-    // forced for the time of the row, a word is read before its pixels are drawn and marked after them.
-    [[gnu::noinline]] void drawWords(const Span &s, int n)
-    {
-        const InstructionSet &set = *activeSets.any;
-        const Front ungatedFront = set.fronts[ids.frontUngated()];
-        const Back unmarkedBack = set.backs[hasWideFactors()][ids.backUnmarked()];
-        if (n <= 0) // an empty clip rectangle
-            return;
-        const int begin = int(s.x & 15), end = begin + n;
-        uint16_t *const firstWord = s.plane, *const lastWord = s.plane + ((end - 1) >> 4);
-        const uint16_t firstMask = uint16_t(0xFFFF0000u >> begin);
-        const uint16_t lastMask = end & 15 ? uint16_t(0xFFFF >> (end & 15)) : uint16_t(0);
-        const uint16_t firstSaved = *firstWord;
-        *firstWord |= firstMask;
-        const uint16_t lastSaved = *lastWord;
-        *lastWord |= lastMask;
-        int pixel = -begin;
-        for (uint16_t *word = firstWord; word <= lastWord; ++word) {
-            uint32_t taken = *word | s.maskRow, bits = 0;
-            if (s.zeroMap)
-                taken |= s.zeroMap[word - firstWord];
-            for (int k = 0; k < 16; ++k, ++pixel) {
-                bits <<= 1;
-                if (taken >> (15 - k) & 1)
-                    continue;
-                const bool drawn = ungatedFront(s, pixel, 1, chunk);
-                if (drawn) {
-                    combine(s, pixel, 1);
-                    unmarkedBack(s, pixel, 1, chunk);
-                }
-                if (drawn || ids.marksRun()) {
-                    bits |= 1;
-                    if (ids.marks() == Marks::planeZ)
-                        s.z[pixel] = uint8_t(rs.zRef);
-                }
-            }
-            *word = uint16_t(*word | bits);
-        }
-        *firstWord = uint16_t((*firstWord & ~firstMask) | (firstSaved & firstMask));
-        *lastWord = uint16_t((*lastWord & ~lastMask) | (lastSaved & lastMask));
-    }
-
-    PartIds ids;
-    Front front;
-    Mid second;
-    Back back;
-    RowOperator multiRow;
-    FusedSpan fused[3]; // for spans of up to 4, up to 8 and more pixels
-    Alike alike;
-    Block plainBlock; // one of these, or neither
-    FusedSpan plainSpan;
-    int step;
-    bool callMulti;
-    bool literal;
-};
+    if constexpr (f.rule)
+        take(s.rule, rs.tex2);
+    return overlap;
+}
 
 } // namespace ninefold

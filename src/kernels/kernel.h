@@ -1,20 +1,19 @@
 // From a draw code to its kernel: a function that hands its parts to its frame, and no more.
 #pragma once
 
-#include "kernels/flat/line.h"
-#include "kernels/frame.h"
+#include "kernels/line/line.h"
 #include "kernels/polygon/drivers.h"
+#include "kernels/polygon/triangle.h"
+#include "kernels/rect/rect.h"
 
 #include <ninefold/draw.h>
 
 namespace ninefold {
 
-using FrameFunction = void (*)(PartIds);
-
-template <FrameFunction frame, uint64_t ids>
+template <void (*frame)(PartIds), uint64_t ids>
 void kernel()
 {
-    frame(PartIds{ids});
+    frame(std::bit_cast<PartIds>(ids));
 }
 
 template <Driver driver, DrawFunc mipKernel, DrawFunc directKernel>
@@ -25,24 +24,21 @@ void forward()
 
 inline void drawNothing() {}
 
-constexpr Plan planOfCode(uint32_t code) { return planOf(axesOf(code)); }
-
-template <uint32_t code>
-constexpr FrameFunction frameOf()
-{
-    constexpr Plan p = planOfCode(code);
-    return drawFrame<p.frame, p.multi, p.rule != Rule::none, p.marksPlane()>;
-}
-
 // The kernel that draws a combination by itself; for driven ones the kernel that draws from mip levels.
 template <uint32_t code>
 constexpr DrawFunc ownKernel()
 {
-    constexpr Axes a = axesOf(code);
-    if constexpr (a.shape == 0) // constant alpha does not read what prescale changes
-        return drawLine < a.filter == 7, a.shahei, a.blend, a.prescale && a.blend != 2 > ;
-    else
-        return kernel<frameOf<code>(), partIds(planOfCode(code)).word>;
+    constexpr Axes a = withoutIdlePrescale(axesOf(code));
+    if constexpr (a.shape == NINEFOLD_SHAPE_LINE) {
+        return drawLine<a>;
+    } else {
+        constexpr Plan p = planOf(a);
+        constexpr uint64_t ids = std::bit_cast<uint64_t>(partIds(p));
+        if constexpr (p.frame.triangle)
+            return kernel<drawTriangle<p.frame>, ids>;
+        else
+            return kernel<drawRect<p.frame>, ids>;
+    }
 }
 
 // The kernel that the table names for a code of the catalogue.
@@ -50,12 +46,14 @@ template <uint32_t code>
 constexpr DrawFunc kernelOf()
 {
     constexpr Axes a = axesOf(code);
-    constexpr Driver driver = a.shape == 2 ? drawMipPolygon : a.rectOpt == 1 ? drawMipStretch : drawMipCorners;
-    if constexpr (code == 0x188369)
+    constexpr Driver driver = a.shape == NINEFOLD_SHAPE_TRIANGLE   ? drawMipPolygon
+                              : a.rectOpt == NINEFOLD_RECT_STRETCH ? drawMipStretch
+                                                                   : drawMipCorners;
+    if constexpr (code == codeOf(namedRuns))
         return DrawRectTexRunlen_TEST;
-    else if constexpr (code == 0xFDA768)
+    else if constexpr (code == codeOf(namedLine))
         return DrawLineTest;
-    else if constexpr (code == 0x81C036A)
+    else if constexpr (code == codeOf(namedPers))
         return DrawPolygon_PERS_TEST;
     else if constexpr (isEmpty(a))
         return drawNothing;

@@ -5,270 +5,295 @@
 #include "core/catalogue.h"
 #include "kernels/parts.h"
 
+#include <bit>
+
 namespace ninefold {
 
-// What happens before and around the pixels of a row.
-enum class Frame : uint8_t {
-    rectUnit, // whole texels
-    rectUnit16, // 16.16 positions that step by one texel
-    rectRuns, // the texture's run-length map
-    rectMapped, // the texture's zero-pixel map beside the Shahei plane
-    rectStretch,
-    rectStretchLevels, // with the next mip level beside each texture; so in the others
-    rectCorners,
-    rectCornersLevels,
-    rectTable,
-    rectTableLevel, // a mip level for each line
-    rectTableLevels,
-    rectFlat,
-    rectGouraud,
-    triangle,
-    triangleLevels,
-    trianglePers,
-    trianglePersLevels,
-    triangleFlat,
-    triangleGouraud,
+// How texture positions go from row to row.
+enum class Walk : uint8_t {
+    none, // colours alone
+    unit, // rectangles: whole texels, one a pixel
+    unit16, // 16.16 positions that step by one texel
+    stretch,
+    corners,
+    table,
+    affine, // triangles
+    pers,
 };
+// Maps of the texture's pixels by which a unit-scale rectangle is drawn: its runs, or its zeros beside the Shahei plane.
+enum class Map : uint8_t { none, runs, zeros };
+// line: a level is chosen for each line. Next: with the level below it.
+enum class Levels : uint8_t { one, next, line, lineNext };
 
-// The multi stage. "Unused": the operator is called and its result dropped.
-enum class Multi : uint8_t { second, corners, colour, none, secondUnused, cornersUnused, colourUnused };
+// What happens before and around the pixels of a row: the frame is a function for each combination of these.
+struct Frame {
+    bool triangle = false;
+    Walk walk = Walk::none;
+    Map map = Map::none;
+    Levels levels = Levels::one;
+    bool gouraud = false; // the source are running colours
+    Multi multi = Multi::none;
+    bool rule = false, marks = false;
+
+    constexpr bool colours() const { return gouraud || multi == Multi::corners; }
+    constexpr bool second() const { return multi == Multi::texture; }
+    constexpr bool hasNext() const { return levels == Levels::next; }
+    constexpr bool hasLineLevels() const { return levels == Levels::line || levels == Levels::lineNext; }
+    // Rows are alike, so that one function may draw them all.
+    constexpr bool drawsBlocks() const
+    {
+        return !triangle && map == Map::none && !gouraud && walk != Walk::corners && walk != Walk::table;
+    }
+};
 
 struct Plan {
     Frame frame;
-    Multi multi;
-    Fetch fetch;
+    Sample sample[2]; // of tex0; of tex1 or the corner colours, where there is such a stage
+    bool unmixes; // a zero in tex1 lets the unmixed texel go on
+    bool dropsMulti; // the operator is called and its result dropped
     Rule rule;
     Gate gate;
-    Second second;
     bool prescale;
     uint8_t blend;
     Marks marks;
 
-    constexpr bool marksPlane() const { return marks != Marks::none; }
+    constexpr FrontKey front() const { return {sample[0], rule, gate}; }
+    constexpr SecondKey second() const { return {sample[1], unmixes}; }
+    constexpr BackKey back() const { return {marks, blend, prescale, rule != Rule::none}; }
+    // The same parts with neither plane gate nor marks, for the walk that does both itself.
+    constexpr FrontKey ungatedFront() const { return {sample[0], rule, Gate::none}; }
+    constexpr BackKey unmarkedBack() const { return {Marks::none, blend, prescale, rule != Rule::none}; }
+    constexpr bool makesSecond() const { return frame.multi == Multi::texture || frame.multi == Multi::corners; }
 };
 
-// How a frame is told its parts, in one word.
+// How a frame is told its parts. A kernel passes it in one register.
 struct PartIds {
-    uint64_t word;
-    constexpr uint32_t front() const { return uint32_t(word) & 511; }
-    constexpr uint32_t second() const { return uint32_t(word) >> 9 & 31; }
-    constexpr uint32_t back() const { return uint32_t(word) >> 14 & 255; }
-    constexpr Marks marks() const { return Marks(word >> 22 & 3); }
-    constexpr bool custom() const { return word >> 24 & 1; } // blend 12
-    constexpr bool marksRun() const { return word >> 25 & 1; } // marks what the gate leaves, drawn or not
-    // Block or span that does all of it, 0: none; with a multi stage, the one of operator 0.
-    constexpr uint32_t fused() const { return hasRule() ? 0 : entry(); }
-    // A kernel with a rule has instead the block or span for pixels that the rule lets through whole.
-    constexpr uint32_t plain() const { return hasRule() ? entry() : 0; }
-    constexpr uint32_t entry() const { return uint32_t(word >> 32); }
-    constexpr bool hasRule() const { return word >> 26 & 1; }
-    constexpr bool isBlock() const { return word >> 27 & 1; }
-    // The same parts with neither plane gate nor marks, for the walk that does both itself.
-    constexpr uint32_t frontUngated() const { return front() - uint32_t(Gate::plane); }
-    constexpr uint32_t backUnmarked() const { return back() - uint32_t(marks()) * blendCount * 4; }
+    uint8_t reading, secondReading;
+    // Index + 1 of the block or span that does all of it, 0: none; with a multi stage, of the one of operator 0. A kernel with a
+    // rule has instead that for the pixels that the rule lets through whole.
+    uint16_t entry;
+    uint8_t front, second, back; // indices of their keys
+    uint8_t flags;
+    enum : uint8_t { hasRule = 1, isBlock = 2, isCustom = 4, marksPlane = 8, marksAll = 16, dropsMulti = 32 };
+
+    constexpr bool is(uint8_t flag) const { return flags & flag; }
 };
 
 // A rule rectangle of colours alone marks the whole of its run, also what the rule holds back.
-constexpr bool marksRun(const Plan &p)
+constexpr bool marksRun(Reading reading, Rule rule, bool marks)
 {
-    return p.marksPlane() && p.rule == Rule::row && (p.fetch == Fetch::flat || p.fetch == Fetch::gouraud);
+    return marks && rule == Rule::row && (reading == Reading::flat || reading == Reading::gouraud);
 }
 
-constexpr bool drawsBlocks(Frame f)
+constexpr int entryOf(const Plan &p)
 {
-    return f == Frame::rectUnit || f == Frame::rectUnit16 || f == Frame::rectStretch || f == Frame::rectStretchLevels ||
-           f == Frame::rectFlat;
-}
-
-constexpr int fusedIndex(const Plan &p)
-{
-    if (p.marksPlane() || (p.rule != Rule::none && (p.gate != Gate::none || p.blend == 12)))
+    const bool rule = p.rule != Rule::none;
+    if (p.marks != Marks::none || (rule && (p.gate != Gate::none || p.blend == NINEFOLD_BLEND_CUSTOM)))
         return 0;
-    if (p.multi != Multi::none)
-        return p.rule == Rule::none && !p.prescale && p.multi < Multi::none && p.fetch == Fetch::unit && p.gate == Gate::none &&
-                       p.blend < multiBlends
-                   ? multiSpanIndex(int(p.multi), p.blend) + 1
-                   : 0;
-    return drawsBlocks(p.frame) ? fusedIndex(blockFetches, p.fetch, p.prescale, p.gate, p.blend)
-                                : fusedIndex(spanFetches, p.fetch, p.prescale, p.gate, p.blend);
+    const FusedKey key{p.sample[0], p.prescale, p.gate, p.blend};
+    if (p.frame.multi == Multi::none)
+        return (p.frame.drawsBlocks() ? Blocks::index(key) : Spans::index(key)) + 1;
+    const bool fused = !rule && !p.prescale && p.sample[0] == Sample{Motion::unit, Reading::point} && p.gate == Gate::none;
+    return fused && p.blend <= NINEFOLD_BLEND_ALPHA ? MultiSpanKey{p.frame.multi, p.blend, 0}.index() + 1 : 0;
 }
 
-static_assert(frontCount <= 512 && int(Second::count) <= 32 && backCount <= 256 && int(Marks::count) <= 4);
 constexpr PartIds partIds(const Plan &p)
 {
-    return {uint64_t(fusedIndex(p)) << 32 | uint32_t(frontIndex(p.fetch, p.rule, p.gate)) | uint32_t(p.second) << 9 |
-            uint32_t(backIndex(p.prescale, p.blend, p.rule != Rule::none, p.marks)) << 14 | uint32_t(p.marks) << 22 |
-            uint32_t(p.blend == 12) << 24 | uint32_t(marksRun(p)) << 25 | uint32_t(p.rule != Rule::none) << 26 |
-            uint32_t(drawsBlocks(p.frame)) << 27};
+    const bool marks = p.marks != Marks::none;
+    const int flags = (p.rule != Rule::none ? PartIds::hasRule : 0) | (p.frame.drawsBlocks() ? PartIds::isBlock : 0) |
+                      (p.blend == NINEFOLD_BLEND_CUSTOM ? PartIds::isCustom : 0) | (marks ? PartIds::marksPlane : 0) |
+                      (marksRun(p.sample[0].reading, p.rule, marks) ? PartIds::marksAll : 0) |
+                      (p.dropsMulti ? PartIds::dropsMulti : 0);
+    return {uint8_t(p.sample[0].reading), uint8_t(p.sample[1].reading), uint16_t(entryOf(p)), uint8_t(p.front().index()),
+            uint8_t(p.second().index()),  uint8_t(p.back().index()),    uint8_t(flags)};
 }
+static_assert(FrontKey::count <= 256 && SecondKey::count <= 256 && BackKey::count <= 256 && sizeof(PartIds) == 8);
+
+// Constant alpha does not read what prescale changes: with and without it are one kernel.
+constexpr Axes withoutIdlePrescale(Axes a)
+{
+    a.prescale &= a.blend != NINEFOLD_BLEND_CONST_ALPHA;
+    return a;
+}
+
+// The kernels that have a name of their own.
+constexpr Axes namedRuns = axesOf(0x188369), namedLine = axesOf(0xFDA768), namedPers = axesOf(0x81C036A);
 
 // Filters 2 and 5 under rect options 1, 2 and in triangles stand behind a driver, which calls one of two kernels.
 constexpr bool isDriven(const Axes &a)
 {
-    return (a.filter == 2 || a.filter == 5) && (a.shape == 2 || (a.shape == 1 && (a.rectOpt == 1 || a.rectOpt == 2)));
+    return (a.filter == NINEFOLD_FILTER_MIP || a.filter == NINEFOLD_FILTER_MIP_BILINEAR) &&
+           (a.shape == NINEFOLD_SHAPE_TRIANGLE || a.rectOpt == NINEFOLD_RECT_STRETCH || a.rectOpt == NINEFOLD_RECT_CORNERS);
 }
 // Per-line mip forms outside line tables have a kernel that does nothing.
-constexpr bool isEmpty(const Axes &a) { return (a.filter == 3 || a.filter == 4) && a.rectOpt != 3; }
+constexpr bool isEmpty(const Axes &a)
+{
+    return (a.filter == NINEFOLD_FILTER_LINE_POINT || a.filter == NINEFOLD_FILTER_LINE_BILINEAR) &&
+           a.rectOpt != NINEFOLD_RECT_TABLE;
+}
 
 // The kernel that a driver calls when few texels fall on a pixel.
 constexpr Axes directOf(Axes a)
 {
-    a.filter = a.filter == 2 ? 0 : 1;
+    a.filter = a.filter == NINEFOLD_FILTER_MIP ? NINEFOLD_FILTER_POINT : NINEFOLD_FILTER_BILINEAR;
     return a;
 }
 
-constexpr bool usesNextLevel(Fetch f) { return f >= Fetch::mipMixRow; }
+constexpr bool usesNextLevel(Reading r) { return r == Reading::mipMix || r == Reading::mipNext || r == Reading::mipBilinear; }
 
-constexpr Plan planOfRect(const Axes &a, Plan p)
+constexpr void planRect(const Axes &a, Plan &p)
 {
-    const bool plane = p.marksPlane(), four = a.blend == 1 || a.blend == 2 || a.blend == 4;
+    using enum Reading;
+    const bool plane = p.marks != Marks::none, multi = a.multi != NINEFOLD_MULTI_NONE;
+    const Reading mix = ops::weighsByAlpha(a.blend) ? mix4 : mix3;
     p.rule = a.rule ? Rule::row : Rule::none;
+    p.frame.map = a.rectOpt == NINEFOLD_RECT_RUNS ? Map::runs : a.rectOpt == NINEFOLD_RECT_PLANE_RUNS ? Map::zeros : Map::none;
+    Motion motion = Motion::free;
     switch (a.rectOpt) {
-    case 0: p.frame = a.filter == 1 ? Frame::rectUnit16 : Frame::rectUnit; break;
-    case 1: p.frame = Frame::rectStretch; break;
-    case 2: p.frame = Frame::rectCorners; break;
-    case 3:
-        p.frame = a.filter == 2 || a.filter == 5   ? Frame::rectTableLevels
-                  : a.filter == 3 || a.filter == 4 ? Frame::rectTableLevel
-                                                   : Frame::rectTable;
-        break;
-    case 5: p.frame = Frame::rectRuns; break;
-    case 6: p.frame = Frame::rectMapped; break;
-    default: p.frame = a.filter == 6 ? Frame::rectFlat : Frame::rectGouraud; break;
+    case NINEFOLD_RECT_RUNS:
+    case NINEFOLD_RECT_PLANE_RUNS:
+    case NINEFOLD_RECT_UNIT: p.frame.walk = Walk::unit, motion = Motion::unit; break;
+    case NINEFOLD_RECT_STRETCH: p.frame.walk = Walk::stretch, motion = Motion::row; break;
+    case NINEFOLD_RECT_CORNERS: p.frame.walk = Walk::corners; break;
+    case NINEFOLD_RECT_TABLE: p.frame.walk = Walk::table; break;
+    default: p.frame.walk = Walk::none; break;
     }
-    const bool fixedRow = a.rectOpt == 0 || a.rectOpt == 1;
+    // Where the row stands still the plain forms serve; elsewhere only the plane walk does without their shortcuts.
+    const bool plain = motion != Motion::free || plane;
+    Reading tex0 = point, tex1 = point;
     switch (a.filter) {
-    case 2:
-        if (a.multi != 3) {
-            p.fetch = fixedRow ? Fetch::mipMixRow : Fetch::mipMix;
-            p.second = fixedRow ? Second::mipMixRow : Second::mipMix;
-            break;
-        }
-        if (plane && !a.rule) {
-            p.fetch = fixedRow ? Fetch::mipNextRow : Fetch::mipNext;
-            break;
-        }
-        [[fallthrough]];
-    case 0:
-    case 3:
-        switch (a.rectOpt) {
-        case 0: p.fetch = Fetch::unit, p.second = Second::unit; break;
-        case 5: p.fetch = a.rule && a.shahei == 0 ? Fetch::runSlip : Fetch::run, p.second = Second::unit; break;
-        case 6: p.fetch = Fetch::unitMapped, p.second = Second::unit; break;
-        case 1: p.fetch = Fetch::pointRow, p.second = Second::pointRow; break;
-        default: p.fetch = Fetch::point, p.second = Second::point; break;
-        }
+    case NINEFOLD_FILTER_MIP:
+        if (multi)
+            tex0 = tex1 = mipMix, p.unmixes = true;
+        else if (plane && !a.rule)
+            tex0 = mipNext;
         break;
-    case 8:
-        p.fetch = a.rectOpt == 0 ? Fetch::mosaicUnit : fixedRow ? Fetch::mosaicRow : Fetch::mosaic;
-        p.second = a.rectOpt == 0 ? Second::mosaicUnit : fixedRow ? Second::mosaicRow : Second::mosaic;
+    case NINEFOLD_FILTER_MOSAIC: tex0 = tex1 = mosaic; break;
+    case NINEFOLD_FILTER_BILINEAR:
+    case NINEFOLD_FILTER_LINE_BILINEAR:
+        if (motion == Motion::unit) // from 16.16 positions
+            p.frame.walk = Walk::unit16, motion = Motion::row;
+        tex0 = plain ? mix : stipple, tex1 = mix4;
         break;
-    case 1:
-    case 4:
-        p.fetch = fixedRow ? (four ? Fetch::bilinearRow4 : Fetch::bilinearRow3)
-                  : plane  ? (four ? Fetch::bilinear4 : Fetch::bilinear3)
-                           : Fetch::stipple;
-        p.second = fixedRow ? Second::bilinearRow : Second::bilinear;
-        break;
-    case 5:
-        p.fetch = fixedRow ? Fetch::mipBilinearRow : plane ? Fetch::mipBilinear : Fetch::firstTexel;
-        p.second = fixedRow ? Second::mipBilinearRow : plane ? Second::mipBilinear : Second::firstTexel;
-        break;
-    case 6: p.fetch = Fetch::flat; break;
-    default: p.fetch = Fetch::gouraud; break;
+    case NINEFOLD_FILTER_MIP_BILINEAR: tex0 = tex1 = plain ? mipBilinear : Reading::firstTexel; break;
+    case NINEFOLD_FILTER_FLAT: tex0 = flat; break;
+    case NINEFOLD_FILTER_GOURAUD: tex0 = gouraud; break;
     }
-    if (usesNextLevel(p.fetch) && a.rectOpt != 3)
-        p.frame = a.rectOpt == 1 ? Frame::rectStretchLevels : Frame::rectCornersLevels;
-    return p;
+    if (p.frame.map == Map::runs)
+        tex0 = a.rule && a.shahei == NINEFOLD_SHAHEI_NONE ? slip : run;
+    if (p.frame.map == Map::zeros)
+        tex0 = mapped;
+    p.sample[0] = {motion, tex0}, p.sample[1] = {motion, tex1};
+    if (p.frame.walk == Walk::table)
+        p.frame.levels = a.filter == NINEFOLD_FILTER_MIP || a.filter == NINEFOLD_FILTER_MIP_BILINEAR           ? Levels::lineNext
+                         : a.filter == NINEFOLD_FILTER_LINE_POINT || a.filter == NINEFOLD_FILTER_LINE_BILINEAR ? Levels::line
+                                                                                                               : Levels::one;
+    else if (usesNextLevel(tex0))
+        p.frame.levels = Levels::next;
 }
 
-constexpr Plan planOfTriangle(const Axes &a, Plan p)
+constexpr void planTriangle(const Axes &a, Plan &p)
 {
-    const bool pers = a.pers, four = a.blend == 1 || a.blend == 2 || a.blend == 4;
+    using enum Reading;
+    const bool multi = a.multi != NINEFOLD_MULTI_NONE;
+    const Motion motion = a.pers && !hasColoursOnly(a.filter) ? Motion::pers : Motion::free;
     p.rule = a.rule ? Rule::free : Rule::none;
-    p.frame = pers ? Frame::trianglePers : Frame::triangle;
+    p.frame.triangle = true;
+    p.frame.walk = a.pers ? Walk::pers : Walk::affine;
+    Reading tex0 = point, tex1 = point;
     switch (a.filter) {
-    case 2:
-        if (a.multi != 3) {
-            p.fetch = pers ? Fetch::mipMixPers : Fetch::mipMix;
-            if (a.rule) {
-                p.second = pers ? Second::mipPointPers : Second::mipPoint;
-            } else { // the mix goes on whatever the operator says
-                p.second = pers ? Second::pointPers : Second::point;
-                p.multi = Multi(a.multi + int(Multi::secondUnused));
-            }
-            break;
+    case NINEFOLD_FILTER_MIP:
+        if (multi) {
+            tex0 = mipMix;
+            p.unmixes = a.rule;
+            p.dropsMulti = !a.rule; // the mix goes on whatever the operator says
+        } else if (!a.rule) {
+            tex0 = mipNext;
         }
-        if (!a.rule) {
-            p.fetch = pers ? Fetch::mipNextPers : Fetch::mipNext;
-            break;
-        }
-        [[fallthrough]];
-    case 0:
-        p.fetch = pers ? Fetch::pointPers : Fetch::point;
-        p.second = pers ? Second::pointPers : Second::point;
         break;
-    case 8:
-        p.fetch = pers ? Fetch::mosaicPers : Fetch::mosaic;
-        p.second = pers ? Second::mosaicPers : Second::mosaicTri;
-        break;
-    case 1:
-        p.fetch = pers ? (four ? Fetch::bilinearPers4 : Fetch::bilinearPers3) : (four ? Fetch::bilinear4 : Fetch::bilinear3);
-        p.second = pers ? Second::bilinearPers : Second::bilinear;
-        break;
-    case 5:
-        p.fetch = pers ? Fetch::mipBilinearPers : Fetch::mipBilinearTri;
-        p.second = pers ? Second::mipBilinearPers : Second::mipBilinearTri;
-        break;
-    case 6: p.fetch = Fetch::flat, p.frame = Frame::triangleFlat; break;
-    default: p.fetch = Fetch::gouraud, p.frame = Frame::triangleGouraud; break;
+    case NINEFOLD_FILTER_MOSAIC: tex0 = tex1 = mosaic; break;
+    case NINEFOLD_FILTER_BILINEAR: tex0 = ops::weighsByAlpha(a.blend) ? mix4 : mix3, tex1 = mix4; break;
+    case NINEFOLD_FILTER_MIP_BILINEAR: tex0 = tex1 = mipBilinear; break;
+    case NINEFOLD_FILTER_FLAT: tex0 = flat, p.frame.walk = Walk::none; break;
+    case NINEFOLD_FILTER_GOURAUD: tex0 = gouraud, p.frame.walk = Walk::none; break;
     }
-    if (usesNextLevel(p.fetch))
-        p.frame = pers ? Frame::trianglePersLevels : Frame::triangleLevels;
-    return p;
+    p.sample[0] = {motion, tex0, tex0 == mipBilinear};
+    p.sample[1] = {motion, tex1, tex1 == mipBilinear || tex1 == mosaic};
+    if (usesNextLevel(tex0))
+        p.frame.levels = Levels::next;
 }
 
 // The kernel of a rectangle or triangle; for driven ones the kernel that draws from mip levels. Lines have no parts.
-constexpr Plan planOf(const Axes &a)
+constexpr Plan planOf(Axes a)
 {
+    a = withoutIdlePrescale(a);
     constexpr Gate gates[] = {Gate::none, Gate::plane, Gate::plane, Gate::z, Gate::mask, Gate::zMask};
     Plan p{};
-    p.multi = Multi(a.multi);
+    p.frame.multi = Multi(a.multi);
     p.gate = gates[a.shahei];
-    p.marks = a.shahei == 1 ? Marks::plane : a.shahei == 2 ? Marks::planeZ : Marks::none;
+    p.marks = a.shahei == NINEFOLD_SHAHEI_PLANE            ? Marks::plane
+              : a.shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY ? Marks::planeZ
+                                                           : Marks::none;
     p.blend = a.blend;
-    p.prescale = a.prescale && a.blend != 2; // constant alpha does not read what prescale changes
-    p = a.shape == 1 ? planOfRect(a, p) : planOfTriangle(a, p);
-    p.second = p.multi == Multi::corners || p.multi == Multi::cornersUnused ? Second::corners
-               : p.multi == Multi::second || p.multi == Multi::secondUnused ? p.second
-                                                                            : Second{};
+    p.prescale = a.prescale;
+    if (a.shape == NINEFOLD_SHAPE_RECTANGLE)
+        planRect(a, p);
+    else
+        planTriangle(a, p);
+    p.frame.gouraud = p.sample[0].reading == Reading::gouraud;
+    p.frame.rule = a.rule, p.frame.marks = p.marks != Marks::none;
+    if (p.frame.multi == Multi::corners)
+        p.sample[1] = {Motion::free, Reading::corners}, p.unmixes = false;
+    else if (p.frame.multi != Multi::texture)
+        p.sample[1] = {}, p.unmixes = false;
     return p;
 }
 
 // Screen on a four-corner rule rectangle in Shahei mode 1: kernels that only the exported rule rectangles reach.
-constexpr Axes ruleRectangle(uint8_t filter) { return {1, 0, 1, 0, filter, 2, 1, 9, 3}; }
+constexpr Axes ruleRectangle(uint8_t filter)
+{
+    return {NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_PERS_OFF,     NINEFOLD_RULE_ON,      NINEFOLD_PRESCALE_OFF, filter,
+            NINEFOLD_RECT_CORNERS,    NINEFOLD_SHAHEI_PLANE, NINEFOLD_BLEND_SCREEN, NINEFOLD_MULTI_NONE};
+}
 
 // Which parts some kernel needs.
 struct UsedParts {
-    bool front[frontCount], back[backCount], block[blockCount], span[spanCount];
+    bool front[int(Reading::count)][FrontKey::count], second[int(Reading::count)][SecondKey::count], back[BackKey::count],
+        block[Blocks::count], span[Spans::count];
 };
 constexpr UsedParts usedParts()
 {
     UsedParts used{};
     const auto use = [&used](const Axes &a) {
-        if (a.shape == 0 || isEmpty(a))
-            return;
         const Plan p = planOf(a);
-        const PartIds ids = partIds(p);
-        used.front[ids.front()] = used.back[ids.back()] = true;
-        if (ids.entry() && p.multi == Multi::none)
-            (drawsBlocks(p.frame) ? used.block : used.span)[ids.entry() - 1] = true;
-        if (ids.marks() != Marks::none)
-            used.front[ids.frontUngated()] = used.back[ids.backUnmarked()] = true;
+        bool(&front)[FrontKey::count] = used.front[int(p.sample[0].reading)];
+        front[p.front().index()] = used.back[p.back().index()] = used.back[p.unmarkedBack().index()] = true;
+        if (p.marks != Marks::none)
+            front[p.ungatedFront().index()] = true;
+        if (p.makesSecond())
+            used.second[int(p.sample[1].reading)][p.second().index()] = true;
+        if (const int entry = entryOf(p); entry && p.frame.multi == Multi::none)
+            (p.frame.drawsBlocks() ? used.block : used.span)[entry - 1] = true;
     };
-    forEachCombination(use);
-    use(ruleRectangle(1));
-    use(ruleRectangle(5));
+    forEachFamily([&use](Axes a) {
+        if (a.shape == NINEFOLD_SHAPE_LINE || isEmpty(a))
+            return;
+        for (uint8_t shahei : axis::shaheis)
+            for (uint8_t blend : axis::blends) {
+                a.shahei = shahei, a.blend = blend, a.multi = NINEFOLD_MULTI_NONE;
+                if (!exists(a))
+                    continue;
+                use(a);
+                // Behind the multi stage stand the same backs; with it fronts and seconds differ by the first two kinds.
+                const bool newFront =
+                    blend == NINEFOLD_BLEND_COPY || blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_ADD;
+                for (uint8_t multi : {NINEFOLD_MULTI_TEXTURE, NINEFOLD_MULTI_CORNERS})
+                    if (a.multi = multi; newFront && exists(a))
+                        use(a);
+            }
+    });
+    use(ruleRectangle(NINEFOLD_FILTER_BILINEAR));
+    use(ruleRectangle(NINEFOLD_FILTER_MIP_BILINEAR));
     return used;
 }
 

@@ -58,7 +58,7 @@ const char *const setNames[] = {NINEFOLD_BUILT_SETS(NINEFOLD_SET_NAME)};
 int usableSets()
 {
     const int lanes = usableLanes();
-    return int(std::count_if(std::begin(sets), std::end(sets), [=](const auto *set) { return set->lanes <= lanes; }));
+    return 1 + int(std::count_if(std::begin(sets) + 1, std::end(sets), [=](const auto *set) { return set->lanes <= lanes; }));
 }
 
 bool useSet(int index)

@@ -1,4 +1,4 @@
-// The kernels of the catalogue, made in units of equal weight.
+// The kernels of the catalogue, made in families that share their frames: kernels.cpp is compiled once for each.
 #pragma once
 
 #include "core/catalogue.h"
@@ -7,16 +7,27 @@
 
 namespace ninefold {
 
-constexpr size_t tableUnits = 8;
-constexpr size_t unitSize = recordCount / tableUnits;
-static_assert(unitSize * tableUnits == recordCount);
+enum class Family : uint8_t { lines, unit, stretch, corners, table, colours, affine, pers, count };
 
-struct TableUnit {
-    DrawFunc at[unitSize];
+constexpr Family familyOf(const Axes &a)
+{
+    if (a.shape == NINEFOLD_SHAPE_LINE)
+        return Family::lines;
+    if (a.shape == NINEFOLD_SHAPE_TRIANGLE)
+        return a.pers ? Family::pers : Family::affine;
+    switch (a.rectOpt) {
+    case NINEFOLD_RECT_STRETCH: return Family::stretch;
+    case NINEFOLD_RECT_CORNERS: return Family::corners;
+    case NINEFOLD_RECT_TABLE: return Family::table;
+    case NINEFOLD_RECT_NONE: return Family::colours;
+    default: return Family::unit;
+    }
+}
+
+// Those of a family, in table order.
+template <Family family>
+struct KernelsOf {
+    static const DrawFunc *const first;
 };
-
-// Kernels unit * unitSize and up, in table order.
-template <size_t unit>
-const TableUnit &kernelsOf();
 
 } // namespace ninefold

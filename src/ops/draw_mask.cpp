@@ -1,7 +1,7 @@
 // Stipples: the 256 steps of a fade, and the patterns behind them.
 #include <ninefold/render_state.h>
 
-#include "core/tables.h"
+#include "core/startup.h"
 
 #include <algorithm>
 #include <iterator>

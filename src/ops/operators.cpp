@@ -6,19 +6,19 @@
 namespace ninefold::ops {
 namespace {
 
-template <Op op>
+template <int op>
 uint32_t function(uint32_t first, uint32_t second)
 {
-    return apply<op>(first, second, {rs.blendAlpha, rs.blendAlphaRgb, rs.prescaleMulti, rs.writeMask});
+    return apply<op, true>(first, second, {});
 }
 
 template <int... index>
 constexpr std::array<PixelOperator, opCount> allFunctions(std::integer_sequence<int, index...>)
 {
-    return {function<static_cast<Op>(index)>...};
+    return {function<index>...};
 }
 
-PixelOperator pointerTo(Op op) { return operators[static_cast<size_t>(op)]; }
+PixelOperator pointerTo(Op op) { return operators[size_t(indexOf(op))]; }
 
 } // namespace
 
@@ -39,25 +39,22 @@ using namespace ninefold::ops;
 
 void SetBlendMode(long mode)
 {
-    constexpr Op custom[] = {Op::lumaSrc, Op::lumaDst, Op::xorWord, Op::andWord, Op::orWord, Op::dst}; // 14 to 19
-
     const int32_t value = static_cast<int32_t>(mode);
-    if (value <= 12) {
+    if (value <= NINEFOLD_BLEND_CUSTOM) {
         rs.blendMode = value;
-    } else if (value >= 14 && value <= 19) {
-        rs.blendMode = 12;
-        rs.blendFunc = pointerTo(custom[value - 14]);
+    } else if (value >= NINEFOLD_BLEND_LUMA_SRC && value <= NINEFOLD_BLEND_DST) {
+        rs.blendMode = NINEFOLD_BLEND_CUSTOM;
+        rs.blendFunc = pointerTo(blendOp(value));
     } else {
-        rs.blendMode = 0;
-        rs.blendFunc = pointerTo(Op::src);
+        rs.blendMode = NINEFOLD_BLEND_COPY;
+        rs.blendFunc = pointerTo(blendOp(NINEFOLD_BLEND_COPY));
     }
 }
 
 void SetBlendModeMulti(long value)
 {
     rs.blendModeMulti = static_cast<int32_t>(value);
-    const uint32_t row = static_cast<uint32_t>(rs.blendModeMulti);
-    rs.multiFunc = pointerTo(multiOperators[rs.prescaleMultiMode != 0][row < 20 ? row : 0]);
+    rs.multiFunc = pointerTo(multiOp(rs.prescaleMultiMode != 0, rs.blendModeMulti));
 }
 
 void SetPrescaleMultiMode(long mode)

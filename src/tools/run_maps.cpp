@@ -1,7 +1,7 @@
 // Maps of transparent pixels, and the run lists of plane words.
 #include <ninefold/render_state.h>
 
-#include "core/tables.h"
+#include "core/startup.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,6 +2,7 @@
 
 #include "kernels/polygon/triangle.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ninefold {
@@ -12,41 +13,31 @@ int32_t wholeTexels(int32_t a, int32_t b) { return difference(a, b) / 65536; }
 int32_t magnitude(uint32_t a) { return int32_t(int32_t(a) < 0 ? 0 - a : a); }
 
 // Puts a mip level in the place of a texture and its coordinates for the time of one kernel call.
+template <int t>
 class LevelInPlace {
 public:
-    LevelInPlace(Texture *&textureField, TexCoord *uvField, int cornerCount, Texture *&next, int32_t &frac, int32_t density)
-        : texture(textureField), base(textureField), uv(uvField), corners(cornerCount)
+    LevelInPlace(int cornerCount, int32_t density) : base(Fields::texture()), corners(cornerCount)
     {
-        uint32_t level = 0;
-        for (uint32_t l = 0; l < 16; ++l) {
-            if (density >= int32_t(0x10000u << l) && density < int32_t(0x10000u << (l + 1))) {
-                level = l;
-                frac = 255 - ((density >> (l + 8)) & 0xFF);
-                break;
-            }
-        }
-        if (level >= base->mipCount - 1)
-            level = base->mipCount - 2;
-        next = base->mip[level + 1];
-        texture = base->mip[level];
+        const uint32_t level = levelOf(*base, density, Fields::frac());
+        Fields::next() = base->mip[level + 1];
+        Fields::texture() = base->mip[level];
         for (int k = 0; k < corners; ++k) {
-            saved[k] = uv[k];
-            uv[k] = {uv[k].u >> level, uv[k].v >> level};
+            TexCoord &uv = Fields::uv()[k];
+            saved[k] = uv;
+            uv = {uv.u >> level, uv.v >> level};
         }
     }
     ~LevelInPlace()
     {
-        texture = base;
-        for (int k = 0; k < corners; ++k)
-            uv[k] = saved[k];
+        Fields::texture() = base;
+        std::copy_n(saved, corners, Fields::uv());
     }
     LevelInPlace(const LevelInPlace &) = delete;
     LevelInPlace &operator=(const LevelInPlace &) = delete;
 
 private:
-    Texture *&texture;
+    using Fields = FieldsOf<t>;
     Texture *base;
-    TexCoord *uv;
     int corners;
     TexCoord saved[4];
 };
@@ -55,12 +46,10 @@ private:
 template <class Density>
 void drawFromLevels(DrawFunc mipKernel, int corners, int32_t density0, Density &&densityOf)
 {
-    const LevelInPlace level0(rs.tex0, rs.uv0, corners, rs.mipTex, rs.mipFrac, density0);
-    if (!rs.tex1) {
-        mipKernel();
-        return;
-    }
-    const LevelInPlace level1(rs.tex1, rs.uv1, corners, rs.mipTex1, rs.mipFrac1, densityOf(rs.uv1));
+    const LevelInPlace<0> level0(corners, density0);
+    if (!rs.tex1)
+        return mipKernel();
+    const LevelInPlace<1> level1(corners, densityOf(rs.uv1));
     mipKernel();
 }
 

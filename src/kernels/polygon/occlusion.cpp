@@ -8,7 +8,7 @@
 namespace ninefold {
 namespace {
 
-enum class Fill { set, clear, flip };
+enum class Fill { set, clear, flip, reference }; // reference: the primitive's own priority
 
 template <Fill fill>
 void fillWord(uint16_t &word, uint32_t bits)
@@ -17,7 +17,7 @@ void fillWord(uint16_t &word, uint32_t bits)
 }
 
 template <Fill fill>
-void fillShaheiSpan(int32_t x, int32_t y, int32_t width)
+void fillShahei(int32_t x, int32_t y, int32_t width)
 {
     if (width <= 0)
         return;
@@ -41,37 +41,26 @@ void fillShaheiSpan(int32_t x, int32_t y, int32_t width)
         fillWord<fill>(word[words], ~(0xFFFFu >> (width & 15)) & 0xFFFFu);
 }
 
-template <class Value>
-void fillZSpan(int32_t x, int32_t y, int32_t width, Value value)
-{
-    if (width > 0)
-        std::memset(rs.zBuffer + ((ptrdiff_t(y) << rs.dstShift) + x), value(), size_t(width));
-}
-
-void SetShaheiSpan(int32_t x, int32_t y, int32_t width) { fillShaheiSpan<Fill::set>(x, y, width); }
-void ClearShaheiSpan(int32_t x, int32_t y, int32_t width) { fillShaheiSpan<Fill::clear>(x, y, width); }
-void FlipShaheiSpan(int32_t x, int32_t y, int32_t width) { fillShaheiSpan<Fill::flip>(x, y, width); }
-void FillZSpan0xff(int32_t x, int32_t y, int32_t width)
-{
-    fillZSpan(x, y, width, [] { return 0xFF; });
-}
-void ClearZSpan(int32_t x, int32_t y, int32_t width)
-{
-    fillZSpan(x, y, width, [] { return 0; });
-}
-void ZRefZSpan(int32_t x, int32_t y, int32_t width)
-{
-    fillZSpan(x, y, width, [] { return int(uint8_t(rs.zRef)); });
-}
-void FlipZSpan(int32_t x, int32_t y, int32_t width)
+template <Fill fill>
+void fillZ(int32_t x, int32_t y, int32_t width)
 {
     uint8_t *z = rs.zBuffer + ((ptrdiff_t(y) << rs.dstShift) + x);
-    for (int32_t k = 0; k < width; ++k)
-        z[k] = uint8_t(~z[k]);
+    if constexpr (fill == Fill::flip)
+        for (int32_t k = 0; k < width; ++k)
+            z[k] = uint8_t(~z[k]);
+    else if (width > 0)
+        std::memset(z, fill == Fill::set ? 0xFF : fill == Fill::clear ? 0 : uint8_t(rs.zRef), size_t(width));
 }
 
-template <class SpanOperation>
-void fillTriangle(SpanOperation &&fill)
+template <auto first, auto second>
+void both(int32_t x, int32_t y, int32_t width)
+{
+    first(x, y, width), second(x, y, width);
+}
+
+// fill(x, y, width) for each row of the triangle; the width may be negative.
+template <class FillSpan>
+void fillTriangle(FillSpan &&fill)
 {
     Order o;
     if (!o.make())
@@ -106,23 +95,13 @@ void fillTriangle(SpanOperation &&fill)
 
 using namespace ninefold;
 
-void DrawShaheiPolygonSet(void) { fillTriangle(SetShaheiSpan); }
-void DrawShaheiPolygonFlip(void) { fillTriangle(FlipShaheiSpan); }
-void DrawShaheiPolygonReset(void) { fillTriangle(ClearShaheiSpan); }
-void DrawZbufferPolygon0xff(void) { fillTriangle(FillZSpan0xff); }
-void DrawZbufferPolygonFlip(void) { fillTriangle(FlipZSpan); }
-void DrawZbufferPolygonClear(void) { fillTriangle(ClearZSpan); }
-void DrawZbufferPolygon(void) { fillTriangle(ZRefZSpan); }
-
-void DrawShaheiZbufferPolygonMask(void)
-{
-    fillTriangle([](int32_t x, int32_t y, int32_t width) { SetShaheiSpan(x, y, width), ClearZSpan(x, y, width); });
-}
-void DrawShaheiZbufferPolygonUnmask(void)
-{
-    fillTriangle([](int32_t x, int32_t y, int32_t width) { ClearShaheiSpan(x, y, width), FillZSpan0xff(x, y, width); });
-}
-void DrawShaheiZbufferPolygonFlip(void)
-{
-    fillTriangle([](int32_t x, int32_t y, int32_t width) { FlipShaheiSpan(x, y, width), FlipZSpan(x, y, width); });
-}
+void DrawShaheiPolygonSet(void) { fillTriangle(fillShahei<Fill::set>); }
+void DrawShaheiPolygonFlip(void) { fillTriangle(fillShahei<Fill::flip>); }
+void DrawShaheiPolygonReset(void) { fillTriangle(fillShahei<Fill::clear>); }
+void DrawZbufferPolygon(void) { fillTriangle(fillZ<Fill::reference>); }
+void DrawZbufferPolygon0xff(void) { fillTriangle(fillZ<Fill::set>); }
+void DrawZbufferPolygonFlip(void) { fillTriangle(fillZ<Fill::flip>); }
+void DrawZbufferPolygonClear(void) { fillTriangle(fillZ<Fill::clear>); }
+void DrawShaheiZbufferPolygonMask(void) { fillTriangle(both<fillShahei<Fill::set>, fillZ<Fill::clear>>); }
+void DrawShaheiZbufferPolygonUnmask(void) { fillTriangle(both<fillShahei<Fill::clear>, fillZ<Fill::set>>); }
+void DrawShaheiZbufferPolygonFlip(void) { fillTriangle(both<fillShahei<Fill::flip>, fillZ<Fill::flip>>); }

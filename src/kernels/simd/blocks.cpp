@@ -1,32 +1,130 @@
 // Blocks: rectangles whose rows are alike, drawn by one function each.
+#include "kernels/simd/colours.h"
+#include "kernels/simd/columns.h"
+#include "kernels/simd/fill.h"
 #include "kernels/simd/fused.h"
-
-#include <utility>
 
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
-constexpr UsedParts used = usedParts();
-
-template <int index>
-constexpr Block blockAt()
+// Colours, and whatever has a gate.
+template <FusedKey key>
+void rowsBlock(const Span &span, const Rows &rows)
 {
-    if constexpr (!used.block[index]) {
-        return nullptr;
-    } else {
-        constexpr FusedFetch f = blockFetches[index / blendCount / int(Gate::count)];
-        return block<f.fetch, f.prescale, Gate(index / blendCount % int(Gate::count)), index % blendCount>;
+    const ops::Factors factors;
+    Span s; // what changes or is read per row, kept where it can stay in registers
+    s.dst = span.dst, s.x = span.x, s.z = span.z;
+    const Source &level = span.tex[0].level;
+    s.tex[0].level = {level.pixels, level.maskU, level.maskV, level.shift};
+    s.tex[0].u = {span.tex[0].u.start, span.tex[0].u.step}, s.tex[0].v = {span.tex[0].v.start, 0};
+    u32 maskRow = rows.maskRow, &v = s.tex[0].v.start;
+    for (int row = rows.count; row > 0; --row) {
+        if constexpr (key.gate == Gate::mask || key.gate == Gate::zMask)
+            s.maskRow = rs.drawMask[maskRow++ & 15];
+        drawSpan<key>(s, 0, rows.columns, factors);
+        s.dst += rows.pitch;
+        s.z += rows.pitch;
+        v = key.sample.motion == Motion::unit ? (v + 1) & s.tex[0].level.maskV : v + rows.stepV;
     }
 }
 
-template <size_t... index>
-constexpr Blocks makeBlocks(std::index_sequence<index...>)
+// Texels side by side.
+struct Texels : Tested {
+    const u32 *at;
+    NINEFOLD_INLINED explicit Texels(const u32 *first) : at(first) {}
+    NINEFOLD_INLINED V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
+};
+
+// Sprites. Where a row is at most one vector that does not go round the edge of the texture, it is drawn without a look at that.
+template <FusedKey key>
+void unitBlock(const Span &span, const Rows &rows)
 {
-    return {{blockAt<int(index)>()...}};
+    const Source t = span.tex[0].level;
+    const int n = rows.columns;
+    const u32 column = span.tex[0].u.start & t.maskU;
+    if (n > lanes || t.maskU - column < u32(n - 1))
+        return rowsBlock<key>(span, rows);
+    const ops::Factors factors;
+    const u32 *const texels = t.pixels + column;
+    u32 *dst = span.dst;
+    u32 v = span.tex[0].v.start;
+    for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV) {
+        const Fading<Texels, key> fetch(texels + (size_t(v) << t.shift));
+        if (n == lanes)
+            drawVector<key.blend>(dst, Whole{}, Ungated{}, fetch, factors);
+        else
+            drawVector<key.blend>(dst, Begin{n}, Ungated{}, fetch, factors);
+    }
 }
+
+template <class Fetcher, int blend>
+void stretchBlock(const Span &span, const Rows &rows)
+{
+    const ops::Factors factors;
+    Span s;
+    s.tex[0].level = span.tex[0].level, s.tex[0].next = span.tex[0].next;
+    typename Fetcher::Prepared prepared;
+    constexpr int size = Columns<false>::size;
+    for (int first = 0; first < rows.columns; first += size) {
+        const int n = rows.columns - first < size ? rows.columns - first : size;
+        prepared.make(span, first, n);
+        u32 *dst = span.dst + first;
+        u32 &v = s.tex[0].v.start = span.tex[0].v.start;
+        for (int row = rows.count; row > 0; --row, dst += rows.pitch, v += rows.stepV) {
+            Fetcher fetch(s, prepared);
+            drawPixels<blend>(dst, n, fetch, factors);
+        }
+    }
+}
+
+void fillBlock(const Span &span, const Rows &rows)
+{
+    const bool whole = u32(rows.columns) == rows.pitch; // then the rows are one
+    const int count = whole ? 1 : rows.count, columns = whole ? rows.columns * rows.count : rows.columns;
+    u32 *dst = span.dst;
+    for (int row = count; row > 0; --row, dst += rows.pitch)
+        fillRow(dst, columns, rs.color[0]);
+}
+
+// A host's own operator at unit scale: its call is what costs.
+void hostBlock(const Span &span, const Rows &rows)
+{
+    const PixelOperator func = rs.blendFunc;
+    const Sampled &tex = span.tex[0];
+    u32 *dst = span.dst;
+    u32 v = tex.v.start;
+    for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & tex.level.maskV) {
+        const u32 *const texels = tex.level.pixels + (size_t(v) << tex.level.shift);
+        for (int k = 0; k < rows.columns; ++k)
+            if (const u32 texel = texels[(tex.u.start + u32(k)) & tex.level.maskU])
+                dst[k] = func(dst[k], texel);
+    }
+}
+
+// Those of a stretch, by what is made of its texels.
+template <Reading reading>
+using ColumnsOf =
+    std::conditional_t<reading == Reading::point, PointColumns,
+                       std::conditional_t<reading == Reading::mipBilinear, MipColumns, MixedColumns<reading == Reading::mix4>>>;
+
+constexpr UsedParts used = usedParts();
 
 } // namespace
 
-constinit const Blocks blocks = makeBlocks(std::make_index_sequence<blockCount>());
+constinit const std::array<Block, Blocks::count> blocks = arrayOf<Block, Blocks::count>([]<int index>() -> Block {
+    constexpr FusedKey key = Blocks::of(index);
+    if constexpr (!used.block[index])
+        return nullptr;
+    else if constexpr (isFill(key))
+        return fillBlock;
+    else if constexpr (key.blend == NINEFOLD_BLEND_CUSTOM)
+        return hostBlock;
+    else if constexpr (key.gate != Gate::none || key.sample.reading == Reading::flat)
+        return rowsBlock<key>;
+    else if constexpr (key.sample.motion == Motion::unit)
+        return lanes <= 8 ? unitBlock<key> : rowsBlock<key>; // 16 lanes gain nothing by it
+    else
+        return stretchBlock<Fading<ColumnsOf<key.sample.reading>, key>, key.blend>;
+});
 
 } // namespace ninefold::NINEFOLD_SET

@@ -3,6 +3,8 @@
 // a function compiled with raised flags must never be merged with one compiled for the baseline.
 #pragma once
 
+#include "ops/word.h"
+
 #include <cstdint>
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -22,7 +24,7 @@
 #define NINEFOLD_SET v1
 #endif
 
-#define NINEFOLD_LANE static inline __attribute__((always_inline))
+#define NINEFOLD_LANE static inline NINEFOLD_INLINED
 
 namespace ninefold::NINEFOLD_SET {
 namespace {
@@ -124,7 +126,6 @@ NINEFOLD_LANE void storeMasked(u32 *p, V v, M mask) { _mm512_mask_storeu_epi32(p
 
 // Comparisons.
 #if defined(__AVX512F__)
-NINEFOLD_LANE M isZero(V v) { return _mm512_testn_epi32_mask((__m512i)v, (__m512i)v); }
 NINEFOLD_LANE M isNotZero(V v) { return _mm512_test_epi32_mask((__m512i)v, (__m512i)v); }
 NINEFOLD_LANE M equal(V a, V b) { return _mm512_cmpeq_epi32_mask((__m512i)a, (__m512i)b); }
 NINEFOLD_LANE M greaterSigned(V a, V b) { return _mm512_cmpgt_epi32_mask((__m512i)a, (__m512i)b); }
@@ -133,11 +134,7 @@ NINEFOLD_LANE M topBit(V v) { return _mm512_movepi32_mask((__m512i)v); }
 // Lanes whose bit is set; lane 0 is the lowest.
 NINEFOLD_LANE M lanesOf(u64 bits) { return __mmask16(bits); }
 NINEFOLD_LANE u32 bitsOf(M mask) { return mask; }
-// All ones and 0, and back.
-NINEFOLD_LANE V asLanes(M mask) { return (V)_mm512_movm_epi32(mask); }
-NINEFOLD_LANE M asMask(V lanesOfOnes) { return _mm512_movepi32_mask((__m512i)lanesOfOnes); }
 #else
-NINEFOLD_LANE M isZero(V v) { return (M)(v == V{}); }
 NINEFOLD_LANE M isNotZero(V v) { return (M)(v != V{}); }
 NINEFOLD_LANE M equal(V a, V b) { return (M)(a == b); }
 NINEFOLD_LANE M greaterSigned(V a, V b) { return (M)((S)a > (S)b); }
@@ -157,8 +154,6 @@ NINEFOLD_LANE u32 bitsOf(M mask)
     return bits;
 #endif
 }
-NINEFOLD_LANE V asLanes(M mask) { return mask; }
-NINEFOLD_LANE M asMask(V lanesOfOnes) { return lanesOfOnes; }
 #endif
 NINEFOLD_LANE bool any(M mask) { return bitsOf(mask) != 0; }
 
@@ -185,36 +180,13 @@ NINEFOLD_LANE M firstLanes(int n)
 }
 
 // Shifts of all lanes by one count.
-#if defined(__AVX512F__)
-NINEFOLD_LANE V shiftLeft(V v, u32 n) { return (V)_mm512_sll_epi32((__m512i)v, _mm_cvtsi32_si128(int(n))); }
-NINEFOLD_LANE V shiftSigned(V v, u32 n) { return (V)_mm512_sra_epi32((__m512i)v, _mm_cvtsi32_si128(int(n))); }
-#elif defined(__AVX2__)
-NINEFOLD_LANE V shiftLeft(V v, u32 n) { return (V)_mm256_sll_epi32((__m256i)v, _mm_cvtsi32_si128(int(n))); }
-NINEFOLD_LANE V shiftSigned(V v, u32 n) { return (V)_mm256_sra_epi32((__m256i)v, _mm_cvtsi32_si128(int(n))); }
-#elif defined(NINEFOLD_X86)
-NINEFOLD_LANE V shiftLeft(V v, u32 n) { return (V)_mm_sll_epi32((__m128i)v, _mm_cvtsi32_si128(int(n))); }
-NINEFOLD_LANE V shiftSigned(V v, u32 n) { return (V)_mm_sra_epi32((__m128i)v, _mm_cvtsi32_si128(int(n))); }
-#else
-NINEFOLD_LANE V shiftLeft(V v, u32 n) { return v << splat(n); }
-NINEFOLD_LANE V shiftSigned(V v, u32 n) { return (V)((S)v >> (S)splat(n)); }
-#endif
+NINEFOLD_LANE V shiftLeft(V v, u32 n) { return v << n; }
+NINEFOLD_LANE V shiftSigned(V v, u32 n) { return (V)((S)v >> int(n)); }
 
 // The greater and the lesser of each pair of bytes.
 typedef u8 B __attribute__((vector_size(bytes)));
-NINEFOLD_LANE V greaterBytes(V a, V b)
-{
-#if defined(__AVX512BW__)
-    return (V)_mm512_max_epu8((__m512i)a, (__m512i)b);
-#elif defined(__AVX2__)
-    return (V)_mm256_max_epu8((__m256i)a, (__m256i)b);
-#elif defined(NINEFOLD_X86)
-    return (V)_mm_max_epu8((__m128i)a, (__m128i)b);
-#else
-    const B more = (B)((B)a > (B)b);
-    return (V)(((B)a & more) | ((B)b & ~more));
-#endif
-}
-NINEFOLD_LANE V lesserBytes(V a, V b) { return ~greaterBytes(~a, ~b); }
+NINEFOLD_LANE V greaterBytes(V a, V b) { return (V)((B)a > (B)b ? (B)a : (B)b); }
+NINEFOLD_LANE V lesserBytes(V a, V b) { return (V)((B)a < (B)b ? (B)a : (B)b); }
 
 // 16.16 to whole: floor, and truncation towards zero.
 NINEFOLD_LANE V whole(V v) { return (V)((S)v >> 16); }
@@ -232,19 +204,15 @@ NINEFOLD_LANE V bothHalves(V a) { return a | a << 16; }
 NINEFOLD_LANE V gatherAt(const u32 *pixels, const u32 *at)
 {
 #if defined(NINEFOLD_X86)
-    const auto four = [=](int k) __attribute__((always_inline))
-    {
-        const auto two = [=](int j) __attribute__((always_inline))
-        {
+    const auto four = [=](int k) NINEFOLD_INLINED {
+        const auto two = [=](int j) NINEFOLD_INLINED {
             return _mm_unpacklo_epi32(_mm_cvtsi32_si128(int(pixels[at[j]])), _mm_cvtsi32_si128(int(pixels[at[j + 1]])));
         };
         return _mm_unpacklo_epi64(two(k), two(k + 2));
     };
 #if defined(__AVX2__)
-    const auto eight = [=](int k) __attribute__((always_inline))
-    {
-        return _mm256_inserti128_si256(_mm256_castsi128_si256(four(k)), four(k + 4), 1);
-    };
+    const auto eight = [=](int k)
+                           NINEFOLD_INLINED { return _mm256_inserti128_si256(_mm256_castsi128_si256(four(k)), four(k + 4), 1); };
 #if defined(__AVX512F__)
     return (V)_mm512_inserti64x4(_mm512_castsi256_si512(eight(0)), eight(8), 1);
 #else
@@ -271,14 +239,12 @@ NINEFOLD_LANE void gatherPairs(const u32 *pixels, V index, V &first, V &second)
 {
     alignas(bytes) u32 at[lanes];
     store(at, index);
-    const auto pair = [&](int a, int b) __attribute__((always_inline))
-    {
+    const auto pair = [&](int a, int b) NINEFOLD_INLINED {
         const __m128i x = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(pixels + at[a]));
         return (__m128i)_mm_loadh_pd((__m128d)x, reinterpret_cast<const double *>(pixels + at[b]));
     };
     // Pairs 0, 1 with 4, 5 and so on: the shuffle within 128-bit parts then gives the lanes in order.
-    const auto pairs = [&](int k) __attribute__((always_inline))
-    {
+    const auto pairs = [&](int k) NINEFOLD_INLINED {
         const __m256i eight = _mm256_inserti128_si256(_mm256_castsi128_si256(pair(k, k + 1)), pair(k + 4, k + 5), 1);
 #if defined(__AVX512F__)
         const __m256i more = _mm256_inserti128_si256(_mm256_castsi128_si256(pair(k + 8, k + 9)), pair(k + 12, k + 13), 1);
@@ -365,30 +331,8 @@ NINEFOLD_LANE D mulWide(D a, D b)
 NINEFOLD_LANE F toDouble(D a) { return (F)(a | 0x4330000000000000ull) - 4503599627370496.0; }
 NINEFOLD_LANE D toNearest(F a) { return (D)(a + 4503599627370496.0) & 0xFFFFFFFFFFFFFull; }
 
-NINEFOLD_LANE R toReal(V a)
-{
-#if defined(__AVX512F__)
-    return (R)_mm512_cvtepi32_ps((__m512i)a);
-#elif defined(__AVX2__)
-    return (R)_mm256_cvtepi32_ps((__m256i)a);
-#elif defined(NINEFOLD_X86)
-    return (R)_mm_cvtepi32_ps((__m128i)a);
-#else
-    return __builtin_convertvector((S)a, R);
-#endif
-}
-NINEFOLD_LANE V toWhole(R a) // truncating
-{
-#if defined(__AVX512F__)
-    return (V)_mm512_cvttps_epi32((__m512)a);
-#elif defined(__AVX2__)
-    return (V)_mm256_cvttps_epi32((__m256)a);
-#elif defined(NINEFOLD_X86)
-    return (V)_mm_cvttps_epi32((__m128)a);
-#else
-    return (V) __builtin_convertvector(a, S);
-#endif
-}
+NINEFOLD_LANE R toReal(V a) { return __builtin_convertvector((S)a, R); }
+NINEFOLD_LANE V toWhole(R a) { return (V) __builtin_convertvector(a, S); } // truncating
 
 } // namespace
 } // namespace ninefold::NINEFOLD_SET

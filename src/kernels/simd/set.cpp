@@ -1,9 +1,9 @@
 // The table of this instruction set.
-#include "kernels/simd/fetch.h"
+#include "kernels/simd/set.h"
 #include "kernels/simd/gates.h"
-#include "kernels/simd/tables.h"
+#include "kernels/simd/rules.h"
 
-#include <type_traits>
+#include <utility>
 
 namespace ninefold::NINEFOLD_SET {
 namespace {
@@ -15,13 +15,17 @@ int refusedByGate(const Span &s, int first, int n, bool &through)
     return refusedPixels<g>(s, first, n);
 }
 
-// What a rule makes of pixels: bit 0: some are drawn, bit 1: some are not drawn whole.
-struct Verdict {
+// What a rule makes of pixels.
+enum class Verdict { refused, whole, mixed };
+
+struct RuleTest {
     V threshold = splat(u32(rs.ruleThreshold)), full = splat(u32(rs.ruleThreshold) + u32(rs.ruleWidth));
-    __attribute__((always_inline)) int operator()(V value, M which) const
+    NINEFOLD_INLINED Verdict operator()(V value, M which) const
     {
         const M live = greaterSigned(value, threshold), soft = greaterSigned(full, value);
-        return any(live & which) | any((soft | ~live) & which) << 1;
+        if (!any(live & which))
+            return Verdict::refused;
+        return any((soft | ~live) & which) ? Verdict::mixed : Verdict::whole;
     }
 };
 
@@ -29,12 +33,12 @@ struct Verdict {
 template <Rule r>
 int alikeByRule(const Span &s, int first, int n, bool &through)
 {
-    std::conditional_t<r == Rule::row, RuleRow, RuleFree> rule(s, first);
-    const Verdict verdict;
-    const int wanted = verdict(rule.get(n), firstLanes(n));
-    if (wanted == 3)
+    RuleValues<r> rule(s, first);
+    const RuleTest test;
+    const Verdict verdict = test(rule.get(n), firstLanes(n));
+    if (verdict == Verdict::mixed)
         return 0;
-    through = wanted == 1;
+    through = verdict == Verdict::whole;
     int k = lanes;
     rule.advance();
     if (const u32 *values = rule.direct(n - k)) {
@@ -43,45 +47,45 @@ int alikeByRule(const Span &s, int first, int n, bool &through)
         for (values -= k; n - k >= 4 * lanes; k += 4 * lanes) {
             const V a = load(values + k), b = load(values + k + lanes);
             const V c = load(values + k + 2 * lanes), d = load(values + k + 3 * lanes);
-            const auto worse = [through](V x, V y) __attribute__((always_inline))
-            {
-                return through ? lesserBytes(x, y) : greaterBytes(x, y);
-            };
+            const auto worse = [through](V x, V y) NINEFOLD_INLINED { return through ? lesserBytes(x, y) : greaterBytes(x, y); };
             const V worst = worse(worse(a, b), worse(c, d));
-            if (verdict(worst & byte, firstLanes(lanes)) != wanted)
+            if (test(worst & byte, firstLanes(lanes)) != verdict)
                 return k;
         }
         for (; k < n; k += lanes)
-            if (verdict(load(values + k) & byte, firstLanes(n - k)) != wanted)
+            if (test(load(values + k) & byte, firstLanes(n - k)) != verdict)
                 return k;
         return n;
     }
     for (; k < n; k += lanes, rule.advance())
-        if (verdict(rule.get(n - k), firstLanes(n - k)) != wanted)
+        if (test(rule.get(n - k), firstLanes(n - k)) != verdict)
             return k;
     return n;
 }
 
+// By Rule and Gate. A rule comes before the gate, but for the plane: whole words of it are taken at once.
+constexpr Alike none = nullptr, plane = refusedByGate<Gate::plane>, row = alikeByRule<Rule::row>, free = alikeByRule<Rule::free>;
+
+template <size_t... reading>
+constexpr InstructionSet makeSet(std::index_sequence<reading...>)
+{
+    return {
+        .lanes = lanes,
+        .fronts = {PartsOf<Reading(reading)>::fronts.data()...},
+        .seconds = {PartsOf<Reading(reading)>::seconds.data()...},
+        .backs = {backs[0].data(), backs[1].data()},
+        .operators = {operators[0].data(), operators[1].data()},
+        .blocks = blocks.data(),
+        .spans = fusedSpans.data(),
+        .multiSpans = multiSpans.data(),
+        .alike = {none, plane, refusedByGate<Gate::z>, none, refusedByGate<Gate::zMask>, //
+                  row, plane, row, row, row, //
+                  free, plane, free, free, free},
+    };
+}
+
 } // namespace
 
-constinit const InstructionSet set = {
-    .lanes = lanes,
-    .fronts = fronts.at,
-    .seconds = seconds.at,
-    .backs = {backs.at[0], backs.at[1]},
-    .operators = {operators.at[0], operators.at[1]},
-    .hostOperator = hostOperator,
-    .blocks = blocks.at,
-    .spans = fusedSpans.at,
-    .multiSpans = multiSpans.at,
-    .alike =
-        {
-            {nullptr, refusedByGate<Gate::plane>, refusedByGate<Gate::z>, nullptr, refusedByGate<Gate::zMask>},
-            {alikeByRule<Rule::row>, refusedByGate<Gate::plane>, alikeByRule<Rule::row>, alikeByRule<Rule::row>,
-             alikeByRule<Rule::row>},
-            {alikeByRule<Rule::free>, refusedByGate<Gate::plane>, alikeByRule<Rule::free>, alikeByRule<Rule::free>,
-             alikeByRule<Rule::free>},
-        },
-};
+constinit const InstructionSet set = makeSet(std::make_index_sequence<size_t(Reading::count)>());
 
 } // namespace ninefold::NINEFOLD_SET

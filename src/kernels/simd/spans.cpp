@@ -1,31 +1,34 @@
 // Fused spans: one row each, for frames whose rows differ.
+#include "kernels/simd/colours.h"
+#include "kernels/simd/fill.h"
 #include "kernels/simd/fused.h"
-
-#include <utility>
+#include "kernels/simd/mix.h"
+#include "kernels/simd/point.h"
 
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
+template <FusedKey key>
+void fusedSpan(const Span &s, int first, int n)
+{
+    const ops::Factors factors;
+    drawSpan<key>(s, first, n, factors);
+}
+
+void fillSpan(const Span &s, int first, int n) { fillRow(s.dst + first, n, rs.color[0]); }
+
 constexpr UsedParts used = usedParts();
-
-template <int index>
-constexpr FusedSpan spanAt()
-{
-    if constexpr (!used.span[index])
-        return nullptr;
-    else
-        return fusedSpan<spanFetches[index / blendCount / int(Gate::count)].fetch, Gate(index / blendCount % int(Gate::count)),
-                         index % blendCount>;
-}
-
-template <size_t... index>
-constexpr FusedSpans makeSpans(std::index_sequence<index...>)
-{
-    return {{spanAt<int(index)>()...}};
-}
 
 } // namespace
 
-constinit const FusedSpans fusedSpans = makeSpans(std::make_index_sequence<spanCount>());
+constinit const std::array<FusedSpan, Spans::count> fusedSpans = arrayOf<FusedSpan, Spans::count>([]<int index>() -> FusedSpan {
+    constexpr FusedKey key = Spans::of(index);
+    if constexpr (!used.span[index])
+        return nullptr;
+    else if constexpr (isFill(key))
+        return fillSpan;
+    else
+        return fusedSpan<key>;
+});
 
 } // namespace ninefold::NINEFOLD_SET

@@ -1,15 +1,13 @@
 // Lines: one pixel wide, from vertex[0] to vertex[1], the end left out while it is inside the clip rectangle.
-#include "kernels/flat/line.h"
+#pragma once
 
 #include "kernels/frame.h"
 #include "ops/blend.h"
-#include "ops/prescale.h"
 
 #include <cstddef>
 #include <type_traits>
 
 namespace ninefold {
-namespace {
 
 struct Line {
     bool steep; // y is the major axis
@@ -60,23 +58,16 @@ struct Line {
             count = len - 1;
             return count > 0;
         }
-        if (direction < 0) {
-            if (begin >= high) {
-                skip(begin - high + 1);
-                len -= begin - high + 1;
-                major = high - 1;
-            }
-            if (end < low)
-                len += end - low;
-        } else {
-            if (begin < low) {
-                skip(low - begin);
-                len -= low - begin;
-                major = low;
-            }
-            if (end >= high)
-                len += high - end - 1;
+        // Along the line's own direction: how far its ends lie outside the clip rectangle.
+        const int32_t before = direction < 0 ? begin - high + 1 : low - begin,
+                      behind = direction < 0 ? low - end : end - high + 1;
+        if (before > 0) {
+            skip(before);
+            len -= before;
+            major += direction * before;
         }
+        if (behind > 0)
+            len -= behind;
         const int32_t step = int32_t(minorStep), start = minor();
         if ((step >= 0 && start >= minorHigh) || (step <= 0 && start < minorLow))
             return false;
@@ -98,27 +89,6 @@ struct Line {
     }
 };
 
-// Pixels lie scattered and most lines are short, so they are drawn one by one with the scalar operators.
-template <int blend>
-inline uint32_t blended(uint32_t d, uint32_t s)
-{
-    using namespace ops;
-    switch (blend) {
-    case 1: return opAlpha(d, s);
-    case 2: return opConstAlpha(d, s, rs.blendAlpha);
-    case 4: return opAlphaFast(d, s);
-    case 5: return opAdd(d, s);
-    case 6: return opSub(d, s);
-    case 7: return opMul(d, s);
-    case 8: return opMul2(d, s);
-    case 9: return opScreen(d, s);
-    case 10: return opOverlay(d, s);
-    case 11: return opMerge(d, s, rs.writeMask);
-    case 12: return rs.blendFunc(d, s);
-    default: return s;
-    }
-}
-
 // The running colour of a Gouraud line, packed with what lies above bit 23 of green and red leaking into the channel above.
 struct RunningColour {
     uint32_t value[4], step[4]; // alpha, red, green, blue
@@ -126,7 +96,7 @@ struct RunningColour {
     {
         const Divider byLength(line.length);
         for (int k = 0; k < 4; ++k) {
-            const uint32_t from = (rs.color[0] >> (24 - 8 * k) & 0xFF) << 16, to = (rs.color[1] >> (24 - 8 * k) & 0xFF) << 16;
+            const uint32_t from = channel(rs.color[0], k), to = channel(rs.color[1], k);
             step[k] = byLength(to - from);
             value[k] = from + step[k] * line.skipped;
         }
@@ -149,16 +119,16 @@ struct FlatColour {
     void advance() {}
 };
 
-} // namespace
-
-template <bool gouraud, uint8_t shahei, uint8_t blend, bool prescale>
+// The kernel of a combination. Pixels lie scattered and most lines are short, so they are drawn one by one; a host's own operator
+// sees those before.
+template <Axes a>
 void drawLine()
 {
     Line line;
     if (!line.make())
         return;
-    std::conditional_t<gouraud, RunningColour, FlatColour> colour(line);
-    constexpr bool plane = shahei == 1 || shahei == 2, z = shahei == 3 || shahei == 5, mask = shahei == 4 || shahei == 5;
+    std::conditional_t<a.filter == NINEFOLD_FILTER_GOURAUD, RunningColour, FlatColour> colour(line);
+    constexpr bool plane = marksPlane(a.shahei), z = testsPriority(a.shahei), mask = testsStipple(a.shahei);
     uint32_t *const pixels = rs.dstPixels;
     const uint32_t shift = rs.dstShift;
     const uint8_t zRef = uint8_t(rs.zRef);
@@ -184,40 +154,17 @@ void drawLine()
             if (stipple() & bit)
                 continue;
         uint32_t source = colour.packed();
-        if constexpr (prescale)
-            source = ops::prescaleSource(blend, source, rs.prescale);
-        pixels[offset] = blended<blend>(pixels[offset], source);
-        if constexpr (shahei == 2)
+        if constexpr (a.prescale)
+            source = ops::prescaled<a.blend, true>(source, rs.prescale);
+        if constexpr (a.blend == NINEFOLD_BLEND_CUSTOM)
+            pixels[offset] = rs.blendFunc(pixels[offset], source);
+        else
+            pixels[offset] = ops::blended<a.blend, true>(pixels[offset], source, {});
+        if constexpr (a.shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY)
             rs.zBuffer[offset] = zRef;
         if constexpr (plane)
             rs.shaheiPlane[offset / 16] = uint16_t(rs.shaheiPlane[offset / 16] | bit);
     }
 }
-
-#define NINEFOLD_LINE_BLEND(shahei, blend)                                                                                       \
-    template void drawLine<false, shahei, blend, false>();                                                                       \
-    template void drawLine<false, shahei, blend, true>();                                                                        \
-    template void drawLine<true, shahei, blend, false>();                                                                        \
-    template void drawLine<true, shahei, blend, true>();
-#define NINEFOLD_LINE_BLENDS(shahei)                                                                                             \
-    NINEFOLD_LINE_BLEND(shahei, 1)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 2)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 4)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 5)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 6)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 7)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 8)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 9)                                                                                               \
-    NINEFOLD_LINE_BLEND(shahei, 10)                                                                                              \
-    NINEFOLD_LINE_BLEND(shahei, 11)                                                                                              \
-    NINEFOLD_LINE_BLEND(shahei, 12)
-NINEFOLD_LINE_BLEND(0, 0)
-NINEFOLD_LINE_BLEND(1, 0)
-NINEFOLD_LINE_BLEND(2, 0)
-NINEFOLD_LINE_BLEND(4, 0)
-NINEFOLD_LINE_BLENDS(0)
-NINEFOLD_LINE_BLENDS(3)
-NINEFOLD_LINE_BLENDS(4)
-NINEFOLD_LINE_BLENDS(5)
 
 } // namespace ninefold

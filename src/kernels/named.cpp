@@ -1,0 +1,8 @@
+// The kernels of the table that are exported by name.
+#include "kernels/kernel.h"
+
+using namespace ninefold;
+
+void DrawRectTexRunlen_TEST(void) { ownKernel<codeOf(namedRuns)>()(); }
+void DrawLineTest(void) { ownKernel<codeOf(namedLine)>()(); }
+void DrawPolygon_PERS_TEST(void) { ownKernel<codeOf(namedPers)>()(); }

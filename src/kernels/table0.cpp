@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 0
-#include "kernels/table.inc"

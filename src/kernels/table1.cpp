@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 1
-#include "kernels/table.inc"

@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 2
-#include "kernels/table.inc"

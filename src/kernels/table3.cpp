@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 3
-#include "kernels/table.inc"

@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 4
-#include "kernels/table.inc"

@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 5
-#include "kernels/table.inc"

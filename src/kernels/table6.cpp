@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 6
-#include "kernels/table.inc"

@@ -1,2 +1,0 @@
-#define NINEFOLD_UNIT 7
-#include "kernels/table.inc"
