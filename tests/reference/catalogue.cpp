@@ -1,4 +1,4 @@
-// Which draw codes exist, what they say, and their hash.
+// Which draw codes exist, and what they say.
 #include "modes.h"
 #include "reference.h"
 
@@ -94,18 +94,6 @@ std::vector<uint32_t> catalogue()
                                     codes.push_back(modes.code());
                             }
     return codes;
-}
-
-// Bit by bit, as long division does it.
-uint32_t hash(uint32_t code)
-{
-    uint32_t remainder = 0xFFFFFFFF;
-    for (int byte = 0; byte < 4; ++byte)
-        for (int bit = 7; bit >= 0; --bit) {
-            const bool out = (remainder >> 31 ^ (code >> (8 * byte + bit) & 1)) != 0;
-            remainder = remainder << 1 ^ (out ? 0x04C11DB7 : 0);
-        }
-    return ~remainder;
 }
 
 } // namespace reference

@@ -6,6 +6,8 @@
 
 namespace reference {
 
+int32_t pixelInHand = 0;
+
 void draw(uint32_t code, RenderState &state)
 {
     setOperatorState(&state);

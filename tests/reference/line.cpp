@@ -1,5 +1,6 @@
 // Lines.
 #include "operators.h"
+#include "reference.h"
 #include "shapes.h"
 
 namespace reference {
@@ -61,6 +62,7 @@ Line::Line(const Modes &drawModes, RenderState &drawState) : modes(drawModes), s
 
 void Line::store(int32_t offset)
 {
+    pixelInHand = offset;
     uint32_t source = modes.filter == 6 ? state.color[0] : packedGouraud(colour, steps);
     if (modes.prescale)
         source = prescaled(modes.alphaBlend(), source, state.prescale);

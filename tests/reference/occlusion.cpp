@@ -40,7 +40,7 @@ private:
     int32_t row = 0; // next row to fill
     Ramp left, right; // edges, from `row` on
 
-    void part(int32_t height, bool jumpWithinHeight);
+    void part(int32_t height);
     void span(int32_t x, int32_t y, int32_t width);
 };
 
@@ -68,11 +68,10 @@ void Filler::span(int32_t x, int32_t y, int32_t width)
 }
 
 // Rows of one trapezoid. A part that starts above clipTop jumps by the distance to clipLeft, which may lead upward.
-void Filler::part(int32_t height, bool jumpWithinHeight)
+void Filler::part(int32_t height)
 {
     if (state.clipTop > row) {
-        const int32_t distance = sub(state.clipLeft, row);
-        const int32_t jump = jumpWithinHeight ? std::min(height, distance) : distance;
+        const int32_t jump = std::min(height, sub(state.clipLeft, row));
         row = add(row, jump);
         left.start = left.at(jump);
         right.start = right.at(jump);
@@ -102,13 +101,13 @@ void Filler::draw()
     if (c.yT == c.yM) {
         left = longEdge;
         right = edge(c.xM, c.xB, height);
-        part(height, false);
+        part(height);
         return;
     }
     if (c.yM == c.yB) {
         left = edge(c.xT, c.xM, height);
         right = longEdge;
-        part(height, false);
+        part(height);
         return;
     }
     const bool midLeft = c.cross() < 0;
@@ -116,9 +115,9 @@ void Filler::draw()
     left = right = longEdge;
     Ramp &midEdge = midLeft ? left : right;
     midEdge = edge(c.xT, c.xM, upper);
-    part(upper, true);
+    part(upper);
     midEdge = edge(c.xM, c.xB, lower);
-    part(lower, true);
+    part(lower);
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include "pixel.h"
 
+#include <vector>
+
 #include "operators.h"
+#include "reference.h"
 
 namespace reference {
 
@@ -18,16 +21,18 @@ uint32_t packedInRange(const Ramp (&colour)[4], int32_t distance)
     return result;
 }
 
-// The same for values below 256; larger ones reach the channels above in green and red.
+// Each channel as a whole number of sixteen bits, put down where its eight bits belong; the upper eight run into the channel above,
+// those of alpha out of the word.
 uint32_t packedGouraud(const Ramp (&colour)[4], int32_t distance)
 {
-    const uint32_t alpha = static_cast<uint32_t>(colour[0].at(distance));
-    const uint32_t red = static_cast<uint32_t>(colour[1].at(distance));
-    const uint32_t green = static_cast<uint32_t>(colour[2].at(distance));
-    const uint32_t blue = static_cast<uint32_t>(colour[3].at(distance));
-    const uint32_t low = ((green & 0xFFFF00FF) | blue >> 8) >> 8;
-    const uint32_t high = ((alpha & 0xFFFF00FF) << 8 | red) & 0xFFFF0000;
-    return low | high;
+    uint64_t result = 0;
+    int place = 24;
+    for (const Ramp &channel : colour) {
+        const uint64_t number = static_cast<uint32_t>(channel.at(distance)) / 65536;
+        result |= number << place;
+        place -= 8;
+    }
+    return static_cast<uint32_t>(result);
 }
 
 Form formOf(const Modes &modes)
@@ -198,6 +203,7 @@ Outcome Painter::pixel(int32_t column, int32_t behind)
     const int32_t distance = sub(column, row.origin);
     const int32_t index = add(row.pixels, column);
 
+    pixelInHand = index;
     const int32_t value = modes.rule ? ruleValue(distance) : 0;
     if (modes.rule && state.ruleThreshold >= value)
         return Outcome::refusedByRule;
@@ -231,45 +237,68 @@ void Painter::span(int32_t left, int32_t right)
         pixel(column);
 }
 
-// Shahei modes 1 and 2: sixteen pixels at a time, as the plane's words lie. What lies outside the span is marked taken for as
-// long as the row is walked.
+namespace {
+
+// The plane from some word on, as a list of bits.
+class PlaneBits {
+public:
+    explicit PlaneBits(uint16_t *firstWord) : words(firstWord) {}
+
+    bool operator[](int32_t bit) const { return words[bit / 16] / (32768 >> bit % 16) % 2 != 0; }
+    void put(int32_t bit, bool taken)
+    {
+        const int32_t others = words[bit / 16] - ((*this)[bit] ? 32768 >> bit % 16 : 0);
+        words[bit / 16] = static_cast<uint16_t>(others + (taken ? 32768 >> bit % 16 : 0));
+    }
+
+private:
+    uint16_t *words;
+};
+
+} // namespace
+
+// Shahei modes 1 and 2: word by word of the plane. What a row shares its first and last word with counts as taken for as long as
+// the row is walked. Which pixels of a word are free is known before one of them is drawn, and they are marked after the last.
 void Painter::words(int32_t left, int32_t right)
 {
     if (left >= right)
         return;
-    const uint16_t outsideFirst = static_cast<uint16_t>(0xFFFF0000 >> (left & 15));
-    const uint16_t outsideLast = static_cast<uint16_t>((right & 15) == 0 ? 0 : 0xFFFF >> (right & 15));
-    const int32_t start = left & ~15;
-    const int32_t count = (right - start + 15) / 16;
-    uint16_t *const first = state.shaheiPlane + row.plane;
-    uint16_t *const last = first + count - 1;
-    const uint16_t savedFirst = *first;
-    const uint16_t savedLast = *last;
-    *first |= outsideFirst;
-    *last |= outsideLast;
+    PlaneBits plane(state.shaheiPlane + row.plane);
+    const int32_t begin = left % 16, end = begin + right - left; // of the row's own bits
+    std::vector<int32_t> neighbours; // bits that are free, and not the row's
+    for (int32_t bit = 0; bit < end || bit % 16 != 0; ++bit)
+        if ((bit < begin || bit >= end) && !plane[bit]) {
+            neighbours.push_back(bit);
+            plane.put(bit, true);
+        }
 
-    const uint16_t *zeros = modes.option == 6 ? state.tex0->zeroPixelMap + row.plane : nullptr;
+    const bool mapped = modes.option == 6;
     // filled rectangles mark also what the rule refused
     const bool markRefused = modes.shape == rectangle && !modes.textured();
-    for (int32_t number = 0; number < count; ++number) {
-        const unsigned taken = first[number] | row.mask | (zeros != nullptr ? zeros[number] : 0u);
-        unsigned marks = 0;
-        for (int32_t bit = 0; bit < 16; ++bit) {
-            if ((taken & 0x8000u >> bit) != 0)
-                continue;
-            const int32_t column = start + 16 * number + bit;
+    std::vector<int32_t> wanted, marked;
+    for (int32_t word = 0; word < end; word += 16) {
+        wanted.clear(), marked.clear();
+        for (int32_t bit = word; bit < word + 16; ++bit) {
+            const bool stippled = row.mask / (32768 >> bit % 16) % 2 != 0;
+            const bool zero = mapped && state.tex0->zeroPixelMap[row.plane + bit / 16] / (32768 >> bit % 16) % 2 != 0;
+            if (!plane[bit] && !stippled && !zero)
+                wanted.push_back(bit);
+        }
+        for (const int32_t bit : wanted) {
+            const int32_t column = left - begin + bit;
             const Outcome outcome = pixel(column);
             if (outcome == Outcome::dropped || (outcome == Outcome::refusedByRule && !markRefused))
                 continue;
-            marks |= 0x8000u >> bit;
+            marked.push_back(bit);
             if (modes.shahei == 2)
                 state.zBuffer[add(row.pixels, column)] = static_cast<uint8_t>(state.zRef);
         }
-        first[number] = static_cast<uint16_t>(first[number] | marks);
+        for (const int32_t bit : marked)
+            plane.put(bit, true);
     }
 
-    *first = static_cast<uint16_t>((*first & ~outsideFirst) | (savedFirst & outsideFirst));
-    *last = static_cast<uint16_t>((*last & ~outsideLast) | (savedLast & outsideLast));
+    for (const int32_t bit : neighbours)
+        plane.put(bit, false);
 }
 
 } // namespace reference

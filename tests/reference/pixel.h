@@ -82,7 +82,8 @@ private:
     uint32_t secondBlockTexel(const Texture &texture, Position at) const;
 };
 
-// The 8.16 colour ramps `distance` pixels on, packed.
+// The 8.16 colour ramps `distance` pixels on, packed: cut to eight bits each, or as filter 7 does it, which lets what exceeds them
+// into the channel above.
 uint32_t packedInRange(const Ramp (&colour)[4], int32_t distance);
 uint32_t packedGouraud(const Ramp (&colour)[4], int32_t distance);
 

@@ -20,9 +20,6 @@ bool exists(uint32_t code);
 // All codes that exist, in the order of the kernel table.
 std::vector<uint32_t> catalogue();
 
-// CRC-32/BZIP2 of the code's bytes, least significant first.
-uint32_t hash(uint32_t code);
-
 // Draws with the kernel of `code`, which must exist.
 void draw(uint32_t code, RenderState &state);
 
@@ -35,6 +32,9 @@ PixelOperator blendOperator(long mode);
 
 // The operator that SetBlendModeMulti(value) puts in multiFunc.
 PixelOperator multiOperator(long value, bool secondBank);
+
+// The pixel that is being drawn, as an index into the frame buffer: for operators that want to look around themselves.
+extern int32_t pixelInHand;
 
 // The operators read their factors from the state of the last draw, or from this one.
 void setOperatorState(const RenderState *state);

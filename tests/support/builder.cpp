@@ -288,6 +288,18 @@ void Builder::modes()
     scene.searchedBefore = all[random.below(static_cast<uint32_t>(all.size()))].code;
 }
 
+// Operators that look at the picture. Chosen last, so that no scene without them changes; sums are made of scenes of the library
+// alone, which has no one to say where a call looks.
+void Builder::watchers()
+{
+    if (small || large)
+        return;
+    if (axes().multi != NINEFOLD_MULTI_NONE && random.percent(8))
+        scene.multiOperator = watchingMulti;
+    if (axes().blend == NINEFOLD_BLEND_CUSTOM && random.percent(25))
+        scene.blendOperator = watchingBlend;
+}
+
 void Builder::build()
 {
     const Kind kind = scene.id.kind;
@@ -336,6 +348,7 @@ void Builder::build()
     colours();
     factors();
     modes();
+    watchers();
 }
 
 } // namespace support

@@ -84,6 +84,7 @@ private:
     void factors();
     void rule();
     void modes();
+    void watchers();
 };
 
 } // namespace support

@@ -317,9 +317,9 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
     if (axes().pers && !random.percent(15)) {
         // perspective serves positions from 0 up
         const int bits = random.percent(70) ? 24 : random.between(16, 31);
-        for (int i = 0; i < 4; ++i) {
-            uv[i].u &= wrapping((int64_t{1} << bits) - 1);
-            uv[i].v &= wrapping((int64_t{1} << bits) - 1);
+        for (TexCoord &corner : uv) {
+            corner.u &= wrapping((int64_t{1} << bits) - 1);
+            corner.v &= wrapping((int64_t{1} << bits) - 1);
         }
     }
 }

@@ -74,10 +74,33 @@ void Comparer::prepare(const Subject &subject, SceneId id)
     std::memcpy(textureBytes.data(), static_cast<const void *>(libraryWorld.textures.data()), textureBytes.size());
 }
 
+// For the operators that watch.
+void Comparer::openEyes(const World &world, bool byReference) const
+{
+    calls = {};
+    sight.pixels = world.at<uint32_t>(scene.pixels);
+    sight.priorities = world.at<uint8_t>(scene.priority);
+    sight.pitch = scene.frameWidth;
+    sight.byReference = byReference;
+    if (byReference)
+        sight.places.clear();
+    sight.firstPriority = sight.endPriority = 0;
+    for (int i = 0; i < scene.written; ++i) {
+        const Window &window = scene.windows[static_cast<size_t>(i)];
+        if (window.slot == frameSlot) {
+            sight.firstPixel = (window.begin - scene.pixels.offset) / 4;
+            sight.endPixel = (window.end - scene.pixels.offset) / 4;
+        } else if (window.slot == prioritySlot) {
+            sight.firstPriority = window.begin - scene.priority.offset;
+            sight.endPriority = window.end - scene.priority.offset;
+        }
+    }
+}
+
 void Comparer::drawReference()
 {
     std::memcpy(&referenceEnd, &referenceStart, sizeof referenceEnd);
-    calls = {};
+    openEyes(referenceWorld, true);
     for (int draw = 0; draw < scene.draws; ++draw)
         if (scene.subject.exported != nullptr)
             reference::drawNamed(scene.subject.exported, referenceEnd);
@@ -102,7 +125,7 @@ void Comparer::drawLibrary(int set, bool restore)
     SearchDrawFunc(scene.searchedBefore);
     std::memcpy(&rs, &libraryStart, sizeof rs);
     ninefold::useSet(set);
-    calls = {};
+    openEyes(libraryWorld, false);
     if (beforeDraw != nullptr)
         beforeDraw(set);
     for (int draw = 0; draw < scene.draws; ++draw)

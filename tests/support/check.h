@@ -34,6 +34,7 @@ private:
     RenderState libraryStart, referenceStart, referenceEnd;
 
     void prepare(const Subject &subject, SceneId id);
+    void openEyes(const World &world, bool byReference) const;
     void drawReference();
     void drawLibrary(int set, bool restore);
     uint32_t sum(const World &world, const RenderState &start, const RenderState &end) const;

@@ -107,6 +107,21 @@ std::string checkOperators(Random &random)
                 return "operator " + operatorName(number) + "\n";
         }
     }
+
+    // setters take any number
+    const int32_t value = random.percent(70) ? random.between(-3, 40) : static_cast<int32_t>(random.word());
+    const int bank = random.between(0, 1);
+    SetPrescaleMultiMode(bank);
+    SetBlendModeMulti(value);
+    rs.blendFunc = nullptr;
+    SetBlendMode(value);
+    const auto differ = [&](PixelOperator library, PixelOperator expected) {
+        const uint32_t first = random.word(), second = random.word();
+        return (library == nullptr) != (expected == nullptr) ||
+               (library != nullptr && library(first, second) != expected(first, second));
+    };
+    if (differ(rs.multiFunc, reference::multiOperator(value, bank == 1)) || differ(rs.blendFunc, reference::blendOperator(value)))
+        return "operator of number " + std::to_string(value) + "\n";
     return "";
 }
 

@@ -83,7 +83,7 @@ void Workers::doing(uint32_t scene, int set)
     shared->at[self].set = set;
 }
 
-void Workers::addScenes(uint64_t number) { shared->scenes += number; }
+void Workers::addScenes(uint64_t drawn) { shared->scenes += drawn; }
 
 Verdict Workers::verdict(size_t job) const { return shared->verdicts[job]; }
 
