@@ -35,7 +35,7 @@ struct Method {
             m.hostBlend = m.blendOp < 0;
         }
         if (overlap)
-            m.way = ids.is(PartIds::marksPlane) ? Way::words : Way::single;
+            m.way = ids.is(PartIds::marks) ? Way::words : Way::single;
         else // of custom blends only a host's own is fused, and it has no factors
             m.way = ids.entry && !ids.is(PartIds::hasRule) && !m.hostMulti && (ids.is(PartIds::isCustom) ? m.hostBlend : !m.wide)
                         ? Way::fused

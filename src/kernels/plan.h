@@ -74,7 +74,7 @@ struct PartIds {
     uint16_t entry;
     uint8_t front, second, back; // indices of their keys
     uint8_t flags;
-    enum : uint8_t { hasRule = 1, isBlock = 2, isCustom = 4, marksPlane = 8, marksAll = 16, dropsMulti = 32 };
+    enum : uint8_t { hasRule = 1, isBlock = 2, isCustom = 4, marks = 8, marksAll = 16, dropsMulti = 32 };
 
     constexpr bool is(uint8_t flag) const { return flags & flag; }
 };
@@ -101,7 +101,7 @@ constexpr PartIds partIds(const Plan &p)
 {
     const bool marks = p.marks != Marks::none;
     const int flags = (p.rule != Rule::none ? PartIds::hasRule : 0) | (p.frame.drawsBlocks() ? PartIds::isBlock : 0) |
-                      (p.blend == NINEFOLD_BLEND_CUSTOM ? PartIds::isCustom : 0) | (marks ? PartIds::marksPlane : 0) |
+                      (p.blend == NINEFOLD_BLEND_CUSTOM ? PartIds::isCustom : 0) | (marks ? PartIds::marks : 0) |
                       (marksRun(p.sample[0].reading, p.rule, marks) ? PartIds::marksAll : 0) |
                       (p.dropsMulti ? PartIds::dropsMulti : 0);
     return {uint8_t(p.sample[0].reading), uint8_t(p.sample[1].reading), uint16_t(entryOf(p)), uint8_t(p.front().index()),

@@ -82,16 +82,16 @@ struct PointColumns {
         NINEFOLD_INLINED void make(const Span &s, int first, int n)
         {
             const u32 step = s.tex[0].u.step, mask = s.tex[0].level.maskU;
-            forEachVector(s.tex[0].u, first, n, [&](int k, V u, u32 position, u32 last) NINEFOLD_INLINED {
-                columns.put(k, whole(u), V{}, mask, Reach::of(position, step, last, 16), cannotLap(step));
+            forEachVector(s.tex[0].u, first, n, [&](int at, V u, u32 position, u32 last) NINEFOLD_INLINED {
+                columns.put(at, whole(u), V{}, mask, Reach::of(position, step, last, 16), cannotLap(step));
             });
         }
     };
     const Prepared &prepared;
     const u32 *row;
     int k = 0;
-    NINEFOLD_INLINED PointColumns(const Span &s, const Prepared &columns)
-        : prepared(columns), row(rowOf(s.tex[0].level, truncated(s.tex[0].v.start)))
+    NINEFOLD_INLINED PointColumns(const Span &s, const Prepared &made)
+        : prepared(made), row(rowOf(s.tex[0].level, truncated(s.tex[0].v.start)))
     {}
     NINEFOLD_INLINED V get(int, V &key) const
     {
@@ -112,13 +112,13 @@ struct MixedColumns {
         NINEFOLD_INLINED void make(const Span &s, int first, int n)
         {
             const u32 step = s.tex[0].u.step, mask = s.tex[0].level.maskU;
-            forEachVector(s.tex[0].u, first, n, [&](int k, V u, u32 position, u32 last) NINEFOLD_INLINED {
+            forEachVector(s.tex[0].u, first, n, [&](int at, V u, u32 position, u32 last) NINEFOLD_INLINED {
                 const V fx = u >> 8 & 0xFFu, far = (V)((S)(u << 16) >> 31);
-                store(weight + k, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
+                store(weight + at, bothHalves(fx ^ ((far ^ 0x80u) & 0xFFu)));
                 // A pair is the texel half a texel back and the one after it.
                 Reach reach = Reach::of(position - 0x8000, step, last, 16);
                 ++reach.extent;
-                columns.put(k, whole(u), whole(u + ((far & 0x20000u) - 0x10000u)), mask, reach, cannotLap(step));
+                columns.put(at, whole(u), whole(u + ((far & 0x20000u) - 0x10000u)), mask, reach, cannotLap(step));
             });
         }
     };
@@ -126,7 +126,7 @@ struct MixedColumns {
     const u32 *row, *row2;
     V wy; // in both halves
     int k = 0;
-    NINEFOLD_INLINED MixedColumns(const Span &s, const Prepared &columns) : prepared(columns)
+    NINEFOLD_INLINED MixedColumns(const Span &s, const Prepared &made) : prepared(made)
     {
         const u32 v = s.tex[0].v.start, fy = v >> 8 & 0xFF;
         const bool far = fy >= 128;
@@ -164,19 +164,19 @@ struct MipColumns {
         NINEFOLD_INLINED void make(const Span &s, int first, int n)
         {
             level.make(s, first, n);
-            forEachVector(s.tex[0].u, first, n, [&](int k, V u, u32, u32 last) NINEFOLD_INLINED {
+            forEachVector(s.tex[0].u, first, n, [&](int at, V u, u32, u32 last) NINEFOLD_INLINED {
                 const V far = (V)((S)(u << 16) >> 31);
                 const V column = whole(half(u)), neighbour = whole(half(u + ((far & 0x20000u) - 0x10000u)));
-                alignas(bytes) i32 at[2 * lanes];
-                store(reinterpret_cast<u32 *>(at), column);
-                store(reinterpret_cast<u32 *>(at) + lanes, neighbour);
-                i32 lowest = at[0], highest = at[0];
+                alignas(bytes) i32 found[2 * lanes];
+                store(reinterpret_cast<u32 *>(found), column);
+                store(reinterpret_cast<u32 *>(found) + lanes, neighbour);
+                i32 lowest = found[0], highest = found[0];
                 for (u32 j = 0; j <= last; ++j) {
-                    const i32 a = at[j], b = at[j + lanes];
+                    const i32 a = found[j], b = found[j + lanes];
                     const i32 less = a < b ? a : b, more = a < b ? b : a;
                     lowest = less < lowest ? less : lowest, highest = more > highest ? more : highest;
                 }
-                next.put(k, column, neighbour, s.tex[0].next.maskU, {lowest, u32(highest) - u32(lowest)}, true);
+                next.put(at, column, neighbour, s.tex[0].next.maskU, {lowest, u32(highest) - u32(lowest)}, true);
             });
         }
     };
