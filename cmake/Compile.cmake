@@ -20,12 +20,12 @@ target_compile_options(ninefold_compile INTERFACE
     # The few computations in double must give the same bits in every instruction set, also where there is a fused multiply-add.
     -ffp-contract=off
     -fvisibility=hidden
-    -fvisibility-inlines-hidden)
+    -fvisibility-inlines-hidden
+    # Each specialisation of a table of parts or kernels is defined in a unit of its own. A warning of clang's, also in clang-tidy.
+    -Wno-undefined-var-template)
 if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
     # The catalogue and what follows from it are worked out at compile time.
     target_compile_options(ninefold_compile INTERFACE -fconstexpr-steps=16777216)
-    # Each specialisation of a table of parts or kernels is defined in a unit of its own.
-    target_compile_options(ninefold_compile INTERFACE -Wno-undefined-var-template)
 endif()
 
 include(CheckCXXSourceCompiles)

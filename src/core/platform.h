@@ -18,6 +18,6 @@ struct FileBytes {
 
 // Reads the whole file, which others may have open for whatever they like. False if it cannot be opened; a read error leaves the
 // bytes up to it.
-bool readFile(const char *path, FileBytes &file);
+bool readFile(const char *path, FileBytes &bytes);
 
 } // namespace ninefold

@@ -161,7 +161,7 @@ struct Factors {
     uint32_t blendAlpha = rs.blendAlpha, blendAlphaRgb = rs.blendAlphaRgb, writeMask = rs.writeMask;
     uint32_t prescale = rs.prescale, prescaleMulti = rs.prescaleMulti;
 
-    [[gnu::always_inline]] Factors() noexcept {}
+    [[gnu::always_inline]] Factors() noexcept = default;
 };
 
 // The operator of a value of SetBlendMode.
@@ -213,7 +213,7 @@ struct SoftEdge {
     uint32_t threshold = uint32_t(rs.ruleThreshold), width = uint32_t(rs.ruleWidth);
     int32_t curve = rs.ruleCurve;
 
-    [[gnu::always_inline]] SoftEdge() noexcept {}
+    [[gnu::always_inline]] SoftEdge() noexcept = default;
 };
 
 // The weight of the new pixel at rule values between the threshold and threshold + width.
