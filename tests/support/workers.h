@@ -23,7 +23,7 @@ public:
     // Of a child. The text of a failure is kept as long as there is room.
     void report(const std::string &text);
     void doing(uint32_t scene, int set); // named when the child dies
-    void addScenes(uint64_t count);
+    void addScenes(uint64_t drawn);
 
     // Runs all jobs; `begin` once in each child, ahead of its first. `describe` names a job, its scene and set for a child that
     // died; `progress` is called from time to time.
