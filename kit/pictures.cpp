@@ -190,7 +190,7 @@ Texture *nfkLoadPictureMemory(const void *bytes, size_t size, const char *name, 
         name = name ? name : "memory";
         if (!areExtras("nfkLoadPictureMemory", extras))
             return nullptr;
-        if (!bytes)
+        if (!bytes && size != 0)
             return fail("nfkLoadPictureMemory: %s: its bytes are null", name), nullptr;
         if (size > NFK_PICTURE_MAX_FILE)
             return fail("nfkLoadPictureMemory: %s: it is larger than %d bytes", name, NFK_PICTURE_MAX_FILE), nullptr;

@@ -7,11 +7,13 @@
 #include <stddef.h>
 
 /* What a loaded picture gets besides its pixels, bits that may be added up. */
+/* clang-format off */
 #define NFK_PICTURE_EXTRAS(X) \
-    X(NFK_PICTURE_EDGE,        1, "edge",    "its outermost pixels, repeated all around") \
-    X(NFK_PICTURE_MIP_CHAIN,   2, "mip",     "CreateMipmapTexture") \
-    X(NFK_PICTURE_RUN_MAP,     4, "runs",    "CreateRunlengthMap") \
-    X(NFK_PICTURE_ZERO_MAP,    8, "zeros",   "CreateZeroPixelMap")
+    X(NFK_PICTURE_EDGE,      1, "edge",  "its outermost pixels, repeated all around") \
+    X(NFK_PICTURE_MIP_CHAIN, 2, "mip",   "its mip chain, as by CreateMipmapTexture") \
+    X(NFK_PICTURE_RUN_MAP,   4, "runs",  "its run-length map, as by CreateRunlengthMap") \
+    X(NFK_PICTURE_ZERO_MAP,  8, "zeros", "its zero-pixel map, as by CreateZeroPixelMap")
+/* clang-format on */
 
 enum { NFK_PICTURE_EXTRAS(NINEFOLD_ENUMERATOR) };
 
