@@ -186,7 +186,7 @@ using namespace nfk;
 
 Texture *nfkLoadPictureMemory(const void *bytes, size_t size, const char *name, uint32_t extras)
 {
-    return guarded(__func__, [&]() -> Texture * {
+    return guarded("nfkLoadPictureMemory", [&]() -> Texture * {
         name = name ? name : "memory";
         if (!areExtras("nfkLoadPictureMemory", extras))
             return nullptr;
@@ -200,7 +200,7 @@ Texture *nfkLoadPictureMemory(const void *bytes, size_t size, const char *name, 
 
 Texture *nfkLoadPicture(const char *path, uint32_t extras)
 {
-    return guarded(__func__, [&]() -> Texture * {
+    return guarded("nfkLoadPicture", [&]() -> Texture * {
         if (!path)
             return fail("nfkLoadPicture: the path is null"), nullptr;
         if (!areExtras("nfkLoadPicture", extras))
@@ -214,7 +214,7 @@ Texture *nfkLoadPicture(const char *path, uint32_t extras)
 
 int nfkSavePicture(const Texture *texture, const char *path, int alpha)
 {
-    return guarded(__func__, [&]() -> int {
+    return guarded("nfkSavePicture", [&]() -> int {
         if (!texture || !path || !texture->pixels)
             return fail("nfkSavePicture: %s null", !texture ? "the texture is"
                                                    : !path  ? "the path is"
