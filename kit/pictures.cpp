@@ -18,7 +18,7 @@
 
 #include <sys/stat.h>
 
-namespace nfk {
+namespace nfk::pictures {
 
 static_assert(std::endian::native == std::endian::little, "decoders write blue, green, red and alpha bytes as one word");
 
@@ -180,9 +180,11 @@ bool areExtras(const char *function, uint32_t extras)
 }
 
 } // namespace
-} // namespace nfk
+} // namespace nfk::pictures
 
-using namespace nfk;
+using namespace nfk::pictures;
+using nfk::fail;
+using nfk::guarded;
 
 Texture *nfkLoadPictureMemory(const void *bytes, size_t size, const char *name, uint32_t extras)
 {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <bit>
 
-namespace nfk {
+namespace nfk::pictures {
 namespace {
 
 constexpr uint32_t fileHeaderSize = 14;
@@ -165,4 +165,4 @@ bool decodeBmp(Bytes bytes, Canvas &canvas)
                                : readColour(canvas, header, rowAt);
 }
 
-} // namespace nfk
+} // namespace nfk::pictures

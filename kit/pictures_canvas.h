@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-namespace nfk {
+namespace nfk::pictures {
 
 struct Bytes {
     const uint8_t *data;
@@ -53,4 +53,4 @@ bool decodeBmp(Bytes file, Canvas &canvas);
 bool encodePng(FILE *file, const uint32_t *pixels, size_t pitch, uint32_t width, uint32_t height, bool alpha,
                std::string &reason);
 
-} // namespace nfk
+} // namespace nfk::pictures

@@ -8,7 +8,7 @@
 
 #include <jerror.h> // whose numbers depend on what jpeglib.h defines
 
-namespace nfk {
+namespace nfk::pictures {
 namespace {
 
 constexpr int maxScans = 100; // a small file can ask for any number of passes over a large picture
@@ -134,4 +134,4 @@ bool decodeJpeg(Bytes file, Canvas &canvas)
     return whole;
 }
 
-} // namespace nfk
+} // namespace nfk::pictures

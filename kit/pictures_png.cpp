@@ -10,7 +10,7 @@
 #include <new>
 #include <vector>
 
-namespace nfk {
+namespace nfk::pictures {
 namespace {
 
 constexpr png_alloc_size_t maxChunk = 8 << 20; // bytes of an unpacked text or profile, which nothing here looks at
@@ -158,4 +158,4 @@ bool encodePng(FILE *file, const uint32_t *pixels, size_t pitch, uint32_t width,
     return whole;
 }
 
-} // namespace nfk
+} // namespace nfk::pictures

@@ -3,7 +3,7 @@
 
 #include <webp/decode.h>
 
-namespace nfk {
+namespace nfk::pictures {
 namespace {
 
 const char *nameOf(VP8StatusCode status)
@@ -42,4 +42,4 @@ bool decodeWebp(Bytes file, Canvas &canvas)
     return status == VP8_STATUS_OK || canvas.refuse("%s", nameOf(status));
 }
 
-} // namespace nfk
+} // namespace nfk::pictures

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace nfk {
+namespace nfk::text {
 namespace {
 
 constexpr NfkTextStyle plain = {0xFFFFFFFF, 0, 0, NFK_ALIGN_START, 0, 0};
@@ -56,14 +56,14 @@ bool areThere(const char *function, const void *text, const void *out)
 }
 
 } // namespace
-} // namespace nfk
+} // namespace nfk::text
 
 using nfk::fail;
 using nfk::guarded;
 
 NfkText *nfkMakeText(NfkFont *font, const char *utf8, const NfkTextStyle *style)
 {
-    return guarded("nfkMakeText", [&] { return nfk::make("nfkMakeText", font, utf8, style).release(); });
+    return guarded("nfkMakeText", [&] { return nfk::text::make("nfkMakeText", font, utf8, style).release(); });
 }
 
 void nfkDeleteText(NfkText *text) { delete text; }
@@ -71,24 +71,24 @@ void nfkDeleteText(NfkText *text) { delete text; }
 int nfkMeasureText(NfkText *text, NfkTextSize *size)
 {
     return guarded("nfkMeasureText", [&]() -> int {
-        if (!nfk::areThere("nfkMeasureText", text, size))
+        if (!nfk::text::areThere("nfkMeasureText", text, size))
             return 0;
-        std::vector<nfk::Stamp> stamps;
-        if (!nfk::gather("nfkMeasureText", *text, -1, stamps))
+        std::vector<nfk::text::Stamp> stamps;
+        if (!nfk::text::gather("nfkMeasureText", *text, -1, stamps))
             return 0;
-        const nfk::Layout &layout = text->layout;
+        const nfk::text::Layout &layout = text->layout;
         const auto lines = static_cast<int32_t>(layout.lines.size());
         *size = {layout.width,   layout.lineHeight * lines, lines, static_cast<int32_t>(layout.glyphs.size()),
-                 layout.missing, nfk::boxOf(stamps)};
+                 layout.missing, nfk::text::boxOf(stamps)};
         return 1;
     });
 }
 
 int nfkGetTextLine(const NfkText *text, int32_t line, NfkTextLine *out)
 {
-    if (!nfk::areThere("nfkGetTextLine", text, out))
+    if (!nfk::text::areThere("nfkGetTextLine", text, out))
         return 0;
-    const nfk::Line *found = nfk::elementOf("nfkGetTextLine", "line", text->layout.lines, line);
+    const nfk::text::Line *found = nfk::text::elementOf("nfkGetTextLine", "line", text->layout.lines, line);
     if (!found)
         return 0;
     *out = {found->begin, found->end, found->x >> 6, (found->width + 63) >> 6, found->baseline, found->rightToLeft};
@@ -97,14 +97,14 @@ int nfkGetTextLine(const NfkText *text, int32_t line, NfkTextLine *out)
 
 int nfkGetTextGlyph(const NfkText *text, int32_t glyph, NfkTextGlyph *out)
 {
-    if (!nfk::areThere("nfkGetTextGlyph", text, out))
+    if (!nfk::text::areThere("nfkGetTextGlyph", text, out))
         return 0;
-    const nfk::PlacedGlyph *found = nfk::elementOf("nfkGetTextGlyph", "glyph", text->layout.glyphs, glyph);
+    const nfk::text::PlacedGlyph *found = nfk::text::elementOf("nfkGetTextGlyph", "glyph", text->layout.glyphs, glyph);
     if (!found)
         return 0;
     const auto &lines = text->layout.lines;
     const auto after = std::upper_bound(lines.begin(), lines.end(), glyph,
-                                        [](int32_t number, const nfk::Line &line) { return number < line.firstGlyph; });
+                                        [](int32_t number, const nfk::text::Line &line) { return number < line.firstGlyph; });
     *out = {found->glyph, found->face->family.c_str(), static_cast<int32_t>(after - lines.begin()) - 1, found->byte, found->x,
             found->y};
     return 1;
@@ -112,19 +112,19 @@ int nfkGetTextGlyph(const NfkText *text, int32_t glyph, NfkTextGlyph *out)
 
 int nfkGetTextCaret(const NfkText *text, int32_t byte, NfkRect *out)
 {
-    if (!nfk::areThere("nfkGetTextCaret", text, out))
+    if (!nfk::text::areThere("nfkGetTextCaret", text, out))
         return 0;
     if (byte < 0 || byte > text->length)
         return fail("nfkGetTextCaret: byte %d: the text has %d", int(byte), int(text->length));
     // The last line that begins at or before the byte, and its last caret that does; hanging spaces have that of the line's end.
-    const nfk::Layout &layout = text->layout;
+    const nfk::text::Layout &layout = text->layout;
     const auto line = std::upper_bound(layout.lines.begin(), layout.lines.end(), byte,
-                                       [](int32_t at, const nfk::Line &one) { return at < one.begin; }) -
+                                       [](int32_t at, const nfk::text::Line &one) { return at < one.begin; }) -
                       1;
     const auto first = layout.carets.begin() + line->firstCaret;
-    const auto caret =
-        std::upper_bound(first, first + line->caretCount, byte, [](int32_t at, const nfk::Caret &one) { return at < one.byte; }) -
-        1;
+    const auto caret = std::upper_bound(first, first + line->caretCount, byte,
+                                        [](int32_t at, const nfk::text::Caret &one) { return at < one.byte; }) -
+                       1;
     *out = {caret->x >> 6, static_cast<int32_t>(line - layout.lines.begin()) * layout.lineHeight, 0, layout.lineHeight};
     return 1;
 }
@@ -134,14 +134,14 @@ int nfkDrawText(NfkText *text, int32_t x, int32_t y, int32_t alpha, int32_t byte
     return guarded("nfkDrawText", [&]() -> int {
         if (!text)
             return fail("nfkDrawText: the text is null");
-        return nfk::draw("nfkDrawText", *text, x, y, alpha, bytes);
+        return nfk::text::draw("nfkDrawText", *text, x, y, alpha, bytes);
     });
 }
 
 int nfkWrite(NfkFont *font, const char *utf8, int32_t x, int32_t y, const NfkTextStyle *style)
 {
     return guarded("nfkWrite", [&]() -> int {
-        const std::unique_ptr<NfkText> text = nfk::make("nfkWrite", font, utf8, style);
-        return text && nfk::draw("nfkWrite", *text, x, y, 255, -1);
+        const std::unique_ptr<NfkText> text = nfk::text::make("nfkWrite", font, utf8, style);
+        return text && nfk::text::draw("nfkWrite", *text, x, y, 255, -1);
     });
 }

@@ -3,7 +3,7 @@
 
 #include "text_layout.h"
 
-namespace nfk {
+namespace nfk::text {
 
 // What is drawn of a text: its glyphs' rims, then the glyphs, at whole pixels from its top left.
 struct Stamp {
@@ -16,22 +16,22 @@ struct TextureRelease {
     void operator()(Texture *texture) const { DeleteTexture(texture); }
 };
 
-} // namespace nfk
+} // namespace nfk::text
 
 struct NfkText {
     // In this order, because the layout points to faces of the font.
-    std::shared_ptr<nfk::Font> font;
-    nfk::Layout layout;
+    std::shared_ptr<nfk::text::Font> font;
+    nfk::text::Layout layout;
     NfkTextStyle style;
     int32_t length; // bytes
 
     // The text as one picture, for a fade; the part of it that it shows, and where it stands.
-    std::unique_ptr<Texture, nfk::TextureRelease> layer;
+    std::unique_ptr<Texture, nfk::text::TextureRelease> layer;
     int32_t layerBytes = 0;
     NfkRect layerBox{};
 };
 
-namespace nfk {
+namespace nfk::text {
 
 // The stamps of a text's first bytes, all of them in the font's atlas. False with a text.
 bool gather(const char *function, const NfkText &text, int32_t bytes, std::vector<Stamp> &stamps);
@@ -41,4 +41,4 @@ NfkRect boxOf(const std::vector<Stamp> &stamps);
 
 bool draw(const char *function, NfkText &text, int32_t x, int32_t y, int32_t alpha, int32_t bytes);
 
-} // namespace nfk
+} // namespace nfk::text

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <new>
 
-namespace nfk {
+namespace nfk::text {
 namespace {
 
 struct GlyphRelease {
@@ -175,4 +175,4 @@ void Atlas::clear()
     slots_.clear();
 }
 
-} // namespace nfk
+} // namespace nfk::text

@@ -12,7 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace nfk {
+namespace nfk::text {
 
 class Face;
 
@@ -59,4 +59,4 @@ private:
     std::unordered_map<uint64_t, Slot> slots_;
 };
 
-} // namespace nfk
+} // namespace nfk::text

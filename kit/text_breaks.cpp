@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-namespace nfk {
+namespace nfk::text {
 namespace {
 
 bool isThai(char32_t character) { return character >= 0x0E00 && character <= 0x0E7F; }
@@ -51,4 +51,4 @@ std::vector<char> lineBreaks(std::span<const char32_t> paragraph, hb_language_t 
     return breaks;
 }
 
-} // namespace nfk
+} // namespace nfk::text

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <bit>
 
-namespace nfk {
+namespace nfk::text {
 namespace {
 
 uint32_t alphaOf(uint32_t color) { return color >> 24; }
@@ -203,4 +203,4 @@ bool draw(const char *function, NfkText &text, int32_t x, int32_t y, int32_t alp
     return makeLayer(function, text, stamps, bytes) && drawLayer(function, text, x, y, alpha);
 }
 
-} // namespace nfk
+} // namespace nfk::text

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace nfk {
+namespace nfk::text {
 namespace {
 
 Library openLibrary()
@@ -196,24 +196,24 @@ int32_t Font::ascent() const { return up(primary().face->size->metrics.ascender)
 int32_t Font::descent() const { return up(-primary().face->size->metrics.descender); }
 int32_t Font::lineHeight() const { return std::max({1, up(primary().face->size->metrics.height), ascent() + descent()}); }
 
-} // namespace nfk
+} // namespace nfk::text
 
 // ---- interface ----
 
 namespace {
 
-NfkFont *owned(std::shared_ptr<nfk::Font> font) { return font ? new NfkFont{std::move(font)} : nullptr; }
+NfkFont *owned(std::shared_ptr<nfk::text::Font> font) { return font ? new NfkFont{std::move(font)} : nullptr; }
 
 } // namespace
 
 NfkFont *nfkOpenFont(const char *name, int32_t pixels)
 {
-    return nfk::guarded("nfkOpenFont", [&] { return owned(nfk::Font::byName("nfkOpenFont", name, pixels)); });
+    return nfk::guarded("nfkOpenFont", [&] { return owned(nfk::text::Font::byName("nfkOpenFont", name, pixels)); });
 }
 
 NfkFont *nfkOpenFontFile(const char *path, int32_t face, int32_t pixels)
 {
-    return nfk::guarded("nfkOpenFontFile", [&] { return owned(nfk::Font::byFile("nfkOpenFontFile", path, face, pixels)); });
+    return nfk::guarded("nfkOpenFontFile", [&] { return owned(nfk::text::Font::byFile("nfkOpenFontFile", path, face, pixels)); });
 }
 
 void nfkCloseFont(NfkFont *font) { delete font; }
@@ -222,8 +222,8 @@ int nfkGetFontInfo(const NfkFont *font, NfkFontInfo *info)
 {
     if (!font || !info)
         return nfk::fail("nfkGetFontInfo: %s is null", font ? "the room for the result" : "the font");
-    const nfk::Font &own = *font->font;
-    const nfk::Face &face = own.primary();
+    const nfk::text::Font &own = *font->font;
+    const nfk::text::Face &face = own.primary();
     *info = {face.family.c_str(), face.style.c_str(), face.file.c_str(), face.index,
              own.found(),         own.ascent(),       own.descent(),     own.lineHeight()};
     return 1;

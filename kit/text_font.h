@@ -16,7 +16,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace nfk {
+namespace nfk::text {
 
 using Library = std::shared_ptr<FT_LibraryRec_>;
 
@@ -91,8 +91,8 @@ private:
     Atlas atlas_;
 };
 
-} // namespace nfk
+} // namespace nfk::text
 
 struct NfkFont {
-    std::shared_ptr<nfk::Font> font;
+    std::shared_ptr<nfk::text::Font> font;
 };

@@ -10,7 +10,7 @@
 #include <numeric>
 #include <stdexcept>
 
-namespace nfk {
+namespace nfk::text {
 namespace {
 
 static_assert(sizeof(char32_t) == sizeof(FriBidiChar));
@@ -456,4 +456,4 @@ Layout layOut(Font &font, std::string_view utf8, const NfkTextStyle &style)
     return layout;
 }
 
-} // namespace nfk
+} // namespace nfk::text

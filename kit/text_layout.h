@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace nfk {
+namespace nfk::text {
 
 // A glyph of a line, 26.6 from the text's top left, y down.
 struct PlacedGlyph {
@@ -40,4 +40,4 @@ struct Layout {
 // May throw std::bad_alloc.
 Layout layOut(Font &font, std::string_view utf8, const NfkTextStyle &style);
 
-} // namespace nfk
+} // namespace nfk::text

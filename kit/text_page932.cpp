@@ -10,7 +10,7 @@
 #include <cstring>
 #include <memory>
 
-namespace nfk {
+namespace nfk::text {
 namespace {
 
 using ninefold::glyph::undefined932;
@@ -69,13 +69,13 @@ const char *create(const char *function, const char *utf8, char *(*draw)(char *)
 }
 
 } // namespace
-} // namespace nfk
+} // namespace nfk::text
 
-const char *nfkCreateFontTexture(const char *utf8) { return nfk::create("nfkCreateFontTexture", utf8, CreateFontTexture); }
+const char *nfkCreateFontTexture(const char *utf8) { return nfk::text::create("nfkCreateFontTexture", utf8, CreateFontTexture); }
 
 const char *nfkCreateFontTextureFuchi(const char *utf8)
 {
-    return nfk::create("nfkCreateFontTextureFuchi", utf8, CreateFontTextureFuchi);
+    return nfk::text::create("nfkCreateFontTextureFuchi", utf8, CreateFontTextureFuchi);
 }
 
 int nfkEncodePage932(const char *utf8, char *out, uint32_t size)
@@ -88,7 +88,7 @@ int nfkEncodePage932(const char *utf8, char *out, uint32_t size)
         for (size_t at = 0; at < text.size();) {
             const char32_t character = nfk::nextCharacter(text, at);
             char bytes[3];
-            if (!nfk::encode(character, bytes))
+            if (!nfk::text::encode(character, bytes))
                 return nfk::fail("nfkEncodePage932: code page 932 has no U+%04X", static_cast<unsigned>(character));
             const size_t count = std::strlen(bytes);
             if (used + count >= size)
