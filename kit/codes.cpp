@@ -237,22 +237,23 @@ uint32_t nfkCodeOfName(const char *name)
             return nfk::fail("nfkCodeOfName: the name is null");
         Axes a{};
         const char *at = name;
+        std::string expected; // the words that could have stood here, of axes whose word may be left out too
         for (const Axis &axis : axes) {
             const size_t length = std::string(at).find('.');
             const std::string word(at, length == std::string::npos ? std::strlen(at) : length);
             const Value *const begin = axis.values, *const end = begin + axis.count;
             const Value *found = word.empty() ? end : std::find_if(begin, end, [&](const Value &v) { return word == v.word; });
-            if (found != end)
+            if (found != end) {
                 at += word.size() + (length == std::string::npos ? 0 : 1);
-            else
+                expected.clear();
+            } else {
                 found = std::find_if(begin, end, [](const Value &v) { return !*v.word; });
-            if (found == end) {
-                std::string words;
                 for (const Value *value = begin; value != end; ++value)
-                    words += (words.empty() ? "" : ", ") + std::string(value->word);
-                return nfk::fail("nfkCodeOfName: '%.80s': no %s where '%.40s' stands; there are %s", name, axis.name,
-                                 word.c_str(), words.c_str());
+                    expected += (expected.empty() || !*value->word ? "" : ", ") + std::string(value->word);
             }
+            if (found == end)
+                return nfk::fail("nfkCodeOfName: '%.80s': '%.40s' is no word for its place; there are %s", name, word.c_str(),
+                                 expected.c_str());
             a.*axis.field = found->value;
         }
         if (*at || (at > name && at[-1] == '.'))

@@ -36,21 +36,51 @@ constexpr NfkOptions defaults = {NINEFOLD_BLEND_ALPHA_FAST,
                                  {0, 0, 0, 0},
                                  nullptr};
 
-// The fields of rs from one to another, put back at the end of the scope.
+// The fields of rs from one to another, where they are wanted, put back at the end of the scope.
 template <size_t first, size_t end>
 class Fields {
-    char bytes[end - first];
+    alignas(16) char bytes[end - first];
+    const bool wanted;
+
+    // In pieces that do not overlap: a load across two stores that are still under way would wait for both.
+    static void copy(char *to, const char *from)
+    {
+        constexpr size_t size = end - first, tail = size / 16 * 16;
+#pragma GCC unroll 16
+        for (size_t at = 0; at < tail; at += 16)
+            std::memcpy(to + at, from + at, 16);
+        if constexpr (size & 8)
+            std::memcpy(to + tail, from + tail, 8);
+        if constexpr (size & 4)
+            std::memcpy(to + size - 4, from + size - 4, 4);
+        static_assert(size % 4 == 0);
+    }
 
 public:
-    Fields() { std::memcpy(bytes, reinterpret_cast<const char *>(&rs) + first, sizeof bytes); }
-    ~Fields() { std::memcpy(reinterpret_cast<char *>(&rs) + first, bytes, sizeof bytes); }
+    explicit Fields(bool kept) : wanted(kept)
+    {
+        if (wanted)
+            copy(bytes, reinterpret_cast<const char *>(&rs) + first);
+    }
+    ~Fields()
+    {
+        if (wanted)
+            copy(reinterpret_cast<char *>(&rs) + first, bytes);
+    }
     Fields(const Fields &) = delete;
     Fields &operator=(const Fields &) = delete;
 };
-// What nearly every draw sets, and the rest.
-using Geometry = Fields<offsetof(RenderState, zRef), offsetof(RenderState, uv1)>;
+// What every draw sets, and what only some do.
+using Triangle = Fields<offsetof(RenderState, zRef), offsetof(RenderState, uv1)>;
+using Corners = Fields<offsetof(RenderState, zRef), offsetof(RenderState, vertex) + 2 * sizeof(Vertex)>;
+using CornerTexels = Fields<offsetof(RenderState, uv0), offsetof(RenderState, uv0) + 2 * sizeof(TexCoord)>;
+using FirstTexture = Fields<offsetof(RenderState, tex0), offsetof(RenderState, uv1)>;
 using Factors = Fields<offsetof(RenderState, blendAlpha), offsetof(RenderState, scanShift)>;
-using Rest = Fields<offsetof(RenderState, uv1), offsetof(RenderState, prescaleMode)>;
+using Second = Fields<offsetof(RenderState, uv1), offsetof(RenderState, uv2)>;
+using RulePicture = Fields<offsetof(RenderState, uv2), offsetof(RenderState, lineTable0)>;
+using Operators = Fields<offsetof(RenderState, writeMask), offsetof(RenderState, drawMask)>;
+using Stipple = Fields<offsetof(RenderState, drawMask), offsetof(RenderState, ruleThreshold)>;
+using RuleTest = Fields<offsetof(RenderState, ruleThreshold), offsetof(RenderState, prescaleMode)>;
 using Mosaic = Fields<offsetof(RenderState, mosaicSize1), sizeof(RenderState)>;
 
 // The library's operators, by the setters that know them. Looked up once.
@@ -59,7 +89,7 @@ PixelOperator multiOperators[2][32];
 
 void findOperators()
 {
-    const Rest rest;
+    const Operators operators(true);
     const int32_t blend = rs.blendMode, multi = rs.blendModeMulti, bank = rs.prescaleMultiMode;
 #define FIND(name, value, word, meaning) SetBlendMode(value), blendOperators[value] = rs.blendFunc;
     NINEFOLD_BLEND_OPERATORS(FIND)
@@ -165,6 +195,9 @@ struct Draw {
         if ((o.blendAlpha | o.blendAlphaRgb | o.zRef) > 255 || o.prescale > 256 || o.prescaleMulti > 256)
             return fail("%s: blendAlpha %u, blendAlphaRgb %u and zRef %u go to 255, prescale %u and prescaleMulti %u to 256",
                         function, o.blendAlpha, o.blendAlphaRgb, o.zRef, o.prescale, o.prescaleMulti);
+        if (texture && ninefold::hasColoursOnly(axes.filter))
+            return fail("%s: filter %d draws colours and no texture; nfkFill and nfkGradient do, and nfkMesh without a texture",
+                        function, axes.filter);
         if (axes.shahei != NINEFOLD_SHAHEI_NONE && !planesReady())
             return false;
         if (ninefold::readsLevels(axes.filter) && texture && texture->mipCount < 2)
@@ -224,7 +257,8 @@ struct Draw {
     // Stores what the options say. The fields were kept before.
     void set() const
     {
-        rs.tex0 = texture;
+        if (texture)
+            rs.tex0 = texture;
         rs.zRef = options.zRef;
         rs.blendAlpha = options.blendAlpha;
         rs.blendAlphaRgb = options.blendAlphaRgb;
@@ -234,16 +268,17 @@ struct Draw {
             rs.mosaicSize1 = options.mosaicSize1;
             rs.mosaicSize = options.mosaicSize;
         }
-        if (rest)
-            setRest();
+        if (axes.multi == NINEFOLD_MULTI_TEXTURE)
+            rs.tex1 = options.tex1;
         else if (ninefold::readsLevels(axes.filter))
             rs.tex1 = nullptr; // would be read, and nobody has looked at it
+        if (rest)
+            setRest();
     }
 
     [[gnu::noinline]] void setRest() const
     {
         const NfkOptions &o = options;
-        rs.tex1 = axes.multi == NINEFOLD_MULTI_TEXTURE ? o.tex1 : nullptr;
         rs.writeMask = o.writeMask;
         if (axes.blend == NINEFOLD_BLEND_CUSTOM)
             rs.blendFunc = o.blend == NINEFOLD_BLEND_CUSTOM ? o.blendFunc : blendOperators[o.blend];
@@ -259,21 +294,29 @@ struct Draw {
     template <class Body>
     bool run(const Body &draw) const
     {
-        const Geometry geometry;
-        const Factors factors;
+        const bool triangle = axes.shape == NINEFOLD_SHAPE_TRIANGLE, picture = !triangle && texture;
+        const Triangle vertices(triangle);
+        const Corners corners(!triangle);
+        const CornerTexels texels(picture);
+        const FirstTexture first(picture);
+        const Factors factors(true);
         if (!rest && !mosaic && !ninefold::readsLevels(axes.filter)) {
             set();
             draw();
         } else
-            runKeepingAll(draw);
+            runKeepingMore(draw);
         return true;
     }
 
     template <class Body>
-    [[gnu::noinline]] void runKeepingAll(const Body &draw) const
+    [[gnu::noinline]] void runKeepingMore(const Body &draw) const
     {
-        const Rest others;
-        const Mosaic sizes;
+        const Second second(axes.multi == NINEFOLD_MULTI_TEXTURE || ninefold::readsLevels(axes.filter));
+        const Operators operators(rest);
+        const Stipple stipple(options.stipple >= 0);
+        const RulePicture rulePicture(axes.rule);
+        const RuleTest ruleTest(axes.rule);
+        const Mosaic sizes(mosaic);
         set();
         draw();
     }

@@ -86,8 +86,11 @@ TEST(Codes, RandomWordsAreNeverWrongAndNeverCrash)
         const uint32_t size = random() % 40;
         std::memset(small, 'x', sizeof small);
         ASSERT_EQ(nfkExplainCode(code, small, size), text.size());
-        if (size > 0)
-            ASSERT_EQ(text.substr(0, size - 1), small);
+        ASSERT_EQ(size > 0 ? text.substr(0, size - 1) : "",
+                  std::string(small, size > 0 ? std::min(text.size(), size_t{size - 1}) : 0));
+        if (size > 0) {
+            ASSERT_EQ(small[std::min(text.size(), size_t{size - 1})], 0);
+        }
         for (uint32_t at = size; at < sizeof small; ++at)
             ASSERT_EQ(small[at], 'x');
     }
@@ -105,7 +108,7 @@ TEST(Codes, ThereAreAsManyAsTheLibraryHas)
 
 TEST(Codes, NamesGoThereAndBack)
 {
-    EXPECT_EQ(nameOf(0x40769), "rect.stretch.point.alpha.tex1" + std::string()) << "the multi mode stands in the code";
+    EXPECT_EQ(nameOf(0x40769), "rect.stretch.point.alpha");
     size_t names = 0;
     for (uint32_t high = 0; high < 1u << 20; high += 3)
         for (uint32_t shape = 0; shape < 3; ++shape) {
@@ -128,7 +131,7 @@ TEST(Codes, WhatIsNoName)
         EXPECT_NE(std::string(nfkError()).find("nfkCodeOfName"), std::string::npos);
     }
     EXPECT_EQ(nfkCodeOfName(nullptr), 0u);
-    EXPECT_EQ(nfkCodeOfName("rect.stretch.point.copy"), 0x100369u);
+    EXPECT_EQ(nfkCodeOfName("rect.stretch.point.copy"), 0x40369u);
     EXPECT_STREQ(nameOf(0x369 | 9u << 21).c_str(), "") << "no filter 9";
     EXPECT_NE(std::string(nfkError()).find("filter 9 is none"), std::string::npos) << nfkError();
 }

@@ -41,6 +41,7 @@ struct Drawing {
 
     Drawing() : screen(nfkCreateScreen(width, height)), byHand(nfkCreateScreen(width, height))
     {
+        rs.originX = rs.originY = 0;
         texture = filled(50, 20), second = filled(16, 11), rule = filled(30, 30);
     }
     ~Drawing()
@@ -135,6 +136,10 @@ uint32_t set(const NfkOptions &o, Texture *texture, int32_t shape, int32_t rectO
     rs.tex1 = o.multi == NINEFOLD_MULTI_TEXTURE ? o.tex1 : nullptr;
     if (texture)
         std::copy(o.color, o.color + 4, rs.color);
+    // CreateDrawCodeSub drops what colours do not have; the kit says so, and a picture is not drawn by a filter of colours.
+    const bool colours = filter == NINEFOLD_FILTER_FLAT || filter == NINEFOLD_FILTER_GOURAUD;
+    if (colours && (texture || o.multi != NINEFOLD_MULTI_NONE))
+        return 3;
     return uint32_t(CreateDrawCodeSub(pers, rule, rs.prescaleMode, filter, rectOpt, o.shahei, rs.blendMode, o.multi, shape));
 }
 
@@ -145,7 +150,7 @@ void uvOf(TexCoord *uv, const NfkRect &part)
 }
 NfkRect secondPart(const NfkOptions &o)
 {
-    return o.source1.width ? o.source1 : NfkRect{0, 0, int32_t(o.tex1->origWidth), int32_t(o.tex1->origHeight)};
+    return !o.tex1 || o.source1.width ? o.source1 : NfkRect{0, 0, int32_t(o.tex1->origWidth), int32_t(o.tex1->origHeight)};
 }
 
 struct Counts {
@@ -314,8 +319,8 @@ TEST(Draws, Transitions)
 {
     rounds_of([](Drawing &d, Counts &counts, bool simple) {
         const NfkOptions o = d.options(simple);
-        const NfkRect target = from(0, 3) ? anyRect(50) : NfkRect{0, 0, 50, 20};
-        const bool noTarget = target.width == 50 && target.x == 0;
+        const bool noTarget = from(0, 3) == 0;
+        const NfkRect target = noTarget ? NfkRect{0, 0, 50, 20} : anyRect(50);
         const float t = float(from(0, 64)) / 64;
         const int32_t soft = from(0, 2) ? from(0, 255) : 0;
         compare(
@@ -401,8 +406,7 @@ TEST(Draws, LinesFillsAndGradients)
                         std::copy(colors.begin(), colors.begin() + 4, rs.color);
                     call(code);
                 }
-                // CreateDrawCodeSub drops a multi mode that colours do not have; the kit says so.
-                return o.multi == NINEFOLD_MULTI_NONE ? code : 3;
+                return code;
             },
             !simple);
     });
@@ -417,7 +421,7 @@ TEST(Draws, Meshes)
             o.perspective = from(0, 1);
         if (!textured)
             o.multi = NINEFOLD_MULTI_NONE, o.prescale = 256;
-        const uint32_t corners = 3 * uint32_t(from(0, 3)), vertexCount = indexed ? 7 : corners;
+        const uint32_t corners = 3 * uint32_t(from(indexed, 3)), vertexCount = indexed ? 7 : corners;
         std::vector<NfkMeshVertex> vertices(vertexCount);
         std::vector<uint32_t> indices(corners);
         for (NfkMeshVertex &v : vertices)
@@ -444,10 +448,7 @@ TEST(Draws, Meshes)
                     }
                     call(code);
                 }
-                return textured && o.filter >= NINEFOLD_FILTER_FLAT && o.filter <= NINEFOLD_FILTER_GOURAUD &&
-                               o.multi != NINEFOLD_MULTI_NONE
-                           ? 3
-                           : code;
+                return code;
             },
             !simple);
     });
@@ -481,9 +482,7 @@ TEST(Draws, TurnedPictures)
                     }
                     call(code);
                 }
-                return o.filter >= NINEFOLD_FILTER_FLAT && o.filter <= NINEFOLD_FILTER_GOURAUD && o.multi != NINEFOLD_MULTI_NONE
-                           ? 3
-                           : code;
+                return code;
             },
             !simple);
     });
@@ -504,7 +503,7 @@ TEST(Draws, TurnedPicturesDrawEachPixelOnce)
         const uint32_t *const pixels = d.screen->texture->pixels;
         ASSERT_EQ(*std::max_element(pixels, pixels + 64 * 40), 1u) << degrees;
         const auto area = std::count(pixels, pixels + 64 * 40, 1u);
-        ASSERT_NEAR(double(area), 50 * 0.8 * 20 * 0.9, 60) << degrees;
+        ASSERT_NEAR(double(area), 50 * 0.8 * 20 * 0.9, 90) << degrees;
     }
 }
 
@@ -527,6 +526,7 @@ TEST(Draws, RefusedWithAText)
     refused((o.blend = 1 << 20, nfkSprite(d.texture, 0, 0, nullptr, &o)), "blend 1048576");
     refused((o.blend = 3, nfkSprite(d.texture, 0, 0, nullptr, &o)), "blend 3 is none");
     refused((o.filter = 99, nfkSprite(d.texture, 0, 0, nullptr, &o)), "filter 99");
+    refused((o.filter = NINEFOLD_FILTER_FLAT, nfkSprite(d.texture, 0, 0, nullptr, &o)), "filter 6 draws colours");
     refused((o.filter = NINEFOLD_FILTER_MIP, nfkSprite(d.texture, 0, 0, nullptr, &o)), "RECT_UNIT has one texel a pixel");
     refused((o.blend = NINEFOLD_BLEND_CUSTOM, nfkSprite(d.texture, 0, 0, nullptr, &o)), "blendFunc, which is null");
     refused((o.multi = NINEFOLD_MULTI_TEXTURE, nfkSprite(d.texture, 0, 0, nullptr, &o)), "options->tex1, which is null");

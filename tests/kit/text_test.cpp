@@ -1,6 +1,6 @@
 // Text: order and shapes of glyphs in five writings, where lines end, what is measured against what is drawn, rims, fades, and the
 // library's own glyphs by UTF-8.
-#include <ninefold/kit.h>
+#include <ninefold/kit.hpp>
 
 #include <gtest/gtest.h>
 
@@ -720,6 +720,62 @@ TEST_F(KitText, LongTextsStayInTheirLimits)
     EXPECT_NE(std::string(nfkError()).find("higher than"), std::string::npos) << nfkError();
     const TextPtr wrappedText = make(text.substr(0, 1 << 16), wrapped(10000));
     EXPECT_GT(measure(wrappedText).lines, 100);
+}
+
+// Characters of many writings, marks, joiners, direction marks and broken bytes in any order: nothing is lost, nothing overlaps its
+// limits, and every byte has a caret.
+TEST_F(KitText, AnyBytesAreText)
+{
+    const char *const parts[] = {"a",      "V ",           "\u0628",      "\u0644\u0627", "\u0939\u093F", "\u094D", "\u0E01",
+                                 "\u0E35", "\u65E5",       "\u3002",      "\u0301",       "\u200D",       "\u200C", "\u202E",
+                                 "\u202C", "\u2067",       "\u2069",      "\u00AD",       "\U0001F600",   "\uFE0F", "\n",
+                                 "\xFF",   "\xE6",         "(",           "12",           "\t",           "   ",    "-",
+                                 "\u05D0", "\u1100\u1161", "\u0F40\u0F90"};
+    uint32_t state = 7;
+    const auto below = [&](uint32_t count) { return (state = state * 1664525 + 1013904223) >> 8, (state >> 8) % count; };
+    for (int round = 0; round < 1500; ++round) {
+        std::string utf8;
+        for (uint32_t i = below(30); i > 0; --i)
+            utf8 += parts[below(std::size(parts))];
+        NfkTextStyle style = wrapped(static_cast<int32_t>(below(4) ? below(200) : 0), static_cast<int32_t>(below(4)));
+        SCOPED_TRACE(testing::PrintToString(utf8) + " in " + std::to_string(style.width));
+        const TextPtr text = make(utf8, style);
+        ASSERT_TRUE(text);
+        const NfkTextSize size = measure(text);
+        int32_t next = 0;
+        for (const NfkTextLine &line : lines(text)) {
+            ASSERT_GE(line.begin, next);
+            ASSERT_LE(line.begin, line.end);
+            ASSERT_LE(line.width, size.width);
+            next = line.end;
+        }
+        ASSERT_LE(next, static_cast<int32_t>(utf8.size()));
+        for (int32_t byte = 0; byte <= static_cast<int32_t>(utf8.size()); ++byte) {
+            NfkRect box;
+            ASSERT_TRUE(nfkGetTextCaret(text.get(), byte, &box));
+            ASSERT_LT(box.y, size.height);
+        }
+        if (round % 10 == 0) {
+            ASSERT_TRUE(nfkDrawText(text.get(), 20, 20, 255, -1)) << nfkError();
+        }
+    }
+}
+
+TEST_F(KitText, Handles)
+{
+    nfk::Font own("DejaVu Sans", 24);
+    EXPECT_STREQ(own.info().family, "DejaVu Sans");
+    nfk::Text text(own, "handled");
+    EXPECT_EQ(text.size().width, widthOf("handled"));
+    nfk::Text moved = std::move(text);
+    moved.draw(10, 10);
+    const std::vector<uint32_t> drawn = pixels();
+    clear();
+    own.write("handled", 10, 10);
+    EXPECT_EQ(drawn, pixels());
+    EXPECT_THROW(nfk::Font("DejaVu Sans", 0), nfk::Error);
+    EXPECT_THROW(nfk::Text(own, nullptr), nfk::Error);
+    EXPECT_THROW(moved.draw(0, 0, 300), nfk::Error);
 }
 
 // ---- the library's own glyphs ----
