@@ -732,7 +732,10 @@ TEST_F(KitText, AnyBytesAreText)
                                  "\xFF",   "\xE6",         "(",           "12",           "\t",           "   ",    "-",
                                  "\u05D0", "\u1100\u1161", "\u0F40\u0F90"};
     uint32_t state = 7;
-    const auto below = [&](uint32_t count) { return (state = state * 1664525 + 1013904223) >> 8, (state >> 8) % count; };
+    const auto below = [&](uint32_t count) {
+        state = state * 1664525 + 1013904223;
+        return (state >> 8) % count;
+    };
     for (int round = 0; round < 1500; ++round) {
         std::string utf8;
         for (uint32_t i = below(30); i > 0; --i)
