@@ -514,14 +514,14 @@ int nfkLines(uint32_t count, const NfkPoint *ends, const uint32_t *colors, const
 {
     if ((!ends || !colors) && count > 0)
         return missing("nfkLines", "the ends or the colours are null");
-    for (uint32_t i = 0; i < 2 * count; ++i)
+    for (size_t i = 0; i < size_t{2} * count; ++i)
         if (!near(ends[i].x) || !near(ends[i].y))
-            return fail("nfkLines: end %u is at %d, %d; positions are below 2^29", i, ends[i].x, ends[i].y);
+            return fail("nfkLines: end %zu is at %d, %d; positions are below 2^29", i, ends[i].x, ends[i].y);
     Draw draw("nfkLines", options, nullptr, NINEFOLD_SHAPE_LINE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT);
     if (!draw.ready())
         return 0;
     return draw.run([&] {
-        for (uint32_t i = 0; i < count; ++i) {
+        for (size_t i = 0; i < count; ++i) {
             rs.vertex[0] = {ends[2 * i].x, ends[2 * i].y, 0};
             rs.vertex[1] = {ends[2 * i + 1].x, ends[2 * i + 1].y, 0};
             rs.color[0] = colors[i];

@@ -23,8 +23,8 @@ std::string explained(uint32_t code)
     return text;
 }
 
-// Whether the library has a kernel of its own for a code: the table is a list of records behind the kernel's address, which hosts
-// do not see, so by its fallbacks: a code that does not exist gives one of four answers, and so does the code that it names.
+// Whether the library has a kernel of its own for a code: one other than what it gives for codes that certainly do not exist. No
+// other code has the kernel of a default.
 struct Defaults {
     DrawFunc of[4];
     Defaults()
@@ -60,9 +60,9 @@ void check(uint32_t code)
 
 TEST(Codes, EveryCodeOfARectangleTriangleLineAndOfNoShape)
 {
-    // Everything from bit 8 up that a code of each shape can hold, with steps that are odd, so that each axis takes all values.
+    // Every value of the bits that axes have.
     for (uint32_t shape = 0; shape < 4; ++shape)
-        for (uint32_t high = shape; high < 1u << 20; high += 1) {
+        for (uint32_t high = shape; high < 1u << 20; ++high) {
             check(high << 8 | 0x68 | shape);
             if (HasFatalFailure())
                 return;
@@ -99,7 +99,6 @@ TEST(Codes, RandomWordsAreNeverWrongAndNeverCrash)
 TEST(Codes, ThereAreAsManyAsTheLibraryHas)
 {
     size_t count = 0;
-    std::vector<uint32_t> codes;
     for (uint32_t high = 0; high < 1u << 20; ++high)
         for (uint32_t shape = 0; shape < 4; ++shape)
             count += nfkCodeExists(high << 8 | 0x68 | shape);

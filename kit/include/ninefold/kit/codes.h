@@ -15,7 +15,7 @@ extern "C" {
 NINEFOLD_KIT_API int nfkCodeExists(uint32_t code);
 
 /* The code whose kernel SearchDrawFunc gives for `code`: itself where it exists, else the default of its shape. 0 where there is
- * none (the two low bits are 3). */
+ * none (the two low bits are 3). Code 0 counts as one that was not the first to be looked up. */
 NINEFOLD_KIT_API uint32_t nfkDrawnCode(uint32_t code);
 
 /* The readable name: words of axes.h joined by full stops: shape, rect option, filter, blend, Shahei mode, multi, pers, rule,
@@ -30,8 +30,8 @@ NINEFOLD_KIT_API uint32_t nfkCodeOfName(const char *name);
  * Returns how many it wrote. */
 NINEFOLD_KIT_API uint32_t nfkNearestCodes(uint32_t code, uint32_t *codes, uint32_t count);
 
-/* Several lines on one code: its name, each axis with its value, the value's name and meaning. Where the code does not exist, also
- * why: each rule that it breaks, what SearchDrawFunc draws instead, and the nearest codes that exist. */
+/* Several lines on one code: its name, each axis with its value, the value's name and meaning. Where the code does not exist,
+ * also why: each rule that it breaks, what SearchDrawFunc draws instead, and the nearest codes that exist. */
 NINEFOLD_KIT_API uint32_t nfkExplainCode(uint32_t code, char *buffer, uint32_t size);
 
 #ifdef __cplusplus

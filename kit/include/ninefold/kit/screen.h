@@ -25,8 +25,8 @@ NINEFOLD_KIT_API int nfkStart(void);
  * not been called. Null on failure. */
 NINEFOLD_KIT_API NfkScreen *nfkCreateScreen(int32_t width, int32_t height);
 
-/* Gives a screen another size; it is cleared as a new one. One that was selected stays so. Textures and planes are new: pointers to
- * the old ones end. On failure the screen is as it was. */
+/* Gives a screen another size; it is cleared as a new one. One that was selected stays so. Textures and planes are new:
+ * pointers to the old ones end. On failure the screen is as it was. */
 NINEFOLD_KIT_API int nfkResizeScreen(NfkScreen *screen, int32_t width, int32_t height);
 
 /* Makes `screen` what is drawn on: frame buffer, clip rectangle (all of the visible part) and both planes of rs. */
@@ -35,12 +35,12 @@ NINEFOLD_KIT_API int nfkSelectScreen(const NfkScreen *screen);
 /* Fills the texture with `color`, and frees every pixel of both planes: bits clear, bytes 255. */
 NINEFOLD_KIT_API int nfkClearScreen(NfkScreen *screen, uint32_t color);
 
-/* Frees a screen and all that is its own; null does nothing. Where it was selected, rs is left without frame buffer and planes and
- * with an empty clip rectangle, in which nothing draws. */
+/* Frees a screen and all that is its own; null does nothing. Where it was selected, rs is left without frame buffer and planes
+ * and with an empty clip rectangle, in which nothing draws. */
 NINEFOLD_KIT_API void nfkReleaseScreen(NfkScreen *screen);
 
-/* A texture over pixels of the host's own: width * height words, row after row without gaps, both powers of two. DeleteTexture ends
- * it and leaves the pixels, which must live as long. Null on failure. */
+/* A texture over pixels of the host's own: width * height words, row after row without gaps, both powers of two. DeleteTexture
+ * ends it and leaves the pixels, which must live as long. Null on failure. */
 NINEFOLD_KIT_API Texture *nfkTextureOver(uint32_t *pixels, int32_t width, int32_t height);
 
 #ifdef __cplusplus

@@ -28,10 +28,11 @@ extern "C" {
 /* Bytes of a pixel: 2, 3 or 4; 0 for no NFK_FORMAT_..., which fails. */
 NINEFOLD_KIT_API int32_t nfkFormatBytes(int32_t format);
 
-/* Copies the visible part of a screen to `pixels`, the top left of memory of width by height pixels whose rows are `pitch` bytes
- * apart, as a locked window texture or surface has it. What is wider or higher than the other is cut at the right and at the bottom; what
- * the screen does not reach stays as it is. A negative pitch goes upwards: `pixels` is then the start of the last row in memory.
- * Fails where a row does not fit into the pitch, and where address or pitch is no multiple of the words of the format. */
+/* Copies the visible part of a screen to `pixels`, the top left of memory of width by height pixels whose rows are `pitch`
+ * bytes apart, as a locked window texture or surface has it. What is wider or higher than the other is cut at the right and at
+ * the bottom; what the screen does not reach stays as it is. A negative pitch goes upwards: `pixels` is then the start of the
+ * last row in memory. Fails where a row does not fit into the pitch, and where address or pitch is no multiple of the words of
+ * the format. */
 NINEFOLD_KIT_API int nfkShow(const NfkScreen *screen, void *pixels, int32_t pitch, int32_t width, int32_t height, int32_t format);
 
 /* The same for a part of a texture, which must lie inside it: `pixels` is where the part's top left goes. */

@@ -4,13 +4,18 @@
 
 #include <ninefold/kit/api.h>
 
+/* clang-format off */
+
 /* What a field holds. X(NAME, value, word, meaning) */
-#define NFK_KINDS(X)                                                                                                             \
-    X(NFK_KIND_SIGNED, 0, "signed", "a signed integer")                                                                          \
-    X(NFK_KIND_UNSIGNED, 1, "unsigned", "an unsigned integer")                                                                   \
-    X(NFK_KIND_POINTER, 2, "pointer", "an address of data")                                                                      \
-    X(NFK_KIND_FUNCTION, 3, "function", "an address of a function")                                                              \
-    X(NFK_KIND_RECORD, 4, "record", "another of these records, named by type")
+#define NFK_KINDS(X) \
+    X(NFK_KIND_SIGNED,   0, "signed",   "a signed integer") \
+    X(NFK_KIND_UNSIGNED, 1, "unsigned", "an unsigned integer") \
+    X(NFK_KIND_POINTER,  2, "pointer",  "an address of data") \
+    X(NFK_KIND_FUNCTION, 3, "function", "an address of a function") \
+    X(NFK_KIND_RECORD,   4, "record",   "another of these records, named by type")
+
+/* clang-format on */
+
 enum { NFK_KINDS(NINEFOLD_ENUMERATOR) };
 
 /* A field of a record, as the kit's own compiler laid it out. */
