@@ -144,24 +144,24 @@ bool readColour(Canvas &canvas, const Header &header, auto &&rowAt)
 
 } // namespace
 
-bool decodeBmp(Bytes bytes, Canvas &canvas)
+bool decodeBmp(Bytes file, Canvas &canvas)
 {
-    const Reader file(bytes);
-    Header header;
-    if (!readHeader(file, canvas, header))
+    const Reader reader(file);
+    Header header{};
+    if (!readHeader(reader, canvas, header))
         return false;
     // Against the file first: it is cheaper than pixels for a size that is a lie.
     const uint64_t pitch = (uint64_t{header.width} * header.bits / 8 + 3) & ~uint64_t{3};
-    if (header.height != 0 && (header.pixelsAt > file.size() || pitch > (file.size() - header.pixelsAt) / header.height))
-        return canvas.refuse("it has %llu bytes, too few for %u by %u pixels", static_cast<unsigned long long>(file.size()),
+    if (header.height != 0 && (header.pixelsAt > reader.size() || pitch > (reader.size() - header.pixelsAt) / header.height))
+        return canvas.refuse("it has %llu bytes, too few for %u by %u pixels", static_cast<unsigned long long>(reader.size()),
                              header.width, header.height);
     if (!canvas.start(header.width, header.height))
         return false;
     const auto rowAt = [&](uint32_t y) {
-        return file.at(header.pixelsAt + pitch * (header.topDown ? y : header.height - 1 - y));
+        return reader.at(header.pixelsAt + pitch * (header.topDown ? y : header.height - 1 - y));
     };
-    return header.bits == 8    ? readIndexed(file, canvas, header, rowAt)
-           : header.bits == 32 ? readTrueColour(file, canvas, header, rowAt)
+    return header.bits == 8    ? readIndexed(reader, canvas, header, rowAt)
+           : header.bits == 32 ? readTrueColour(reader, canvas, header, rowAt)
                                : readColour(canvas, header, rowAt);
 }
 

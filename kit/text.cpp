@@ -38,8 +38,7 @@ std::unique_ptr<NfkText> make(const char *function, NfkFont *font, const char *u
     const size_t length = strnlen(utf8, size_t{NFK_TEXT_MAX_BYTES} + 1);
     if (length > NFK_TEXT_MAX_BYTES)
         return fail("%s: the text is longer than %d bytes: divide it", function, NFK_TEXT_MAX_BYTES), nullptr;
-    return std::unique_ptr<NfkText>(
-        new NfkText{font->font, layOut(*font->font, {utf8, length}, used), used, static_cast<int32_t>(length), nullptr});
+    return std::make_unique<NfkText>(font->font, layOut(*font->font, {utf8, length}, used), used, static_cast<int32_t>(length));
 }
 
 template <class Element>

@@ -19,11 +19,16 @@ struct TextureRelease {
 } // namespace nfk::text
 
 struct NfkText {
+    NfkText(std::shared_ptr<nfk::text::Font> itsFont, nfk::text::Layout itsLayout, const NfkTextStyle &itsStyle,
+            int32_t itsLength)
+        : font(std::move(itsFont)), layout(std::move(itsLayout)), style(itsStyle), length(itsLength)
+    {}
+
     // In this order, because the layout points to faces of the font.
     std::shared_ptr<nfk::text::Font> font;
     nfk::text::Layout layout;
-    NfkTextStyle style;
-    int32_t length; // bytes
+    const NfkTextStyle style;
+    const int32_t length; // bytes
 
     // The text as one picture, for a fade; the part of it that it shows, and where it stands.
     std::unique_ptr<Texture, nfk::text::TextureRelease> layer;

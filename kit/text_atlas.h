@@ -38,7 +38,7 @@ public:
     // Finds or draws a glyph, `phase` quarters of a pixel to the right and with a rim so wide (0: the glyph itself). Cleared: there
     // was no room left, so that older slots are void, and the glyph is the first of an empty atlas. Failed: it is larger than any
     // atlas, or FreeType cannot draw it. May throw std::bad_alloc.
-    Result find(const Face &face, uint32_t glyph, int32_t phase, int32_t rim, Slot &slot);
+    Result find(const Face &face, uint32_t index, int32_t phase, int32_t rim, Slot &slot);
 
     Texture *texture() const { return texture_.get(); }
 

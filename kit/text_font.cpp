@@ -49,9 +49,9 @@ int32_t up(FT_Pos value) { return static_cast<int32_t>((value + 63) >> 6); }
 
 // ---- faces ----
 
-Face::Face(Library library, const char *path, int number_, uint32_t place, FT_Face opened)
+Face::Face(Library library, const char *path, int place, uint32_t count, FT_Face opened)
     : file(path), family(opened->family_name ? opened->family_name : ""), style(opened->style_name ? opened->style_name : ""),
-      index(number_), number(place), face(opened), shaper(hb_ft_font_create_referenced(opened)), library_(std::move(library))
+      index(place), number(count), face(opened), shaper(hb_ft_font_create_referenced(opened)), library_(std::move(library))
 {
     hb_ft_font_set_load_flags(shaper, glyphLoadFlags);
 }

@@ -35,11 +35,11 @@ public:
     const std::string file, family, style;
     const int index;
     const uint32_t number;
-    FT_Face const face;
+    FT_FaceRec *const face;
     hb_font_t *const shaper;
 
 private:
-    Face(Library library, const char *file, int index, uint32_t number, FT_Face face);
+    Face(Library library, const char *path, int place, uint32_t count, FT_Face opened);
 
     const Library library_; // outlives the face
 };

@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (uint32_t y = 0; y < texture->height; ++y) {
         const uint32_t *row = texture->pixels + (size_t{y} << texture->log2Width);
         for (uint32_t x = 0; x < texture->width; ++x)
-            require(x < width && y < height || repeats ? row[x] == 0 || row[x] >> 24 : row[x] == 0);
+            require((x < width && y < height) || repeats ? row[x] == 0 || row[x] >> 24 : row[x] == 0);
     }
     require((texture->mipCount != 0) == ((extras & NFK_PICTURE_MIP_CHAIN) != 0));
 
