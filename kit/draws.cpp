@@ -287,7 +287,7 @@ struct Draw {
         if (o.stipple >= 0)
             SetPresetDrawMask(o.stipple);
         if (texture)
-            std::copy(o.color, o.color + 4, rs.color);
+            std::memcpy(rs.color, o.color, sizeof rs.color);
     }
 
     // Keeps rs, sets it, and calls `draw`, which sets the rest and calls the kernel as often as it likes.
@@ -567,7 +567,7 @@ int nfkGradient(const NfkRect *target, const uint32_t colors[4], const NfkOption
         return 0;
     return draw.run([&] {
         place(*target);
-        std::copy(colors, colors + 4, rs.color);
+        std::memcpy(rs.color, colors, sizeof rs.color);
         draw.callKernel();
     });
 }
