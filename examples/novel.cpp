@@ -42,27 +42,31 @@ nfk::Texture rings()
     return rule;
 }
 
-// The scene: which line is said since when, and since when its picture is there.
+// The scene: which line is said, and when its text and its picture began to appear.
 struct Scene {
-    int line = 0, lineFrame = 0, pictureFrame = -seconds;
+    int line = 0, textFrame = 0, pictureFrame = -seconds;
 
+    int length() const { return static_cast<int>(std::strlen(lines[line].text)); }
     bool wiping(int frame) const { return frame < pictureFrame + seconds; }
-    // A byte a frame.
-    int bytes(int frame) const { return std::max(0, frame - std::max(lineFrame, pictureFrame + seconds)); }
-    bool written(int frame) const { return bytes(frame) >= static_cast<int>(std::strlen(lines[line].text)); }
+    int bytes(int frame) const { return frame - textFrame; } // a byte a frame
+    bool written(int frame) const { return bytes(frame) >= length(); }
 
+    // Ends what is going on, or goes on to the next line.
     void click(int frame)
     {
-        if (wiping(frame))
+        if (wiping(frame)) {
             pictureFrame = frame - seconds;
-        else if (!written(frame))
-            lineFrame = frame - static_cast<int>(std::strlen(lines[line].text));
-        else {
-            const int before = line;
+            textFrame = frame;
+        } else if (!written(frame)) {
+            textFrame = frame - length();
+        } else {
+            const int before = lines[line].picture;
             line = (line + 1) % lineCount;
-            lineFrame = frame;
-            if (lines[line].picture != lines[before].picture)
+            textFrame = frame;
+            if (lines[line].picture != before) {
                 pictureFrame = frame;
+                textFrame = frame + seconds;
+            }
         }
     }
 };
@@ -86,9 +90,6 @@ void play(Window &window)
         while (nextEvent(&window, &event))
             if (event.type == SDL_MOUSEBUTTONDOWN || (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_SPACE))
                 scene.click(frame);
-        // Without a window nobody clicks: the scene goes on by itself, and its 90th frame is in the midst of a transition.
-        if (window.picture && frame % 20 == 0 && frame > 0 && !scene.wiping(frame))
-            scene.click(frame);
 
         const int now = lines[scene.line].picture;
         if (scene.wiping(frame)) {

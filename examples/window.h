@@ -12,7 +12,8 @@
  *     }
  *     return closeWindow(&window);
  *
- * With --picture FILE.png there is no window and no event, and SDL is not started: the last frame goes to the file.
+ * With --picture FILE.png there is no window, no event but the clicks of --click, and SDL is not started: the last frame goes to
+ * the file.
  */
 #ifndef WINDOW_H
 #define WINDOW_H
@@ -34,7 +35,9 @@ typedef struct Window {
     const char *pictures; /* folder */
     const char *picture; /* file of --picture; null: a window */
     int frames; /* to be drawn; 0: until the window is closed */
+    int click; /* of --click; 0: no clicks */
     int frame; /* number of the one that is being drawn, from 0 */
+    int clicked; /* the frame of the last click of --click */
     int closed, stopped, status; /* status: what main returns */
     NfkScreen *screen; /* what is drawn on */
     SDL_Window *window;
@@ -52,9 +55,10 @@ static inline int failed(Window *window, const char *why)
 
 static inline int readOptions(Window *window, int argc, char **argv)
 {
-    const char *usage = "usage: %s [--frames N] [--picture FILE.png] [--pictures FOLDER]\n"
+    const char *usage = "usage: %s [--frames N] [--picture FILE.png] [--click N] [--pictures FOLDER]\n"
                         "  --frames N         ends after N frames (with --picture: 90 unless told)\n"
                         "  --picture FILE.png opens no window; writes the last frame to the file\n"
+                        "  --click N          with --picture: clicks into the middle every N frames\n"
                         "  --pictures FOLDER  where the bitmaps are [%s]\n"
                         "Esc ends it. P stops it and writes the picture to %s.png; P again goes on.\n";
     for (int i = 1; i < argc; ++i) {
@@ -69,6 +73,8 @@ static inline int readOptions(Window *window, int argc, char **argv)
             window->pictures = value;
         else if (value && !strcmp(argv[i], "--frames") && atoi(value) > 0)
             window->frames = atoi(value);
+        else if (value && !strcmp(argv[i], "--click") && atoi(value) > 0)
+            window->click = atoi(value);
         else {
             fprintf(stderr, "%s: '%s' is no option, or lacks its value; --help lists them\n", window->name, argv[i]);
             window->status = 2;
@@ -137,6 +143,13 @@ static inline int nextEvent(Window *window, SDL_Event *event)
         else if (!window->stopped)
             return 1;
     }
+    if (window->picture && window->click && window->frame % window->click == 0 && window->clicked < window->frame) {
+        memset(event, 0, sizeof *event);
+        event->type = SDL_MOUSEBUTTONDOWN;
+        event->button.x = window->screen->width / 2, event->button.y = window->screen->height / 2;
+        window->clicked = window->frame;
+        return 1;
+    }
     return 0;
 }
 
@@ -145,9 +158,10 @@ static inline void standStill(Window *window)
 {
     char file[256];
     SDL_Event event;
+    const uint64_t since = SDL_GetPerformanceCounter();
     snprintf(file, sizeof file, "%s.png", window->name);
     if (nfkSavePicture(window->screen->texture, file, 0))
-        printf("%s: wrote %s\n", window->name, file), fflush(stdout);
+        printf("%s: wrote %s, %d frames\n", window->name, file, window->frame + 1), fflush(stdout);
     else
         failed(window, nfkError());
     while (window->stopped && !window->closed) {
@@ -156,6 +170,7 @@ static inline void standStill(Window *window)
         SDL_Delay(16);
     }
     window->next = SDL_GetPerformanceCounter();
+    window->began += window->next - since;
 }
 
 /* Shows the frame before and waits until the next one is due; 0 when the program is to end. */
