@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all check test tidy conform coverage fuzz mutate ports gallery bench clean
+.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs bench clean
 
 all:
 	scripts/setup build
@@ -17,7 +17,7 @@ check:
 
 # Tests and budgets, then the tests again under sanitizers.
 test:
-	scripts/setup build gallery kit
+	scripts/setup build gallery kit docs
 	JOBS=$(JOBS) scripts/test
 
 # clang-tidy over the files of today, or those whose path matches: make tidy ARGS=src/core.
@@ -53,6 +53,16 @@ gallery:
 	scripts/setup build gallery
 	$(release) --target gallery
 	build/gallery/gallery $(ARGS)
+
+# The examples' windows; without a display their pictures, in build/demo/.
+demo:
+	scripts/setup build kit
+	JOBS=$(JOBS) scripts/demo
+
+# The headers' manual as HTML, in build/docs/html/; with ARGS=--pictures also the pictures of docs/ (needs what demo needs).
+docs:
+	scripts/setup docs
+	scripts/docs $(ARGS)
 
 bench:
 	scripts/setup build bench

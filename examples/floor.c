@@ -21,6 +21,8 @@ enum {
     SLICES = 12 /* of a pillar */
 };
 
+static const double pi = 3.14159265358979;
+
 typedef struct Place {
     double x, depth; /* on the floor, units: to the right of the eye, and away from it */
 } Place;
@@ -74,11 +76,11 @@ static int drawPillar(Texture *stone, Place at)
     const int32_t middle = column(at), bottom = row(at.depth), radius = (int32_t)(LENS * 0.28 / at.depth);
     const int32_t top = bottom - (int32_t)(LENS * 2.4 / at.depth);
     for (int i = 0; i < SLICES; ++i) {
-        const double from = -cos(M_PI * i / SLICES), to = -cos(M_PI * (i + 1) / SLICES);
+        const double from = -cos(pi * i / SLICES), to = -cos(pi * (i + 1) / SLICES);
         const int32_t left = (int32_t)floor(middle + radius * from), right = (int32_t)floor(middle + radius * to);
         targets[i] = (NfkRect){left, top, right - left, bottom - top};
         sources[i] = (NfkRect){i * 64 / SLICES, 0, 64 / SLICES + 1, 128};
-        const uint32_t light = (uint32_t)(255 * (0.25 + 0.75 * fmax(0, sin(M_PI * (i + 3.5) / SLICES))));
+        const uint32_t light = (uint32_t)(255 * (0.25 + 0.75 * fmax(0, sin(pi * (i + 3.5) / SLICES))));
         colors[i] = 0xFF000000 | light << 16 | (light * 15 / 16) << 8 | light * 7 / 8;
     }
     NfkOptions options = nfkOptions();
@@ -101,7 +103,7 @@ static int drawHorse(Texture *horse, Place at, int left)
     const int32_t middle = column(at), bottom = row(at.depth);
     shadow[24] = (NfkMeshVertex){.x = middle, .y = bottom, .color = 0xB0000000};
     for (uint32_t i = 0; i < 24; ++i) {
-        const double angle = 2 * M_PI * i / 24;
+        const double angle = 2 * pi * i / 24;
         shadow[i] = (NfkMeshVertex){.x = middle + (int32_t)(LENS * 0.4 * cos(angle) / at.depth),
                                     .y = bottom + (int32_t)(LENS * 0.1 * sin(angle) / at.depth)};
         const uint32_t triangle[] = {24, i, (i + 1) % 24};

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# install.sh CMAKE BUILD_DIR CC CXX: the installed examples build by find_package and, by the command in each, by pkg-config, and draw.
+# install.sh CMAKE BUILD_DIR CC CXX: the installed examples build by find_package and, by the command in each, by pkg-config,
+# and draw.
 set -euo pipefail
 cmake=$1 build=$2 cc=$3 cxx=$4
 scratch=$(mktemp -d)
@@ -15,7 +16,9 @@ echo "find_package"
     >"$scratch/log" && "$cmake" --build "$scratch/examples" >>"$scratch/log" || { cat "$scratch/log"; exit 1; }
 
 echo "pkg-config"
-export PKG_CONFIG_PATH=$libraries/pkgconfig LD_LIBRARY_PATH=$libraries
+export PKG_CONFIG_PATH=$libraries/pkgconfig
+unset LD_LIBRARY_PATH
+rpath='-Wl,-rpath,$(pkg-config --variable=libdir ninefold)' # as the README says
 cd "$examples"
 for file in sprites.c novel.cpp floor.c; do
     name=${file%.*}
@@ -25,7 +28,7 @@ for file in sprites.c novel.cpp floor.c; do
     "c++ "*) command="$cxx -Wall -Wextra -Werror ${command#c++ }" ;;
     *) echo "$file names no command"; exit 1 ;;
     esac
-    eval "$command"
+    eval "$command $rpath"
     "./$name" --frames 20 --picture "$scratch/$name.png"
     "$scratch/examples/$name" --frames 20 --picture "$scratch/$name-cmake.png"
     "$build/examples/$name" --frames 20 --picture "$scratch/$name-build.png"
