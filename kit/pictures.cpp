@@ -92,7 +92,8 @@ Texture *Canvas::finish()
     fillOutside();
     try {
         if (extras_ & NFK_PICTURE_MIP_CHAIN) {
-            // The library takes it for granted that there is memory for the chain: a third of the pixels, asked for here as a whole.
+            // The library takes it for granted that there is memory for the chain: a third of the pixels, asked for here as a
+            // whole.
             std::unique_ptr<void, void (*)(void *)> room(std::malloc(size_t{texture_->width} * texture_->height / 3 * 4 + 65536),
                                                          std::free);
             if (!room)

@@ -31,8 +31,8 @@ public:
     bool refuse(const char *format, ...) noexcept __attribute__((format(printf, 2, 3)));
     const char *reason() const { return reason_; }
 
-    // Cleans up transparent pixels, fills the area outside, makes what else was asked for, and hands the texture over. Null, with the
-    // reason, if memory runs out.
+    // Cleans up transparent pixels, fills the area outside, makes what else was asked for, and hands the texture over. Null, with
+    // the reason, if memory runs out.
     Texture *finish();
 
 private:

@@ -19,8 +19,8 @@ class Face;
 // Shapes fit the rows of pixels but not the columns: glyphs stand where the advances of the design put them.
 constexpr FT_Int32 glyphLoadFlags = FT_LOAD_NO_BITMAP | FT_LOAD_TARGET_LIGHT;
 
-// A glyph's pixels in the atlas, without empty rows and columns around them. Its origin, in whole pixels, is `left` and `top` from
-// their top left corner, y down. Width 0: no pixels.
+// A glyph's pixels in the atlas, without empty rows and columns around them. Its origin, in whole pixels, is `left` and `top`
+// from their top left corner, y down. Width 0: no pixels.
 struct Slot {
     int32_t x = 0, y = 0, width = 0, height = 0;
     int32_t left = 0, top = 0;
@@ -35,9 +35,9 @@ class Atlas {
 public:
     enum class Result { Kept, Cleared, Failed };
 
-    // Finds or draws a glyph, `phase` quarters of a pixel to the right and with a rim so wide (0: the glyph itself). Cleared: there
-    // was no room left, so that older slots are void, and the glyph is the first of an empty atlas. Failed: it is larger than any
-    // atlas, or FreeType cannot draw it. May throw std::bad_alloc.
+    // Finds or draws a glyph, `phase` quarters of a pixel to the right and with a rim so wide (0: the glyph itself). Cleared:
+    // there was no room left, so that older slots are void, and the glyph is the first of an empty atlas. Failed: it is larger
+    // than any atlas, or FreeType cannot draw it. May throw std::bad_alloc.
     Result find(const Face &face, uint32_t index, int32_t phase, int32_t rim, Slot &slot);
 
     Texture *texture() const { return texture_.get(); }

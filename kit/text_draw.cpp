@@ -98,21 +98,21 @@ bool makeLayer(const char *function, NfkText &text, const std::vector<Stamp> &st
     const uint64_t pixels = std::bit_ceil(uint64_t(box.width)) * std::bit_ceil(uint64_t(box.height));
     if (pixels > uint64_t{maxAtlasSide} * maxAtlasSide)
         return fail("%s: %d by %d pixels are too many for a text that shines through", function, box.width, box.height);
-    text.layer.reset(CreateTexture(static_cast<unsigned long>(box.width), static_cast<unsigned long>(box.height)));
-    if (!text.layer->pixels) {
-        text.layer.reset();
+    std::unique_ptr<Texture, TextureRelease> layer(
+        CreateTexture(static_cast<unsigned long>(box.width), static_cast<unsigned long>(box.height)));
+    if (!layer->pixels)
         throw std::bad_alloc();
-    }
     const Texture &atlas = *text.font->atlas().texture();
     const std::vector<uint8_t> glyphs = coverageOf(atlas, stamps, box, false), rims = coverageOf(atlas, stamps, box, true);
-    ClearTexture(text.layer.get());
+    ClearTexture(layer.get());
     const uint8_t *glyph = glyphs.data(), *rim = rims.data();
     for (int32_t y = 0; y < box.height; ++y) {
-        uint32_t *to = text.layer->pixels + (static_cast<size_t>(y) << text.layer->log2Width);
+        uint32_t *to = layer->pixels + (static_cast<size_t>(y) << layer->log2Width);
         for (int32_t x = 0; x < box.width; ++x)
             *to++ = over(text.style.color, (*glyph++ * alphaOf(text.style.color) + 127) / 255, text.style.rimColor,
                          (*rim++ * alphaOf(text.style.rimColor) + 127) / 255);
     }
+    text.layer = std::move(layer);
     text.layerBox = box;
     text.layerBytes = bytes;
     return true;

@@ -1,5 +1,5 @@
-// Text: order and shapes of glyphs in five writings, where lines end, what is measured against what is drawn, rims, fades, and the
-// library's own glyphs by UTF-8.
+// Text: order and shapes of glyphs in five writings, where lines end, what is measured against what is drawn, rims, fades, and
+// the library's own glyphs by UTF-8.
 #include <ninefold/kit.hpp>
 
 #include <gtest/gtest.h>
@@ -726,8 +726,8 @@ TEST_F(KitText, LongTextsStayInTheirLimits)
     EXPECT_GT(measure(wrappedText).lines, 100);
 }
 
-// Characters of many writings, marks, joiners, direction marks and broken bytes in any order: nothing is lost, nothing overlaps its
-// limits, and every byte has a caret.
+// Characters of many writings, marks, joiners, direction marks and broken bytes in any order: nothing is lost, nothing overlaps
+// its limits, and every byte has a caret.
 TEST_F(KitText, AnyBytesAreText)
 {
     const char *const parts[] = {"a",      "V ",           "\u0628",      "\u0644\u0627", "\u0939\u093F", "\u094D", "\u0E01",

@@ -29,37 +29,38 @@ extern "C" {
 #endif
 
 /*
- * Loads a picture into a new texture, its top left pixel at (0, 0); origWidth and origHeight hold its size. Alpha is straight, that
- * is, colours are not multiplied by it; pixels with alpha 0 become the word 0, files without alpha give alpha 255. Channels come
- * as the file has them: colour profiles, gamma and the orientation that cameras note down have no effect. The area outside the
- * picture is 0.
+ * Loads a picture into a new texture, its top left pixel at (0, 0); origWidth and origHeight hold its size. Alpha is straight,
+ * that is, colours are not multiplied by it; pixels with alpha 0 become the word 0, files without alpha give alpha 255. Channels
+ * come as the file has them: colour profiles, gamma and the orientation that cameras note down have no effect. The area outside
+ * the picture is 0.
  *
  *   PNG   every kind; 16-bit channels are rounded to 8
  *   JPEG  baseline, progressive, grey and CMYK (as inks on white)
  *   WebP  still pictures, with and without loss and alpha
- *   BMP   8 bits with a palette, 24 and 32 bits, uncompressed, either way up. The fourth byte of a 32-bit pixel is its alpha, unless
- *         it is 0 in all of them or the file's masks leave it out
+ *   BMP   8 bits with a palette, 24 and 32 bits, uncompressed, either way up. The fourth byte of a 32-bit pixel is its alpha,
+ *         unless it is 0 in all of them or the file's masks leave it out
  *
  * The bytes decide what a file is; its name has no say. `extras` is a sum of NFK_PICTURE_...
  *
- * With NFK_PICTURE_EDGE the left half of what remains of each row repeats its last pixel, the right half its first one, which is to
- * the left of it when the texture wraps; the rows likewise. Bilinear stretches and mip levels then find the picture's own colours
- * beyond its edge instead of transparent black. There is always at least one column and one row on each side, so a picture of 256 by
- * 256 takes a texture of 512 by 512.
+ * With NFK_PICTURE_EDGE the left half of what remains of each row repeats its last pixel, the right half its first one, which is
+ * to the left of it when the texture wraps; the rows likewise. Bilinear stretches and mip levels then find the picture's own
+ * colours beyond its edge instead of transparent black. There is always at least one column and one row on each side, so a
+ * picture of 256 by 256 takes a texture of 512 by 512.
  *
- * Null, with a text in nfkError that names the file and the reason, for files that are cut short, damaged, of another kind or above
- * the limits, and when memory runs out. `path` goes to the system as it is; a null path is refused. The host releases the texture by
- * DeleteTexture.
+ * Null, with a text in nfkError that names the file and the reason, for files that are cut short, damaged, of another kind or
+ * above the limits, and when memory runs out. `path` goes to the system as it is; a null path is refused. The host releases the
+ * texture by DeleteTexture.
  */
 NINEFOLD_KIT_API Texture *nfkLoadPicture(const char *path, uint32_t extras);
 
-/* The same from `size` bytes in memory, which are not needed afterwards. `name` stands for the file in error texts; null: "memory". */
+/* The same from `size` bytes in memory, which are not needed afterwards. `name` stands for the file in error texts; null:
+ * "memory". */
 NINEFOLD_KIT_API Texture *nfkLoadPictureMemory(const void *bytes, size_t size, const char *name, uint32_t extras);
 
 /*
- * Writes the texture's picture, origWidth by origHeight pixels from its top left (no more than the texture has), as a PNG file of 8
- * bits a channel. With `alpha` 0 alpha is left out: what a frame buffer wants, whose alpha means nothing. Otherwise it is written as
- * straight alpha. Returns 1, or 0 with a text in nfkError; a file that could not be written whole is removed.
+ * Writes the texture's picture, origWidth by origHeight pixels from its top left (no more than the texture has), as a PNG file of
+ * 8 bits a channel. With `alpha` 0 alpha is left out: what a frame buffer wants, whose alpha means nothing. Otherwise it is
+ * written as straight alpha. Returns 1, or 0 with a text in nfkError; a file that could not be written whole is removed.
  */
 NINEFOLD_KIT_API int nfkSavePicture(const Texture *texture, const char *path, int alpha);
 

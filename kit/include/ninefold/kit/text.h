@@ -79,8 +79,8 @@ extern "C" {
 /*
  * Opens the face that fits `name` best, `pixels` high (the em, 1 to NFK_FONT_MAX_PIXELS). `name` is a family, or a family with
  * properties in fontconfig's way of writing: "DejaVu Sans:bold", "VL Gothic:lang=ja". Null or "" is the system's default. Where
- * there is no such family another face stands in, as nfkGetFontInfo says. Null, with a text, if the system has no font at all, and
- * for sizes out of range. A font is closed by nfkCloseFont.
+ * there is no such family another face stands in, as nfkGetFontInfo says. Null, with a text, if the system has no font at all,
+ * and for sizes out of range. A font is closed by nfkCloseFont.
  *
  * Characters that the face lacks come from the first other face that has them, in fontconfig's order for `name`; lang=... in it
  * decides which writing the signs come in that Chinese, Japanese and Korean share.
@@ -101,12 +101,12 @@ NINEFOLD_KIT_API int nfkGetFontInfo(const NfkFont *font, NfkFontInfo *info);
 NINEFOLD_KIT_API Texture *nfkGetFontAtlas(const NfkFont *font);
 
 /*
- * Lays out `utf8` (to its NUL; bytes that are not UTF-8 become U+FFFD each, or each broken character). Paragraphs end at line ends
- * of any kind; each has the direction of its first letter, and mixes right-to-left and left-to-right writing by the rules of
+ * Lays out `utf8` (to its NUL; bytes that are not UTF-8 become U+FFFD each, or each broken character). Paragraphs end at line
+ * ends of any kind; each has the direction of its first letter, and mixes right-to-left and left-to-right writing by the rules of
  * Unicode. Lines are wrapped by the rules of Unicode, within Thai text between words; a word too long for the width is broken
  * between characters. A tab is a space; other control characters are left out. A line end at the end of the text begins another,
- * empty line. `style` null: opaque white, no rim, no wrapping. Null, with a text, for null, for values out of range, and when memory
- * runs out.
+ * empty line. `style` null: opaque white, no rim, no wrapping. Null, with a text, for null, for values out of range, and when
+ * memory runs out.
  */
 NINEFOLD_KIT_API NfkText *nfkMakeText(NfkFont *font, const char *utf8, const NfkTextStyle *style);
 
@@ -124,11 +124,11 @@ NINEFOLD_KIT_API int nfkGetTextGlyph(const NfkText *text, int32_t glyph, NfkText
 NINEFOLD_KIT_API int nfkGetTextCaret(const NfkText *text, int32_t byte, NfkRect *out);
 
 /*
- * Draws a text with its top left at (x, y), relative to the origin of rs like any vertex, onto the frame buffer and within the clip
- * rectangle of rs, by blend NINEFOLD_BLEND_ALPHA_FAST; planes have no say. `alpha`, 0 to 255, fades all of it as one picture.
- * `bytes` says how much of the text appears, for text that writes itself: what stands for its first `bytes` bytes; negative: all of
- * it. Lines do not move meanwhile. rs is left as it was. Returns 1, or 0 with a text: no frame buffer, an argument out of range, a
- * glyph too large for an atlas, no memory.
+ * Draws a text with its top left at (x, y), relative to the origin of rs like any vertex, onto the frame buffer and within the
+ * clip rectangle of rs, by blend NINEFOLD_BLEND_ALPHA_FAST; planes have no say. `alpha`, 0 to 255, fades all of it as one
+ * picture. `bytes` says how much of the text appears, for text that writes itself: what stands for its first `bytes` bytes;
+ * negative: all of it. Lines do not move meanwhile. rs is left as it was. Returns 1, or 0 with a text: no frame buffer, an
+ * argument out of range, a glyph too large for an atlas, no memory.
  */
 NINEFOLD_KIT_API int nfkDrawText(NfkText *text, int32_t x, int32_t y, int32_t alpha, int32_t bytes);
 
@@ -136,10 +136,10 @@ NINEFOLD_KIT_API int nfkDrawText(NfkText *text, int32_t x, int32_t y, int32_t al
 NINEFOLD_KIT_API int nfkWrite(NfkFont *font, const char *utf8, int32_t x, int32_t y, const NfkTextStyle *style);
 
 /*
- * CreateFontTexture and CreateFontTextureFuchi for the UTF-8 character at `utf8`: they see the same character in code page 932, and
- * do with rs what they always do. Of several codes of one character the lowest is taken. Returns the next character. Null, with a
- * text and rs as it was, if code page 932 has no such character, if `utf8` or rs.tex0 is null; null, with a text and rs as the
- * library left it, if the atlas is full. A NUL is a character like any other.
+ * CreateFontTexture and CreateFontTextureFuchi for the UTF-8 character at `utf8`: they see the same character in code page 932,
+ * and do with rs what they always do. Of several codes of one character the lowest is taken. Returns the next character. Null,
+ * with a text and rs as it was, if code page 932 has no such character, if `utf8` or rs.tex0 is null; null, with a text and rs as
+ * the library left it, if the atlas is full. A NUL is a character like any other.
  */
 NINEFOLD_KIT_API const char *nfkCreateFontTexture(const char *utf8);
 NINEFOLD_KIT_API const char *nfkCreateFontTextureFuchi(const char *utf8);
