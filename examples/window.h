@@ -61,7 +61,7 @@ static inline int readOptions(Window *window, int argc, char **argv)
                         "  --click N          with --picture: clicks into the middle every N frames\n"
                         "  --pictures FOLDER  where the bitmaps are [%s]\n"
                         "Esc ends it. P stops it and writes the picture to %s.png; P again goes on.\n";
-    for (int i = 1; i < argc; ++i) {
+    for (int i = 1; i < argc; i += 2) {
         const char *value = i + 1 < argc ? argv[i + 1] : NULL;
         if (!strcmp(argv[i], "--help")) {
             printf(usage, window->name, PICTURES, window->name);
@@ -80,11 +80,28 @@ static inline int readOptions(Window *window, int argc, char **argv)
             window->status = 2;
             return 0;
         }
-        ++i;
     }
     if (window->picture && !window->frames)
         window->frames = 90;
     return 1;
+}
+
+/* Says how fast it went or writes the picture, and returns what main returns. */
+static inline int closeWindow(Window *window)
+{
+    if (window->picture && !window->status) {
+        if (nfkSavePicture(window->screen->texture, window->picture, 0))
+            printf("%s: wrote %s\n", window->name, window->picture);
+        else
+            failed(window, nfkError());
+    } else if (window->window && window->began) {
+        const double seconds = (double)(SDL_GetPerformanceCounter() - window->began) / (double)SDL_GetPerformanceFrequency();
+        printf("%s: %d frames, %.1f a second\n", window->name, window->frame, window->frame / seconds);
+    }
+    nfkReleaseScreen(window->screen);
+    if (window->window)
+        SDL_Quit(); /* window, renderer and texture go with it */
+    return window->status;
 }
 
 /* 0 where the program is to end with window->status. */
@@ -100,16 +117,22 @@ static inline int openWindow(Window *window, const char *name, int width, int he
         return failed(window, nfkError());
     if (window->picture)
         return 1;
-    if (SDL_Init(SDL_INIT_VIDEO))
-        return failed(window, SDL_GetError());
+    if (SDL_Init(SDL_INIT_VIDEO)) {
+        failed(window, SDL_GetError());
+        closeWindow(window);
+        return 0;
+    }
     window->window = SDL_CreateWindow(name, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width, height, SDL_WINDOW_RESIZABLE);
     if (window->window)
         window->renderer = SDL_CreateRenderer(window->window, -1, 0);
     /* The alpha of a frame buffer means nothing, so the window's format has none. */
     if (window->renderer)
         window->texture = SDL_CreateTexture(window->renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_STREAMING, width, height);
-    if (!window->texture)
-        return failed(window, SDL_GetError());
+    if (!window->texture) {
+        failed(window, SDL_GetError());
+        closeWindow(window);
+        return 0;
+    }
     SDL_RenderSetLogicalSize(window->renderer, width, height); /* a larger window shows the same pixels, larger */
     return 1;
 }
@@ -204,24 +227,6 @@ static inline void check(Window *window, int drawn)
         failed(window, nfkError());
         window->closed = 1;
     }
-}
-
-/* Says how fast it went or writes the picture, and returns what main returns. */
-static inline int closeWindow(Window *window)
-{
-    if (window->picture && !window->status) {
-        if (nfkSavePicture(window->screen->texture, window->picture, 0))
-            printf("%s: wrote %s\n", window->name, window->picture);
-        else
-            failed(window, nfkError());
-    } else if (window->window && window->began) {
-        const double seconds = (double)(SDL_GetPerformanceCounter() - window->began) / (double)SDL_GetPerformanceFrequency();
-        printf("%s: %d frames, %.1f a second\n", window->name, window->frame, window->frame / seconds);
-    }
-    nfkReleaseScreen(window->screen);
-    if (window->window)
-        SDL_Quit(); /* window, renderer and texture go with it */
-    return window->status;
 }
 
 /* A picture of the examples' folder; where it cannot be loaded the program ends. With `keyed` magenta becomes transparent. */

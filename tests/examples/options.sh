@@ -18,7 +18,7 @@ fails() {
     local expected=$1 words=$2 status=0
     shift 2
     "$program" "$@" >output 2>&1 || status=$?
-    [ $status = "$expected" ] && grep -q -- "$words" output || { echo "$*: status $status instead of $expected, said:"; cat output; exit 1; }
+    [ $status = "$expected" ] && grep -q -- "$words" output && ! grep "ERROR: " output || { echo "$*: status $status instead of $expected, said:"; cat output; exit 1; }
 }
 fails 0 "usage: " --help
 fails 2 "'--nonsense'" --nonsense
