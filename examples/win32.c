@@ -31,7 +31,7 @@ static void start(void)
     SetMultiMode(NINEFOLD_MULTI_NONE);
     format.bmiHeader.biSize = sizeof format.bmiHeader;
     format.bmiHeader.biWidth = (LONG)screen->width;
-    format.bmiHeader.biHeight = -(LONG)screen->height;
+    format.bmiHeader.biHeight = -HEIGHT;
     format.bmiHeader.biPlanes = 1;
     format.bmiHeader.biBitCount = 32;
 }
@@ -68,7 +68,7 @@ static LRESULT CALLBACK onMessage(HWND window, UINT message, WPARAM w, LPARAM l)
         PAINTSTRUCT paint;
         const HDC context = BeginPaint(window, &paint);
         draw();
-        SetDIBitsToDevice(context, 0, 0, WIDTH, HEIGHT, 0, 0, 0, screen->height, screen->pixels, &format, DIB_RGB_COLORS);
+        SetDIBitsToDevice(context, 0, 0, WIDTH, HEIGHT, 0, 0, 0, HEIGHT, screen->pixels, &format, DIB_RGB_COLORS);
         EndPaint(window, &paint);
     } else
         return DefWindowProcA(window, message, w, l);
@@ -81,7 +81,6 @@ static int writePicture(const char *path)
     BITMAPFILEHEADER header = {.bfType = 0x4D42, .bfOffBits = sizeof header + sizeof format.bmiHeader};
     FILE *file = fopen(path, "wb");
     draw();
-    format.bmiHeader.biHeight = -HEIGHT;
     format.bmiHeader.biWidth = WIDTH;
     header.bfSize = header.bfOffBits + WIDTH * HEIGHT * 4;
     int good = file && fwrite(&header, sizeof header, 1, file) && fwrite(&format.bmiHeader, sizeof format.bmiHeader, 1, file);
