@@ -30,8 +30,8 @@ typedef struct Place {
 static const Place pillars[] = {{-0.9, 2.2}, {1.4, 2.9}, {-2.6, 4.2}, {0.5, 5}, {3.6, 6}, {-1.2, 7.5}}; /* nearest first */
 static const int pillarCount = sizeof pillars / sizeof *pillars;
 
-static int32_t column(Place at) { return (int32_t)floor(WIDTH / 2 + LENS * at.x / at.depth); }
-static int32_t row(double depth) { return (int32_t)floor(HORIZON + LENS * EYE / 100 / depth); }
+static int32_t column(Place at) { return (int32_t)floor(WIDTH / 2.0 + LENS * at.x / at.depth); }
+static int32_t row(double depth) { return (int32_t)floor(HORIZON + LENS * EYE / 100.0 / depth); }
 /* What is nearer has the lower priority number; 255 is that of the empty plane. */
 static uint32_t priority(double depth) { return (uint32_t)fmin(254, depth * 20); }
 
@@ -132,7 +132,7 @@ int main(int argc, char **argv)
         while (nextEvent(&window, &event)) {
             if (event.type == SDL_MOUSEBUTTONDOWN && event.button.y > HORIZON + 30) {
                 goal.depth = LENS * EYE / 100.0 / (event.button.y - HORIZON);
-                goal.x = (event.button.x - WIDTH / 2) * goal.depth / LENS;
+                goal.x = (event.button.x - WIDTH / 2.0) * goal.depth / LENS;
             } else if (event.type == SDL_KEYDOWN) {
                 const SDL_Keycode key = event.key.keysym.sym;
                 goal.x += 0.4 * ((key == SDLK_RIGHT) - (key == SDLK_LEFT));
