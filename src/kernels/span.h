@@ -87,4 +87,26 @@ using HostBack = void (*)(const Span &, int first, int n, Chunk &, const HostMul
 // through and none of them lies on the soft edge of the rule. Gates only refuse.
 using Alike = int (*)(const Span &, int first, int n, bool &through);
 
+// The stretches of non-zero texels in `columns` pixels from a column of the texture on, by a row of its run-length map:
+// body(pixel, column, length).
+template <class Body>
+[[gnu::always_inline]] inline void forEachRun(const int8_t *map, uint32_t column, uint32_t maskU, int columns, Body &&body)
+{
+    for (int pixel = 0; columns > 0;) {
+        const int n = map[column];
+        if (n < 0) {
+            columns += n;
+            const int skip = int8_t(-n); // 128 zero texels do not fit: the row goes on 128 pixels further left
+            column = (column + uint32_t(skip)) & maskU;
+            pixel += skip;
+        } else {
+            const int length = n < columns ? n : columns;
+            columns -= n;
+            body(pixel, column, length);
+            column = (column + uint32_t(n)) & maskU;
+            pixel += length;
+        }
+    }
+}
+
 } // namespace ninefold

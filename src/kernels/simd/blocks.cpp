@@ -28,32 +28,101 @@ void rowsBlock(const Span &span, const Rows &rows)
     }
 }
 
+// As drawPixels, two vectors a turn.
+template <int blend, class Fetcher>
+NINEFOLD_LANE void drawRow(u32 *dst, int n, Fetcher &fetch, const ops::Factors &factors)
+{
+    for (; n >= 2 * lanes; n -= 2 * lanes, dst += 2 * lanes) {
+        drawVector<blend>(dst, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+        drawVector<blend>(dst + lanes, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+    }
+    drawPixels<blend>(dst, n, fetch, factors);
+}
+
 // Texels side by side.
 struct Texels : Tested {
     const u32 *at;
     NINEFOLD_INLINED explicit Texels(const u32 *first) : at(first) {}
     NINEFOLD_INLINED V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
+    NINEFOLD_INLINED void advance() { at += lanes; }
 };
 
-// Sprites. Where a row is at most one vector that does not go round the edge of the texture, it is drawn without a look at that.
+struct SpriteTexels : Texels {
+    using Sprite = void;
+    using Texels::Texels;
+};
+
+// Sprites, in stripes that end where the rows go round the edge of the texture.
 template <FusedKey key>
 void unitBlock(const Span &span, const Rows &rows)
 {
     const Source t = span.tex[0].level;
-    const int n = rows.columns;
-    const u32 column = span.tex[0].u.start & t.maskU;
-    if (n > lanes || t.maskU - column < u32(n - 1))
+    u32 column = span.tex[0].u.start & t.maskU;
+    // Rows of one or two vectors of 16 lanes gain nothing by it, and stripes of a small texture are short.
+    if ((lanes > 8 && rows.columns <= 2 * lanes) || (t.maskU < 63 && t.maskU - column < u32(rows.columns - 1)))
         return rowsBlock<key>(span, rows);
     const ops::Factors factors;
-    const u32 *const texels = t.pixels + column;
-    u32 *dst = span.dst;
-    u32 v = span.tex[0].v.start;
-    for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV) {
-        const Fading<Texels, key> fetch(texels + (size_t(v) << t.shift));
-        if (n == lanes)
-            drawVector<key.blend>(dst, Whole{}, Ungated{}, fetch, factors);
-        else
-            drawVector<key.blend>(dst, Begin{n}, Ungated{}, fetch, factors);
+    for (int first = 0, n; first < rows.columns; first += n, column = 0) {
+        n = rows.columns - first;
+        if (t.maskU - column < u32(n - 1))
+            n = int(t.maskU - column) + 1;
+        const auto forEachRow = [&](auto &&draw) NINEFOLD_INLINED {
+            const u32 *const texels = t.pixels + column;
+            u32 *dst = span.dst + first;
+            u32 v = span.tex[0].v.start;
+            for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV)
+                draw(dst, texels + (size_t(v) << t.shift));
+        };
+        if (n > lanes)
+            forEachRow([&](u32 *dst, const u32 *texels) NINEFOLD_INLINED {
+                Fading<SpriteTexels, key> fetch(texels);
+                drawRow<key.blend>(dst, n, fetch, factors);
+            });
+        else // no turns and no shortcuts, which cost more than they give
+            forEachRow([&](u32 *dst, const u32 *texels) NINEFOLD_INLINED {
+                const Fading<Texels, key> fetch(texels);
+                if (n == lanes)
+                    drawVector<key.blend>(dst, Whole{}, Ungated{}, fetch, factors);
+                else
+                    drawVector<key.blend>(dst, Begin{n}, Ungated{}, fetch, factors);
+            });
+    }
+}
+
+// Run-length rectangles: over holes, and through stretches that the map vouches for.
+struct RunTexels : Untested {
+    using Sprite = void;
+    const u32 *at;
+    NINEFOLD_INLINED explicit RunTexels(const u32 *first) : at(first) {}
+    NINEFOLD_INLINED V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
+    NINEFOLD_INLINED void advance() { at += lanes; }
+};
+
+template <FusedKey key>
+void runsBlock(const Span &span, const Rows &rows)
+{
+    const ops::Factors factors;
+    const Source t = span.tex[0].level;
+    const int8_t *const map = rs.tex0->runlengthMap;
+    Span s;
+    s.dst = span.dst, s.x = span.x, s.z = span.z;
+    u32 maskRow = rows.maskRow, v = span.tex[0].v.start;
+    for (int row = rows.count; row > 0; --row, s.dst += rows.pitch, v = (v + 1) & t.maskV) {
+        if constexpr (key.gate == Gate::mask || key.gate == Gate::zMask)
+            s.maskRow = rs.drawMask[maskRow++ & 15];
+        const size_t start = size_t(v) << t.shift;
+        forEachRun(map + start, span.tex[0].u.start, t.maskU, rows.columns, [&](int pixel, u32 column, int n) NINEFOLD_INLINED {
+            if constexpr (key.gate == Gate::none) {
+                Fading<RunTexels, key> fetch(t.pixels + start + column);
+                drawPixels<key.blend>(s.dst + pixel, n, fetch, factors);
+            } else {
+                s.run = t.pixels + start + column - pixel;
+                drawSpan<key>(s, pixel, n, factors);
+            }
+        });
+        s.z += rows.pitch;
     }
 }
 
@@ -119,10 +188,12 @@ constinit const std::array<Block, Blocks::count> blocks = arrayOf<Block, Blocks:
         return fillBlock;
     else if constexpr (key.blend == NINEFOLD_BLEND_CUSTOM)
         return hostBlock;
+    else if constexpr (key.sample.reading == Reading::run)
+        return runsBlock<key>;
     else if constexpr (key.gate != Gate::none || key.sample.reading == Reading::flat)
         return rowsBlock<key>;
     else if constexpr (key.sample.motion == Motion::unit)
-        return lanes <= 8 ? unitBlock<key> : rowsBlock<key>; // 16 lanes gain nothing by it
+        return unitBlock<key>;
     else
         return stretchBlock<Fading<ColumnsOf<key.sample.reading>, key>, key.blend>;
 });

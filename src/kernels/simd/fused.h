@@ -33,6 +33,13 @@ struct Begin {
 // In the place of a mask of free pixels: there is no gate.
 struct Ungated {};
 
+// Fetches of texels side by side, as they are drawn.
+template <class Fetcher>
+constexpr bool isSprite = requires
+{
+    typename Fetcher::Sprite;
+};
+
 // One vector of pixels.
 template <int blend, class Extent, class Free, class Fetcher>
 NINEFOLD_LANE void drawVector(u32 *dst, Extent extent, Free free, const Fetcher &fetch, const ops::Factors &factors)
@@ -57,9 +64,24 @@ NINEFOLD_LANE void drawVector(u32 *dst, Extent extent, Free free, const Fetcher 
         return;
     }
 #endif
-    const V d = extent.load(dst);
+    constexpr bool keepsByAlpha = blend == NINEFOLD_BLEND_ALPHA_FAST && isSprite<Fetcher> && !gated;
+    if constexpr (isSprite<Fetcher> && !gated && (blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_ALPHA_FAST)) {
+        // Most of a sprite is empty or opaque, in runs.
+        if (!isMixed(source, 0xFF000000)) {
+            if (any(topBit(source))) {
+                extent.store(dst, blend == NINEFOLD_BLEND_ALPHA_FAST ? source : ops::scaleRgb<false>(source, 255));
+                return;
+            }
+            if (keepsByAlpha || (Fetcher::tests && !any(live)))
+                return;
+        }
+    }
+    const V d = once(extent.load(dst));
     const V result = blended<blend, false>(d, source, factors);
-    extent.store(dst, every ? result : select(live, result, d));
+    if constexpr (every || keepsByAlpha)
+        extent.store(dst, result);
+    else
+        extent.store(dst, select(live, result, d));
 }
 
 // A fetch with prescale behind it.

@@ -28,6 +28,10 @@ struct ninefold::ops::Word<ninefold::NINEFOLD_SET::V> {
     static constexpr bool halves = true;
 
     NINEFOLD_LANE V mul16(V a, V b) { return NINEFOLD_SET::mul16(a, b); }
+    NINEFOLD_LANE V mulHigh16(V a, V b) { return NINEFOLD_SET::mulHigh16(a, b); }
+    NINEFOLD_LANE V down8(V a) { return NINEFOLD_SET::high8(a); }
+    NINEFOLD_LANE V up8(V a) { return NINEFOLD_SET::low8(a); }
+    NINEFOLD_LANE V alphas(V a) { return NINEFOLD_SET::alphas(a); }
     NINEFOLD_LANE V quotient(V a, uint32_t b)
     {
         const D divisor = b - D{};
