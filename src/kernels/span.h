@@ -52,13 +52,14 @@ struct Chunk {
     using Pixels = uint64_t[size / 64];
     const uint32_t *source; // source words: `words`, or texels where they lie in memory in order
     const uint32_t *second; // second operands of the multi stage: `seconds`, or texels
+    const uint32_t *rule; // rule values in the low bytes: `rules`, or texels
     Pixels live; // go on
     Pixels valid; // of them, those where tex1 has a second operand
     Pixels marks; // are marked in the planes
     alignas(64) uint32_t words[padded];
     alignas(64) uint32_t seconds[padded];
     alignas(64) uint32_t unmixed[padded]; // the level's own texel, beside a mix with the next level
-    alignas(64) uint32_t rule[padded]; // rule values
+    alignas(64) uint32_t rules[padded];
     const uint32_t *slip; // reading position of a run that moves by what the rule lets through
 };
 

@@ -211,33 +211,35 @@ NINEFOLD_INLINE W prescaled(W source, uint32_t factor)
 // ---- soft edges ----
 
 // The soft edge of a rule, as it stands in rs.
+template <class W>
 struct SoftEdge {
-    uint32_t threshold = uint32_t(rs.ruleThreshold), width = uint32_t(rs.ruleWidth);
+    W threshold = splat<W>(uint32_t(rs.ruleThreshold)), end = splat<W>(uint32_t(rs.ruleThreshold) + uint32_t(rs.ruleWidth));
+    typename Word<W>::Divisor width{uint32_t(rs.ruleWidth)};
     int32_t curve = rs.ruleCurve;
 
     [[gnu::always_inline]] SoftEdge() noexcept = default;
 };
 
-// The weight of the new pixel at rule values between the threshold and threshold + width.
+// The weight of the new pixel at rule values between the threshold and threshold + width: 0 to 255, whatever these are.
 template <class W>
-NINEFOLD_INLINE W softWeight(W value, const SoftEdge &edge)
+NINEFOLD_INLINE W softWeight(W value, const SoftEdge<W> &edge)
 {
-    const W w = Word<W>::quotient((value - edge.threshold) << 8, edge.width);
+    const W w = edge.width.into((value - edge.threshold) << 8);
     if (edge.curve == NINEFOLD_CURVE_FAST)
-        return 255u - ((255u - w) * (255u - w) >> 8);
-    return edge.curve == NINEFOLD_CURVE_SLOW ? w * w >> 8 : w;
+        return 255u - (Word<W>::mul16(255u - w, 255u - w) >> 8);
+    return edge.curve == NINEFOLD_CURVE_SLOW ? Word<W>::mul16(w, w) >> 8 : w;
 }
 
 // A pixel behind its blend, at a rule value that lets it through. One within the edge is mixed with what was there; none is where
 // the width is 0.
 template <class W>
-NINEFOLD_INLINE W softEdge(W d, W result, W value, const SoftEdge &edge)
+NINEFOLD_INLINE W softEdge(W d, W result, W value, const SoftEdge<W> &edge)
 {
-    const auto soft = Word<W>::greaterSigned(splat<W>(edge.threshold + edge.width), value);
+    const auto soft = Word<W>::greaterSigned(edge.end, value);
     if (!Word<W>::any(soft))
         return result;
     const W weight = softWeight(value, edge);
-    return Word<W>::select(soft, mixWide(d, result, weight, 255u - weight), result);
+    return Word<W>::select(soft, mixed(d, result, weight | weight << 16), result);
 }
 
 } // namespace ninefold::ops

@@ -32,7 +32,11 @@ struct Word<uint32_t> {
     NINEFOLD_INLINE static uint32_t up8(uint32_t a) { return a << 8 & 0xFF00FF00; }
     // Alpha in both halves.
     NINEFOLD_INLINE static uint32_t alphas(uint32_t a) { return (a >> 24) * 0x10001; }
-    NINEFOLD_INLINE static uint32_t quotient(uint32_t a, uint32_t b) { return a / b; }
+    // Divides words into quotients below 256.
+    struct Divisor {
+        uint32_t value;
+        NINEFOLD_INLINE uint32_t into(uint32_t a) const { return a / value; }
+    };
 
     NINEFOLD_INLINE static bool equal(uint32_t a, uint32_t b) { return a == b; }
     NINEFOLD_INLINE static bool greaterSigned(uint32_t a, uint32_t b) { return int32_t(a) > int32_t(b); }

@@ -149,7 +149,11 @@ NINEFOLD_LANE M equal(V a, V b) { return (M)(a == b); }
 NINEFOLD_LANE M greaterSigned(V a, V b) { return (M)((S)a > (S)b); }
 NINEFOLD_LANE M atLeast(V a, V b) { return (M)(a >= b); }
 NINEFOLD_LANE M topBit(V v) { return (M)((S)v >> 31); }
-NINEFOLD_LANE M lanesOf(u64 bits) { return isNotZero(splat(u32(bits)) & (splat(1) << iota())); }
+NINEFOLD_LANE M lanesOf(u64 bits)
+{
+    const V bit = splat(1) << iota();
+    return equal(splat(u32(bits)) & bit, bit);
+}
 NINEFOLD_LANE u32 bitsOf(M mask)
 {
 #if defined(__AVX2__)
