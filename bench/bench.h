@@ -6,6 +6,7 @@
 #include "core/catalogue.h"
 #include "map.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -15,13 +16,18 @@ namespace bench {
 
 constexpr int frameSize = 1024; // the frame buffer is square
 
-// What a texture holds. All are noise; only peers that want premultiplied sources read a copy.
+// What a texture holds. Noise and shapes that sprites have: noise alone would flatter, as no run of it is worth a shortcut. Only
+// peers that want premultiplied sources read a copy.
 enum class Content : uint8_t {
     opaque, // alpha 255
     key, // 30 % of the words are 0, the rest has alpha 255
     sprite, // 30 % zeros, 20 % alpha 255 or 0, the rest all alphas
     soft, // alphas 1 to 254
     sparse, // 70 % zeros, in runs
+    discs, // all over, in columns: a third 0, the rest alpha 255 but for a rim of three pixels; no row has 128 zeros side by side
+    discs32, // one in each cell of 32 by 32
+    discs64, // one in each cell of 64 by 64
+    cutouts, // a cup or a horse, cut out of the gallery's pictures, in each cell of 64 by 64
     count
 };
 
@@ -78,6 +84,8 @@ struct Work {
     int textureSize = frameSize;
     std::vector<Primitive> primitives; // drawn in turn; their number is a power of two
     std::vector<Map> maps; // of each primitive, where textured
+
+    bool weighsByAlpha() const { return blend == alpha || blend == alphaFast; }
 };
 
 enum class Role : uint8_t {
@@ -96,6 +104,7 @@ struct Contender {
     std::function<void()> prepare; // untimed, before each of its turns; may be empty
     std::function<void(long calls)> run; // timed; when it returns all pixels are in the frame buffer
     double patience = 1; // how much longer its turns are, so that what each costs at its end is spread
+    long cycle = 64; // a turn of more calls is a multiple of it, so that each turn draws every primitive alike
 };
 using Contenders = std::vector<Contender>;
 
@@ -138,7 +147,8 @@ Contender contender(std::string name, Role role, std::string note, const Work &w
                     draw(size_t(i & mask));
                 finish();
             },
-            1};
+            1,
+            std::max(64L, mask + 1)};
 }
 template <class Draw>
 Contender contender(std::string name, Role role, std::string note, const Work &work, Draw draw)

@@ -66,6 +66,34 @@ Job glyphJob()
     return job;
 }
 
+// Sprites as games have them, empty around, opaque within and soft at the rim; by their run-length map too.
+void addShapedSprites(std::vector<Job> &jobs)
+{
+    struct Row {
+        const char *name;
+        Content content;
+        int size, count;
+    };
+    constexpr Row rows[] = {{"discs", Content::discs, frameSize, 1},
+                            {"discs", Content::discs32, 32, 2048},
+                            {"discs", Content::discs64, 64, 512},
+                            {"cutouts", Content::cutouts, 64, 512}};
+    for (const Row &row : rows)
+        for (const int rectOpt : {NINEFOLD_RECT_UNIT, NINEFOLD_RECT_RUNS})
+            for (const Blend blend : {alpha, alphaFast}) {
+                seed();
+                Job job = rectangleJob(std::string(row.name) + (rectOpt == NINEFOLD_RECT_RUNS ? ".runs" : "") +
+                                           (blend == alpha ? ".alpha" : ".alphafast"),
+                                       Kind::blit, axesOf(NINEFOLD_SHAPE_RECTANGLE, rectOpt, NINEFOLD_FILTER_POINT, blend),
+                                       row.content, row.size);
+                if (row.count > 1)
+                    job.work.primitives = rectangles(row.count, row.size, row.size, job.work.textureSize, 1, row.size);
+                job.scalar = blend == alpha ? scalar::unitAlpha : scalar::unitAlphaFast;
+                job.note = rectOpt == NINEFOLD_RECT_RUNS ? "by the run-length map" : "";
+                jobs.push_back(job);
+            }
+}
+
 } // namespace
 
 void addSpriteJobs(std::vector<Job> &jobs)
@@ -84,6 +112,7 @@ void addSpriteJobs(std::vector<Job> &jobs)
             job.scalar = row.scalar;
             jobs.push_back(job);
         }
+    addShapedSprites(jobs);
     jobs.push_back(glyphJob());
     for (int size : {frameSize, 8, 16, 32})
         for (const StretchRow &row : stretchRows) {

@@ -29,7 +29,7 @@ double medianOf(std::vector<double> values)
     return *middle;
 }
 
-// Calls that fill a turn, a multiple of 64 where there are that many, so that each turn draws every primitive alike.
+// Calls that fill a turn, in whole cycles where one is longer than a handful of calls.
 long callsFor(const Contender &contender, double batchSeconds)
 {
     long calls = 1;
@@ -39,7 +39,8 @@ long callsFor(const Contender &contender, double batchSeconds)
         seconds = secondsOf(contender, calls);
     }
     calls = std::max(1L, long(double(calls) * batchSeconds / seconds));
-    return calls < 64 ? calls : (calls + 63) / 64 * 64;
+    const long cycle = contender.cycle;
+    return calls < 64 && cycle == 64 ? calls : (calls + cycle - 1) / cycle * cycle;
 }
 
 } // namespace
