@@ -104,6 +104,7 @@ struct Contender {
     std::function<void()> prepare; // untimed, before each of its turns; may be empty
     std::function<void(long calls)> run; // timed; when it returns all pixels are in the frame buffer
     double patience = 1; // how much longer its turns are, so that what each costs at its end is spread
+    double tolerance = 4; // most that its pixels may differ from ours on average, of 255
     long cycle = 64; // a turn of more calls is a multiple of it, so that each turn draws every primitive alike
 };
 using Contenders = std::vector<Contender>;
@@ -125,6 +126,7 @@ struct Job {
     std::function<void(Contenders &)> more; // contenders beside the common ones
     bool ownOnly = false; // no peer has it
     bool refused = false; // draws nothing, which is the point
+    bool cold = false; // every turn begins with nothing in the caches
     std::vector<double> samples; // nanoseconds of a call, taken before; in place of contenders
 
     const char *unitName() const { return unit ? unit : perCall ? "call" : "pixel"; }
@@ -148,6 +150,7 @@ Contender contender(std::string name, Role role, std::string note, const Work &w
                 finish();
             },
             1,
+            4,
             std::max(64L, mask + 1)};
 }
 template <class Draw>
@@ -169,6 +172,8 @@ Contenders contendersOf(const Job &job);
 // The library's contenders (one for each set that the machine has) and the scalar loop.
 void addOurs(const Job &job, Contenders &contenders);
 void addMemcpy(const Job &job, Contenders &contenders);
+
+int bestSet(); // of the library, on this machine and where contenders are held
 
 // A kernel of ours in the best set, in another role.
 Contender kernelAs(std::string name, Role role, const Job &job, const ninefold::Axes &axes, std::function<void()> setup);

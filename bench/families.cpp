@@ -150,7 +150,7 @@ int timeFamilies(const std::vector<std::string> &filters, const Effort &effort, 
             "bench: no code's name contains that; names read like rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale\n");
         return 2;
     }
-    ninefold::useSet(ninefold::usableSets() - 1);
+    ninefold::useSet(bestSet());
     fillFrame();
     const int rounds = std::max(effort.rounds / 5, 2);
     for (int round = 0; round < rounds; ++round)
@@ -248,7 +248,7 @@ int timeScale(const std::vector<std::string> &filters, const Effort &effort)
         rs.uv0[2] = {0, across};
         rs.uv0[3] = {across, across};
         rs.uv2[0] = {0, 0}, rs.uv2[1] = {whole, whole}, rs.uv2[2] = {0, whole};
-        ninefold::useSet(ninefold::usableSets() - 1);
+        ninefold::useSet(bestSet());
     };
     std::printf("%-26s", "ns/px");
     for (int size : sizes)

@@ -103,7 +103,10 @@ const Measured *Row::rival() const
     return yardstick ? yardstick : best(Role::peer);
 }
 
-double Row::unit(const Measured &measured) const { return measured.median() / (job.perCall ? 1 : job.pixels); }
+double Row::unit(const Measured &measured, double share) const
+{
+    return measured.quantile(share) / (job.perCall ? 1 : job.pixels);
+}
 
 void printHeading()
 {
@@ -142,15 +145,14 @@ void printSummary(const std::vector<Row> &rows)
 void writeCsv(const std::vector<Row> &rows, const std::filesystem::path &path)
 {
     std::ofstream out(path);
-    out << "job,contender,role,unit,median_ns,least_ns,to_memcpy,to_best_peer,goal,note\n";
+    out << "job,contender,role,unit,median_ns,p10_ns,p90_ns,to_memcpy,to_best_peer,goal,note\n";
     for (const Row &row : rows)
         for (const Measured &each : row.contenders) {
-            const double scale = row.job.perCall ? 1 : row.job.pixels;
             const Measured *memcpy = row.find(Role::memcpy), *rival = row.rival();
             out << row.job.name << ',' << each.name << ',' << roleName(each.role) << ',' << row.job.unitName() << ','
-                << row.unit(each) << ',' << each.least() / scale << ',' << (memcpy ? figure(ratio(each, *memcpy)) : "") << ','
-                << (rival ? figure(ratio(each, *rival)) : "") << ',' << row.job.goal << ",\"" << escaped(each.note, true)
-                << "\"\n";
+                << row.unit(each) << ',' << row.unit(each, 0.1) << ',' << row.unit(each, 0.9) << ','
+                << (memcpy ? figure(ratio(each, *memcpy)) : "") << ',' << (rival ? figure(ratio(each, *rival)) : "") << ','
+                << row.job.goal << ",\"" << escaped(each.note, true) << "\"\n";
         }
 }
 

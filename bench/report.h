@@ -15,7 +15,8 @@ struct Row {
     const Measured *best(Role role) const;
     const Measured *ours() const; // the best set that the machine has
     const Measured *rival() const; // what `goal` is measured by: the best peer, or the yardstick
-    double unit(const Measured &measured) const; // nanoseconds per pixel or per call
+    double unit(const Measured &measured,
+                double share = 0.5) const; // nanoseconds per pixel or per call: median or another quantile
 };
 
 void printHeading();

@@ -168,9 +168,14 @@ Surface frame() { return surface(frameBuffer()); }
 
 void fillFrame()
 {
-    std::mt19937 generator(1);
-    for (size_t i = 0; i < size_t(frameSize) * frameSize; ++i)
-        frameBuffer()->pixels[i] = smooth ? 0xFF406080 : 0xFF000000 | uint32_t(generator());
+    static const std::vector<uint32_t> picture = [] {
+        std::mt19937 generator(1);
+        std::vector<uint32_t> made(size_t(frameSize) * frameSize);
+        for (uint32_t &pixel : made)
+            pixel = smooth ? 0xFF406080 : 0xFF000000 | uint32_t(generator());
+        return made;
+    }();
+    std::copy(picture.begin(), picture.end(), frameBuffer()->pixels);
 }
 
 Texture *texture(Content content, int size) { return variant(content, size, false); }

@@ -1,4 +1,5 @@
 // libyuv: rows of vectors for whole planes.
+#include "../hold.h"
 #include "../scene.h"
 
 #include <libyuv.h>
@@ -16,6 +17,10 @@ uint8_t *bytes(const Surface &surface, int x, int y)
 
 void make(const Work &work, Contenders &contenders)
 {
+#if defined(__x86_64__) || defined(__i386__)
+    if (isHeldToV3())
+        libyuv::MaskCpuFlags(libyuv::kCpuHasAVX512BW - 1);
+#endif
     const Surface target = frame();
     const Primitive *const primitives = work.primitives.data();
     const int targetPitch = target.width * 4;
