@@ -23,7 +23,11 @@ enum class Content : uint8_t {
     key, // 30 % of the words are 0, the rest has alpha 255
     sprite, // 30 % zeros, 20 % alpha 255 or 0, the rest all alphas
     soft, // alphas 1 to 254
-    sparse, // 70 % zeros, in runs
+    holes10, // that many per cent of zeros in runs, the rest soft
+    holes30,
+    holes50,
+    holes70,
+    holes90,
     discs, // all over, in columns: a third 0, the rest alpha 255 but for a rim of three pixels; no row has 128 zeros side by side
     discs32, // one in each cell of 32 by 32
     discs64, // one in each cell of 64 by 64

@@ -7,6 +7,8 @@ namespace bench {
 
 constexpr int smallTexture = 256;
 constexpr int smallPrimitives = 64; // drawing positions of small primitives, in turn
+// Of cold rows: one that no second-level cache holds, and as many positions as make a turn long enough to be timed.
+constexpr int coldTexture = 2048, coldPrimitives = 1024;
 
 ninefold::Axes axesOf(int shape, int rectOpt, int filter, Blend blend);
 

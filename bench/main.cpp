@@ -3,6 +3,7 @@
 #include "families.h"
 #include "hold.h"
 #include "report.h"
+#include "scale.h"
 #include "scene.h"
 
 #include <algorithm>
@@ -21,7 +22,7 @@ constexpr const char *usage =
     "  --v3           hold the library and its peers to x86-64-v3 (AVX2); peers that cannot be are left out\n"
     "  --list         name the jobs and their contenders\n"
     "  --families     every draw code on 64 by 64 pixels; filters are parts of the codes' names\n"
-    "  --scale        some kernels from 64 by 64 to 4096 by 4096 pixels\n"
+    "  --scale        how some kernels' cost grows with pixels, primitives and textures, as curves in bench.html\n"
     "  --check[=DIR]  draw each job once by every contender and compare; write the frames into DIR\n";
 
 struct Options {
@@ -80,7 +81,7 @@ int run(const Options &options)
     if (options.families)
         return timeFamilies(options.filters, effort, besideProgram("families.csv"));
     if (options.scale)
-        return timeScale(options.filters, effort);
+        return timeScale(options.filters, effort, besideProgram("bench.html"));
     if (options.check)
         useSmoothPictures();
 

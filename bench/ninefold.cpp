@@ -180,6 +180,7 @@ void addMemcpy(const Job &job, Contenders &contenders)
     struct Block {
         uint32_t *to;
         size_t bytes, rows;
+        const uint32_t *from;
     };
     // Rectangles as they are, by rows; of other shapes half of the box; lines stretched out.
     std::vector<Block> blocks;
@@ -195,13 +196,14 @@ void addMemcpy(const Job &job, Contenders &contenders)
         if (line)
             width = std::max(width, rows), rows = 1, left = std::min(left, frameSize - width);
         uint32_t *const to = target.pixels + top * frameSize + left;
-        blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1}
-                                            : Block{to, size_t(width) * 4, size_t(rows)});
+        const uint32_t *const from = source.pixels + (work.kind == Kind::blit ? p.texelV() * source.width + p.texelU() : 0);
+        blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1, from}
+                                            : Block{to, size_t(width) * 4, size_t(rows), from});
     }
     contenders.push_back(contender("memcpy", Role::memcpy, "", work, [=](size_t i) {
         const Block &block = blocks[i];
         uint32_t *to = block.to;
-        const uint32_t *from = source.pixels;
+        const uint32_t *from = block.from;
         for (size_t row = 0; row < block.rows; ++row, to += frameSize, from += source.width)
             std::memcpy(to, from, block.bytes);
     }));

@@ -19,10 +19,23 @@ struct Row {
                 double share = 0.5) const; // nanoseconds per pixel or per call: median or another quantile
 };
 
+// Costs along a scale, in powers.
+struct Curve {
+    std::string name;
+    std::vector<double> costs; // one for each place of the chart
+};
+struct Chart {
+    std::string title, across, down; // what the axes count
+    std::vector<double> places;
+    std::vector<Curve> curves;
+};
+
 void printHeading();
 void printRow(const Row &row); // as soon as it is there
 void printSummary(const std::vector<Row> &rows);
 void writeCsv(const std::vector<Row> &rows, const std::filesystem::path &path);
 void writePage(const std::vector<Row> &rows, const std::filesystem::path &path);
+void printChart(const Chart &chart);
+void writePage(const std::vector<Chart> &charts, const std::filesystem::path &path);
 
 } // namespace bench

@@ -28,7 +28,11 @@ uint32_t noisePixel(std::mt19937 &generator, Content content)
     switch (content) {
     case Content::key: return dice < 30 ? 0 : 0xFF000000 | colour;
     case Content::sprite: return dice < 30 ? 0 : (dice < 40 ? 0xFF : dice < 50 ? 0 : alpha) << 24 | colour;
-    case Content::sparse:
+    case Content::holes10:
+    case Content::holes30:
+    case Content::holes50:
+    case Content::holes70:
+    case Content::holes90:
     case Content::soft: return (1 + alpha % 254) << 24 | colour;
     default: return 0xFF000000 | colour;
     }
@@ -106,11 +110,12 @@ uint32_t premultiply(uint32_t pixel)
     return alpha << 24 | channel(16) | channel(8) | channel(0);
 }
 
-// Holes of 20 to 100 pixels between islands that take 30 % in all, with the alphas of soft.
-void punch(Texture *texture, std::mt19937 &generator)
+// Holes of 20 to 100 pixels between islands that leave them that share of the whole.
+void punch(Texture *texture, uint32_t percent, std::mt19937 &generator)
 {
     for (uint32_t i = 0; i < texture->width * texture->height;) {
-        const uint32_t island = 10 + generator() % 32, hole = 20 + generator() % 80;
+        const uint32_t hole = 20 + generator() % 80, mean = 60 * (100 - percent) / percent;
+        const uint32_t island = 1 + mean / 2 + generator() % (mean + 1);
         for (uint32_t end = i + island + hole; i < end && i < texture->width * texture->height; ++i)
             if (i + hole >= end)
                 texture->pixels[i] = 0;
@@ -139,8 +144,8 @@ Texture *variant(Content content, int size, bool premultiplied)
         }
         if (content == Content::cutouts)
             cutOutAll(texture);
-        if (content == Content::sparse)
-            punch(texture, generator);
+        if (content >= Content::holes10 && content <= Content::holes90)
+            punch(texture, 10 + 20 * (uint32_t(content) - uint32_t(Content::holes10)), generator);
         CreateMipmapTexture(texture);
         CreateRunlengthMap(texture);
         CreateZeroPixelMap(texture);
