@@ -165,8 +165,7 @@ Contenders contendersOf(const Job &job)
     addOurs(job, contenders);
     if (!job.ownOnly)
         for (const auto &[name, make] : peers())
-            if ((!job.work.mipmapped || name == "osmesa") && // the others have no mip levels
-                !(name == "osmesa" && isHeldToV3() && hasMoreThanV3())) // which could only be held to less
+            if (!isLeftOut(name.c_str()) && (!job.work.mipmapped || name == "osmesa")) // the others have no mip levels
                 make(job.work, contenders);
     if (job.more)
         job.more(contenders);
