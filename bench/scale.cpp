@@ -250,8 +250,9 @@ int timeScale(const std::vector<std::string> &filters, const Effort &effort, con
     };
     if (!named(kernelsBySize()) && !named(smallKernels())) {
         std::fprintf(stderr, "bench: no kernel of --scale has a name that contains that; there are:");
-        for (const Named &kernel : kernelsBySize())
-            std::fprintf(stderr, " %s", kernel.name);
+        for (const auto &kernels : {kernelsBySize(), smallKernels()})
+            for (const Named &kernel : kernels)
+                std::fprintf(stderr, " %s", kernel.name);
         std::fprintf(stderr, "\n");
         return 2;
     }
