@@ -5,6 +5,7 @@
 #include "kernels/painter.h"
 
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace ninefold {
@@ -211,6 +212,17 @@ void drawRuns(Painter<multi> &painter, Span &s, int32_t columns)
                });
 }
 
+// Whether a row of a run-length rectangle's texture, of `rows` from v on, has a hole that moves it back.
+[[gnu::noinline]] inline bool movesBack(const Sampled &tex, int32_t rows)
+{
+    for (uint32_t k = 0; k < uint32_t(rows) && k <= tex.level.maskV; ++k) {
+        const size_t row = size_t((tex.v.start + k) & tex.level.maskV) << tex.level.shift;
+        if (std::memchr(rs.tex0->runlengthMap + row, -128, size_t(tex.level.maskU) + 1))
+            return true;
+    }
+    return false;
+}
+
 // Makes ready what a rectangle is drawn from, at its first row. False: nothing to draw. overlap: a source shares memory with what
 // is written.
 template <Frame f>
@@ -219,10 +231,13 @@ template <Frame f>
     if (!box.make())
         return false;
     Target target = targetOf(box.left, box.top, box.right, box.bottom, f.marks);
-    if constexpr (f.map == Map::runs) // it may move back, by as much as the row is wide
-        target.pixels = static_cast<const uint32_t *>(target.pixels) - (box.right - box.left) - 128;
     overlap = takeTextures<f>(s, target);
     walk0.start(box, s.tex[0]);
+    if constexpr (f.map == Map::runs) {
+        // It may move back, by as much as the row is wide; textures made one after the other lie that near.
+        target.pixels = static_cast<const uint32_t *>(target.pixels) - (box.right - box.left) - 128;
+        overlap = overlap || (target.overlaps(s.tex[0].level) && movesBack(s.tex[0], box.bottom - box.top));
+    }
     if constexpr (f.second())
         walk1.start(box, s.tex[1]);
     const size_t first = (size_t(uint32_t(box.top)) << rs.dstShift) + uint32_t(box.left);
@@ -244,8 +259,10 @@ template <Frame f>
 [[gnu::always_inline]] inline void drawBlock(PartIds ids, const Box &box, const Span &s, const RowWalk<f, 0> &walk)
 {
     const int32_t columns = box.right - box.left;
-    const InstructionSet &set = *(columns > 8 ? activeSets.any : activeSets.upTo8);
-    set.blocks[ids.entry - 1](s, {box.bottom - box.top, columns, rs.dstPitch, walk.stepV, uint32_t(box.top)});
+    const InstructionSet *set = columns > 8 ? activeSets.any : activeSets.upTo8;
+    if (f.walk == Walk::unit && columns < 8) // two vectors of 4 beat one of 8 with a masked store
+        set = activeSets.upTo4;
+    set->blocks[ids.entry - 1](s, {box.bottom - box.top, columns, rs.dstPitch, walk.stepV, uint32_t(box.top)});
 }
 
 // Row by row, by the painter.

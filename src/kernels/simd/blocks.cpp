@@ -7,9 +7,9 @@
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
-// Colours, and whatever has a gate.
+// Colours, whatever has a gate, and what is not worth more.
 template <FusedKey key>
-void rowsBlock(const Span &span, const Rows &rows)
+[[gnu::noinline]] void rowsBlock(const Span &span, const Rows &rows)
 {
     const ops::Factors factors;
     Span s; // what changes or is read per row, kept where it can stay in registers
@@ -28,19 +28,6 @@ void rowsBlock(const Span &span, const Rows &rows)
     }
 }
 
-// As drawPixels, two vectors a turn.
-template <int blend, class Fetcher>
-NINEFOLD_LANE void drawRow(u32 *dst, int n, Fetcher &fetch, const ops::Factors &factors)
-{
-    for (; n >= 2 * lanes; n -= 2 * lanes, dst += 2 * lanes) {
-        drawVector<blend>(dst, Whole{}, Ungated{}, fetch, factors);
-        fetch.advance();
-        drawVector<blend>(dst + lanes, Whole{}, Ungated{}, fetch, factors);
-        fetch.advance();
-    }
-    drawPixels<blend>(dst, n, fetch, factors);
-}
-
 // Texels side by side.
 struct Texels : Tested {
     const u32 *at;
@@ -48,22 +35,52 @@ struct Texels : Tested {
     NINEFOLD_INLINED V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
     NINEFOLD_INLINED void advance() { at += lanes; }
 };
-
 struct SpriteTexels : Texels {
     using Sprite = void;
     using Texels::Texels;
 };
+// Those that a map vouches for.
+struct RunTexels : SpriteTexels {
+    static constexpr bool tests = false;
+    using SpriteTexels::SpriteTexels;
+};
 
-// Sprites, in stripes that end where the rows go round the edge of the texture.
+// More than `lanes` texels side by side.
+template <class Fetcher, int blend>
+NINEFOLD_LANE void drawTexels(u32 *dst, const u32 *texels, int n, const ops::Factors &factors)
+{
+    Fetcher fetch(texels);
+    const int rest = n & (lanes - 1);
+    V last{};
+    // Masked stores are slow on many processors without AVX-512. What does not fill a vector is drawn in one that ends with the
+    // row, before anything of it is written.
+    if (lanes <= 8 && rest)
+        drawVector<blend>(dst + n - lanes, Later(last), Ungated{}, Fetcher(texels + n - lanes), factors);
+    u32 *const end = dst + n;
+    for (; end - dst >= 2 * lanes; dst += 2 * lanes) {
+        drawVector<blend>(dst, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+        drawVector<blend>(dst + lanes, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+    }
+    if (end - dst >= lanes) {
+        drawVector<blend>(dst, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+        dst += lanes;
+    }
+    if (lanes <= 8 && rest)
+        store(end - lanes, last);
+    else if (rest)
+        drawVector<blend>(dst, Begin{rest}, Ungated{}, fetch, factors);
+}
+
+// Sprites whose rows are more than a vector or go round the edge of the texture, in stripes that end there.
 template <FusedKey key>
-void unitBlock(const Span &span, const Rows &rows)
+[[gnu::noinline]] void wideBlock(const Span &span, const Rows &rows)
 {
     const Source t = span.tex[0].level;
-    u32 column = span.tex[0].u.start & t.maskU;
-    // Rows of one or two vectors of 16 lanes gain nothing by it, and stripes of a small texture are short.
-    if ((lanes > 8 && rows.columns <= 2 * lanes) || (t.maskU < 63 && t.maskU - column < u32(rows.columns - 1)))
-        return rowsBlock<key>(span, rows);
     const ops::Factors factors;
+    u32 column = span.tex[0].u.start & t.maskU;
     for (int first = 0, n; first < rows.columns; first += n, column = 0) {
         n = rows.columns - first;
         if (t.maskU - column < u32(n - 1))
@@ -76,29 +93,39 @@ void unitBlock(const Span &span, const Rows &rows)
                 draw(dst, texels + (size_t(v) << t.shift));
         };
         if (n > lanes)
+            forEachRow([&](u32 *dst, const u32 *texels)
+                           NINEFOLD_INLINED { drawTexels<Fading<SpriteTexels, key>, key.blend>(dst, texels, n, factors); });
+        else
             forEachRow([&](u32 *dst, const u32 *texels) NINEFOLD_INLINED {
-                Fading<SpriteTexels, key> fetch(texels);
-                drawRow<key.blend>(dst, n, fetch, factors);
-            });
-        else // no turns and no shortcuts, which cost more than they give
-            forEachRow([&](u32 *dst, const u32 *texels) NINEFOLD_INLINED {
-                const Fading<Texels, key> fetch(texels);
-                if (n == lanes)
-                    drawVector<key.blend>(dst, Whole{}, Ungated{}, fetch, factors);
-                else
-                    drawVector<key.blend>(dst, Begin{n}, Ungated{}, fetch, factors);
+                Fading<Texels, key> fetch(texels);
+                drawPixels<key.blend>(dst, n, fetch, factors);
             });
     }
 }
 
-// Run-length rectangles: over holes, and through stretches that the map vouches for.
-struct RunTexels : Untested {
-    using Sprite = void;
-    const u32 *at;
-    NINEFOLD_INLINED explicit RunTexels(const u32 *first) : at(first) {}
-    NINEFOLD_INLINED V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
-    NINEFOLD_INLINED void advance() { at += lanes; }
-};
+template <FusedKey key>
+void unitBlock(const Span &span, const Rows &rows)
+{
+    const Source t = span.tex[0].level;
+    const int n = rows.columns;
+    const u32 column = span.tex[0].u.start & t.maskU;
+    const bool inside = t.maskU - column >= u32(n - 1);
+    // Stripes of a small texture are short, and rows of one or two vectors of 16 lanes gain nothing.
+    if ((lanes > 8 && n <= 2 * lanes) || (!inside && t.maskU < 63))
+        return rowsBlock<key>(span, rows);
+    if (n > lanes || !inside)
+        return wideBlock<key>(span, rows);
+    const ops::Factors factors;
+    const u32 *const texels = t.pixels + column;
+    u32 *dst = span.dst;
+    u32 v = span.tex[0].v.start;
+    if (n == lanes)
+        for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV)
+            drawVector<key.blend>(dst, Whole{}, Ungated{}, Fading<Texels, key>(texels + (size_t(v) << t.shift)), factors);
+    else
+        for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV)
+            drawVector<key.blend>(dst, Begin{n}, Ungated{}, Fading<Texels, key>(texels + (size_t(v) << t.shift)), factors);
+}
 
 template <FusedKey key>
 void runsBlock(const Span &span, const Rows &rows)
@@ -115,8 +142,12 @@ void runsBlock(const Span &span, const Rows &rows)
         const size_t start = size_t(v) << t.shift;
         forEachRun(map + start, span.tex[0].u.start, t.maskU, rows.columns, [&](int pixel, u32 column, int n) NINEFOLD_INLINED {
             if constexpr (key.gate == Gate::none) {
-                Fading<RunTexels, key> fetch(t.pixels + start + column);
-                drawPixels<key.blend>(s.dst + pixel, n, fetch, factors);
+                const u32 *const texels = t.pixels + start + column;
+                Fading<RunTexels, key> fetch(texels);
+                if (n > lanes)
+                    drawTexels<Fading<RunTexels, key>, key.blend>(s.dst + pixel, texels, n, factors);
+                else
+                    drawPixels<key.blend>(s.dst + pixel, n, fetch, factors);
             } else {
                 s.run = t.pixels + start + column - pixel;
                 drawSpan<key>(s, pixel, n, factors);
