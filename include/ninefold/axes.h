@@ -66,10 +66,10 @@
 #define NINEFOLD_SHAHEIS(X) \
     X(NINEFOLD_SHAHEI_NONE,             0, "",        "every pixel") \
     X(NINEFOLD_SHAHEI_PLANE,            1, "plane",   "where plane and stipple are clear; drawn pixels are marked") \
-    X(NINEFOLD_SHAHEI_PLANE_PRIORITY,   2, "plane+z", "the same, and zBuffer is written") \
+    X(NINEFOLD_SHAHEI_PLANE_PRIORITY,   2, "plane+z", "where plane and stipple are clear; drawn pixels are marked, zRef goes to zBuffer") \
     X(NINEFOLD_SHAHEI_PRIORITY,         3, "z",       "where the priority is not below zRef") \
     X(NINEFOLD_SHAHEI_STIPPLE,          4, "mask",    "where the stipple is clear") \
-    X(NINEFOLD_SHAHEI_PRIORITY_STIPPLE, 5, "z+mask",  "where both let it through")
+    X(NINEFOLD_SHAHEI_PRIORITY_STIPPLE, 5, "z+mask",  "where the stipple is clear and the priority is not below zRef")
 
 /* SetBlendMode; its comment has the formulas. */
 #define NINEFOLD_BLENDS(X) \

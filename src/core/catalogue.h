@@ -1,8 +1,8 @@
-// The catalogue: which combinations of the nine axes exist, in which order, under which code and name. Nothing else in the
+// The catalogue: the combinations of the nine axes that exist (pairing.h), in their order, with code and name. Nothing else in the
 // library says what exists; counts, tables, names and kernels follow from here.
 #pragma once
 
-#include <ninefold/axes.h>
+#include "core/pairing.h"
 
 #include <array>
 #include <cstddef>
@@ -10,21 +10,6 @@
 #include <string>
 
 namespace ninefold {
-
-// One combination. Values are those of the mode setters, named in ninefold/axes.h.
-struct Axes {
-    uint8_t shape;
-    uint8_t pers;
-    uint8_t rule;
-    uint8_t prescale;
-    uint8_t filter;
-    uint8_t rectOpt;
-    uint8_t shahei;
-    uint8_t blend; // 0 to 12 without 3
-    uint8_t multi;
-
-    constexpr bool operator==(const Axes &) const = default;
-};
 
 // The values of each axis in table order, outermost axis first.
 namespace axis {
@@ -44,57 +29,6 @@ constexpr uint8_t blends[] = {NINEFOLD_BLENDS(NINEFOLD_VALUE)};
 constexpr uint8_t multis[] = {NINEFOLD_MULTIS(NINEFOLD_VALUE)};
 #undef NINEFOLD_VALUE
 } // namespace axis
-
-// What several values of an axis have in common. Colours: no texture, so no multi stage and no rect option.
-constexpr bool hasColoursOnly(int filter) { return filter == NINEFOLD_FILTER_FLAT || filter == NINEFOLD_FILTER_GOURAUD; }
-constexpr bool readsLevels(int filter)
-{
-    return filter == NINEFOLD_FILTER_MIP || filter == NINEFOLD_FILTER_MIP_BILINEAR || filter == NINEFOLD_FILTER_LINE_POINT ||
-           filter == NINEFOLD_FILTER_LINE_BILINEAR;
-}
-constexpr bool marksPlane(int shahei) { return shahei == NINEFOLD_SHAHEI_PLANE || shahei == NINEFOLD_SHAHEI_PLANE_PRIORITY; }
-constexpr bool testsPriority(int shahei)
-{
-    return shahei == NINEFOLD_SHAHEI_PRIORITY || shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE;
-}
-constexpr bool testsStipple(int shahei)
-{
-    return shahei == NINEFOLD_SHAHEI_STIPPLE || shahei == NINEFOLD_SHAHEI_PRIORITY_STIPPLE;
-}
-
-// The plane is for opaque work, the priority test for what is blended over it.
-constexpr bool pairExists(const Axes &a)
-{
-    return a.blend == NINEFOLD_BLEND_COPY ? !testsPriority(a.shahei) : !marksPlane(a.shahei);
-}
-
-constexpr bool multiExists(const Axes &a) { return a.multi == NINEFOLD_MULTI_NONE || !hasColoursOnly(a.filter); }
-
-// Whether shape, pers, rule, prescale, filter and rect option go together; Shahei mode, blend and multi are not looked at.
-constexpr bool familyExists(const Axes &a)
-{
-    const bool colours = hasColoursOnly(a.filter);
-    if (a.shape == NINEFOLD_SHAPE_LINE)
-        return colours && a.rectOpt == NINEFOLD_RECT_NONE && !a.rule && !a.pers;
-    if (a.shape == NINEFOLD_SHAPE_TRIANGLE)
-        return a.rectOpt == NINEFOLD_RECT_NONE && !(colours && a.prescale);
-    if (a.pers || (a.rectOpt == NINEFOLD_RECT_NONE) != colours)
-        return false;
-    if (a.rectOpt == NINEFOLD_RECT_UNIT)
-        return !readsLevels(a.filter);
-    if (a.rectOpt == NINEFOLD_RECT_RUNS || a.rectOpt == NINEFOLD_RECT_PLANE_RUNS)
-        return a.filter == NINEFOLD_FILTER_POINT;
-    return true;
-}
-
-constexpr bool exists(const Axes &a)
-{
-    if (a.rectOpt == NINEFOLD_RECT_RUNS && marksPlane(a.shahei))
-        return false;
-    if (a.rectOpt == NINEFOLD_RECT_PLANE_RUNS && !marksPlane(a.shahei))
-        return false;
-    return familyExists(a) && pairExists(a) && multiExists(a);
-}
 
 constexpr uint32_t codeOf(const Axes &a)
 {

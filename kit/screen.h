@@ -1,0 +1,8 @@
+#pragma once
+
+namespace nfk {
+
+// By nfkStart.
+extern bool started;
+
+} // namespace nfk

@@ -1,0 +1,3 @@
+#include <ninefold/kit/state.h>
+
+RenderState *nfkState(void) { return &rs; }
