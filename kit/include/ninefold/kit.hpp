@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -119,6 +120,53 @@ public:
 
 private:
     NfkScreen *screen_;
+};
+
+// Owns a font.
+class Font {
+public:
+    Font(const char *name, int32_t pixels) : Font(nfkOpenFont(name, pixels)) {}
+    // Takes over one from nfkOpenFont or nfkOpenFontFile; throws where that is null.
+    explicit Font(NfkFont *font) : font_(checked(font), nfkCloseFont) {}
+
+    NfkFontInfo info() const
+    {
+        NfkFontInfo info;
+        checked(nfkGetFontInfo(font_.get(), &info));
+        return info;
+    }
+    void write(const char *utf8, int32_t x, int32_t y, const NfkTextStyle *style = nullptr)
+    {
+        checked(nfkWrite(font_.get(), utf8, x, y, style));
+    }
+    NfkFont *get() const { return font_.get(); }
+
+private:
+    std::unique_ptr<NfkFont, void (*)(NfkFont *)> font_;
+};
+
+// Owns a text.
+class Text {
+public:
+    Text(const Font &font, const char *utf8, const NfkTextStyle *style = nullptr)
+        : text_(checked(nfkMakeText(font.get(), utf8, style)), nfkDeleteText)
+    {}
+
+    NfkTextSize size() const
+    {
+        NfkTextSize size;
+        checked(nfkMeasureText(text_.get(), &size));
+        return size;
+    }
+    // See nfkDrawText.
+    void draw(int32_t x, int32_t y, int32_t alpha = 255, int32_t bytes = -1)
+    {
+        checked(nfkDrawText(text_.get(), x, y, alpha, bytes));
+    }
+    NfkText *get() const { return text_.get(); }
+
+private:
+    std::unique_ptr<NfkText, void (*)(NfkText *)> text_;
 };
 
 } // namespace nfk
