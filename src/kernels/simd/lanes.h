@@ -239,11 +239,11 @@ NINEFOLD_LANE V bothHalves(V a) { return a | a << 16; }
 NINEFOLD_LANE V alphas(V a)
 {
 #if defined(__AVX2__)
-    constexpr long long low = 0x8007800780038003ll, high = 0x800F800F800B800Bll;
+    constexpr u64 low = 0x8007800780038003, high = 0x800F800F800B800B;
 #if defined(__AVX512F__)
-    return (V)_mm512_shuffle_epi8((__m512i)a, _mm512_set_epi64(high, low, high, low, high, low, high, low));
+    return (V)_mm512_shuffle_epi8((__m512i)a, (__m512i)D{low, high, low, high, low, high, low, high});
 #else
-    return (V)_mm256_shuffle_epi8((__m256i)a, _mm256_set_epi64x(high, low, high, low));
+    return (V)_mm256_shuffle_epi8((__m256i)a, (__m256i)D{low, high, low, high});
 #endif
 #else
     return bothHalves(a >> 24);
