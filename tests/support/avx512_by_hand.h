@@ -170,5 +170,6 @@ inline __m512i multiplyLow(__m512i a, __m512i b) { return (__m512i)(((Pairs)a & 
 #define _mm512_shuffle_ps avx512_by_hand::shuffle
 #define _mm512_test_epi32_mask avx512_by_hand::testWords
 
+#define NINEFOLD_LANES_BY_HAND 1
 #define __AVX512F__ 1
 #define __AVX512BW__ 1

@@ -81,7 +81,7 @@ NINEFOLD_LANE void store(u32 *p, V v) { __builtin_memcpy(p, &v, sizeof v); }
 // Keeps a loaded vector in its register. g++ makes of one load an operand of each instruction that uses it, and loads as often.
 NINEFOLD_LANE V once(V v)
 {
-#if defined(NINEFOLD_X86)
+#if defined(NINEFOLD_X86) && !defined(NINEFOLD_LANES_BY_HAND) // which are wider than a register
     asm("" : "+v"(v));
 #endif
     return v;
