@@ -156,6 +156,7 @@ void lookAfter(const Call &call)
 bool layer::before(Call &call)
 {
     debug::readSettings();
+    debug::used = true;
     if (draws(call.id))
         return debug::lookAtDraw(call.id);
     if (!debug::lookAtFunction(call))
@@ -187,6 +188,7 @@ const NinefoldDebugCalls *ninefoldDebugCalls(void)
         debug::forgetMemory,
         debug::nextFrame,
         [](int severity) -> unsigned long long { return debug::findings(severity); },
+        [](FILE *out, int markdown) { debug::printRules(out, markdown != 0); },
     };
     return &calls;
 }

@@ -4,6 +4,7 @@
 #include "settings.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -14,6 +15,7 @@
 namespace debug {
 
 uint64_t drawCount;
+bool used;
 NinefoldFindingCallback callback;
 void *callbackContext;
 
@@ -155,7 +157,7 @@ bool set(const std::string &key, const std::string &value, Settings &to)
 void summarise()
 {
     const Counts &c = counts();
-    if (!settings().summary || (settings().json && !c.bySeverity[0] && !c.bySeverity[1] && !c.bySeverity[2]))
+    if (!settings().summary || !used || (settings().json && !c.bySeverity[0] && !c.bySeverity[1] && !c.bySeverity[2]))
         return;
     std::FILE *const out = output();
     if (settings().json) {
@@ -190,6 +192,26 @@ void summarise()
 }
 
 } // namespace
+
+void printRules(std::FILE *out, bool markdown)
+{
+    if (!markdown) {
+        for (const Rule &rule : rules)
+            std::fprintf(out, "%s %s (%s), for %s: %s. %s %s\n", ruleLabel(rule).c_str(), rule.name, severityName(rule.severity),
+                         rule.scope, rule.when, rule.effect, rule.advice);
+        return;
+    }
+    std::fputs(
+        "# The rules of the debug twin\n\n"
+        "Written by `ninefold-debug --rules --markdown`. A rule keeps its number and its name for good. An error is a call that\n"
+        "is undefined, a warning one that was surely not meant, a hint one that is slow or perhaps not meant.\n\n"
+        "| rule | | asked for | says |\n|---|---|---|---|\n",
+        out);
+    for (const Rule &rule : rules)
+        std::fprintf(out, "| %s `%s` | %s | %s | %c%s. %s *%s* |\n", ruleLabel(rule).c_str(), rule.name,
+                     severityName(rule.severity), rule.scope, std::toupper(static_cast<unsigned char>(rule.when[0])),
+                     rule.when + 1, rule.effect, rule.advice);
+}
 
 Settings &settings()
 {

@@ -6,6 +6,7 @@
 #include <ninefold/debug.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 namespace debug {
@@ -21,6 +22,9 @@ struct Settings {
     std::string file; // empty: standard error
 };
 Settings &settings();
+
+// Set at the first call of the library: a program that makes none gets no summary.
+extern bool used;
 
 // Reads them once. What it does not know it says on standard error, and ends the program.
 void readSettings();
@@ -38,6 +42,9 @@ const char *severityName(int severity);
 
 // How a rule is named in messages and in the list.
 std::string ruleLabel(const Rule &rule); // NF-0107
+
+// All rules, as a list or as a page.
+void printRules(std::FILE *out, bool markdown);
 
 extern NinefoldFindingCallback callback;
 extern void *callbackContext;

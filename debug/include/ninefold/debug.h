@@ -11,6 +11,7 @@
 #include <ninefold/ninefold.h>
 
 #include <stddef.h>
+#include <stdio.h>
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -63,6 +64,7 @@ typedef struct NinefoldDebugCalls {
     void (*forgetMemory)(const void *memory);
     void (*frame)(void);
     unsigned long long (*findings)(int severity);
+    void (*printRules)(FILE *out, int markdown); /* for ninefold-debug --rules */
 } NinefoldDebugCalls;
 
 /* The twin's calls, null under the plain library. */
@@ -79,7 +81,7 @@ static inline const NinefoldDebugCalls *NinefoldDebug(void)
                                (const char *)(void *)&rs, &module))
             *(void **)&get = (void *)GetProcAddress(module, "ninefoldDebugCalls");
 #else
-        *(void **)&get = dlsym(RTLD_DEFAULT, "ninefoldDebugCalls");
+        *(void **)&get = dlsym(dlopen(0, RTLD_LAZY), "ninefoldDebugCalls"); /* of all that the program has loaded */
 #endif
         asked = 1;
         calls = get ? get() : 0;
