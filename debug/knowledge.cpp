@@ -171,12 +171,14 @@ void learnAfter(const Call &call)
     }
 }
 
-const Label *labelAt(const void *begin)
+const Label *labelAt(const void *address)
 {
-    const auto found = labels().find(begin);
-    return found == labels().end() ? nullptr : &found->second;
+    const auto behind = labels().upper_bound(address);
+    if (!address || behind == labels().begin())
+        return nullptr;
+    const Label &label = std::prev(behind)->second;
+    return uintptr_t(address) - uintptr_t(label.begin) < label.size ? &label : nullptr;
 }
-
 void labelTexture(const Texture *texture, const char *name) { textures()[texture].label = name ? name : ""; }
 void labelMemory(const void *memory, size_t size, const char *name) { labels()[memory] = {memory, size, name ? name : ""}; }
 void forgetMemory(const void *memory)

@@ -39,8 +39,8 @@ struct Label {
     size_t size;
     std::string name;
 };
-// The label of the memory that starts there, null if it has none.
-const Label *labelAt(const void *begin);
+// The label of the memory that the address lies in, null if it has none.
+const Label *labelAt(const void *address);
 void labelTexture(const Texture *texture, const char *name);
 void labelMemory(const void *memory, size_t size, const char *name);
 void forgetMemory(const void *memory);

@@ -57,7 +57,8 @@ State stateOf(const Texture *texture, bool withPixels)
         uint64_t(t.width) * t.height <= uint64_t(1) << (entry->log2Width + entry->log2Height))
         return State::good;
     const uint64_t bytes = uint64_t(t.width) * t.height * 4;
-    if (const Label *const label = labelAt(t.pixels); label && bytes > label->size)
+    if (const Label *const label = labelAt(t.pixels);
+        label && bytes > label->size - (uintptr_t(t.pixels) - uintptr_t(label->begin)))
         return State::pixels;
     return bytes == size_t(bytes) && isReadable(t.pixels, size_t(bytes)) ? State::good : State::pixels;
 }
@@ -322,6 +323,72 @@ bool mapStale(const Draw &d, Text &t)
                  byRuns ? "run-length map" : "zero-pixel map");
 }
 
+// Walks the run-length map as the draw will: whether it ends, and how far left of a row's start it goes.
+struct Runs {
+    bool ends = true, leaves = false; // leaves: a stretch goes on behind the end of its row
+    int64_t back = 0; // pixels
+};
+Runs walkRuns(const Draw &d)
+{
+    Runs found;
+    const Texture &texture = *rs.tex0;
+    const layer::Pixels &p = d.reach.pixels;
+    const uint32_t dx = d.reach.columnsCut, dy = d.reach.rowsCut;
+    for (int32_t y = p.top; y < p.bottom && found.ends; ++y) {
+        const uint32_t row = ((uint32_t(rs.uv0[0].v) >> 16) + dy + uint32_t(y - p.top)) & (texture.height - 1);
+        const int8_t *const map = texture.runlengthMap + (size_t(row) << texture.log2Width);
+        uint32_t column = ((uint32_t(rs.uv0[0].u) >> 16) + dx) & (texture.width - 1);
+        int64_t pixel = 0;
+        for (int32_t remaining = p.right - p.left; remaining > 0;) {
+            const int32_t n = map[column];
+            if (n == 0) {
+                found.ends = false;
+                break;
+            }
+            found.leaves |= n > 0 && column + uint32_t(n) > texture.width;
+            const int32_t moved = n < 0 ? int8_t(-n) : n;
+            remaining -= std::abs(n);
+            column = (column + uint32_t(moved)) & (texture.width - 1);
+            pixel += moved;
+            found.back = std::min(found.back, pixel);
+        }
+    }
+    return found;
+}
+bool canWalkRuns(const Draw &d)
+{
+    const MemoryUse *const use = memoryUse(d, Field::runlengthMap);
+    return use && use->begin && stateOf(rs.tex0, true) == State::good && isReadable(use->begin, use->size);
+}
+
+bool mapBroken(const Draw &d, Text &t)
+{
+    if (!canWalkRuns(d))
+        return false;
+    const Runs found = walkRuns(d);
+    if (!found.ends)
+        return t.say("The run-length map of rs.tex0, %s, holds a 0.", wordsFor(rs.tex0).c_str());
+    return found.leaves &&
+           t.say("A run of the run-length map of rs.tex0, %s, goes on behind its row.", wordsFor(rs.tex0).c_str());
+}
+
+bool runsMoveBack(const Draw &d, Text &t)
+{
+    const MemoryUse *const use = memoryUse(d, Field::dstPixels);
+    if (!use || !use->begin || !canWalkRuns(d))
+        return false;
+    const int64_t back = -walkRuns(d).back;
+    if (back <= d.reach.pixels.left)
+        return false;
+    const uintptr_t begin = uintptr_t(use->begin) - size_t(back) * sizeof(uint32_t);
+    const Known *const entry = known(rs.frameBuffer);
+    const bool leaves = entry && entry->made && entry->pixels == rs.dstPixels
+                            ? begin < uintptr_t(rs.dstPixels)
+                            : !isWritable(reinterpret_cast<void *>(begin), use->size);
+    return leaves && t.say("rs.tex0, %s, has a hole of 128 pixels; the draw goes on %lld pixels left of column %d.",
+                           wordsFor(rs.tex0).c_str(), static_cast<long long>(back), d.reach.pixels.left);
+}
+
 bool zeroMapSmall(const Draw &d, Text &t)
 {
     const Known *const entry = d.anything() && canLookAt(rs.tex0) ? known(rs.tex0) : nullptr;
@@ -387,9 +454,9 @@ bool memoryIsThere(const Draw &d, Field field)
 
 bool allRefused(const Draw &d, Text &t)
 {
-    if (!d.anything())
-        return false;
     const layer::Pixels &p = d.reach.pixels;
+    if (p.empty() || p.left < 0 || p.top < 0)
+        return false;
     const auto everywhere = [&](auto &&refused) {
         for (int32_t y = p.top; y < p.bottom; ++y)
             for (int32_t x = p.left; x < p.right; ++x)
@@ -419,7 +486,7 @@ bool segmentWraps(const Draw &d, Text &t)
             constexpr int64_t limit = int64_t{1} << 31;
             if (line.startU != NINEFOLD_SKIP_ROW &&
                 (tooFar(line.endU, line.startU, limit) || tooFar(line.endV, line.startV, limit)))
-                return t.say("Record %zu of rs.%s goes from %d, %d to %d, %d.", k + d.reach.rowsAbove, fieldName(field),
+                return t.say("Record %zu of rs.%s goes from %d, %d to %d, %d.", k + d.reach.rowsCut, fieldName(field),
                              line.startU, line.startV, line.endU, line.endV);
         }
     }
@@ -502,13 +569,15 @@ bool priorityWide(const Draw &d, Text &t)
 
 // Operators.
 
-bool blendNull(const Draw &, Text &t) { return !rs.blendFunc && t.say("rs.blendFunc is null."); }
-bool multiNull(const Draw &, Text &t) { return !rs.multiFunc && t.say("rs.multiFunc is null."); }
+bool blendNull(const Draw &d, Text &t) { return d.anything() && !rs.blendFunc && t.say("rs.blendFunc is null."); }
+bool multiNull(const Draw &d, Text &t) { return d.anything() && !rs.multiFunc && t.say("rs.multiFunc is null."); }
 bool notCode(const Draw &d, Text &t)
 {
     const auto wrong = [](PixelOperator function) {
         return function && ops::operatorIndex(function) < 0 && !isCode(reinterpret_cast<const void *>(function));
     };
+    if (!d.anything())
+        return false;
     if (d.needs.callsBlend && wrong(rs.blendFunc))
         return t.say("rs.blendFunc is %p.", reinterpret_cast<void *>(rs.blendFunc));
     return d.needs.callsMulti && wrong(rs.multiFunc) && t.say("rs.multiFunc is %p.", reinterpret_cast<void *>(rs.multiFunc));
@@ -611,6 +680,10 @@ const Rule ruleList[] = {
      "the zero-pixel map ends before what is drawn", "It is read at frame-buffer positions, behind its end.", "Use a texture as wide as the frame buffer that reaches as far down as what is drawn."},
     {216, "zero-map-width", warning, "rect option planeruns", zeros, zeroMapWidth,
      "the texture with the zero-pixel map is not as wide as the frame buffer", "Its rows are those of other pixels.", "Use a texture as wide as the frame buffer."},
+    {217, "map-broken", error, "rect option runs", runs, mapBroken,
+     "the run-length map is none of this texture", "The draw never ends, or reads other texels.", "Make it by CreateRunlengthMap, again after changing the texture."},
+    {218, "runs-move-back", error, "rect option runs", runs, runsMoveBack,
+     "a hole of 128 pixels moves the draw back out of the frame buffer", "Memory before the frame buffer is written.", "Draw this texture with NINEFOLD_RECT_UNIT, or keep it that far right and down."},
 
     // 03: planes and other memory
     {301, "plane-missing", error, "Shahei modes plane and plane+z, occlusion triangles", planes, pointerNull<Field::shaheiPlane>,

@@ -142,19 +142,19 @@ public:
     void find()
     {
         f.pixels = {};
-        f.rowsAbove = 0;
+        f.columnsCut = f.rowsCut = 0;
         f.chooses = f.overlaps = false;
         f.textureCount = f.memoryCount = 0;
         place();
         // The drivers choose before anything is clipped.
         if (n.choice != Choice::none)
             findLevels();
-        else if (!f.pixels.empty())
+        else if (placed)
             findTextures();
+        if (placed && n.tex2)
+            add(Field::tex2, 0, rs.tex2, !f.pixels.empty());
         if (f.pixels.empty())
             return;
-        if (n.tex2)
-            add(Field::tex2, 0, rs.tex2, true);
         findMemory();
         f.overlaps = sourcesOverlap();
     }
@@ -163,6 +163,7 @@ private:
     const Needs &n;
     bool (*readable)(const Texture *);
     Footprint &f;
+    bool placed = false; // the frame goes on to its textures, though perhaps to no pixel
 
     void clip(int64_t left, int64_t top, int64_t right, int64_t bottom)
     {
@@ -180,12 +181,14 @@ private:
             Box box;
             if (!box.make())
                 return;
+            placed = true;
             f.pixels = {box.left, box.top, box.right, box.bottom};
-            f.rowsAbove = box.dy;
+            f.columnsCut = box.dx, f.rowsCut = box.dy;
         } else if (n.shape == Shape::triangle || n.shape == Shape::planes) {
             Order o;
             if (!o.make())
                 return;
+            placed = true;
             // Edges step by truncated slopes from positions of 16 bits, which far vertices do not fit; shifts go anywhere.
             const auto [low, high] = std::minmax({o.xT, o.xM, o.xB});
             const bool anywhere = (n.scanShift && rs.scanShift) || low < -0x7FFF || high > 0x7FFF;
@@ -215,30 +218,31 @@ private:
         const Chosen levels = choose(n.choice, levelCount(rs.tex0), levelCount(rs.tex1));
         if (!levels.called) {
             f.pixels = {};
+            placed = false;
             return;
         }
+        const bool drawn = !f.pixels.empty();
         if (!levels.fromLevels) {
-            if (!f.pixels.empty()) {
-                add(Field::tex0, 0, rs.tex0, true);
+            if (placed) {
+                add(Field::tex0, 0, rs.tex0, drawn);
                 if (n.tex1)
-                    add(Field::tex1, 0, rs.tex1, true);
+                    add(Field::tex1, 0, rs.tex1, drawn);
             }
             return;
         }
         f.chooses = true;
-        const bool drawn = !f.pixels.empty();
-        findLevel(Field::tex0, rs.tex0, levels.level[0], drawn, drawn && n.next);
-        if (rs.tex1 || (n.tex1 && drawn))
-            findLevel(Field::tex1, rs.tex1, levels.level[1], drawn && n.tex1, drawn && n.next1);
+        findLevel(Field::tex0, rs.tex0, levels.level[0], placed, n.next);
+        if (rs.tex1 || (n.tex1 && placed))
+            findLevel(Field::tex1, rs.tex1, levels.level[1], placed && n.tex1, n.next1);
     }
-    void findLevel(Field field, const Texture *base, uint32_t level, bool fetched, bool fetchedNext)
+    void findLevel(Field field, const Texture *base, uint32_t level, bool kernelLooks, bool next)
     {
         add(field, 0, base, false);
-        if (!canLook(base) || base->mipCount < 2)
+        if (!canLook(base) || base->mipCount < 2 || !kernelLooks)
             return;
-        addLevel(field, base, level, fetched);
-        if (fetchedNext)
-            addLevel(field, base, level + 1, true);
+        addLevel(field, base, level, !f.pixels.empty());
+        if (next)
+            addLevel(field, base, level + 1, !f.pixels.empty());
     }
 
     void findTextures()
@@ -250,12 +254,12 @@ private:
     }
     void findTexture(Field field, const Texture *texture, Field nextField, Texture *const *next)
     {
-        add(field, 0, texture, !n.lineLevels);
+        add(field, 0, texture, !n.lineLevels && !f.pixels.empty());
         if (n.lineLevels && canLook(texture))
             for (uint32_t level = 0; level < std::min<uint32_t>(texture->mipCount, std::size(texture->mip)); ++level)
                 addLevel(field, texture, level, true);
         if (next)
-            add(nextField, 0, *next, true);
+            add(nextField, 0, *next, !f.pixels.empty());
     }
 
     void use(Field field, bool written, const void *base, ptrdiff_t begin, ptrdiff_t end, size_t size)
@@ -277,7 +281,7 @@ private:
             use(Field::shaheiPlane, n.writesPlane, rs.shaheiPlane, firstWord, endWord, sizeof *rs.shaheiPlane);
         if (n.readsZ || n.writesZ)
             use(Field::zBuffer, n.writesZ, rs.zBuffer, first, end, sizeof *rs.zBuffer);
-        const ptrdiff_t above = ptrdiff_t(f.rowsAbove), below = above + p.bottom - p.top;
+        const ptrdiff_t above = ptrdiff_t(f.rowsCut), below = above + p.bottom - p.top;
         if (n.lineTable0)
             use(Field::lineTable0, false, rs.lineTable0, above, below, sizeof *rs.lineTable0);
         if (n.lineTable1)

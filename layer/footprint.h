@@ -81,7 +81,7 @@ struct Footprint {
     // No pixel lies outside of it. It is as small as the corners and the clip rectangle make it; gates, rules, keys and stipples
     // may leave less.
     Pixels pixels;
-    uint32_t rowsAbove; // rows of the unclipped rectangle that the clip cuts off
+    uint32_t columnsCut, rowsCut; // columns and rows of an unclipped rectangle that the clip cuts off at the left and above
     bool chooses; // a mip level is chosen for the whole primitive, and it is not the texture itself
     bool overlaps; // a texture shares memory with what is written: pixels are drawn one at a time
     uint8_t textureCount, memoryCount;

@@ -241,6 +241,26 @@ const Case cases[] = {
      [](H h) { h.maps(NINEFOLD_RECT_PLANE_RUNS, h.wide), h.draw(); }},
     {"zero-map-width", [](H h) { h.maps(NINEFOLD_RECT_PLANE_RUNS, h.make(128)), h.draw(); },
      [](H h) { h.maps(NINEFOLD_RECT_PLANE_RUNS, h.wide), h.draw(); }},
+    {"map-broken",
+     [](H h) {
+         h.maps(NINEFOLD_RECT_RUNS, h.picture);
+         h.picture->runlengthMap[39 % 32 * 32 + 7] = 0, h.draw();
+     },
+     [](H h) {
+         h.maps(NINEFOLD_RECT_RUNS, h.picture);
+         h.picture->runlengthMap[5] = 0, h.draw(); // inside a run
+     }},
+    {"runs-move-back",
+     [](H h) {
+         Texture *const texture = h.make(256);
+         std::fill_n(texture->pixels, 128, 0);
+         h.maps(NINEFOLD_RECT_RUNS, texture), h.draw();
+     },
+     [](H h) {
+         Texture *const texture = h.make(256);
+         std::fill_n(texture->pixels, 127, 0);
+         h.maps(NINEFOLD_RECT_RUNS, texture), h.draw();
+     }},
     {"plane-missing",
      [](H h) {
          h.mode(NINEFOLD_SHAHEI_PLANE);
