@@ -23,9 +23,9 @@ struct Region {
     bool read, write, execute;
 };
 
-#if defined(__linux__)
-
 constexpr size_t page = 4096;
+
+#if defined(__linux__)
 
 // What the process has mapped, as of the last time that it was read.
 std::vector<Region> &regions()
@@ -78,7 +78,7 @@ bool ask(uintptr_t begin, uintptr_t end, bool write)
 {
     const int before = errno;
     bool can = true;
-    for (uintptr_t at = begin; can && at < end; at = (at / page + 1) * page)
+    for (uintptr_t at = begin; can && at < end; at += page)
         can = canRead(at);
     errno = before;
     if (!can || !write)
@@ -114,27 +114,34 @@ bool ask(uintptr_t, uintptr_t, bool) { return true; }
 
 #endif
 
-// Ranges that were there when they were last asked about.
+// Ranges, and pages, that were there when they were last asked about.
 struct Answer {
     uintptr_t begin, end;
     uint32_t age;
     bool write;
 };
-std::array<Answer, 512> answers;
+std::array<Answer, 256> ranges;
+std::array<Answer, 4096> pages; // only begin is used
 constexpr uint32_t drawsPerAge = 64;
 uint32_t currentAge = 1, drawsLeft = drawsPerAge;
 
 bool isThere(const void *memory, size_t size, bool write)
 {
     const auto begin = uintptr_t(memory), end = begin + size;
-    if (!begin || end < begin)
+    if (size == 0 || !begin || end < begin)
         return size == 0;
-    Answer &answer = answers[(begin / 16 ^ size / 16 * 31 ^ write) % answers.size()];
-    if (answer.begin == begin && answer.end == end && answer.write == write && answer.age == currentAge)
+    Answer &range = ranges[(begin / 16 ^ size / 16 * 31 ^ write) % ranges.size()];
+    if (range.begin == begin && range.end == end && range.write == write && range.age == currentAge)
         return true;
-    if (!ask(begin, end, write))
-        return false;
-    answer = {begin, end, currentAge, write};
+    for (uintptr_t at = begin / page; at <= (end - 1) / page; ++at) {
+        Answer &known = pages[(at * 2 + write) % pages.size()];
+        if (known.begin == at && known.write == write && known.age == currentAge)
+            continue;
+        if (!ask(at * page, (at + 1) * page, write))
+            return false;
+        known = {at, 0, currentAge, write};
+    }
+    range = {begin, end, currentAge, write};
     return true;
 }
 

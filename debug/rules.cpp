@@ -158,13 +158,13 @@ bool clipInsideOut(const Draw &, Text &t)
 
 bool clipOutside(const Draw &, Text &t)
 {
-    const std::string name = frameBufferName();
     if (rs.clipLeft < 0 || rs.clipTop < 0)
         return t.say("rs.clip%s is %d.", rs.clipLeft < 0 ? "Left" : "Top", rs.clipLeft < 0 ? rs.clipLeft : rs.clipTop);
     if (rs.clipRight > int64_t(rs.dstPitch))
-        return t.say("rs.clipRight is %d, the frame buffer, %s, is %u wide.", rs.clipRight, name.c_str(), rs.dstPitch);
-    return rs.clipBottom > int64_t(rs.dstHeight) &&
-           t.say("rs.clipBottom is %d, the frame buffer, %s, is %u high.", rs.clipBottom, name.c_str(), rs.dstHeight);
+        return t.say("rs.clipRight is %d, the frame buffer, %s, is %u wide.", rs.clipRight, frameBufferName().c_str(),
+                     rs.dstPitch);
+    return rs.clipBottom > int64_t(rs.dstHeight) && t.say("rs.clipBottom is %d, the frame buffer, %s, is %u high.", rs.clipBottom,
+                                                          frameBufferName().c_str(), rs.dstHeight);
 }
 
 bool clipEmpty(const Draw &, Text &t)
@@ -437,10 +437,21 @@ bool memorySmall(const Draw &d, Text &t)
     return false;
 }
 
+// The frame buffer as the library made it, with the clip rectangle inside it, need not be asked for.
+bool isOwnFrameBuffer(const MemoryUse &use)
+{
+    const Known *const entry = use.field == Field::dstPixels ? known(rs.frameBuffer) : nullptr;
+    if (!entry || !entry->alive || !entry->made || entry->pixels != rs.dstPixels)
+        return false;
+    const uintptr_t end = uintptr_t(entry->pixels) + (uintptr_t(4) << (entry->log2Width + entry->log2Height));
+    return uintptr_t(use.begin) >= uintptr_t(entry->pixels) && uintptr_t(use.begin) + use.size <= end;
+}
+
 bool memoryMissing(const Draw &d, Text &t)
 {
     for (const MemoryUse &use : d.reach.memory())
-        if (use.begin && !(use.written ? isWritable(use.begin, use.size) : isReadable(use.begin, use.size)))
+        if (use.begin && !isOwnFrameBuffer(use) &&
+            !(use.written ? isWritable(use.begin, use.size) : isReadable(use.begin, use.size)))
             return t.say("rs.%s is %p; of the %zu bytes from %p on not all can be %s.", fieldName(use.field),
                          pointerOf(use.field), use.size, use.begin, use.written ? "written" : "read");
     return false;
