@@ -15,6 +15,30 @@ using layer::Function;
 
 constexpr uint64_t drawsPerFrame = 4096; // where a host marks none
 
+// The kernel that was fetched last, for the modes as they were, and has not drawn since.
+struct Fetched {
+    bool waits;
+    layer::Id record;
+} fetched;
+
+// What is told of draws that follow one another.
+void lookAtSequence(layer::Id id, const layer::Footprint &reach)
+{
+    if (fetched.waits && fetched.record == id && own_CreateDrawCode() != layer::codeOf(id)) {
+        const auto modes = uint32_t(own_CreateDrawCode());
+        report(ruleNamed("modes-differ"), id, "The modes are now those of " + ninefold::nameOf(ninefold::axesOf(modes)) + ".");
+    }
+    fetched.waits = false;
+    static uint32_t nothing;
+    nothing = reach.pixels.empty() ? nothing + 1 : 0;
+    if (nothing == 1000) {
+        nothing = 0;
+        report(ruleNamed("nothing-drawn"), id,
+               "The clip rectangle is " + std::to_string(rs.clipLeft) + " to " + std::to_string(rs.clipRight) + ", " +
+                   std::to_string(rs.clipTop) + " to " + std::to_string(rs.clipBottom) + ".");
+    }
+}
+
 bool lookAtDraw(layer::Id id)
 {
     static layer::Footprint reach; // large, and only its counted parts are filled
@@ -25,6 +49,7 @@ bool lookAtDraw(layer::Id id)
     if (!asked)
         return true;
     layer::findFootprint(id, canLookAt, reach);
+    lookAtSequence(id, reach);
     const Draw draw(id, reach);
     bool go = true;
     static Text text;
@@ -141,6 +166,12 @@ bool lookAtFunction(const Call &call)
     return told.go;
 }
 
+void learnFetched(uint32_t code)
+{
+    const int record = layer::recordOf(code);
+    fetched = {record >= 0 && own_CreateDrawCode() == code, layer::Id(record)};
+}
+
 void lookAfter(const Call &call)
 {
     Told told{call.id};
@@ -170,6 +201,8 @@ void layer::after(Call &call)
     if (draws(call.id))
         return;
     debug::learnAfter(call);
+    if (call.is(layer::Function::SearchDrawFunc))
+        debug::learnFetched(uint32_t(call.argument[0]));
     debug::lookAfter(call);
 }
 

@@ -466,7 +466,7 @@ bool memoryIsThere(const Draw &d, Field field)
 bool allRefused(const Draw &d, Text &t)
 {
     const layer::Pixels &p = d.reach.pixels;
-    if (p.empty() || p.left < 0 || p.top < 0)
+    if (p.empty() || p.left < 0 || p.top < 0 || rs.dstShift > 30 || rs.dstPitch != 1u << rs.dstShift)
         return false;
     const auto everywhere = [&](auto &&refused) {
         for (int32_t y = p.top; y < p.bottom; ++y)
@@ -707,6 +707,8 @@ const Rule ruleList[] = {
      "memory that the draw reaches is not there, or cannot be written", "The draw will crash.", "Check the pointer and the size of what it points to; planes are as large as the frame buffer, tables have an entry for each row."},
     {305, "all-refused", hint, "Shahei modes with a plane or priorities", [](const Needs &n) { return planes(n) || priorities(n); }, allRefused,
      "plane or priorities refuse every pixel of the draw", "Nothing is drawn.", "If that is not meant: clear the plane to 0 and priorities to 255, and look at rs.zRef."},
+    {306, "nothing-drawn", hint, "all that draws", nullptr, nullptr,
+     "1,000 draws in a row lay outside the clip rectangle", "None of them drew a pixel.", "Look at the coordinates, the origin and the clip rectangle."},
 
     // 04: line tables
     {401, "line-table-missing", error, "rect option table", lineTables, lineTableNull,
@@ -755,6 +757,8 @@ const Rule ruleList[] = {
      "the number is none of a stipple", "Nothing changes, or memory before the table is read.", "Use 0 to 261."},
     {706, "preset-stipple-early", warning, "SetPresetDrawMask", nullptr, nullptr,
      "a stipple of the fade was asked for before MakeDrawMaskTable", "It suppresses nothing.", "Call the four Make... functions once before."},
+    {707, "modes-differ", warning, "all that has a draw code", nullptr, nullptr,
+     "modes were changed after their kernel was fetched and before it drew", "The kernel draws by the modes of its code.", "Set all modes first, then SearchDrawFunc(CreateDrawCode()). A kernel that is kept may draw under any modes."},
 
     // 08: what was hardly meant
     {801, "texels-not-shifted", warning, "stretched and four-corner rectangles, triangles", positioned, texelsNotShifted,

@@ -55,10 +55,13 @@ void caught(int signal)
 }
 
 std::string told;
+bool moved;
 void collect(const NinefoldFinding *finding, void *)
 {
     if (finding->severity == NINEFOLD_DEBUG_ERROR && told.empty())
         told = finding->name;
+    // No error, since the kernel never looks at the texture that it compares with.
+    moved |= std::strcmp(finding->name, "frame-buffer-changed") == 0;
 }
 
 // One thing that can be broken.
@@ -251,7 +254,7 @@ void run(uint64_t seed, uint32_t count, int out)
         const std::vector<Break> all = breaks(world, scene);
         const Break &one = all[random.below(uint32_t(all.size()))];
         const char *const kind = spoil(one, random);
-        told.clear();
+        told.clear(), moved = false;
         std::snprintf(doing, sizeof doing, "the twin crashed at %s %s, %s scene %u\n", one.name.c_str(), kind,
                       subject.name().c_str(), n);
         layer::before(call);
@@ -260,7 +263,7 @@ void run(uint64_t seed, uint32_t count, int out)
         const int signal = drawGuarded(kernel);
         const bool left = signal == 0 && scene.id.kind == Kind::plain && scene.axes.rectOpt != NINEFOLD_RECT_RUNS &&
                           !before.sameAround(world, scene);
-        const bool bad = signal != 0 || left, same = signal == 0 && plain.same(world);
+        const bool bad = (signal != 0 || left) && !(said.empty() && moved), same = signal == 0 && plain.same(world);
         char line[512];
         const int length = std::snprintf(line, sizeof line, "%s %s\t%d\t%d\t%s\t%d\t%s scene %u: %s\n", one.name.c_str(), kind,
                                          bad, same, said.empty() ? "-" : said.c_str(), left ? -1 : signal, subject.name().c_str(),

@@ -307,6 +307,29 @@ const Case cases[] = {
          std::fill(h.priorities.begin(), h.priorities.end(), 9);
          h.priorities[39 * 64 + 39] = 10, h.draw();
      }},
+    {"nothing-drawn",
+     [](H h) {
+         rs.originX = 64;
+         for (int k = 0; k < 1000; ++k)
+             h.draw();
+     },
+     [](H h) {
+         h.draw(), rs.originX = 64;
+         for (int k = 0; k < 999; ++k)
+             h.draw();
+         rs.originX = 63, h.draw();
+     }},
+    {"modes-differ",
+     [](H h) {
+         SetShapeMode(NINEFOLD_SHAPE_RECTANGLE), SetRectOptMode(NINEFOLD_RECT_STRETCH), SetMultiMode(NINEFOLD_MULTI_NONE);
+         SearchDrawFunc(CreateDrawCode());
+         SetBlendMode(NINEFOLD_BLEND_ALPHA), h.draw();
+     },
+     [](H h) {
+         SetShapeMode(NINEFOLD_SHAPE_RECTANGLE), SetRectOptMode(NINEFOLD_RECT_STRETCH), SetMultiMode(NINEFOLD_MULTI_NONE);
+         SearchDrawFunc(CreateDrawCode()), h.draw();
+         SetBlendMode(NINEFOLD_BLEND_ALPHA), h.draw(); // kept
+     }},
     {"line-table-missing",
      [](H h) {
          h.table();
