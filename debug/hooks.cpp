@@ -118,12 +118,12 @@ bool lookAtFunction(const Call &call)
         if (const auto code = uint32_t(call.argument[0]); !startUp.kernels) {
             told.tell("start-up-kernels", "Code " + hex(code) + " is looked up.");
         } else if (layer::recordOf(code) < 0) {
-            const uint32_t near = nearest(code);
+            const uint32_t closest = nearest(code);
             const std::string instead =
                 (code & 3) == 3 ? "nothing, the result is null" : ninefold::nameOf(ninefold::axesOf(layer::defaultCode(code)));
             told.tell("code-unknown", "Code " + hex(code) + " is " + ninefold::nameOf(ninefold::axesOf(code)) + ". Drawn is " +
-                                          instead + "; the nearest that exists is " + ninefold::nameOf(ninefold::axesOf(near)) +
-                                          " (" + hex(near) + ").");
+                                          instead + "; the nearest that exists is " +
+                                          ninefold::nameOf(ninefold::axesOf(closest)) + " (" + hex(closest) + ").");
         }
         break;
     case Function::SetPresetDrawMask:

@@ -103,6 +103,7 @@ bool alphaBlends(const Needs &n)
     return n.tex0 && (n.axes.blend == NINEFOLD_BLEND_ALPHA || n.axes.blend == NINEFOLD_BLEND_ALPHA_FAST);
 }
 
+unsigned long long wide(uint64_t number) { return number; } // for printf
 std::string frameBufferName() { return wordsFor(rs.frameBuffer); }
 
 std::string useName(const TextureUse &use)
@@ -397,9 +398,8 @@ bool zeroMapSmall(const Draw &d, Text &t)
         return false;
     const uint64_t words = ((uint64_t(1) << entry->zerosLog2Size) + 15) / 16;
     const uint64_t end = (uintptr_t(use->begin) + use->size - uintptr_t(entry->zeros)) / 2;
-    return end > words &&
-           t.say("The zero-pixel map of rs.tex0, %s, has %llu words, the draw reads up to word %llu.", wordsFor(rs.tex0).c_str(),
-                 static_cast<unsigned long long>(words), static_cast<unsigned long long>(end - 1));
+    return end > words && t.say("The zero-pixel map of rs.tex0, %s, has %llu words, the draw reads up to word %llu.",
+                                wordsFor(rs.tex0).c_str(), wide(words), wide(end - 1));
 }
 
 bool zeroMapWidth(const Draw &d, Text &t)
@@ -430,8 +430,8 @@ bool memorySmall(const Draw &d, Text &t)
             continue;
         const uintptr_t begin = uintptr_t(label->begin), end = begin + label->size;
         if (uintptr_t(use.begin) < begin || uintptr_t(use.begin) + use.size > end)
-            return t.say("rs.%s, \"%s\", has %zu bytes, the draw reaches bytes %lld to %lld.", fieldName(use.field),
-                         label->name.c_str(), label->size, static_cast<long long>(uintptr_t(use.begin) - begin),
+            return t.say("rs.%s, \"%s\", has %llu bytes, the draw reaches bytes %lld to %lld.", fieldName(use.field),
+                         label->name.c_str(), wide(label->size), static_cast<long long>(uintptr_t(use.begin) - begin),
                          static_cast<long long>(uintptr_t(use.begin) + use.size - begin - 1));
     }
     return false;
@@ -452,8 +452,8 @@ bool memoryMissing(const Draw &d, Text &t)
     for (const MemoryUse &use : d.reach.memory())
         if (use.begin && !isOwnFrameBuffer(use) &&
             !(use.written ? isWritable(use.begin, use.size) : isReadable(use.begin, use.size)))
-            return t.say("rs.%s is %p; of the %zu bytes from %p on not all can be %s.", fieldName(use.field),
-                         pointerOf(use.field), use.size, use.begin, use.written ? "written" : "read");
+            return t.say("rs.%s is %p; of the %llu bytes from %p on not all can be %s.", fieldName(use.field),
+                         pointerOf(use.field), wide(use.size), use.begin, use.written ? "written" : "read");
     return false;
 }
 
@@ -497,7 +497,7 @@ bool segmentWraps(const Draw &d, Text &t)
             constexpr int64_t limit = int64_t{1} << 31;
             if (line.startU != NINEFOLD_SKIP_ROW &&
                 (tooFar(line.endU, line.startU, limit) || tooFar(line.endV, line.startV, limit)))
-                return t.say("Record %zu of rs.%s goes from %d, %d to %d, %d.", k + d.reach.rowsCut, fieldName(field),
+                return t.say("Record %llu of rs.%s goes from %d, %d to %d, %d.", wide(k + d.reach.rowsCut), fieldName(field),
                              line.startU, line.startV, line.endU, line.endV);
         }
     }
@@ -629,8 +629,8 @@ bool premultiplied(const Draw &d, Text &t)
             return false;
         partial += alpha > 0 && alpha < 255 && (word & 0xFFFFFF);
     }
-    return partial >= 16 && t.say("In rs.tex0, %s, no colour is above its alpha, with %zu partly transparent pixels.",
-                                  wordsFor(rs.tex0).c_str(), partial);
+    return partial >= 16 && t.say("In rs.tex0, %s, no colour is above its alpha, with %llu partly transparent pixels.",
+                                  wordsFor(rs.tex0).c_str(), wide(partial));
 }
 
 bool overlaps(const Draw &d, Text &t)
