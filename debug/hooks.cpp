@@ -117,6 +117,8 @@ bool lookAtFunction(const Call &call)
     case Function::SearchDrawFunc:
         if (const auto code = uint32_t(call.argument[0]); !startUp.kernels) {
             told.tell("start-up-kernels", "Code " + hex(code) + " is looked up.");
+        } else if (layer::recordOf(code) < 0 && !isHeard(ruleNamed("code-unknown"), call.id)) {
+            told.tell("code-unknown", "");
         } else if (layer::recordOf(code) < 0) {
             const uint32_t closest = nearest(code);
             const std::string instead =

@@ -280,6 +280,15 @@ bool report(size_t index, layer::Id id, const std::string &words)
     return !skip;
 }
 
+bool isHeard(size_t index, layer::Id id)
+{
+    const Settings &s = settings();
+    if (rules[index].severity < s.severity)
+        return false;
+    const auto found = counts().byCall.find(uint64_t(index) << 32 | id);
+    return callback || found == counts().byCall.end() || found->second < uint64_t(s.repeat);
+}
+
 uint64_t findings(int severity) { return severity >= 0 && severity < 3 ? counts().bySeverity[severity] : 0; }
 
 const char *severityName(int severity)
