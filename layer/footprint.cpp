@@ -289,7 +289,7 @@ private:
         if (n.scanShift && rs.scanShift)
             use(Field::scanShift, false, rs.scanShift, p.top, p.bottom, sizeof *rs.scanShift);
         if (n.map == Map::runs && canLook(rs.tex0))
-            use(Field::runlengthMap, false, rs.tex0->runlengthMap, 0, ptrdiff_t(rs.tex0->width) << rs.tex0->log2Height, 1);
+            use(Field::runlengthMap, false, rs.tex0->runlengthMap, 0, ptrdiff_t(rs.tex0->width) * rs.tex0->height, 1);
         if (n.map == Map::zeros && canLook(rs.tex0))
             use(Field::zeroPixelMap, false, rs.tex0->zeroPixelMap, firstWord, endWord, sizeof *rs.tex0->zeroPixelMap);
     }
