@@ -103,6 +103,7 @@ template <FusedKey key>
     }
 }
 
+// Sprites.
 template <FusedKey key>
 void unitBlock(const Span &span, const Rows &rows)
 {
@@ -127,6 +128,7 @@ void unitBlock(const Span &span, const Rows &rows)
             drawVector<key.blend>(dst, Begin{n}, Ungated{}, Fading<Texels, key>(texels + (size_t(v) << t.shift)), factors);
 }
 
+// Run-length rectangles: over holes, and through stretches that the map vouches for.
 template <FusedKey key>
 void runsBlock(const Span &span, const Rows &rows)
 {
