@@ -6,6 +6,7 @@
 #include "core/catalogue.h"
 #include "map.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -15,13 +16,22 @@ namespace bench {
 
 constexpr int frameSize = 1024; // the frame buffer is square
 
-// What a texture holds. All are noise; only peers that want premultiplied sources read a copy.
+// What a texture holds. Noise and shapes that sprites have: noise alone would flatter, as no run of it is worth a shortcut. Only
+// peers that want premultiplied sources read a copy.
 enum class Content : uint8_t {
     opaque, // alpha 255
     key, // 30 % of the words are 0, the rest has alpha 255
     sprite, // 30 % zeros, 20 % alpha 255 or 0, the rest all alphas
     soft, // alphas 1 to 254
-    sparse, // 70 % zeros, in runs
+    holes10, // that many per cent of zeros in runs, the rest soft
+    holes30,
+    holes50,
+    holes70,
+    holes90,
+    discs, // all over, in columns: a third 0, the rest alpha 255 but for a rim of three pixels; no row has 128 zeros side by side
+    discs32, // one in each cell of 32 by 32
+    discs64, // one in each cell of 64 by 64
+    cutouts, // a cup or a horse, cut out of the gallery's pictures, in each cell of 64 by 64
     count
 };
 
@@ -78,6 +88,8 @@ struct Work {
     int textureSize = frameSize;
     std::vector<Primitive> primitives; // drawn in turn; their number is a power of two
     std::vector<Map> maps; // of each primitive, where textured
+
+    bool weighsByAlpha() const { return blend == alpha || blend == alphaFast; }
 };
 
 enum class Role : uint8_t {
@@ -96,6 +108,8 @@ struct Contender {
     std::function<void()> prepare; // untimed, before each of its turns; may be empty
     std::function<void(long calls)> run; // timed; when it returns all pixels are in the frame buffer
     double patience = 1; // how much longer its turns are, so that what each costs at its end is spread
+    double tolerance = 4; // most that its pixels may differ from ours on average, of 255
+    long cycle = 64; // a turn of more calls is a multiple of it, so that each turn draws every primitive alike
 };
 using Contenders = std::vector<Contender>;
 
@@ -116,6 +130,7 @@ struct Job {
     std::function<void(Contenders &)> more; // contenders beside the common ones
     bool ownOnly = false; // no peer has it
     bool refused = false; // draws nothing, which is the point
+    bool cold = false; // every turn begins with nothing in the caches
     std::vector<double> samples; // nanoseconds of a call, taken before; in place of contenders
 
     const char *unitName() const { return unit ? unit : perCall ? "call" : "pixel"; }
@@ -138,7 +153,9 @@ Contender contender(std::string name, Role role, std::string note, const Work &w
                     draw(size_t(i & mask));
                 finish();
             },
-            1};
+            1,
+            4,
+            std::max(64L, mask + 1)};
 }
 template <class Draw>
 Contender contender(std::string name, Role role, std::string note, const Work &work, Draw draw)
@@ -159,6 +176,8 @@ Contenders contendersOf(const Job &job);
 // The library's contenders (one for each set that the machine has) and the scalar loop.
 void addOurs(const Job &job, Contenders &contenders);
 void addMemcpy(const Job &job, Contenders &contenders);
+
+int bestSet(); // of the library, on this machine and where contenders are held
 
 // A kernel of ours in the best set, in another role.
 Contender kernelAs(std::string name, Role role, const Job &job, const ninefold::Axes &axes, std::function<void()> setup);

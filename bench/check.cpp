@@ -101,7 +101,7 @@ int checkContenders(const std::vector<Job> &jobs, const std::filesystem::path &p
             const double share = double(found.drawn) / double(std::max(found.drawnByOurs, size_t(1)));
             const bool exact = contender.role < Role::yardstick;
             const bool bad = (found.drawn == 0) != job.refused ||
-                             (exact ? found.unequal > 0 : found.difference > 4 || share < 0.8 || share > 1.2);
+                             (exact ? found.unequal > 0 : found.difference > contender.tolerance || share < 0.8 || share > 1.2);
             wrong += bad;
             if (!exact || bad)
                 std::printf("%-40s %-16s %9.0f%% %10.2f%s\n", job.name.c_str(), contender.name.c_str(), share * 100,

@@ -57,6 +57,8 @@ Texture *mixedRule()
     return rule;
 }
 
+} // namespace
+
 void prepareFor(const Axes &axes)
 {
     static Work work;
@@ -95,6 +97,8 @@ void prepareFor(const Axes &axes)
         table[size_t(y)] = {3 << 16, y << 16, (3 << 16) + across, (y + 4) << 16};
     rs.lineTable0 = rs.lineTable1 = table.data();
 }
+
+namespace {
 
 double timed(const Code &code)
 {
@@ -150,7 +154,7 @@ int timeFamilies(const std::vector<std::string> &filters, const Effort &effort, 
             "bench: no code's name contains that; names read like rect.stretch.bilinear.alpha.z+mask.tex1.rule.prescale\n");
         return 2;
     }
-    ninefold::useSet(ninefold::usableSets() - 1);
+    ninefold::useSet(bestSet());
     fillFrame();
     const int rounds = std::max(effort.rounds / 5, 2);
     for (int round = 0; round < rounds; ++round)
@@ -189,116 +193,6 @@ int timeFamilies(const std::vector<std::string> &filters, const Effort &effort, 
     for (const Code &code : codes)
         out << ninefold::codeOf(code.axes) << ',' << code.name << ',' << code.nanoseconds << ',' << code.toFamily << '\n';
     std::printf("written: %s\n", csv.c_str());
-    return 0;
-}
-
-int timeScale(const std::vector<std::string> &filters, const Effort &effort)
-{
-    struct Row {
-        const char *name;
-        Axes axes;
-    };
-    const auto axes = [](int shape, int rectOpt, int filter, Blend blend) {
-        Axes a{};
-        a.shape = uint8_t(shape), a.rectOpt = uint8_t(rectOpt), a.filter = uint8_t(filter), a.blend = blend,
-        a.multi = NINEFOLD_MULTI_NONE;
-        return a;
-    };
-    Axes perspective = axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_POINT, copy),
-         gated = axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, alpha),
-         rule = axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, copy);
-    perspective.pers = NINEFOLD_PERS_ON, gated.shahei = NINEFOLD_SHAHEI_PRIORITY_STIPPLE, rule.rule = NINEFOLD_RULE_ON;
-    const Row rows[] = {
-        {"flat", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy)},
-        {"unit.copy", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, copy)},
-        {"unit.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, alpha)},
-        {"unit.alpha.z+mask", gated},
-        {"unit.copy.rule", rule},
-        {"stretch.point.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, NINEFOLD_FILTER_POINT, alpha)},
-        {"stretch.bilinear.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_STRETCH, NINEFOLD_FILTER_BILINEAR, alpha)},
-        {"corners.point.alpha", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_CORNERS, NINEFOLD_FILTER_POINT, alpha)},
-        {"gouraud", axes(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_GOURAUD, copy)},
-        {"triangle.flat", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT, copy)},
-        {"triangle.point.copy", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_POINT, copy)},
-        {"triangle.bilinear.alpha", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_BILINEAR, alpha)},
-        {"triangle.gouraud", axes(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_GOURAUD, copy)},
-        {"perspective.point.copy", perspective}};
-    constexpr int sizes[] = {64, 128, 256, 512, 1024, 2048, 4096};
-    std::vector<Texture *> frames;
-    for (int size : sizes) {
-        frames.push_back(CreateTexture(unsigned(size), unsigned(size)));
-        ClearTexture(frames.back());
-    }
-    std::vector<uint8_t> priorities(size_t(sizes[6]) * sizes[6], 128);
-
-    const auto prepare = [&](const Row *row, size_t frame) {
-        if (row)
-            prepareFor(row->axes);
-        SetFrameBuffer(frames[frame]);
-        SetPresetDrawMask(127);
-        const int size = sizes[frame];
-        rs.clipRight = rs.clipBottom = size;
-        rs.zBuffer = priorities.data();
-        // 0.75 texels a pixel at every size; the texture wraps.
-        const int32_t across = size * 49152, whole = size << 16;
-        const bool triangle = row && row->axes.shape == NINEFOLD_SHAPE_TRIANGLE;
-        rs.vertex[0] = {0, 0, 1000}, rs.vertex[2] = {size / 5, size, 2000};
-        rs.vertex[1] = triangle ? Vertex{size, size / 4, 1400} : Vertex{size, size, 0};
-        rs.uv0[0] = {0, 0}, rs.uv0[1] = {across, row && row->axes.rectOpt == NINEFOLD_RECT_STRETCH ? across : 0},
-        rs.uv0[2] = {0, across};
-        rs.uv0[3] = {across, across};
-        rs.uv2[0] = {0, 0}, rs.uv2[1] = {whole, whole}, rs.uv2[2] = {0, whole};
-        ninefold::useSet(ninefold::usableSets() - 1);
-    };
-    std::printf("%-26s", "ns/px");
-    for (int size : sizes)
-        std::printf(" %8d", size);
-    std::printf("  worst/best\n");
-    const auto print = [&](const std::string &name, double share, const Contenders &contenders) {
-        const std::vector<Measured> all = measure(contenders, effort);
-        std::printf("%-26s", name.c_str());
-        double least = 1e30, most = 0;
-        for (size_t i = 0; i < all.size(); ++i) {
-            const double cost = all[i].median() / (double(sizes[i]) * sizes[i] * share);
-            std::printf(" %8.4f", cost);
-            least = std::min(least, cost), most = std::max(most, cost);
-        }
-        std::printf(" %8.2f\n", most / least);
-        std::fflush(stdout);
-    };
-    bool any = false;
-    for (const Row &row : rows) {
-        const auto matches = [&](const std::string &filter) { return std::string(row.name).find(filter) != std::string::npos; };
-        if (!filters.empty() && std::none_of(filters.begin(), filters.end(), matches))
-            continue;
-        any = true;
-        Contenders contenders;
-        for (size_t i = 0; i < frames.size(); ++i)
-            contenders.push_back({row.name, Role::ours, "", [=, &row] { prepare(&row, i); },
-                                  [kernel = SearchDrawFunc(ninefold::codeOf(row.axes))](long calls) {
-                                      for (long n = 0; n < calls; ++n)
-                                          kernel();
-                                  }});
-        print(row.name, row.axes.shape == NINEFOLD_SHAPE_TRIANGLE ? 0.475 : 1, contenders);
-    }
-    if (!any) {
-        std::fprintf(stderr, "bench: no kernel of --scale has a name that contains that\n");
-        return 2;
-    }
-    // Caches alone.
-    Contenders contenders;
-    for (size_t i = 0; i < frames.size(); ++i)
-        contenders.push_back({"memcpy", Role::memcpy, "", {}, [=](long calls) {
-                                  const Surface source = straight(Content::sprite, 256);
-                                  for (long n = 0; n < calls; ++n)
-                                      for (int at = 0; at < sizes[i] * sizes[i]; at += 64 * 256)
-                                          std::memcpy(frames[i]->pixels + at, source.pixels + at % (256 * 256),
-                                                      std::min(64 * 256, sizes[i] * sizes[i]) * 4);
-                              }});
-    print("memcpy", 1, contenders);
-    for (Texture *frame : frames)
-        DeleteTexture(frame);
-    SetFrameBuffer(frameBuffer());
     return 0;
 }
 

@@ -11,7 +11,7 @@ namespace bench {
 // codes that are slowest against the median of theirs, and writes all to a CSV file.
 int timeFamilies(const std::vector<std::string> &filters, const Effort &effort, const std::filesystem::path &csv);
 
-// Times some kernels from 64 by 64 to 4096 by 4096 pixels.
-int timeScale(const std::vector<std::string> &filters, const Effort &effort);
+// Fills rs with what any code needs to draw 64 by 64 pixels, everything that tests pixels letting some through.
+void prepareFor(const ninefold::Axes &axes);
 
 } // namespace bench

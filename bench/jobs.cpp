@@ -12,7 +12,7 @@ ninefold::Axes axesOf(int shape, int rectOpt, int filter, Blend blend)
     return axes;
 }
 
-std::vector<Primitive> rectangles(int count, int width, int height, int textureSize, double scale)
+std::vector<Primitive> rectangles(int count, int width, int height, int textureSize, double scale, int grid)
 {
     std::vector<Primitive> all;
     const auto place = [](int room) { return room > 1 ? random(room) : 0; };
@@ -21,7 +21,8 @@ std::vector<Primitive> rectangles(int count, int width, int height, int textureS
         Primitive p{};
         p.vertex[0] = {place(frameSize - width), place(frameSize - height), 0};
         p.vertex[1] = {p.vertex[0].x + width, p.vertex[0].y + height, 0};
-        p.uv[0] = {place(textureSize - sourceWidth) << 16, place(textureSize - sourceHeight) << 16};
+        const auto texel = [=](int size) { return grid > 1 ? random(textureSize / grid) * grid : place(textureSize - size); };
+        p.uv[0] = {texel(sourceWidth) << 16, texel(sourceHeight) << 16};
         p.uv[1] = {p.uv[0].u + int32_t(width * scale * 65536), p.uv[0].v + int32_t(height * scale * 65536)};
         for (uint32_t &colour : p.color)
             colour = 0xFF000000 | uint32_t(random(1 << 24));

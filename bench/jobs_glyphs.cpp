@@ -139,6 +139,7 @@ void addGlyphJobs(std::vector<Job> &jobs)
             Job job;
             job.name = std::string(rimmed ? "glyphs.rimmed/" : "glyphs.plain/") + font.name;
             job.unit = "glyph";
+            job.goal = 1.05; // the rasteriser is the peer's own; the rest is a look-up of the face and the copy into the atlas
             job.pixels = double(std::size(characters));
             job.more = [font, rimmed](Contenders &contenders) {
                 contenders.push_back({"ninefold/v1", Role::ours, "finds its face anew for each glyph",

@@ -86,23 +86,37 @@ std::function<void()> ruleSetup(int value)
     };
 }
 
+// Three bounds, a pixel each:
+//   - Outside nothing but the rule's 4 bytes is read. The yardstick reads them too; a tenth is for the rows.
+//   - Inside the kernel without a rule is drawn as well, 12 bytes (texel, frame buffer fetched and written) where 4 are read
+//     before. The yardstick does the one after the other.
+//   - At the edge the frame buffer is read and mixed: 16 bytes, and of instructions for eight pixels about 30 (rule value and its
+//     bounds 6, weight 6, mix of two channel pairs 14, choice and masked store 4) over those of the kernel without a rule, which
+//     has about 20 with what its memory makes it wait, 10 for a fill, 60 stretched by four texels, 30 turned and 100 in
+//     perspective by four.
 void addRules(std::vector<Job> &jobs)
 {
+    constexpr double edgeInstructions = 30, ownInstructions[] = {20, 10, 60, 30, 100};
     struct Place {
         const char *name;
         int value;
     };
     for (const Place &place : {Place{"outside", 50}, Place{"edge", 125}, Place{"inside", 200}})
-        for (const Shape &shape : shapes()) {
+        for (size_t at = 0; at < shapes().size(); ++at) {
+            const Shape shape = shapes()[at];
             Job job = shapeJob(std::string("rule.") + place.name + ".", shape);
             job.axes.rule = NINEFOLD_RULE_ON;
             job.setup = ruleSetup(place.value);
             job.refused = place.value == 50;
-            job.goal = job.refused ? 1.3 : 0;
-            // Outside nothing but the rule needs to be read; elsewhere the kernel without a rule is drawn as well.
-            job.more = [plain = besides(job, shape.axes), value = place.value](Contenders &contenders) {
+            const bool edge = place.value == 125;
+            job.goal = edge ? 1 + edgeInstructions / ownInstructions[at] : 1.1;
+            job.more = [plain = besides(job, shape.axes), value = place.value, edge](Contenders &contenders) {
                 const bool drawn = value > 100;
-                const Contender kernel = kernelAs("", Role::yardstick, *plain, plain->axes, {});
+                const Contender kernel = kernelAs("no rule", Role::yardstick, *plain, plain->axes, {});
+                if (edge) {
+                    contenders.push_back(kernel);
+                    return;
+                }
                 contenders.push_back({drawn ? "no rule + read" : "read rule", Role::yardstick, "", kernel.prepare,
                                       [=, spans = frameSpans()](long calls) {
                                           for (long i = 0; i < calls; ++i) {
@@ -116,13 +130,20 @@ void addRules(std::vector<Job> &jobs)
         }
 }
 
+// A row of the plane is 128 bytes and one of priorities 1024: read in about 8 and 18 ns, which is the yardstick. A kernel walks its
+// rows besides, about 30 instructions or 4 ns each; two triangles in perspective divide for two edges and the row's start, 16 ns.
+double gateGoal(const Shape &shape, double nanosecondsToRead)
+{
+    return 1 + (shape.kind == Kind::perspective ? 16 : 4) / nanosecondsToRead;
+}
+
 void addGates(std::vector<Job> &jobs)
 {
     for (const Shape &shape : shapes()) {
         Job plane = shapeJob("taken.", shape);
         plane.axes.shahei = NINEFOLD_SHAHEI_PLANE;
         plane.setup = [] { std::memset(rs.shaheiPlane, 0xFF, frameSize * frameSize / 8); };
-        plane.goal = 1.3;
+        plane.goal = gateGoal(shape, 8);
         plane.refused = true;
         plane.more = [](Contenders &contenders) {
             contenders.push_back({"read plane", Role::yardstick, "",
@@ -139,7 +160,7 @@ void addGates(std::vector<Job> &jobs)
         priority.axes.shahei = NINEFOLD_SHAHEI_PRIORITY;
         priority.axes.blend = alpha;
         priority.setup = [] { std::memset(rs.zBuffer, 50, frameSize * frameSize); };
-        priority.goal = 1.3;
+        priority.goal = gateGoal(shape, 18);
         priority.refused = true;
         priority.more = [](Contenders &contenders) {
             contenders.push_back({"read priorities", Role::yardstick, "",
@@ -153,7 +174,9 @@ void addGates(std::vector<Job> &jobs)
     }
 }
 
-// A second texture or a colour through a multi operator, in place of the frame buffer through the blend of that name.
+// A second texture or a colour through a multi operator, in place of the frame buffer through the blend of that name. The blend
+// reads two words and writes one, 12 bytes; with a second texture the frame buffer is fetched to be written besides, 16 bytes, which
+// counts as a third only where memory decides. Of some 30 instructions for eight pixels 3 are more: a load, a test and a mask.
 void addMulti(std::vector<Job> &jobs)
 {
     struct Row {
@@ -182,7 +205,7 @@ void addMulti(std::vector<Job> &jobs)
                                frameSize);
         job.axes.multi = uint8_t(row.multi);
         job.ownOnly = true;
-        job.goal = 1.5;
+        job.goal = 1.2;
         job.setup = [row] {
             rs.tex1 = texture(Content::soft, frameSize);
             SetPrescaleMultiMode(row.bank);
@@ -201,8 +224,10 @@ void addMulti(std::vector<Job> &jobs)
 uint32_t hostOperator(uint32_t first, uint32_t second) { return first ^ (second & 0x00FFFFFF) ^ 0x5A; }
 PixelOperator volatile hostPointer = hostOperator; // so that the call stays a call
 
-// A host's own operators see the picture as it grows, so they cost a call a pixel and what stands between two calls. The blend
-// alone at unit scale has a block of its own; behind a gate it goes by parts.
+// A host's own operators see the picture as it grows, so they cost a call a pixel and what stands between two calls: the yardstick,
+// with as many calls. The blend alone at unit scale has a block of its own; behind a gate it goes by parts, which store and load
+// the source, what lets it through and the second operand: about 10 instructions where a call takes 20 to the end. The fixed part
+// of a kernel, some 200 instructions, is a fifth of 64 calls.
 void addCustom(std::vector<Job> &jobs)
 {
     struct Row {
@@ -224,15 +249,15 @@ void addCustom(std::vector<Job> &jobs)
             if (row.multi)
                 job.axes.multi = NINEFOLD_MULTI_TEXTURE;
             job.ownOnly = true;
-            job.goal = 1.1;
+            job.goal = (row.multi || row.shahei ? 1.5 : 1.1) + (size < frameSize ? 0.2 : 0);
             job.setup = [] {
                 rs.tex1 = rs.tex0;
                 rs.blendFunc = rs.multiFunc = hostOperator;
             };
-            job.more = [size](Contenders &contenders) {
+            job.more = [size, times = row.blend + row.multi](Contenders &contenders) {
                 std::vector<Span> spans;
                 for (int y = 0; y < size; ++y)
-                    spans.push_back({y, 0, size});
+                    spans.insert(spans.end(), size_t(times), {y, 0, size});
                 contenders.push_back({"calls", Role::yardstick, "", {}, [spans](long calls) {
                                           for (long i = 0; i < calls; ++i)
                                               callPerPixel(frame().pixels, straight(Content::opaque, frameSize).pixels, spans,
@@ -243,7 +268,8 @@ void addCustom(std::vector<Job> &jobs)
         }
 }
 
-// Against the same kernel without mip levels drawn twice, on the level and on the next.
+// Against the same kernel without mip levels drawn twice, on the level and on the next. That reads as many texels and writes the
+// frame buffer twice, 8 bytes more, for which a mix of two words is about as many instructions: no more than the two together.
 void addMip(std::vector<Job> &jobs)
 {
     struct Row {
@@ -274,7 +300,7 @@ void addMip(std::vector<Job> &jobs)
         job.work.mipmapped = true;
         job.ownOnly = row.multi != NINEFOLD_MULTI_NONE;
         job.work.maps = {{{{3, 0, double(p.texelU())}, {0, 3, double(p.texelV())}, {0, 0, 1}}}};
-        job.goal = 1.3;
+        job.goal = 1;
         job.setup = [] {
             rs.tex1 = nullptr, SetPrescaleMultiMode(NINEFOLD_MULTI_BANK_PLAIN), SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL);
         };
@@ -302,33 +328,43 @@ void addMip(std::vector<Job> &jobs)
     }
 }
 
+// By the run-length map against the same without. A hole of 60 pixels on average leaves out all cache lines of 16 pixels but one,
+// three quarters of what is fetched and written for it, and as many vectors.
 void addRuns(std::vector<Job> &jobs)
 {
-    for (const Blend blend : {copy, alpha})
-        for (int size : {frameSize, 64}) {
-            Job job = rectangleJob(blend == copy ? "runs.copy" : "runs.alpha", Kind::blit,
-                                   axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_RUNS, NINEFOLD_FILTER_POINT, blend),
-                                   Content::sparse, size);
-            for (Primitive &p : job.work.primitives)
-                p.vertex[0].x = std::max(p.vertex[0].x, size == frameSize ? 0 : 128), p.vertex[1].x = p.vertex[0].x + size;
-            job.note = "70 % transparent";
-            job.ownOnly = true;
-            job.more = [plain = besides(job, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, blend))](
-                           Contenders &contenders) {
-                contenders.push_back(kernelAs("no map", Role::yardstick, *plain, plain->axes, {}));
-            };
-            jobs.push_back(job);
-        }
+    constexpr std::pair<Content, int> shares[] = {{Content::soft, 0},     {Content::holes10, 10}, {Content::holes30, 30},
+                                                  {Content::holes50, 50}, {Content::holes70, 70}, {Content::holes90, 90}};
+    for (const auto &[content, percent] : shares)
+        for (const Blend blend : {copy, alpha})
+            for (int size : {frameSize, 64}) {
+                Job job = rectangleJob((blend == copy ? "runs.copy." : "runs.alpha.") + std::to_string(percent) + "%", Kind::blit,
+                                       axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_RUNS, NINEFOLD_FILTER_POINT, blend),
+                                       content, size);
+                for (Primitive &p : job.work.primitives) // what a hole of 128 would need before it
+                    p.vertex[0].x = std::max(p.vertex[0].x, size == frameSize ? 0 : 128), p.vertex[1].x = p.vertex[0].x + size;
+                job.goal = 1 - 0.75 * percent / 100;
+                job.ownOnly = true;
+                job.more = [plain = besides(job, axesOf(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT,
+                                                        blend))](Contenders &contenders) {
+                    contenders.push_back(kernelAs("no map", Role::yardstick, *plain, plain->axes, {}));
+                };
+                jobs.push_back(job);
+            }
 }
 
+// A row is one call of memset, about 25 instructions at these lengths. The triangle steps two edges, clips and finds the address:
+// 15 more, and for bits 14 for the words that are not whole; large rows of bytes take several times their instructions. Its set-up
+// has three divisions and their like, about 30 ns, a fifth of 22 rows.
 void addOcclusion(std::vector<Job> &jobs)
 {
     struct Row {
         const char *name;
         DrawFunc kernel;
         int pixelsPerByte;
+        double largeGoal, smallGoal;
     };
-    constexpr Row rows[] = {{"occlusion.bytes", DrawZbufferPolygon, 1}, {"occlusion.bits", DrawShaheiPolygonSet, 8}};
+    constexpr Row rows[] = {{"occlusion.bytes", DrawZbufferPolygon, 1, 1.15, 1.5},
+                            {"occlusion.bits", DrawShaheiPolygonSet, 8, 2, 1.7}};
     for (const Row &row : rows)
         for (const bool large : {true, false}) {
             Job job;
@@ -338,7 +374,7 @@ void addOcclusion(std::vector<Job> &jobs)
             job.work.kind = Kind::flatTriangle;
             job.perCall = !large;
             job.ownOnly = true;
-            job.goal = 0;
+            job.goal = large ? row.largeGoal : row.smallGoal;
             Primitive p{};
             if (large)
                 p.vertex[0] = {10, 5, 0}, p.vertex[1] = {1015, 240, 0}, p.vertex[2] = {230, 1018, 0};
@@ -409,7 +445,7 @@ void addStartUp(std::vector<Job> &jobs)
     job.name = "startup";
     job.note = "the four calls in a fresh process";
     job.perCall = true;
-    job.budget = 2e6;
+    job.budget = 1e6;
     job.ownOnly = true;
     job.samples = startUpSamples;
     jobs.push_back(job);

@@ -1,7 +1,9 @@
 // bench [OPTION] [FILTER...]: see usage.
 #include "check.h"
 #include "families.h"
+#include "hold.h"
 #include "report.h"
+#include "scale.h"
 #include "scene.h"
 
 #include <algorithm>
@@ -17,9 +19,10 @@ constexpr const char *usage =
     "Times the library against other libraries, a plain loop and memcpy on the jobs whose name contains one of the filters\n"
     "(default: all), and writes bench.csv and bench.html beside the program.\n"
     "  --quick        shorter turns, fewer rounds\n"
+    "  --v3           hold the library and its peers to x86-64-v3 (AVX2); peers that cannot be are left out\n"
     "  --list         name the jobs and their contenders\n"
     "  --families     every draw code on 64 by 64 pixels; filters are parts of the codes' names\n"
-    "  --scale        some kernels from 64 by 64 to 4096 by 4096 pixels\n"
+    "  --scale        how some kernels' cost grows with pixels, primitives and textures, as curves in bench.html\n"
     "  --check[=DIR]  draw each job once by every contender and compare; write the frames into DIR\n";
 
 struct Options {
@@ -52,7 +55,7 @@ int timeJobs(const std::vector<Job> &jobs, const Effort &effort)
     for (const Job &job : jobs) {
         fillFrame();
         std::vector<Measured> measured = job.samples.empty()
-                                             ? measure(contendersOf(job), effort)
+                                             ? measure(contendersOf(job), effort, job.cold ? Caches::cold : Caches::warm)
                                              : std::vector<Measured>{{"ninefold/v1", job.note, Role::ours, job.samples}};
         if (job.budget > 0)
             measured.push_back({"budget", "", Role::yardstick, std::vector<double>(measured[0].nanoseconds.size(), job.budget)});
@@ -78,7 +81,7 @@ int run(const Options &options)
     if (options.families)
         return timeFamilies(options.filters, effort, besideProgram("families.csv"));
     if (options.scale)
-        return timeScale(options.filters, effort);
+        return timeScale(options.filters, effort, besideProgram("bench.html"));
     if (options.check)
         useSmoothPictures();
 
@@ -116,6 +119,8 @@ int parse(int argc, char **argv)
         const std::string argument = argv[i];
         if (argument == "--quick")
             options.quick = true;
+        else if (argument == "--v3")
+            holdToV3(argv);
         else if (argument == "--list")
             options.list = true;
         else if (argument == "--families")

@@ -1,4 +1,5 @@
 // The library's own contenders: one for each instruction set that the machine has, and the scalar loop in its place.
+#include "hold.h"
 #include "kernels/sets.h"
 #include "scene.h"
 
@@ -131,7 +132,7 @@ void addOurs(const Job &job, Contenders &contenders)
                             : ninefold::exists(job.axes) ? SearchDrawFunc(ninefold::codeOf(job.axes))
                                                          : nullptr;
     for (int set = 0; kernel && set < ninefold::setCount; ++set) {
-        if (!ninefold::useSet(set))
+        if (set > bestSet() || !ninefold::useSet(set))
             continue;
         contenders.push_back(caller(std::string("ninefold/") + ninefold::setNames[set], Role::ours, job, kernel, set, job.setup));
         contenders.back().note = job.note;
@@ -140,10 +141,20 @@ void addOurs(const Job &job, Contenders &contenders)
         contenders.push_back(caller("scalar", Role::scalar, job, job.scalar, 0, job.setup));
 }
 
+int bestSet()
+{
+    static const int best = [] {
+        int set = ninefold::usableSets() - 1;
+        while (isHeldToV3() && set > 0 && std::strcmp(ninefold::setNames[set], "v4") == 0)
+            --set;
+        return set;
+    }();
+    return best;
+}
+
 Contender kernelAs(std::string name, Role role, const Job &job, const ninefold::Axes &axes, std::function<void()> setup)
 {
-    return caller(std::move(name), role, job, SearchDrawFunc(ninefold::codeOf(axes)), ninefold::usableSets() - 1,
-                  std::move(setup));
+    return caller(std::move(name), role, job, SearchDrawFunc(ninefold::codeOf(axes)), bestSet(), std::move(setup));
 }
 
 Contenders contendersOf(const Job &job)
@@ -154,7 +165,7 @@ Contenders contendersOf(const Job &job)
     addOurs(job, contenders);
     if (!job.ownOnly)
         for (const auto &[name, make] : peers())
-            if (!job.work.mipmapped || name == "osmesa") // the others have no mip levels
+            if (!isLeftOut(name.c_str()) && (!job.work.mipmapped || name == "osmesa")) // the others have no mip levels
                 make(job.work, contenders);
     if (job.more)
         job.more(contenders);
@@ -168,6 +179,7 @@ void addMemcpy(const Job &job, Contenders &contenders)
     struct Block {
         uint32_t *to;
         size_t bytes, rows;
+        const uint32_t *from;
     };
     // Rectangles as they are, by rows; of other shapes half of the box; lines stretched out.
     std::vector<Block> blocks;
@@ -183,13 +195,14 @@ void addMemcpy(const Job &job, Contenders &contenders)
         if (line)
             width = std::max(width, rows), rows = 1, left = std::min(left, frameSize - width);
         uint32_t *const to = target.pixels + top * frameSize + left;
-        blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1}
-                                            : Block{to, size_t(width) * 4, size_t(rows)});
+        const uint32_t *const from = source.pixels + (work.kind == Kind::blit ? p.texelV() * source.width + p.texelU() : 0);
+        blocks.push_back(width == frameSize ? Block{to, size_t(width * rows) * 4, 1, from}
+                                            : Block{to, size_t(width) * 4, size_t(rows), from});
     }
     contenders.push_back(contender("memcpy", Role::memcpy, "", work, [=](size_t i) {
         const Block &block = blocks[i];
         uint32_t *to = block.to;
-        const uint32_t *from = source.pixels;
+        const uint32_t *from = block.from;
         for (size_t row = 0; row < block.rows; ++row, to += frameSize, from += source.width)
             std::memcpy(to, from, block.bytes);
     }));

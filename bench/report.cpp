@@ -1,5 +1,7 @@
 #include "report.h"
 
+#include "hold.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -53,13 +55,35 @@ struct Tally {
         missed += misses(ours, rival, goal);
         logarithms += std::log(ratio(*ours, *rival));
     }
-    void print(const char *what) const
+    std::string text(const std::string &what) const
     {
-        if (measured)
-            std::printf("against %s: %d rows, geometric mean %.3f, %d above their goal\n", what, measured,
-                        std::exp(logarithms / measured), missed);
+        char line[160];
+        std::snprintf(line, sizeof line, "%s: %d rows, geometric mean %.3f, %d above their goal", what.c_str(), measured,
+                      std::exp(logarithms / measured), missed);
+        return measured ? line : "";
     }
 };
+
+std::vector<std::string> summaryOf(const std::vector<Row> &rows)
+{
+    Tally all, peers, sprites, yardsticks, scalars;
+    for (const Row &row : rows) {
+        const bool sprite = row.job.perCall && row.job.axes.shape == NINEFOLD_SHAPE_RECTANGLE;
+        all.add(row.ours(), row.best(Role::peer), row.best(Role::yardstick) ? 1 : row.job.goal);
+        (row.best(Role::yardstick) ? yardsticks : sprite ? sprites : peers).add(row.ours(), row.rival(), row.job.goal);
+        scalars.add(row.ours(), row.find(Role::scalar), row.job.scalarGoal);
+    }
+    std::vector<std::string> lines;
+    if (isHeldToV3())
+        lines.push_back(std::string("held to x86-64-v3") + (hasMoreThanV3() ? std::string("; left out: ") + notHoldable : ""));
+    for (const std::string &line :
+         {all.text("all jobs together against the best peer (goal of the mean 0.58)"),
+          peers.text("of these without small rectangles and yardsticks"), sprites.text("of these small rectangles"),
+          yardsticks.text("against yardsticks"), scalars.text("against the scalar loop")})
+        if (!line.empty())
+            lines.push_back(line);
+    return lines;
+}
 
 std::string escaped(const std::string &text, bool quoted)
 {
@@ -103,7 +127,10 @@ const Measured *Row::rival() const
     return yardstick ? yardstick : best(Role::peer);
 }
 
-double Row::unit(const Measured &measured) const { return measured.median() / (job.perCall ? 1 : job.pixels); }
+double Row::unit(const Measured &measured, double share) const
+{
+    return measured.quantile(share) / (job.perCall ? 1 : job.pixels);
+}
 
 void printHeading()
 {
@@ -126,64 +153,146 @@ void printRow(const Row &row)
 
 void printSummary(const std::vector<Row> &rows)
 {
-    Tally peers, sprites, yardsticks, scalars;
-    for (const Row &row : rows) {
-        const bool sprite = row.job.perCall && row.job.axes.shape == NINEFOLD_SHAPE_RECTANGLE;
-        (row.best(Role::yardstick) ? yardsticks : sprite ? sprites : peers).add(row.ours(), row.rival(), row.job.goal);
-        scalars.add(row.ours(), row.find(Role::scalar), row.job.scalarGoal);
-    }
     std::printf("\n* above the row's goal\n");
-    peers.print("the best peer");
-    sprites.print("the best peer, small rectangles");
-    yardsticks.print("yardsticks");
-    scalars.print("the scalar loop");
+    for (const std::string &line : summaryOf(rows))
+        std::printf("%s\n", line.c_str());
 }
 
 void writeCsv(const std::vector<Row> &rows, const std::filesystem::path &path)
 {
     std::ofstream out(path);
-    out << "job,contender,role,unit,median_ns,least_ns,to_memcpy,to_best_peer,goal,note\n";
+    out << "job,contender,role,unit,median_ns,p10_ns,p90_ns,to_memcpy,to_best_peer,goal,note\n";
     for (const Row &row : rows)
         for (const Measured &each : row.contenders) {
-            const double scale = row.job.perCall ? 1 : row.job.pixels;
             const Measured *memcpy = row.find(Role::memcpy), *rival = row.rival();
             out << row.job.name << ',' << each.name << ',' << roleName(each.role) << ',' << row.job.unitName() << ','
-                << row.unit(each) << ',' << each.least() / scale << ',' << (memcpy ? figure(ratio(each, *memcpy)) : "") << ','
-                << (rival ? figure(ratio(each, *rival)) : "") << ',' << row.job.goal << ",\"" << escaped(each.note, true)
-                << "\"\n";
+                << row.unit(each) << ',' << row.unit(each, 0.1) << ',' << row.unit(each, 0.9) << ','
+                << (memcpy ? figure(ratio(each, *memcpy)) : "") << ',' << (rival ? figure(ratio(each, *rival)) : "") << ','
+                << row.job.goal << ",\"" << escaped(each.note, true) << "\"\n";
         }
 }
+
+namespace {
+
+constexpr char style[] =
+    "<style>\nbody{font:14px sans-serif;max-width:70em;margin:2em auto;padding:0 1em}h2{font-size:1em;margin:1.5em 0 .3em}\n"
+    ".r{display:grid;grid-template-columns:9em 1fr 30em;align-items:center;gap:.5em}.t{position:relative;height:.9em}\n"
+    ".b{height:.9em;min-width:2px;display:inline-block}.t i{position:absolute;top:.4em;height:.15em;background:#222}\n"
+    ".memcpy{background:#bbb}.ours{background:#2a7}.scalar{background:#cb8}.yardstick{background:#86b}.peer{background:#58c}"
+    ".less{background:#ace}\n"
+    "small{color:#777}.miss{color:#b22}svg text{font-size:12px}</style>\n";
+
+void openPage(std::ofstream &out)
+{
+    out << "<!doctype html><meta charset=utf-8><title>Ninefold: benchmark</title>\n" << style << "<h1>Ninefold: benchmark</h1>\n";
+}
+
+} // namespace
 
 void writePage(const std::vector<Row> &rows, const std::filesystem::path &path)
 {
     std::ofstream out(path);
-    out << "<!doctype html><meta charset=utf-8><title>Ninefold: benchmark</title>\n<style>\n"
-           "body{font:14px sans-serif;max-width:60em;margin:2em auto;padding:0 1em}h2{font-size:1em;margin:1.5em 0 .3em}\n"
-           ".r{display:grid;grid-template-columns:9em "
-           "1fr;align-items:center;gap:.5em}.b{height:.9em;display:inline-block;margin-right:.4em}\n"
-           ".memcpy{background:#bbb}.ours{background:#2a7}.scalar{background:#cb8}.yardstick{background:#86b}.peer{background:#"
-           "58c}.less{background:#ace}\n"
-           "small{color:#777}.miss{color:#b22}</style>\n<h1>Ninefold: benchmark</h1>\n"
-           "<p>Nanoseconds per pixel or per call on one thread; each bar is the median of interleaved turns, shorter is faster.\n"
-           "<span class=\"b ours\">&emsp;</span>Ninefold by instruction set <span class=\"b scalar\">&emsp;</span>its scalar "
+    openPage(out);
+    out << "<p>Nanoseconds per pixel or per call on one thread; each bar is the median of interleaved turns, the line on it "
+           "goes\n"
+           "from p10 to p90; shorter is faster.\n"
+           "<span class=\"b ours\">&emsp;</span> Ninefold by instruction set <span class=\"b scalar\">&emsp;</span> its scalar "
            "loop\n"
-           "<span class=\"b peer\">&emsp;</span>peers <span class=\"b less\">&emsp;</span>peers that leave work out\n"
-           "<span class=\"b yardstick\">&emsp;</span>yardsticks <span class=\"b memcpy\">&emsp;</span>"
-           "memcpy of the same bytes</p>\n";
+           "<span class=\"b peer\">&emsp;</span> peers <span class=\"b less\">&emsp;</span> peers that leave work out\n"
+           "<span class=\"b yardstick\">&emsp;</span> yardsticks <span class=\"b memcpy\">&emsp;</span> "
+           "memcpy of the same bytes</p>\n<p>";
+    for (const std::string &line : summaryOf(rows))
+        out << line << "<br>\n";
+    out << "</p>\n";
     for (const Row &row : rows) {
         double longest = 0;
         for (const Measured &each : row.contenders)
-            longest = std::max(longest, row.unit(each));
+            longest = std::max(longest, row.unit(each, 0.9));
         const Measured *rival = row.rival();
         out << "<h2>" << row.job.name << " <small>ns per " << row.job.unitName();
         if (row.ours() && rival)
             out << ", " << ratioTo(row, rival) << " of " << rival->name
                 << (misses(row.ours(), rival, row.job.goal) ? " <span class=miss>above " + figure(row.job.goal) + "</span>" : "");
         out << "</small></h2>\n";
-        for (const Measured &each : row.contenders)
-            out << "<div class=r><span>" << each.name << "</span><span><span class=\"b " << roleName(each.role)
-                << "\" style=\"width:" << number("%.1f", 55 * row.unit(each) / longest) << "%\"></span>" << figure(row.unit(each))
-                << " <small>" << escaped(each.note, false) << "</small></span></div>\n";
+        for (const Measured &each : row.contenders) {
+            const auto share = [&](double nanoseconds) { return number("%.2f", 100 * nanoseconds / longest) + "%"; };
+            const double low = row.unit(each, 0.1), high = row.unit(each, 0.9);
+            out << "<div class=r><span>" << each.name << "</span><span class=t><span class=\"b " << roleName(each.role)
+                << "\" style=\"width:" << share(row.unit(each)) << "\"></span><i style=\"left:" << share(low)
+                << ";width:" << share(high - low) << "\"></i></span><span>" << figure(row.unit(each)) << " <small>" << figure(low)
+                << " to " << figure(high) << (each.note.empty() ? "" : "; ") << escaped(each.note, false)
+                << "</small></span></div>\n";
+        }
+    }
+}
+
+void printChart(const Chart &chart)
+{
+    std::printf("%s, %s\n%-32s", chart.title.c_str(), chart.down.c_str(), chart.across.c_str());
+    for (double place : chart.places)
+        std::printf(" %9.0f", place);
+    std::printf("  worst/best\n");
+    for (const Curve &curve : chart.curves) {
+        std::printf("%-32s", curve.name.c_str());
+        for (double cost : curve.costs)
+            std::printf(" %9s", figure(cost).c_str());
+        const auto [least, most] = std::minmax_element(curve.costs.begin(), curve.costs.end());
+        std::printf(" %9.2f\n", *most / *least);
+    }
+    std::printf("\n");
+    std::fflush(stdout);
+}
+
+// Both axes by their logarithms, with a line for each power of ten down and for each place across. memcpy's curve is black.
+void writePage(const std::vector<Chart> &charts, const std::filesystem::path &path)
+{
+    std::ofstream out(path);
+    openPage(out);
+    out << "<p>Nanoseconds on one thread in the best instruction set, medians of interleaved turns; lower is faster. The dashed\n"
+           "curve is memcpy of the same bytes.</p>\n";
+    for (const Chart &chart : charts) {
+        constexpr double left = 60, top = 10, width = 560, height = 380;
+        double least = 1e30, most = 0;
+        for (const Curve &curve : chart.curves)
+            for (double cost : curve.costs)
+                least = std::min(least, cost), most = std::max(most, cost);
+        const double low = std::floor(std::log10(least)), high = std::max(std::ceil(std::log10(most)), low + 1);
+        const double first = std::log(chart.places.front()), last = std::log(chart.places.back());
+        const auto x = [&](double place) { return left + width * (std::log(place) - first) / (last - first); };
+        const auto y = [&](double cost) { return top + height * (high - std::log10(cost)) / (high - low); };
+        const auto line = [&](double x1, double y1, double x2, double y2) {
+            out << "<line x1=" << number("%.1f", x1) << " y1=" << number("%.1f", y1) << " x2=" << number("%.1f", x2)
+                << " y2=" << number("%.1f", y2) << " stroke=\"#ddd\"/>";
+        };
+        const auto text = [&](double atX, double atY, const char *anchor, const std::string &words) {
+            out << "<text x=" << number("%.1f", atX) << " y=" << number("%.1f", atY) << " text-anchor=" << anchor << ">" << words
+                << "</text>\n";
+        };
+        out << "<h2>" << chart.title << "</h2>\n<svg width=\"960\" height=\"450\">\n";
+        for (double place : chart.places) {
+            line(x(place), top, x(place), top + height);
+            text(x(place), top + height + 16, "middle", number("%.0f", place));
+        }
+        for (double power = low; power <= high; ++power) {
+            line(left, y(std::pow(10, power)), left + width, y(std::pow(10, power)));
+            text(left - 6, y(std::pow(10, power)) + 4, "end", number("%g", std::pow(10, power)));
+        }
+        text(left + width / 2, top + height + 36, "middle", chart.across);
+        out << "<text transform=\"translate(14 " << top + height / 2 << ") rotate(-90)\" text-anchor=middle>" << chart.down
+            << "</text>\n";
+        for (size_t i = 0; i < chart.curves.size(); ++i) {
+            const Curve &curve = chart.curves[i];
+            const bool copied = curve.name.rfind("memcpy", 0) == 0;
+            const std::string colour =
+                copied ? "#000" : "hsl(" + number("%.0f", 360.0 * double(i) / double(chart.curves.size())) + " 70% 40%)";
+            out << "<polyline fill=none stroke-width=2 stroke=\"" << colour << "\"" << (copied ? " stroke-dasharray=\"6 4\"" : "")
+                << " points=\"";
+            for (size_t at = 0; at < curve.costs.size(); ++at)
+                out << number("%.1f", x(chart.places[at])) << ',' << number("%.1f", y(curve.costs[at])) << ' ';
+            out << "\"><title>" << curve.name << "</title></polyline>\n<text x=" << left + width + 12
+                << " y=" << top + 16 + 18 * double(i) << " fill=\"" << colour << "\">" << curve.name << "</text>\n";
+        }
+        out << "</svg>\n";
     }
 }
 

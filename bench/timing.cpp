@@ -1,7 +1,11 @@
 #include "timing.h"
 
+#include "scene.h"
+
 #include <algorithm>
 #include <ctime>
+
+#include <unistd.h>
 
 namespace bench {
 
@@ -16,20 +20,43 @@ double now()
     return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
 }
 
+// The frame buffer as every turn finds it: what a blend makes of it must not add up.
 void prepare(const Contender &contender)
 {
+    fillFrame();
     if (contender.prepare)
         contender.prepare();
 }
 
-double medianOf(std::vector<double> values)
+double quantileOf(std::vector<double> values, double share)
 {
-    const auto middle = values.begin() + long(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
+    const auto at = values.begin() + long(share * double(values.size() - 1) + 0.5);
+    std::nth_element(values.begin(), at, values.end());
+    return *at;
 }
 
-// Calls that fill a turn, a multiple of 64 where there are that many, so that each turn draws every primitive alike.
+// Clocks, caches and predictors follow the work of the last milliseconds: a slow contender would hand its own to the next one.
+void warm(const Contender &contender, long calls)
+{
+    constexpr double enough = 4e-3;
+    const double start = now();
+    do
+        contender.run(calls);
+    while (now() - start < enough);
+}
+
+// Reads twice what the last cache holds, a word of each line.
+void emptyCaches()
+{
+    static const std::vector<uint64_t> other(size_t(std::clamp(2 * sysconf(_SC_LEVEL3_CACHE_SIZE), 16L << 20, 128L << 20)) / 8,
+                                             1);
+    uint64_t sum = 0;
+    for (size_t i = 0; i < other.size(); i += 8)
+        sum += other[i];
+    asm volatile("" ::"r"(sum)); // so that it is read
+}
+
+// Calls that fill a turn, in whole cycles where one is longer than a handful of calls.
 long callsFor(const Contender &contender, double batchSeconds)
 {
     long calls = 1;
@@ -39,7 +66,8 @@ long callsFor(const Contender &contender, double batchSeconds)
         seconds = secondsOf(contender, calls);
     }
     calls = std::max(1L, long(double(calls) * batchSeconds / seconds));
-    return calls < 64 ? calls : (calls + 63) / 64 * 64;
+    const long cycle = contender.cycle;
+    return calls < 64 && cycle == 64 ? calls : (calls + cycle - 1) / cycle * cycle;
 }
 
 } // namespace
@@ -51,21 +79,20 @@ double secondsOf(const Contender &contender, long calls)
     return now() - start;
 }
 
-double Measured::median() const { return medianOf(nanoseconds); }
-double Measured::least() const { return *std::min_element(nanoseconds.begin(), nanoseconds.end()); }
+double Measured::quantile(double share) const { return quantileOf(nanoseconds, share); }
 
 double ratio(const Measured &a, const Measured &b)
 {
     std::vector<double> ratios(a.nanoseconds.size());
     for (size_t i = 0; i < ratios.size(); ++i)
         ratios[i] = a.nanoseconds[i] / b.nanoseconds[i];
-    return medianOf(std::move(ratios));
+    return quantileOf(std::move(ratios), 0.5);
 }
 
 // A loop of our own and no benchmark library: those measure one contender to its end before the next, or shuffle whole
 // repetitions of seconds. Clocks and neighbours change faster than that, so here every contender has a turn of a millisecond in
 // every round, and what counts is the ratio of two turns of the same round.
-std::vector<Measured> measure(const Contenders &contenders, const Effort &effort)
+std::vector<Measured> measure(const Contenders &contenders, const Effort &effort, Caches caches)
 {
     std::vector<Measured> all;
     std::vector<long> calls;
@@ -73,7 +100,7 @@ std::vector<Measured> measure(const Contenders &contenders, const Effort &effort
         all.push_back({contender.name, contender.note, contender.role, {}});
         prepare(contender);
         contender.run(1); // first calls compile, allocate, fault pages in
-        calls.push_back(callsFor(contender, effort.batchSeconds * contender.patience));
+        calls.push_back(caches == Caches::cold ? contender.cycle : callsFor(contender, effort.batchSeconds * contender.patience));
     }
     for (int round = 0; round < effort.rounds; ++round)
         for (size_t turn = 0; turn < contenders.size(); ++turn) {
@@ -81,7 +108,12 @@ std::vector<Measured> measure(const Contenders &contenders, const Effort &effort
             const size_t step = round % 2 ? contenders.size() - 1 - turn : turn;
             const size_t i = (step + size_t(round)) % contenders.size();
             prepare(contenders[i]);
-            contenders[i].run(std::clamp(calls[i] / 8, 1L, 64L)); // caches and predictors
+            warm(contenders[i], calls[i]);
+            prepare(contenders[i]);
+            if (caches == Caches::cold)
+                emptyCaches();
+            else if (calls[i] >= 64) // what the preparation has put out of the caches
+                contenders[i].run(64);
             all[i].nanoseconds.push_back(secondsOf(contenders[i], calls[i]) * 1e9 / double(calls[i]));
         }
     return all;

@@ -16,8 +16,8 @@ struct Measured {
     Role role;
     std::vector<double> nanoseconds; // per call, one for each round
 
-    double median() const;
-    double least() const;
+    double quantile(double share) const; // 0 to 1
+    double median() const { return quantile(0.5); }
 };
 
 // Median over the rounds of a's time against b's in the same round.
@@ -25,6 +25,10 @@ double ratio(const Measured &a, const Measured &b);
 
 double secondsOf(const Contender &contender, long calls);
 
-std::vector<Measured> measure(const Contenders &contenders, const Effort &effort);
+// Warm: the contender has just done the same work. Cold: nothing of textures, frame buffer and planes is in a cache, and a turn is
+// one cycle.
+enum class Caches : uint8_t { warm, cold };
+
+std::vector<Measured> measure(const Contenders &contenders, const Effort &effort, Caches caches = Caches::warm);
 
 } // namespace bench

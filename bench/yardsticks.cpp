@@ -1,41 +1,74 @@
 #include "yardsticks.h"
 
 #include "bench.h"
+#include "hold.h"
 
 namespace bench {
 
 namespace {
 
 // Loops of a row, plain enough for the compiler to vectorise.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
-#define BENCH_SETS [[gnu::target_clones("default", "avx2", "avx512f"), gnu::optimize("O3")]]
-#else
-#define BENCH_SETS
+struct CountAbove {
+    using Word = uint32_t;
+    [[gnu::always_inline]] static uint32_t run(const Word *texels, int width, uint32_t threshold)
+    {
+        uint32_t count = 0;
+        for (int i = 0; i < width; ++i)
+            count += (texels[i] & 255) > threshold;
+        return count;
+    }
+};
+
+struct Joined {
+    using Word = uint16_t;
+    [[gnu::always_inline]] static uint32_t run(const Word *words, int count, uint32_t)
+    {
+        uint16_t all = 0xFFFF;
+        for (int i = 0; i < count; ++i)
+            all = uint16_t(all & words[i]);
+        return all;
+    }
+};
+
+struct Largest {
+    using Word = uint8_t;
+    [[gnu::always_inline]] static uint32_t run(const Word *bytes, int width, uint32_t)
+    {
+        uint8_t most = 0;
+        for (int i = 0; i < width; ++i)
+            most = bytes[i] > most ? bytes[i] : most;
+        return most;
+    }
+};
+
+// A loop in the best set that the processor has and that contenders are held to; the compiler's own clones could not be held.
+template <class Loop>
+struct InSets {
+    using Word = typename Loop::Word;
+    static uint32_t plain(const Word *words, int n, uint32_t value) { return Loop::run(words, n, value); }
+#if defined(__x86_64__)
+    [[gnu::target("avx2")]] static uint32_t v3(const Word *words, int n, uint32_t value) { return Loop::run(words, n, value); }
+    [[gnu::target("avx512f,avx512bw")]] static uint32_t v4(const Word *words, int n, uint32_t value)
+    {
+        return Loop::run(words, n, value);
+    }
 #endif
-
-BENCH_SETS uint32_t countAbove(const uint32_t *texels, int width, uint32_t threshold)
-{
-    uint32_t count = 0;
-    for (int i = 0; i < width; ++i)
-        count += (texels[i] & 255) > threshold;
-    return count;
-}
-
-BENCH_SETS uint32_t joined(const uint16_t *words, int count)
-{
-    uint16_t all = 0xFFFF;
-    for (int i = 0; i < count; ++i)
-        all = uint16_t(all & words[i]);
-    return all;
-}
-
-BENCH_SETS uint32_t largest(const uint8_t *bytes, int width)
-{
-    uint8_t most = 0;
-    for (int i = 0; i < width; ++i)
-        most = bytes[i] > most ? bytes[i] : most;
-    return most;
-}
+    static auto choose()
+    {
+#if defined(__x86_64__)
+        if (__builtin_cpu_supports("avx512bw") && !isHeldToV3())
+            return v4;
+        if (__builtin_cpu_supports("avx2"))
+            return v3;
+#endif
+        return plain;
+    }
+    static uint32_t run(const Word *words, int n, uint32_t value)
+    {
+        static const auto chosen = choose();
+        return chosen(words, n, value);
+    }
+};
 
 } // namespace
 
@@ -43,7 +76,7 @@ uint32_t readRuleValues(const uint32_t *texels, const std::vector<Span> &spans, 
 {
     uint32_t count = 0;
     for (const Span &span : spans)
-        count += countAbove(texels + span.y * frameSize + span.left, span.width, uint32_t(threshold));
+        count += InSets<CountAbove>::run(texels + span.y * frameSize + span.left, span.width, uint32_t(threshold));
     return count;
 }
 
@@ -52,7 +85,7 @@ uint32_t readPlane(const uint16_t *plane, const std::vector<Span> &spans)
     uint32_t all = 0xFFFF;
     for (const Span &span : spans) {
         const int first = span.left >> 4, last = (span.left + span.width + 15) >> 4;
-        all &= joined(plane + (span.y * frameSize >> 4) + first, last - first);
+        all &= InSets<Joined>::run(plane + (span.y * frameSize >> 4) + first, last - first, 0);
     }
     return all;
 }
@@ -61,7 +94,7 @@ uint32_t readPriorities(const uint8_t *zBuffer, const std::vector<Span> &spans, 
 {
     uint32_t passed = 0;
     for (const Span &span : spans)
-        passed += largest(zBuffer + span.y * frameSize + span.left, span.width) >= uint32_t(reference);
+        passed += InSets<Largest>::run(zBuffer + span.y * frameSize + span.left, span.width, 0) >= uint32_t(reference);
     return passed;
 }
 

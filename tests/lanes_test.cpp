@@ -345,7 +345,8 @@ protected:
             std::copy_n(source.at, Chunk::padded, c.words);
             c.source = c.words;
             std::copy_n(picked(live).at, Chunk::size / 64, c.live);
-            std::copy_n(rule.at, Chunk::padded, c.rule);
+            std::copy_n(rule.at, Chunk::padded, c.rules);
+            c.rule = c.rules;
             std::fill(std::begin(c.marks), std::end(c.marks), uint64_t{0});
             for (int i = 0; i < n; ++i)
                 c.marks[i / 64] |= live.at[i] ? uint64_t{1} << i % 64 : 0;

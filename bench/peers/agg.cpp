@@ -46,8 +46,8 @@ struct Canvas {
     agg::renderer_primitives<Renderer> primitives{renderer};
 
     explicit Canvas(const Work &work)
-        : source(bufferOf(work.blend == alpha || work.content == Content::key ? premultiplied(work.content, work.textureSize)
-                                                                              : straight(work.content, work.textureSize)))
+        : source(bufferOf(work.weighsByAlpha() || work.content == Content::key ? premultiplied(work.content, work.textureSize)
+                                                                               : straight(work.content, work.textureSize)))
     {}
 
     void polygon(const Vertex *v, int count)
@@ -113,6 +113,7 @@ void make(const Work &work, Contenders &contenders)
         switch (work.blend) {
         case copy:
         case alpha:
+        case alphaFast:
             add("premultiplied source", [](Canvas &c, const Primitive &p, size_t) {
                 const agg::rect_i from(p.texelU(), p.texelV(), p.texelU() + p.width() - 1, p.texelV() + p.height() - 1);
                 c.renderer.blend_from(c.sourceFormat, &from, p.vertex[0].x - from.x1, p.vertex[0].y - from.y1);
@@ -132,7 +133,7 @@ void make(const Work &work, Contenders &contenders)
         }
     }
     if ((work.kind == Kind::stretch || work.kind == Kind::corners || work.kind == Kind::triangle) &&
-        (work.blend == copy || work.blend == alpha)) {
+        (work.blend == copy || work.weighsByAlpha())) {
         const auto transforms = std::make_shared<std::vector<agg::trans_affine>>();
         for (const Map &map : work.maps) {
             const auto &m = map.m;

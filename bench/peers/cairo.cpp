@@ -33,7 +33,8 @@ Operation operationOf(const Work &work)
         return work.content == Content::key
                    ? Operation{true, CAIRO_OPERATOR_OVER, "OVER, premultiplied alpha 0 or 255 for the key"}
                    : Operation{true, CAIRO_OPERATOR_SOURCE, "no transparent test"};
-    case alpha: return {true, CAIRO_OPERATOR_OVER, "premultiplied source"};
+    case alpha:
+    case alphaFast: return {true, CAIRO_OPERATOR_OVER, "premultiplied source"};
     case constAlpha: return {true, CAIRO_OPERATOR_OVER, "no transparent test"};
     case add: return {true, CAIRO_OPERATOR_ADD, "no transparent test"};
     case multiply: return {true, CAIRO_OPERATOR_MULTIPLY, "no transparent test"};
@@ -116,7 +117,7 @@ void make(const Work &work, Contenders &contenders)
     const Operation operation = operationOf(work);
     if (!operation.known || work.kind == Kind::table || work.kind >= Kind::perspective)
         return;
-    const bool withAlpha = work.blend == alpha || (work.blend == copy && work.content == Content::key);
+    const bool withAlpha = work.weighsByAlpha() || (work.blend == copy && work.content == Content::key);
     const SurfacePointer source = withAlpha ? wrap(premultiplied(work.content, work.textureSize), CAIRO_FORMAT_ARGB32)
                                             : wrap(straight(work.content, work.textureSize), CAIRO_FORMAT_RGB24);
     cairo_set_operator(c, operation.op);

@@ -40,7 +40,8 @@ Operation operationOf(const Work &work)
     case copy:
         return work.content == Content::key ? Operation{true, PIXMAN_OP_OVER, "OVER, premultiplied alpha 0 or 255 for the key"}
                                             : Operation{true, PIXMAN_OP_SRC, "SRC, no transparent test"};
-    case alpha: return {true, PIXMAN_OP_OVER, "OVER, premultiplied source"};
+    case alpha:
+    case alphaFast: return {true, PIXMAN_OP_OVER, "OVER, premultiplied source"};
     case constAlpha: return {true, PIXMAN_OP_OVER, "OVER with a solid mask, no transparent test"};
     case add: return {true, PIXMAN_OP_ADD, "ADD, no transparent test"};
     case multiply: return {true, PIXMAN_OP_MULTIPLY, "MULTIPLY, opaque source"};

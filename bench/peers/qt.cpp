@@ -34,7 +34,8 @@ Operation operationOf(const Work &work)
         return work.content == Content::key
                    ? Operation{true, QPainter::CompositionMode_SourceOver, "SourceOver, premultiplied alpha 0 or 255 for the key"}
                    : Operation{true, QPainter::CompositionMode_Source, "no transparent test"};
-    case alpha: return {true, QPainter::CompositionMode_SourceOver, "premultiplied source"};
+    case alpha:
+    case alphaFast: return {true, QPainter::CompositionMode_SourceOver, "premultiplied source"};
     case constAlpha: return {true, QPainter::CompositionMode_SourceOver, "no transparent test"};
     case add: return {true, QPainter::CompositionMode_Plus, "no transparent test"};
     case multiply: return {true, QPainter::CompositionMode_Multiply, "no transparent test"};
@@ -91,7 +92,7 @@ void make(const Work &work, Contenders &contenders)
     const Operation operation = operationOf(work);
     if (!operation.known || work.kind >= Kind::flatTriangle)
         return;
-    const bool withAlpha = work.blend == alpha || (work.blend == copy && work.content == Content::key);
+    const bool withAlpha = work.weighsByAlpha() || (work.blend == copy && work.content == Content::key);
     const QImage source = withAlpha ? wrap(premultiplied(work.content, work.textureSize), QImage::Format_ARGB32_Premultiplied)
                                     : wrap(straight(work.content, work.textureSize), QImage::Format_RGB32);
     painter->setCompositionMode(operation.mode);

@@ -27,7 +27,8 @@ Operation operationOf(const Work &work)
 {
     switch (work.blend) {
     case copy: return {true, SDL_BLENDMODE_NONE, work.content == Content::key ? "colour key" : "no transparent test"};
-    case alpha: return {true, SDL_BLENDMODE_BLEND, ""};
+    case alpha:
+    case alphaFast: return {true, SDL_BLENDMODE_BLEND, ""};
     case constAlpha: return {true, SDL_BLENDMODE_BLEND, "no transparent test"};
     case add: return {true, SDL_BLENDMODE_ADD, "source times its alpha"};
     case multiply: return {true, SDL_BLENDMODE_MOD, "no transparent test"};
@@ -62,7 +63,7 @@ void makeRenderer(const Work &work, const SurfacePointer &target, Contenders &co
     const bool textured = work.kind == Kind::triangle;
     if (textured) {
         const SurfacePointer source = wrap(straight(work.content, work.textureSize),
-                                           work.blend == alpha ? SDL_PIXELFORMAT_ARGB8888 : SDL_PIXELFORMAT_RGB888);
+                                           work.weighsByAlpha() ? SDL_PIXELFORMAT_ARGB8888 : SDL_PIXELFORMAT_RGB888);
         texture = {SDL_CreateTextureFromSurface(renderer.get(), source.get()), SDL_DestroyTexture};
         SDL_SetTextureBlendMode(texture.get(), operationOf(work).mode);
     }
@@ -113,7 +114,7 @@ void make(const Work &work, Contenders &contenders)
         return;
     }
     if (work.kind == Kind::blit || work.kind == Kind::stretch) {
-        const bool withAlpha = work.blend == alpha || work.blend == add || work.blend == multiply;
+        const bool withAlpha = work.weighsByAlpha() || work.blend == add || work.blend == multiply;
         const bool keyed = work.blend == copy && work.content == Content::key;
         const SurfacePointer source =
             wrap(straight(work.content, work.textureSize), withAlpha ? SDL_PIXELFORMAT_ARGB8888 : SDL_PIXELFORMAT_RGB888);

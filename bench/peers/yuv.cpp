@@ -1,4 +1,5 @@
 // libyuv: rows of vectors for whole planes.
+#include "../hold.h"
 #include "../scene.h"
 
 #include <libyuv.h>
@@ -16,6 +17,10 @@ uint8_t *bytes(const Surface &surface, int x, int y)
 
 void make(const Work &work, Contenders &contenders)
 {
+#if defined(__x86_64__) || defined(__i386__)
+    if (isHeldToV3())
+        libyuv::MaskCpuFlags(libyuv::kCpuHasAVX512BW - 1);
+#endif
     const Surface target = frame();
     const Primitive *const primitives = work.primitives.data();
     const int targetPitch = target.width * 4;
@@ -28,7 +33,7 @@ void make(const Work &work, Contenders &contenders)
         return;
     }
     const Surface source =
-        work.blend == alpha ? premultiplied(work.content, work.textureSize) : straight(work.content, work.textureSize);
+        work.weighsByAlpha() ? premultiplied(work.content, work.textureSize) : straight(work.content, work.textureSize);
     const int sourcePitch = source.width * 4;
     const auto from = [=](const Primitive &p) { return bytes(source, p.texelU(), p.texelV()); };
     if (work.kind == Kind::blit) {
@@ -39,7 +44,8 @@ void make(const Work &work, Contenders &contenders)
             }));
         };
         switch (work.blend) {
-        case alpha: withTarget("premultiplied source", libyuv::ARGBBlend); break;
+        case alpha:
+        case alphaFast: withTarget("premultiplied source", libyuv::ARGBBlend); break;
         case add: withTarget("no transparent test", libyuv::ARGBAdd); break;
         case multiply: withTarget("no transparent test", libyuv::ARGBMultiply); break;
         case subtract:
@@ -49,10 +55,15 @@ void make(const Work &work, Contenders &contenders)
             }));
             break;
         case constAlpha:
-            contenders.push_back(contender("libyuv", Role::peer, "no transparent test", work, [=](size_t i) {
-                const Primitive &p = primitives[i];
-                libyuv::ARGBInterpolate(to(p), targetPitch, from(p), sourcePitch, to(p), targetPitch, p.width(), p.height(), 128);
-            }));
+            // At one half it takes the mean of two bytes, which no other factor can.
+            for (const int factor : {129, 128})
+                contenders.push_back(contender("libyuv/" + std::to_string(factor), factor == 128 ? Role::less : Role::peer,
+                                               factor == 128 ? "this factor alone; no transparent test" : "no transparent test",
+                                               work, [=](size_t i) {
+                                                   const Primitive &p = primitives[i];
+                                                   libyuv::ARGBInterpolate(to(p), targetPitch, from(p), sourcePitch, to(p),
+                                                                           targetPitch, p.width(), p.height(), factor);
+                                               }));
             break;
         default: break;
         }
@@ -65,7 +76,7 @@ void make(const Work &work, Contenders &contenders)
                 libyuv::ARGBScale(from(p), sourcePitch, p.sourceWidth(), p.sourceHeight(), to(p), targetPitch, p.width(),
                                   p.height(), filter);
             }));
-        } else if (work.blend == alpha) {
+        } else if (work.weighsByAlpha()) {
             const auto scaled = std::make_shared<std::vector<uint8_t>>(size_t(targetPitch) * frameSize);
             contenders.push_back(
                 contender("libyuv", Role::peer, "scaled, then blended; premultiplied source", work, [=](size_t i) {

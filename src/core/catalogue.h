@@ -80,7 +80,7 @@ constexpr void forEachCombination(Visitor &&visit)
             for (uint8_t blend : axis::blends)
                 for (uint8_t multi : axis::multis) {
                     a.shahei = shahei, a.blend = blend, a.multi = multi;
-                    if (exists(a))
+                    if (memberExists(a))
                         visit(a);
                 }
     });

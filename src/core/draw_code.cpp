@@ -61,8 +61,10 @@ void fillRecords(std::index_sequence<family...>)
     const DrawFunc *next[] = {KernelsOf<Family(family)>::first...};
     DrawFuncRecord *record = records;
     forEachCombination([&](const Axes &a) {
-        const uint32_t code = codeOf(a);
-        *record++ = {nullptr, code, hashOf(code), *next[size_t(familyOf(a))]++};
+        const uint32_t code = codeOf(a), hash = hashOf(code);
+        DrawFuncRecord *&head = buckets[hash & (bucketCount - 1)];
+        *record = {head, code, hash, *next[size_t(familyOf(a))]++};
+        head = record++;
     });
 }
 
@@ -91,14 +93,9 @@ void MakeDrawFuncTable(void)
         for (uint32_t byte = 0; byte < 256; ++byte)
             crcTable[byte] = crcEntry(byte);
     }
-    fillRecords(std::make_index_sequence<size_t(Family::count)>());
     for (DrawFuncRecord *&head : buckets)
         head = nullptr;
-    for (DrawFuncRecord &record : records) {
-        DrawFuncRecord *&head = buckets[record.hash & (bucketCount - 1)];
-        record.next = head;
-        head = &record;
-    }
+    fillRecords(std::make_index_sequence<size_t(Family::count)>());
 }
 
 DrawFunc SearchDrawFunc(unsigned long drawCode)

@@ -82,8 +82,11 @@ constexpr bool testsStipple(int shahei)
 // Whether shape, pers, rule, prescale, filter and rect option go together; Shahei mode, blend and multi are not looked at.
 constexpr bool familyExists(const Axes &a) { return true NINEFOLD_FAMILY_PAIRINGS(NINEFOLD_PAIRING_HOLDS); }
 
+// Of a family that does: whether Shahei mode, blend and multi go with it and with each other.
+constexpr bool memberExists(const Axes &a) { return true NINEFOLD_OTHER_PAIRINGS(NINEFOLD_PAIRING_HOLDS); }
+
 // Of values that the axes have.
-constexpr bool exists(const Axes &a) { return familyExists(a) NINEFOLD_OTHER_PAIRINGS(NINEFOLD_PAIRING_HOLDS); }
+constexpr bool exists(const Axes &a) { return familyExists(a) && memberExists(a); }
 
 #undef NINEFOLD_PAIRING_HOLDS
 

@@ -46,7 +46,14 @@ public:
     {
         if (quality_ == NINEFOLD_QUALITY_MONO)
             return (byteAt(row * stride_ + col / 8) >> (7 - (col & 7)) & 1) * 255;
-        return byteAt(row * stride_ + col) * 255 >> levelBits_;
+        return level(byteAt(row * stride_ + col));
+    }
+    uint32_t level(uint32_t byte) const { return byte * 255 >> levelBits_; }
+    // The bytes of a row's `width` pixels where all of them are there, one a pixel, or null.
+    const uint8_t *greyRow(uint32_t row, uint32_t width) const
+    {
+        const uint64_t first = uint64_t{row} * stride_;
+        return quality_ != NINEFOLD_QUALITY_MONO && first + width <= size_ ? bytes_ + first : nullptr;
     }
 
 private:
@@ -78,6 +85,13 @@ public:
             pixels_[index] = pixel;
     }
 
+    // A row's pixels, null where some would lie behind the last one.
+    uint32_t *rowAt(uint32_t row)
+    {
+        const uint64_t first = first_ + uint64_t{row} * pitch_;
+        return first + width <= count_ ? pixels_ + first : nullptr;
+    }
+
     const uint32_t width, height;
 
 private:
@@ -86,12 +100,19 @@ private:
 };
 
 // Transparent pixels are written too: a glyph replaces what stood in its place.
-template <class PixelOf>
-void expand(Box &box, const Coverage &coverage, PixelOf pixelOf)
+template <uint32_t (*pixelOf)(uint32_t alpha)>
+void expand(Box &box, const Coverage &coverage)
 {
-    for (uint32_t row = 0; row < box.height; ++row)
-        for (uint32_t col = 0; col < box.width; ++col)
-            box.write(col, row, pixelOf(coverage.at(col, row)));
+    for (uint32_t row = 0; row < box.height; ++row) {
+        uint32_t *const pixels = box.rowAt(row);
+        const uint8_t *const grey = coverage.greyRow(row, box.width);
+        if (pixels && grey)
+            for (uint32_t col = 0; col < box.width; ++col)
+                pixels[col] = pixelOf(coverage.level(grey[col]));
+        else
+            for (uint32_t col = 0; col < box.width; ++col)
+                box.write(col, row, pixelOf(coverage.at(col, row)));
+    }
 }
 
 uint32_t plainPixel(uint32_t alpha) { return alpha ? alpha << 24 | 0xffffff : 0; }
@@ -175,12 +196,12 @@ char *drawCharacter(char *text, Style style, Source &source)
     const Coverage coverage(bitmap, size, metrics.width, quality);
     Box box(atlas, rs.fontCursorX, rs.fontCursorY, metrics.width, metrics.height);
     if (style == Style::Rimmed) {
-        expand(box, coverage, unrimmedPixel);
+        expand<unrimmedPixel>(box, coverage);
         darkenRim(box);
     } else if (size == 0) {
         atlas.pixels[0] = 0; // what hosts see an empty glyph do
     } else {
-        expand(box, coverage, plainPixel);
+        expand<plainPixel>(box, coverage);
     }
 
     rs.fontCursorX += metrics.width;

@@ -63,7 +63,7 @@ struct Target {
     {
         return uintptr_t(a) < uintptr_t(bEnd) && uintptr_t(b) < uintptr_t(aEnd);
     }
-    bool overlaps(const Source &t) const
+    [[gnu::always_inline]] bool overlaps(const Source &t) const
     {
         const uint32_t *end = t.pixels + (size_t(t.maskV + 1) << t.shift);
         return meet(t.pixels, end, pixels, pixelsEnd) || meet(t.pixels, end, plane, planeEnd) || meet(t.pixels, end, z, zEnd);
@@ -78,7 +78,7 @@ struct Target {
 };
 
 // The rows top to bottom - 1, columns left to right - 1 of the frame buffer and, with `marks`, of the planes.
-inline Target targetOf(int32_t left, int32_t top, int32_t right, int32_t bottom, bool marks)
+[[gnu::always_inline]] inline Target targetOf(int32_t left, int32_t top, int32_t right, int32_t bottom, bool marks)
 {
     const ptrdiff_t first = (ptrdiff_t(top) << rs.dstShift) + left, end = (ptrdiff_t(bottom - 1) << rs.dstShift) + right;
     Target t{rs.dstPixels + first, rs.dstPixels + end, nullptr, nullptr, nullptr, nullptr};
@@ -92,7 +92,7 @@ inline Target targetOf(int32_t left, int32_t top, int32_t right, int32_t bottom,
 // Puts the textures that a frame reads into a span, those with a level of their own for each line excepted, and tells whether
 // any of them shares memory with what is written.
 template <Frame f>
-bool takeTextures(Span &s, const Target &target)
+[[gnu::always_inline]] inline bool takeTextures(Span &s, const Target &target)
 {
     bool overlap = false;
     const auto take = [&](Source &source, const Texture *texture) NINEFOLD_INLINED {

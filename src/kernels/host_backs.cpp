@@ -10,7 +10,7 @@ template <BackKey key>
 void hostBack(const Span &s, int first, int n, Chunk &c, const HostMulti &multi)
 {
     const ops::Factors factors;
-    [[maybe_unused]] const ops::SoftEdge edge;
+    [[maybe_unused]] const ops::SoftEdge<uint32_t> edge;
     const auto draw = [&](int k) {
         uint32_t source = c.source[k];
         if (multi.call && multi.picked[k / 64] >> (k & 63) & 1) {
@@ -26,7 +26,7 @@ void hostBack(const Span &s, int first, int n, Chunk &c, const HostMulti &multi)
         else
             source = ops::blended<key.blend, true>(old, source, factors);
         if constexpr (key.soft)
-            source = ops::softEdge(old, source, c.rule[k], edge);
+            source = ops::softEdge(old, source, c.rule[k] & 0xFF, edge);
         pixel = source;
         if constexpr (key.marks == Marks::planeZ)
             s.z[first + k] = uint8_t(rs.zRef);

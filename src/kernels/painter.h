@@ -20,12 +20,17 @@ struct Method {
     bool hostMulti = false, hostBlend = false;
     int multiOp = 0, blendOp = 0; // where they are the library's
 
+    [[gnu::always_inline]] static bool findsWide()
+    {
+        return rs.prescale > 256 || rs.prescaleMulti > 256 || rs.blendAlpha > 255 || rs.blendAlphaRgb > 255;
+    }
+
     // overlap: a source shares memory with what is written.
     template <Multi multi>
     [[gnu::always_inline]] static Method of(PartIds ids, bool overlap)
     {
         Method m;
-        m.wide = rs.prescale > 256 || rs.prescaleMulti > 256 || rs.blendAlpha > 255 || rs.blendAlphaRgb > 255;
+        m.wide = findsWide();
         if constexpr (multi != Multi::none) {
             m.multiOp = ops::operatorIndex(rs.multiFunc);
             m.hostMulti = m.multiOp < 0;

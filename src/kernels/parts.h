@@ -160,7 +160,7 @@ constexpr FusedFetch blockFetches[] = {
     {{Motion::unit, Reading::point}},      {{Motion::row, Reading::point}},      {{Motion::row, Reading::mix3}},
     {{Motion::row, Reading::mix4}},        {{Motion::free, Reading::flat}},      {{Motion::unit, Reading::point}, true},
     {{Motion::row, Reading::point}, true}, {{Motion::row, Reading::mix3}, true}, {{Motion::row, Reading::mix4}, true},
-    {{Motion::row, Reading::mipBilinear}},
+    {{Motion::row, Reading::mipBilinear}}, {{Motion::unit, Reading::run}},
 };
 constexpr FusedFetch spanFetches[] = {
     {{Motion::unit, Reading::run}},     {{Motion::free, Reading::point}}, {{Motion::free, Reading::mix3}},

@@ -39,10 +39,11 @@ struct Frame {
     constexpr bool second() const { return multi == Multi::texture; }
     constexpr bool hasNext() const { return levels == Levels::next; }
     constexpr bool hasLineLevels() const { return levels == Levels::line || levels == Levels::lineNext; }
-    // Rows are alike, so that one function may draw them all.
+    // Rows are alike, so that one function may draw them all; under a rule, as far as the rule lets them through.
     constexpr bool drawsBlocks() const
     {
-        return !triangle && map == Map::none && !gouraud && walk != Walk::corners && walk != Walk::table;
+        return !triangle && map != Map::zeros && !(map == Map::runs && rule) && !gouraud && walk != Walk::corners &&
+               walk != Walk::table;
     }
 };
 

@@ -52,13 +52,14 @@ struct Chunk {
     using Pixels = uint64_t[size / 64];
     const uint32_t *source; // source words: `words`, or texels where they lie in memory in order
     const uint32_t *second; // second operands of the multi stage: `seconds`, or texels
+    const uint32_t *rule; // rule values in the low bytes: `rules`, or texels
     Pixels live; // go on
     Pixels valid; // of them, those where tex1 has a second operand
     Pixels marks; // are marked in the planes
     alignas(64) uint32_t words[padded];
     alignas(64) uint32_t seconds[padded];
     alignas(64) uint32_t unmixed[padded]; // the level's own texel, beside a mix with the next level
-    alignas(64) uint32_t rule[padded]; // rule values
+    alignas(64) uint32_t rules[padded];
     const uint32_t *slip; // reading position of a run that moves by what the rule lets through
 };
 
@@ -86,5 +87,27 @@ using HostBack = void (*)(const Span &, int first, int n, Chunk &, const HostMul
 // How many pixels from the first on, at most n, rule or gate surely treat alike: they are all refused or, with `through`, all let
 // through and none of them lies on the soft edge of the rule. Gates only refuse.
 using Alike = int (*)(const Span &, int first, int n, bool &through);
+
+// The stretches of non-zero texels in `columns` pixels from a column of the texture on, by a row of its run-length map:
+// body(pixel, column, length).
+template <class Body>
+[[gnu::always_inline]] inline void forEachRun(const int8_t *map, uint32_t column, uint32_t maskU, int columns, Body &&body)
+{
+    for (int pixel = 0; columns > 0;) {
+        const int n = map[column];
+        if (n < 0) {
+            columns += n;
+            const int skip = int8_t(-n); // 128 zero texels do not fit: the row goes on 128 pixels further left
+            column = (column + uint32_t(skip)) & maskU;
+            pixel += skip;
+        } else {
+            const int length = n < columns ? n : columns;
+            columns -= n;
+            body(pixel, column, length);
+            column = (column + uint32_t(n)) & maskU;
+            pixel += length;
+        }
+    }
+}
 
 } // namespace ninefold

@@ -26,17 +26,15 @@ NINEFOLD_INLINE W mixWide(W d, W s, W a, W w)
     return ((redBlue & 0xFF00FF00u) | (green & 0xFF0000u)) >> 8;
 }
 
-// (s * a + d * (255 - a)) >> 8; alpha 0
-template <bool wide, class W>
+// (s * a + d * (255 - a)) >> 8; alpha 0. a: up to 255, in both halves.
+template <class W>
 NINEFOLD_INLINE W mixed(W d, W s, W a)
 {
-    if constexpr (wide || !Word<W>::halves)
-        return mixWide(d, s, a, 255u - a);
-    a = a | a << 16;
+    using Is = Word<W>;
     const W w = a ^ 0xFF00FFu;
-    const W redBlue = Word<W>::mul16(d & 0xFF00FFu, w) + Word<W>::mul16(s & 0xFF00FFu, a);
-    const W green = Word<W>::mul16(d >> 8 & 0xFFu, w) + Word<W>::mul16(s >> 8 & 0xFFu, a);
-    return (redBlue >> 8 & 0xFF00FFu) | (green & 0xFF00u);
+    const W redBlue = Is::mul16(d & 0xFF00FFu, w) + Is::mul16(s & 0xFF00FFu, a);
+    const W green = Is::mul16(Is::down8(d), w) + Is::mul16(Is::down8(s), a);
+    return Is::down8(redBlue) | (green & 0xFF00u);
 }
 
 // (c * factor) >> 8 for red, green and blue; alpha 0
@@ -45,8 +43,9 @@ NINEFOLD_INLINE W scaleRgb(W pixel, uint32_t factor)
 {
     if constexpr (wide || !Word<W>::halves)
         return (((pixel & 0xFF00FFu) * factor & 0xFF00FF00u) | ((pixel & 0xFF00u) * factor & 0xFF0000u)) >> 8;
+    using Is = Word<W>;
     const W f = splat<W>(factor | factor << 16);
-    return (Word<W>::mul16(pixel & 0xFF00FFu, f) >> 8 & 0xFF00FFu) | (Word<W>::mul16(pixel >> 8 & 0xFFu, f) & 0xFF00u);
+    return Is::mulHigh16(Is::up8(pixel), f) | (Is::mul16(Is::down8(pixel), f) & 0xFF00u);
 }
 
 // ((A * factor) >> 8) & 255 for alpha; the colour stays
@@ -64,14 +63,18 @@ NINEFOLD_INLINE W scaleAlpha(W pixel, uint32_t factor)
 template <bool wide = true, class W>
 NINEFOLD_INLINE W opConstAlpha(W d, W s, uint32_t a)
 {
-    return mixed<wide>(d, s, splat<W>(a));
+    if constexpr (wide || !Word<W>::halves)
+        return mixWide(d, s, splat<W>(a), splat<W>(255u - a));
+    return mixed(d, s, splat<W>(a | a << 16));
 }
 
 // (s * A + d * (255 - A)) >> 8; alpha 0. Darkens by up to 1 even where A is 0 or 255.
 template <class W>
 NINEFOLD_INLINE W opAlpha(W d, W s)
 {
-    return mixed<false>(d, s, s >> 24);
+    if constexpr (!Word<W>::halves)
+        return mixWide(d, s, s >> 24, 255u - (s >> 24));
+    return mixed(d, s, Word<W>::alphas(s));
 }
 
 // The same, but A of 255 gives the source and A of 0 the destination, alpha included.
@@ -79,8 +82,8 @@ template <class W>
 NINEFOLD_INLINE W opAlphaFast(W d, W s)
 {
     using Is = Word<W>;
-    const W a = s >> 24;
-    return Is::select(Is::equal(a, splat<W>(255)), s, Is::select(Is::equal(a, W{}), d, opAlpha(d, s)));
+    const W a = Is::alphas(s);
+    return Is::select(Is::equal(a, splat<W>(0xFF00FF)), s, Is::select(Is::equal(a, W{}), d, opAlpha(d, s)));
 }
 
 // d + s, up to 255; alpha 1. The low bit of red and green is kept free for the carry from below: it takes no part and comes out
@@ -106,9 +109,8 @@ NINEFOLD_INLINE W opSub(W d, W s)
 template <class W>
 NINEFOLD_INLINE W opMul(W d, W s)
 {
-    const W redBlue = Word<W>::mul16(d & 0xFF00FFu, s & 0xFF00FFu);
-    const W green = Word<W>::mul16(d >> 8 & 0xFFu, s >> 8 & 0xFFu);
-    return (redBlue >> 8 & 0xFF00FFu) | (green & 0xFF00u);
+    using Is = Word<W>;
+    return Is::mulHigh16(Is::up8(d), s & 0xFF00FFu) | (Is::mulHigh16(d & 0xFF00u, s & 0xFF00u) & 0xFF00u);
 }
 
 // opMul doubled, up to 255. The top bit of a product goes to bit 0 of the channel above, that of red to alpha.
@@ -119,14 +121,14 @@ NINEFOLD_INLINE W opMul2(W d, W s)
     return (high - (high >> 7)) | product << 1 | high;
 }
 
-// 255 - (((255 - d) * (255 - s)) >> 8); alpha 255. By channels: g++ complements a whole AVX-512 vector by an instruction that
-// waits for the register's older value too, which made a loop three times slower.
+// 255 - (((255 - d) * (255 - s)) >> 8); alpha 255. Masks come before complements where they can: g++ complements a whole AVX-512
+// vector by an instruction that waits for the register's older value too, which made a loop three times slower.
 template <class W>
 NINEFOLD_INLINE W opScreen(W d, W s)
 {
-    const W redBlue = Word<W>::mul16(~d & 0xFF00FFu, ~s & 0xFF00FFu);
-    const W green = Word<W>::mul16(~(d >> 8) & 0xFFu, ~(s >> 8) & 0xFFu);
-    return ~((redBlue >> 8 & 0xFF00FFu) | (green & 0xFF00u));
+    using Is = Word<W>;
+    const W redBlue = Is::mulHigh16(Is::up8(d) ^ 0xFF00FF00u, ~s & 0xFF00FFu);
+    return ~(redBlue | (Is::mulHigh16(~d & 0xFF00u, ~s & 0xFF00u) & 0xFF00u));
 }
 
 // d < 128: ((d * s) >> 8) * 2, else 255 - (((255 - d) * (255 - s)) >> 8) * 2; alpha 0
@@ -209,32 +211,35 @@ NINEFOLD_INLINE W prescaled(W source, uint32_t factor)
 // ---- soft edges ----
 
 // The soft edge of a rule, as it stands in rs.
+template <class W>
 struct SoftEdge {
-    uint32_t threshold = uint32_t(rs.ruleThreshold), width = uint32_t(rs.ruleWidth);
+    W threshold = splat<W>(uint32_t(rs.ruleThreshold)), end = splat<W>(uint32_t(rs.ruleThreshold) + uint32_t(rs.ruleWidth));
+    typename Word<W>::Divisor width{uint32_t(rs.ruleWidth)};
     int32_t curve = rs.ruleCurve;
 
     [[gnu::always_inline]] SoftEdge() noexcept = default;
 };
 
-// The weight of the new pixel at rule values between the threshold and threshold + width.
+// The weight of the new pixel at rule values between the threshold and threshold + width: 0 to 255, whatever these are.
 template <class W>
-NINEFOLD_INLINE W softWeight(W value, const SoftEdge &edge)
+NINEFOLD_INLINE W softWeight(W value, const SoftEdge<W> &edge)
 {
-    const W w = Word<W>::quotient((value - edge.threshold) << 8, edge.width);
+    const W w = edge.width.into((value - edge.threshold) << 8);
     if (edge.curve == NINEFOLD_CURVE_FAST)
-        return 255u - ((255u - w) * (255u - w) >> 8);
-    return edge.curve == NINEFOLD_CURVE_SLOW ? w * w >> 8 : w;
+        return 255u - (Word<W>::mul16(255u - w, 255u - w) >> 8);
+    return edge.curve == NINEFOLD_CURVE_SLOW ? Word<W>::mul16(w, w) >> 8 : w;
 }
 
 // A pixel behind its blend, at a rule value that lets it through. One within the edge is mixed with what was there; none is where
 // the width is 0.
 template <class W>
-NINEFOLD_INLINE W softEdge(W d, W result, W value, const SoftEdge &edge)
+NINEFOLD_INLINE W softEdge(W d, W result, W value, const SoftEdge<W> &edge)
 {
-    const auto soft = Word<W>::greaterSigned(splat<W>(edge.threshold + edge.width), value);
+    const auto soft = Word<W>::greaterSigned(edge.end, value);
     if (!Word<W>::any(soft))
         return result;
-    return Word<W>::select(soft, mixed<true>(d, result, softWeight(value, edge)), result);
+    const W weight = softWeight(value, edge);
+    return Word<W>::select(soft, mixed(d, result, weight | weight << 16), result);
 }
 
 } // namespace ninefold::ops

@@ -69,18 +69,17 @@ void MakeShaheiRunlengthTbl(void)
     for (uint32_t word = 0; word < 65536; ++word) {
         const auto &high = bytes[word >> 8], &low = bytes[word & 255];
         ninefold::runLists[word] = next;
-        int8_t list[16];
-        std::memcpy(list, high.runs, 8);
         const bool joined = !((word >> 8 ^ word >> 7) & 1);
-        int count = high.count - joined;
-        const int8_t last = joined ? list[count] : int8_t{0};
-        std::memcpy(list + count, low.runs, 8);
-        list[count] = static_cast<int8_t>(list[count] + last);
-        count += low.count;
-        if (next + 16 <= ninefold::runBytes + sizeof ninefold::runBytes)
-            std::memcpy(next, list, 16); // what is too much goes when the next list is written
-        else
-            std::memcpy(next, list, static_cast<size_t>(count));
+        const int middle = high.count - joined, count = middle + low.count;
+        // Whole words are written; what is too much goes when the next list is written, but for the last ones.
+        int8_t rest[16];
+        int8_t *const list = next + sizeof rest <= ninefold::runBytes + sizeof ninefold::runBytes ? next : rest;
+        std::memcpy(list, high.runs, 8);
+        std::memcpy(list + middle, low.runs, 8);
+        if (joined)
+            list[middle] = static_cast<int8_t>(high.runs[middle] + low.runs[0]);
+        if (list == rest)
+            std::memcpy(next, rest, static_cast<size_t>(count));
         next += count;
     }
 }

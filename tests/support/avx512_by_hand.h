@@ -124,6 +124,21 @@ inline __m512i insert(__m512i a, __m256i half, int at)
         a[4 * at + k] = half[k];
     return a;
 }
+inline __m512i shuffleBytes(__m512i a, __m512i index)
+{
+    Bytes v;
+    for (int k = 0; k < 64; ++k) {
+        const uint8_t from = ((Bytes)index)[k];
+        v[k] = from & 0x80 ? 0 : ((Bytes)a)[(k & 48) + (from & 15)];
+    }
+    return (__m512i)v;
+}
+inline __m512i multiplyHighHalves(__m512i a, __m512i b)
+{
+    const auto high = [](Words x, Words y) { return (x & 0xFFFFu) * (y & 0xFFFFu) >> 16; };
+    const Words x = (Words)a, y = (Words)b;
+    return (__m512i)(high(x, y) | high(x >> 16, y >> 16) << 16);
+}
 inline __m512i multiplyLow(__m512i a, __m512i b) { return (__m512i)(((Pairs)a & 0xFFFFFFFFu) * ((Pairs)b & 0xFFFFFFFFu)); }
 
 } // namespace avx512_by_hand
@@ -146,12 +161,15 @@ inline __m512i multiplyLow(__m512i a, __m512i b) { return (__m512i)(((Pairs)a & 
 #define _mm512_maskz_loadu_epi32 avx512_by_hand::loadWords
 #define _mm512_maskz_loadu_epi8 avx512_by_hand::loadBytes
 #define _mm512_movepi32_mask avx512_by_hand::topBits
+#define _mm512_mulhi_epu16 avx512_by_hand::multiplyHighHalves
 #define _mm512_mul_epu32 avx512_by_hand::multiplyLow
 #define _mm512_permutex2var_epi32 avx512_by_hand::permute2
 #define _mm512_permutexvar_epi32 avx512_by_hand::permute
 #define _mm512_set1_epi8 avx512_by_hand::everyByte
+#define _mm512_shuffle_epi8 avx512_by_hand::shuffleBytes
 #define _mm512_shuffle_ps avx512_by_hand::shuffle
 #define _mm512_test_epi32_mask avx512_by_hand::testWords
 
+#define NINEFOLD_LANES_BY_HAND 1
 #define __AVX512F__ 1
 #define __AVX512BW__ 1

@@ -5,6 +5,7 @@
 #include "kernels/painter.h"
 
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace ninefold {
@@ -197,49 +198,89 @@ constexpr bool coloursFollow(const Frame &f)
     return f.walk == Walk::stretch || f.walk == Walk::corners || f.walk == Walk::table;
 }
 
-// A row of a run-length rectangle: over holes, and through stretches that the map vouches for.
+// A row of a run-length rectangle.
 template <Multi multi>
 void drawRuns(Painter<multi> &painter, Span &s, int32_t columns)
 {
     const Texture &texture = *rs.tex0;
     const size_t row = size_t(s.tex[0].v.start) << texture.log2Width;
-    const int8_t *map = texture.runlengthMap + row;
-    uint32_t column = s.tex[0].u.start;
-    int32_t pixel = 0;
-    for (int32_t remaining = columns; remaining > 0;) {
-        const int32_t n = map[column];
-        remaining -= n < 0 ? -n : n;
-        if (n < 0) {
-            const int32_t skip = int8_t(-n); // 128 zero texels do not fit: the row goes on 128 pixels further left
-            column = (column + uint32_t(skip)) & s.tex[0].level.maskU;
-            pixel += skip;
-        } else {
-            const int32_t length = remaining < 0 ? n + remaining : n;
-            painter.chunk.slip = texture.pixels + row + column;
-            s.run = painter.chunk.slip - pixel;
-            painter.draw(s, pixel, length);
-            column = (column + uint32_t(n)) & s.tex[0].level.maskU;
-            pixel += length;
-        }
-    }
+    forEachRun(texture.runlengthMap + row, s.tex[0].u.start, s.tex[0].level.maskU, columns,
+               [&](int pixel, uint32_t column, int n) {
+                   painter.chunk.slip = texture.pixels + row + column;
+                   s.run = painter.chunk.slip - pixel;
+                   painter.draw(s, pixel, n);
+               });
 }
 
-template <Frame f>
-void drawRect(PartIds ids)
+// Whether a row of a run-length rectangle's texture, of `rows` from v on, has a hole that moves it back.
+[[gnu::noinline]] inline bool movesBack(const Sampled &tex, int32_t rows)
 {
-    Box box;
+    for (uint32_t k = 0; k < uint32_t(rows) && k <= tex.level.maskV; ++k) {
+        const size_t row = size_t((tex.v.start + k) & tex.level.maskV) << tex.level.shift;
+        if (std::memchr(rs.tex0->runlengthMap + row, -128, size_t(tex.level.maskU) + 1))
+            return true;
+    }
+    return false;
+}
+
+// Makes ready what a rectangle is drawn from, at its first row. False: nothing to draw. overlap: a source shares memory with what
+// is written.
+template <Frame f>
+[[gnu::always_inline]] inline bool startRect(Box &box, Span &s, RowWalk<f, 0> &walk0, RowWalk<f, 1> &walk1, bool &overlap)
+{
     if (!box.make())
-        return;
-    Span s;
+        return false;
     Target target = targetOf(box.left, box.top, box.right, box.bottom, f.marks);
-    if constexpr (f.map == Map::runs) // it may move back, by as much as the row is wide
-        target.pixels = static_cast<const uint32_t *>(target.pixels) - (box.right - box.left) - 128;
-    const bool overlap = takeTextures<f>(s, target);
-    RowWalk<f, 0> walk0;
-    RowWalk<f, 1> walk1;
+    overlap = takeTextures<f>(s, target);
     walk0.start(box, s.tex[0]);
+    if constexpr (f.map == Map::runs) {
+        // It may move back, by as much as the row is wide; textures made one after the other lie that near.
+        target.pixels = static_cast<const uint32_t *>(target.pixels) - (box.right - box.left) - 128;
+        overlap = overlap || (target.overlaps(s.tex[0].level) && movesBack(s.tex[0], box.bottom - box.top));
+    }
     if constexpr (f.second())
         walk1.start(box, s.tex[1]);
+    const size_t first = (size_t(uint32_t(box.top)) << rs.dstShift) + uint32_t(box.left);
+    s.x = uint32_t(box.left);
+    s.dst = rs.dstPixels + first;
+    s.z = rs.zBuffer + first;
+    s.plane = rs.shaheiPlane + first / 16;
+    s.zeroMap = nullptr;
+    if constexpr (f.map == Map::zeros)
+        s.zeroMap = rs.tex0->zeroPixelMap + first / 16;
+    return true;
+}
+
+// Rectangles that are drawn by one function where nothing stands against it.
+template <Frame f>
+constexpr bool hasBlock = f.multi == Multi::none && !f.rule && !f.marks && f.drawsBlocks();
+
+template <Frame f>
+[[gnu::always_inline]] inline void drawBlock(PartIds ids, const Box &box, const Span &s, const RowWalk<f, 0> &walk)
+{
+    const int32_t columns = box.right - box.left;
+    const InstructionSet *set = columns > 8 ? activeSets.any : activeSets.upTo8;
+    if (f.walk == Walk::unit && columns < 8) // two vectors of 4 beat one of 8 with a masked store
+        set = activeSets.upTo4;
+    set->blocks[ids.entry - 1](s, {box.bottom - box.top, columns, rs.dstPitch, walk.stepV, uint32_t(box.top)});
+}
+
+// Row by row, by the painter.
+template <Frame f>
+[[gnu::noinline]] void drawRows(PartIds ids)
+{
+    Box box;
+    Span s;
+    RowWalk<f, 0> walk0;
+    RowWalk<f, 1> walk1;
+    bool overlap;
+    if (!startRect<f>(box, s, walk0, walk1, overlap))
+        return;
+    const Method method = Method::of<f.multi>(ids, overlap);
+    if constexpr (hasBlock<f>)
+        if (method.way == Way::fused)
+            return drawBlock<f>(ids, box, s, walk0);
+    const uint32_t pitch = rs.dstPitch;
     [[maybe_unused]] uint32_t ruleStepV = 0;
     if constexpr (f.rule) {
         s.ruleU = along(uint32_t(rs.uv2[0].u), uint32_t(rs.uv2[1].u), box.flippedX, box.byWidth, box.dx);
@@ -250,26 +291,8 @@ void drawRect(PartIds ids)
     CornerColours colours;
     if constexpr (f.colours())
         colours.make(coloursFollow(f) && box.flippedX, coloursFollow(f) && box.flippedY, box);
-
-    const size_t first = (size_t(uint32_t(box.top)) << rs.dstShift) + uint32_t(box.left);
-    const uint32_t pitch = rs.dstPitch;
-    s.x = uint32_t(box.left);
-    s.dst = rs.dstPixels + first;
-    s.z = rs.zBuffer + first;
-    s.plane = rs.shaheiPlane + first / 16;
-    s.zeroMap = nullptr;
-    if constexpr (f.map == Map::zeros)
-        s.zeroMap = rs.tex0->zeroPixelMap + first / 16;
     const int32_t columns = box.right - box.left;
     uint32_t maskRow = uint32_t(box.top);
-    const Method method = Method::of<f.multi>(ids, overlap);
-    if constexpr (f.multi == Multi::none && !f.rule && !f.marks && f.drawsBlocks()) {
-        if (method.way == Way::fused) {
-            const InstructionSet &set = *(columns > 8 ? activeSets.any : activeSets.upTo8);
-            set.blocks[ids.entry - 1](s, {box.bottom - box.top, columns, pitch, walk0.stepV, maskRow});
-            return;
-        }
-    }
     Painter<f.multi> painter(ids, method);
     for (int32_t rows = box.bottom - box.top; rows > 0; --rows) {
         if (walk0.row(box, s.tex[0])) {
@@ -298,6 +321,26 @@ void drawRect(PartIds ids)
         s.dst += pitch;
         s.z += pitch;
     }
+}
+
+template <Frame f>
+void drawRect(PartIds ids)
+{
+    if constexpr (hasBlock<f>) {
+        // Most draws end here, without the stack and the registers that the painter takes.
+        if (ids.entry && !ids.is(PartIds::isCustom) && !Method::findsWide()) {
+            Box box;
+            Span s;
+            RowWalk<f, 0> walk0;
+            RowWalk<f, 1> walk1;
+            bool overlap;
+            if (!startRect<f>(box, s, walk0, walk1, overlap))
+                return;
+            if (!overlap)
+                return drawBlock<f>(ids, box, s, walk0);
+        }
+    }
+    drawRows<f>(ids);
 }
 
 } // namespace ninefold

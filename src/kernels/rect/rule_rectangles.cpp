@@ -18,7 +18,7 @@ struct TextureValues {
     {
         fetch(s, first, n, c);
         for (int k = 0; k < n; ++k)
-            c.rule[k] = c.second[k] & 0xFF;
+            c.rules[k] = c.second[k] & 0xFF;
     }
     void nextRow(Span &s) { walk.nextRow(s.tex[1]); }
 };
@@ -38,7 +38,7 @@ struct GradientValues {
     void get(const Span &, int first, int n, Chunk &c) const
     {
         for (int k = 0; k < n; ++k)
-            c.rule[k] = (ramp.start + ramp.step * uint32_t(first + k)) >> 16 & 0xFF;
+            c.rules[k] = (ramp.start + ramp.step * uint32_t(first + k)) >> 16 & 0xFF;
     }
     void nextRow(Span &) { corners.nextRow(); }
 };
@@ -61,6 +61,7 @@ void drawRuleRect()
     walk.start(box, s.tex[0]);
     Values values(box, s);
     Chunk chunk;
+    chunk.rule = chunk.rules;
     s.dst = rs.dstPixels + (size_t(uint32_t(box.top)) << rs.dstShift) + uint32_t(box.left);
     for (int32_t y = box.top; y < box.bottom; ++y) {
         values.row();
@@ -71,7 +72,7 @@ void drawRuleRect()
             for (uint64_t &word : chunk.live)
                 word = 0;
             for (int k = 0; k < n; ++k)
-                chunk.live[k / 64] |= uint64_t(rs.ruleThreshold < int32_t(chunk.rule[k])) << (k & 63);
+                chunk.live[k / 64] |= uint64_t(rs.ruleThreshold < int32_t(chunk.rules[k])) << (k & 63);
             back(s, first, n, chunk, nullptr);
         }
         walk.nextRow(s.tex[0]);

@@ -43,7 +43,7 @@ void back(const Span &span, int first, int n, Chunk &c, [[maybe_unused]] RowOper
     constexpr int blend = key.blend;
     u32 *dst = span.dst + first;
     const ops::Factors factors;
-    [[maybe_unused]] const ops::SoftEdge edge;
+    [[maybe_unused]] const ops::SoftEdge<V> edge;
     if constexpr (blend == NINEFOLD_BLEND_CUSTOM) {
         alignas(64) u32 old[Chunk::padded];
         int k = 0;
@@ -66,7 +66,7 @@ void back(const Span &span, int first, int n, Chunk &c, [[maybe_unused]] RowOper
             s = blended<blend, wide>(d, s, factors);
         }
         if constexpr (key.soft)
-            s = softEdge(d, s, load(c.rule + k), edge);
+            s = softEdge(d, s, load(c.rule + k) & 0xFFu, edge);
         s = select(live, s, d);
         if (left >= lanes)
             store(dst + k, s);

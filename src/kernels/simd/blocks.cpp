@@ -7,9 +7,9 @@
 namespace ninefold::NINEFOLD_SET {
 namespace {
 
-// Colours, and whatever has a gate.
+// Colours, whatever has a gate, and what is not worth more.
 template <FusedKey key>
-void rowsBlock(const Span &span, const Rows &rows)
+[[gnu::noinline]] void rowsBlock(const Span &span, const Rows &rows)
 {
     const ops::Factors factors;
     Span s; // what changes or is read per row, kept where it can stay in registers
@@ -33,27 +33,129 @@ struct Texels : Tested {
     const u32 *at;
     NINEFOLD_INLINED explicit Texels(const u32 *first) : at(first) {}
     NINEFOLD_INLINED V get(int left, V &key) const { return key = left >= lanes ? load(at) : loadSome(at, left); }
+    NINEFOLD_INLINED void advance() { at += lanes; }
+};
+struct SpriteTexels : Texels {
+    using Sprite = void;
+    using Texels::Texels;
+};
+// Those that a map vouches for.
+struct RunTexels : SpriteTexels {
+    static constexpr bool tests = false;
+    using SpriteTexels::SpriteTexels;
 };
 
-// Sprites. Where a row is at most one vector that does not go round the edge of the texture, it is drawn without a look at that.
+// More than `lanes` texels side by side.
+template <class Fetcher, int blend>
+NINEFOLD_LANE void drawTexels(u32 *dst, const u32 *texels, int n, const ops::Factors &factors)
+{
+    Fetcher fetch(texels);
+    const int rest = n & (lanes - 1);
+    V last{};
+    // Masked stores are slow on many processors without AVX-512. What does not fill a vector is drawn in one that ends with the
+    // row, before anything of it is written.
+    if (lanes <= 8 && rest)
+        drawVector<blend>(dst + n - lanes, Later(last), Ungated{}, Fetcher(texels + n - lanes), factors);
+    u32 *const end = dst + n;
+    for (; end - dst >= 2 * lanes; dst += 2 * lanes) {
+        drawVector<blend>(dst, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+        drawVector<blend>(dst + lanes, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+    }
+    if (end - dst >= lanes) {
+        drawVector<blend>(dst, Whole{}, Ungated{}, fetch, factors);
+        fetch.advance();
+        dst += lanes;
+    }
+    if (lanes <= 8 && rest)
+        store(end - lanes, last);
+    else if (rest)
+        drawVector<blend>(dst, Begin{rest}, Ungated{}, fetch, factors);
+}
+
+// Sprites whose rows are more than a vector or go round the edge of the texture, in stripes that end there.
+template <FusedKey key>
+[[gnu::noinline]] void wideBlock(const Span &span, const Rows &rows)
+{
+    const Source t = span.tex[0].level;
+    const ops::Factors factors;
+    u32 column = span.tex[0].u.start & t.maskU;
+    for (int first = 0, n; first < rows.columns; first += n, column = 0) {
+        n = rows.columns - first;
+        if (t.maskU - column < u32(n - 1))
+            n = int(t.maskU - column) + 1;
+        const auto forEachRow = [&](auto &&draw) NINEFOLD_INLINED {
+            const u32 *const texels = t.pixels + column;
+            u32 *dst = span.dst + first;
+            u32 v = span.tex[0].v.start;
+            for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV)
+                draw(dst, texels + (size_t(v) << t.shift));
+        };
+        if (n > lanes)
+            forEachRow([&](u32 *dst, const u32 *texels)
+                           NINEFOLD_INLINED { drawTexels<Fading<SpriteTexels, key>, key.blend>(dst, texels, n, factors); });
+        else
+            forEachRow([&](u32 *dst, const u32 *texels) NINEFOLD_INLINED {
+                Fading<Texels, key> fetch(texels);
+                drawPixels<key.blend>(dst, n, fetch, factors);
+            });
+    }
+}
+
+// Sprites.
 template <FusedKey key>
 void unitBlock(const Span &span, const Rows &rows)
 {
     const Source t = span.tex[0].level;
     const int n = rows.columns;
     const u32 column = span.tex[0].u.start & t.maskU;
-    if (n > lanes || t.maskU - column < u32(n - 1))
+    const bool inside = t.maskU - column >= u32(n - 1);
+    // Stripes of a small texture are short, and rows of one or two vectors of 16 lanes gain nothing.
+    if ((lanes > 8 && n <= 2 * lanes) || (!inside && t.maskU < 63))
         return rowsBlock<key>(span, rows);
+    if (n > lanes || !inside)
+        return wideBlock<key>(span, rows);
     const ops::Factors factors;
     const u32 *const texels = t.pixels + column;
     u32 *dst = span.dst;
     u32 v = span.tex[0].v.start;
-    for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV) {
-        const Fading<Texels, key> fetch(texels + (size_t(v) << t.shift));
-        if (n == lanes)
-            drawVector<key.blend>(dst, Whole{}, Ungated{}, fetch, factors);
-        else
-            drawVector<key.blend>(dst, Begin{n}, Ungated{}, fetch, factors);
+    if (n == lanes)
+        for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV)
+            drawVector<key.blend>(dst, Whole{}, Ungated{}, Fading<Texels, key>(texels + (size_t(v) << t.shift)), factors);
+    else
+        for (int row = rows.count; row > 0; --row, dst += rows.pitch, v = (v + 1) & t.maskV)
+            drawVector<key.blend>(dst, Begin{n}, Ungated{}, Fading<Texels, key>(texels + (size_t(v) << t.shift)), factors);
+}
+
+// Run-length rectangles: over holes, and through stretches that the map vouches for.
+template <FusedKey key>
+void runsBlock(const Span &span, const Rows &rows)
+{
+    const ops::Factors factors;
+    const Source t = span.tex[0].level;
+    const int8_t *const map = rs.tex0->runlengthMap;
+    Span s;
+    s.dst = span.dst, s.x = span.x, s.z = span.z;
+    u32 maskRow = rows.maskRow, v = span.tex[0].v.start;
+    for (int row = rows.count; row > 0; --row, s.dst += rows.pitch, v = (v + 1) & t.maskV) {
+        if constexpr (key.gate == Gate::mask || key.gate == Gate::zMask)
+            s.maskRow = rs.drawMask[maskRow++ & 15];
+        const size_t start = size_t(v) << t.shift;
+        forEachRun(map + start, span.tex[0].u.start, t.maskU, rows.columns, [&](int pixel, u32 column, int n) NINEFOLD_INLINED {
+            if constexpr (key.gate == Gate::none) {
+                const u32 *const texels = t.pixels + start + column;
+                Fading<RunTexels, key> fetch(texels);
+                if (n > lanes)
+                    drawTexels<Fading<RunTexels, key>, key.blend>(s.dst + pixel, texels, n, factors);
+                else
+                    drawPixels<key.blend>(s.dst + pixel, n, fetch, factors);
+            } else {
+                s.run = t.pixels + start + column - pixel;
+                drawSpan<key>(s, pixel, n, factors);
+            }
+        });
+        s.z += rows.pitch;
     }
 }
 
@@ -119,10 +221,12 @@ constinit const std::array<Block, Blocks::count> blocks = arrayOf<Block, Blocks:
         return fillBlock;
     else if constexpr (key.blend == NINEFOLD_BLEND_CUSTOM)
         return hostBlock;
+    else if constexpr (key.sample.reading == Reading::run)
+        return runsBlock<key>;
     else if constexpr (key.gate != Gate::none || key.sample.reading == Reading::flat)
         return rowsBlock<key>;
     else if constexpr (key.sample.motion == Motion::unit)
-        return lanes <= 8 ? unitBlock<key> : rowsBlock<key>; // 16 lanes gain nothing by it
+        return unitBlock<key>;
     else
         return stretchBlock<Fading<ColumnsOf<key.sample.reading>, key>, key.blend>;
 });

@@ -10,7 +10,7 @@ namespace {
 // neighbours.
 template <bool mixed>
 struct Columns {
-    static constexpr int size = 256;
+    static constexpr int size = 1024; // narrower strips walk every page of the frame buffer several times
     alignas(64) u32 centre[size]; // within the vector's window, or in the texture row where it has none
     alignas(64) u32 side[mixed ? size : 1]; // the neighbour
     WindowFit fits[size / lanes];

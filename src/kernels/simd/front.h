@@ -24,6 +24,11 @@ bool front(const Span &span, int first, int n, Chunk &c)
     if constexpr (hasDirect<Fetcher>)
         direct = Fetcher(span, first).direct(n);
     c.source = direct ? direct : c.words;
+    [[maybe_unused]] const u32 *directRule = nullptr;
+    if constexpr (r != Rule::none) {
+        directRule = RuleValues<r>(span, first).direct(n);
+        c.rule = directRule ? directRule : c.rules;
+    }
     u64 some = 0;
     for (int begin = 0; begin < n; begin += 64) {
         const int count = n - begin < 64 ? n - begin : 64;
@@ -36,8 +41,11 @@ bool front(const Span &span, int first, int n, Chunk &c)
                 const int at = begin + k;
                 u32 bits = u32(free >> k) & ((1u << (lanes - 1) << 1) - 1);
                 if constexpr (r != Rule::none) {
-                    const V value = rule.get(count - k);
-                    store(c.rule + at, value);
+                    V value;
+                    if (directRule)
+                        value = load(directRule + at) & 0xFFu;
+                    else
+                        store(c.rules + at, value = rule.get(count - k));
                     bits &= bitsOf(greaterSigned(value, threshold));
                 }
                 if ((r != Rule::none || g != Gate::none) && bits == 0)

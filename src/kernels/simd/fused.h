@@ -30,8 +30,21 @@ struct Begin {
     NINEFOLD_INLINED void store(u32 *p, V v) const { storeSome(p, v, count); }
     NINEFOLD_INLINED M cut(M mask) const { return M(mask & firstLanes(count)); }
 };
+// A whole vector that is written later on.
+struct Later : Whole {
+    V &result;
+    NINEFOLD_INLINED explicit Later(V &v) : result(v) {}
+    NINEFOLD_INLINED void store(u32 *, V v) const { result = v; }
+};
 // In the place of a mask of free pixels: there is no gate.
 struct Ungated {};
+
+// Fetches of texels side by side, as they are drawn.
+template <class Fetcher>
+constexpr bool isSprite = requires
+{
+    typename Fetcher::Sprite;
+};
 
 // One vector of pixels.
 template <int blend, class Extent, class Free, class Fetcher>
@@ -44,22 +57,41 @@ NINEFOLD_LANE void drawVector(u32 *dst, Extent extent, Free free, const Fetcher 
         extent.store(dst, source);
         return;
     }
-    M live{};
-    if constexpr (gated && Fetcher::tests)
-        live = M(free & isNotZero(key));
-    else if constexpr (gated)
-        live = free;
-    else if constexpr (Fetcher::tests)
-        live = isNotZero(key);
+    [[maybe_unused]] const auto live = [&]() NINEFOLD_INLINED {
+        if constexpr (gated && Fetcher::tests)
+            return M(free & isNotZero(key));
+        else if constexpr (gated)
+            return free;
+        else
+            return isNotZero(key);
+    };
 #if defined(__AVX512F__)
     if constexpr (blend == NINEFOLD_BLEND_COPY) { // without a look at what is there
-        storeMasked(dst, source, extent.cut(live));
+        storeMasked(dst, source, extent.cut(live()));
         return;
     }
 #endif
-    const V d = extent.load(dst);
+    constexpr bool keepsByAlpha = blend == NINEFOLD_BLEND_ALPHA_FAST && isSprite<Fetcher> && !gated;
+    if constexpr (isSprite<Fetcher> && !std::is_same_v<Extent, Later> && !gated &&
+                  (blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_ALPHA_FAST)) {
+        // Most of a sprite is empty or opaque, in runs.
+        if (!isMixed(source, 0xFF000000)) {
+            if (any(topBit(source))) {
+                extent.store(dst, blend == NINEFOLD_BLEND_ALPHA_FAST ? source : ops::scaleRgb<false>(source, 255));
+                return;
+            }
+            if (keepsByAlpha || (Fetcher::tests && !any(live())))
+                return;
+        }
+    }
+    const V d = once(extent.load(dst));
     const V result = blended<blend, false>(d, source, factors);
-    extent.store(dst, every ? result : select(live, result, d));
+    if constexpr (every || keepsByAlpha)
+        extent.store(dst, result);
+    else if constexpr (gated)
+        extent.store(dst, select(live(), result, d));
+    else // of a zero there is a comparison everywhere
+        extent.store(dst, select(equal(key, V{}), d, result));
 }
 
 // A fetch with prescale behind it.

@@ -78,6 +78,15 @@ NINEFOLD_LANE V load(const u32 *p)
 }
 NINEFOLD_LANE void store(u32 *p, V v) { __builtin_memcpy(p, &v, sizeof v); }
 
+// Keeps a loaded vector in its register. g++ makes of one load an operand of each instruction that uses it, and loads as often.
+NINEFOLD_LANE V once(V v)
+{
+#if defined(NINEFOLD_X86) && !defined(NINEFOLD_LANES_BY_HAND) // which are wider than a register
+    asm("" : "+v"(v));
+#endif
+    return v;
+}
+
 // The first n pixels, 0 < n < lanes; memory behind them is not touched.
 NINEFOLD_LANE V loadSome(const u32 *p, int n)
 {
@@ -140,7 +149,11 @@ NINEFOLD_LANE M equal(V a, V b) { return (M)(a == b); }
 NINEFOLD_LANE M greaterSigned(V a, V b) { return (M)((S)a > (S)b); }
 NINEFOLD_LANE M atLeast(V a, V b) { return (M)(a >= b); }
 NINEFOLD_LANE M topBit(V v) { return (M)((S)v >> 31); }
-NINEFOLD_LANE M lanesOf(u64 bits) { return isNotZero(splat(u32(bits)) & (splat(1) << iota())); }
+NINEFOLD_LANE M lanesOf(u64 bits)
+{
+    const V bit = splat(1) << iota();
+    return equal(splat(u32(bits)) & bit, bit);
+}
 NINEFOLD_LANE u32 bitsOf(M mask)
 {
 #if defined(__AVX2__)
@@ -169,6 +182,16 @@ NINEFOLD_LANE V select(M mask, V a, V b)
 #endif
 }
 
+// Whether the lanes' bits of `which` are neither all clear nor all set.
+NINEFOLD_LANE bool isMixed(V v, u32 which)
+{
+#if defined(__AVX2__) && !defined(__AVX512F__)
+    return _mm256_testnzc_si256((__m256i)v, (__m256i)splat(which));
+#else
+    return any(isNotZero(v & which)) && any(isNotZero(~v & which));
+#endif
+}
+
 // The first n lanes; all of them where n is more.
 NINEFOLD_LANE M firstLanes(int n)
 {
@@ -194,10 +217,38 @@ NINEFOLD_LANE V wholeTruncated(V v) { return (V)((S)(v + ((V)((S)v >> 31) & 0xFF
 // Truncating half.
 NINEFOLD_LANE V half(V v) { return (V)((S)(v + (v >> 31)) >> 1); }
 
-// Products in the 16-bit halves of each lane, and their top bytes moved down.
+// Products of the 16-bit halves of each lane: their lower and their upper half. The upper byte of each half moved down, the lower
+// one moved up.
 NINEFOLD_LANE V mul16(V a, V b) { return (V)((H)a * (H)b); }
+NINEFOLD_LANE V mulHigh16(V a, V b)
+{
+#if defined(__AVX512F__)
+    return (V)_mm512_mulhi_epu16((__m512i)a, (__m512i)b);
+#elif defined(__AVX2__)
+    return (V)_mm256_mulhi_epu16((__m256i)a, (__m256i)b);
+#elif defined(NINEFOLD_X86)
+    return (V)_mm_mulhi_epu16((__m128i)a, (__m128i)b);
+#else
+    return ((a >> 16) * (b >> 16) & 0xFFFF0000u) | (a & 0xFFFFu) * (b & 0xFFFFu) >> 16;
+#endif
+}
 NINEFOLD_LANE V high8(V a) { return (V)((H)a >> 8); }
+NINEFOLD_LANE V low8(V a) { return (V)((H)a << 8); }
 NINEFOLD_LANE V bothHalves(V a) { return a | a << 16; }
+// Alpha in both halves.
+NINEFOLD_LANE V alphas(V a)
+{
+#if defined(__AVX2__)
+    constexpr u64 low = 0x8007800780038003, high = 0x800F800F800B800B;
+#if defined(__AVX512F__)
+    return (V)_mm512_shuffle_epi8((__m512i)a, (__m512i)D{low, high, low, high, low, high, low, high});
+#else
+    return (V)_mm256_shuffle_epi8((__m256i)a, (__m256i)D{low, high, low, high});
+#endif
+#else
+    return bothHalves(a >> 24);
+#endif
+}
 
 // pixels[at[k]] in lane k, and with the indices in a vector. Every index must lie inside the texture. Scalar loads beat the
 // hardware's gather, also that of 16 lanes, and pairing them up beats inserting them one after another.

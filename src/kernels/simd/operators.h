@@ -28,12 +28,30 @@ struct ninefold::ops::Word<ninefold::NINEFOLD_SET::V> {
     static constexpr bool halves = true;
 
     NINEFOLD_LANE V mul16(V a, V b) { return NINEFOLD_SET::mul16(a, b); }
-    NINEFOLD_LANE V quotient(V a, uint32_t b)
-    {
-        const D divisor = b - D{};
-        const D even = NINEFOLD_SET::divided((D)a & 0xFFFFFFFFu, divisor), odd = NINEFOLD_SET::divided((D)a >> 32, divisor);
-        return (V)(even & 0xFFFFFFFFu) | (V)(odd << 32);
-    }
+    NINEFOLD_LANE V mulHigh16(V a, V b) { return NINEFOLD_SET::mulHigh16(a, b); }
+    NINEFOLD_LANE V down8(V a) { return NINEFOLD_SET::high8(a); }
+    NINEFOLD_LANE V up8(V a) { return NINEFOLD_SET::low8(a); }
+    NINEFOLD_LANE V alphas(V a) { return NINEFOLD_SET::alphas(a); }
+    // Divides words into quotients below 256.
+    struct Divisor {
+        V value, last;
+        NINEFOLD_SET::R reciprocal;
+        bool small;
+        NINEFOLD_INLINED explicit Divisor(uint32_t b)
+            : value(NINEFOLD_SET::splat(b)), last(value - 1), reciprocal(float(1 - 0x1p-20) / float(b) - NINEFOLD_SET::R{}),
+              small(b < 0x800000)
+        {}
+        NINEFOLD_INLINED V into(V a) const
+        {
+            if (small) { // then a is below 2^31, and the guess right or 1 too low
+                const V guess = NINEFOLD_SET::toWhole(NINEFOLD_SET::toReal(a) * reciprocal);
+                return NINEFOLD_SET::select(NINEFOLD_SET::greaterSigned(a - guess * value, last), guess + 1, guess);
+            }
+            const D low = (D)value & 0xFFFFFFFFu;
+            const D even = NINEFOLD_SET::divided((D)a & 0xFFFFFFFFu, low), odd = NINEFOLD_SET::divided((D)a >> 32, low);
+            return (V)(even & 0xFFFFFFFFu) | (V)(odd << 32);
+        }
+    };
 
     NINEFOLD_LANE M equal(V a, V b) { return NINEFOLD_SET::equal(a, b); }
     NINEFOLD_LANE M greaterSigned(V a, V b) { return NINEFOLD_SET::greaterSigned(a, b); }

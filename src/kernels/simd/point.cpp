@@ -11,13 +11,13 @@ bool front<FrontKey{{Motion::unit, Reading::slip}, Rule::row, Gate::none}>(const
 {
     RuleValues<Rule::row> rule(span, first);
     const V threshold = splat(u32(rs.ruleThreshold));
-    c.source = c.words;
+    c.source = c.words, c.rule = c.rules;
     u64 some = 0;
     for (int begin = 0; begin < n; begin += 64) {
         u64 live = 0;
         for (int k = begin; k < n && k < begin + 64; k += lanes, rule.advance()) {
             const V value = rule.get(n - k);
-            store(c.rule + k, value);
+            store(c.rules + k, value);
             u32 bits = bitsOf(firstLanes(n - k) & greaterSigned(value, threshold));
             live |= u64(bits) << (k & 63);
             for (; bits; bits &= bits - 1)

@@ -1,0 +1,202 @@
+#include "memory.h"
+
+#include <algorithm>
+#include <array>
+
+#if defined(__linux__)
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <execinfo.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#elif defined(_WIN32)
+#include <windows.h>
+#endif
+
+namespace debug {
+namespace {
+
+struct Region {
+    uintptr_t begin, end;
+    bool read, write, execute;
+};
+
+constexpr size_t page = 4096;
+
+#if defined(__linux__)
+
+// What the process has mapped, as of the last time that it was read.
+std::vector<Region> &regions()
+{
+    static auto *const list = new std::vector<Region>;
+    return *list;
+}
+
+void readRegions()
+{
+    std::vector<Region> &list = regions();
+    list.clear();
+    std::FILE *const file = std::fopen("/proc/self/maps", "re");
+    if (!file)
+        return;
+    char line[512];
+    while (std::fgets(line, sizeof line, file)) {
+        unsigned long begin, end;
+        char rights[5];
+        if (std::sscanf(line, "%lx-%lx %4s", &begin, &end, rights) != 3)
+            continue;
+        const Region region{begin, end, rights[0] == 'r', rights[1] == 'w', rights[2] == 'x'};
+        if (!list.empty() && list.back().end == begin && list.back().read == region.read && list.back().write == region.write &&
+            list.back().execute == region.execute)
+            list.back().end = end;
+        else
+            list.push_back(region);
+    }
+    std::fclose(file);
+}
+
+bool isListed(uintptr_t begin, uintptr_t end, bool Region::*right)
+{
+    for (const Region &region : regions())
+        if (region.begin <= begin && begin < region.end && region.*right) {
+            if (end <= region.end)
+                return true;
+            begin = region.end;
+        }
+    return false;
+}
+
+// The kernel copies a signal set from there before it finds that the request is none.
+bool canRead(uintptr_t address)
+{
+    return syscall(SYS_rt_sigprocmask, ~0, address & ~uintptr_t{7}, nullptr, 8L) != 0 && errno == EINVAL;
+}
+
+bool ask(uintptr_t begin, uintptr_t end, bool write)
+{
+    const int before = errno;
+    bool can = true;
+    for (uintptr_t at = begin; can && at < end; at += page)
+        can = canRead(at);
+    errno = before;
+    if (!can || !write)
+        return can;
+    if (isListed(begin, end, &Region::write))
+        return true;
+    readRegions();
+    return isListed(begin, end, &Region::write);
+}
+
+#elif defined(_WIN32)
+
+bool isRegion(uintptr_t begin, uintptr_t end, DWORD rights)
+{
+    while (begin < end) {
+        MEMORY_BASIC_INFORMATION region;
+        if (!VirtualQuery(reinterpret_cast<const void *>(begin), &region, sizeof region) || region.State != MEM_COMMIT ||
+            (region.Protect & (PAGE_NOACCESS | PAGE_GUARD)) || !(region.Protect & rights))
+            return false;
+        begin = uintptr_t(region.BaseAddress) + region.RegionSize;
+    }
+    return true;
+}
+bool ask(uintptr_t begin, uintptr_t end, bool write)
+{
+    constexpr DWORD writable = PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    return isRegion(begin, end, write ? writable : writable | PAGE_READONLY | PAGE_EXECUTE_READ);
+}
+
+#else
+
+bool ask(uintptr_t, uintptr_t, bool) { return true; }
+
+#endif
+
+// Ranges, and pages, that were there when they were last asked about.
+struct Answer {
+    uintptr_t begin, end;
+    uint32_t age;
+    bool write;
+};
+std::array<Answer, 256> ranges;
+std::array<Answer, 4096> pages; // only begin is used
+constexpr uint32_t drawsPerAge = 64;
+uint32_t currentAge = 1, drawsLeft = drawsPerAge;
+
+bool isThere(const void *memory, size_t size, bool write)
+{
+    const auto begin = uintptr_t(memory), end = begin + size;
+    if (size == 0 || !begin || end < begin)
+        return size == 0;
+    Answer &range = ranges[(begin / 16 ^ size / 16 * 31 ^ write) % ranges.size()];
+    if (range.begin == begin && range.end == end && range.write == write && range.age == currentAge)
+        return true;
+    for (uintptr_t at = begin / page; at <= (end - 1) / page; ++at) {
+        Answer &known = pages[(at * 2 + write) % pages.size()];
+        if (known.begin == at && known.write == write && known.age == currentAge)
+            continue;
+        if (!ask(at * page, (at + 1) * page, write))
+            return false;
+        known = {at, 0, currentAge, write};
+    }
+    range = {begin, end, currentAge, write};
+    return true;
+}
+
+} // namespace
+
+bool isReadable(const void *begin, size_t size) { return isThere(begin, size, false); }
+bool isWritable(const void *begin, size_t size) { return isThere(begin, size, true); }
+
+bool isCode(const void *address)
+{
+#if defined(__linux__)
+    const auto at = uintptr_t(address);
+    if (isListed(at, at + 1, &Region::execute))
+        return true;
+    readRegions();
+    return isListed(at, at + 1, &Region::execute);
+#elif defined(_WIN32)
+    return isRegion(uintptr_t(address), uintptr_t(address) + 1,
+                    PAGE_EXECUTE | PAGE_EXECUTE_READ | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY);
+#else
+    return address != nullptr;
+#endif
+}
+
+void ageMemory(bool now)
+{
+    if (now || --drawsLeft == 0) {
+        ++currentAge;
+        drawsLeft = drawsPerAge;
+    }
+}
+
+std::vector<std::string> hostStack()
+{
+    std::vector<std::string> stack;
+#if defined(__linux__)
+    void *frames[64];
+    const int count = backtrace(frames, 64);
+    Dl_info own{};
+    dladdr(reinterpret_cast<const void *>(&hostStack), &own);
+    for (int k = 0; k < count; ++k) {
+        Dl_info info{};
+        dladdr(frames[k], &info);
+        if (stack.empty() && info.dli_fbase == own.dli_fbase)
+            continue; // the twin itself
+        char text[512];
+        const auto offset = [&](const void *base) { return (unsigned long)(uintptr_t(frames[k]) - uintptr_t(base)); };
+        if (info.dli_sname)
+            std::snprintf(text, sizeof text, "%s+0x%lx (%s)", info.dli_sname, offset(info.dli_saddr), info.dli_fname);
+        else
+            std::snprintf(text, sizeof text, "%s+0x%lx", info.dli_fname ? info.dli_fname : "?", offset(info.dli_fbase));
+        stack.push_back(text);
+    }
+#endif
+    return stack;
+}
+
+} // namespace debug
