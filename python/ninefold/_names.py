@@ -37,3 +37,11 @@ def whole(value: object, what: str) -> int:
         return value.__index__()  # type: ignore[attr-defined, no-any-return]
     except AttributeError:
         raise TypeError(f"{what} is {value!r}, which is no whole number") from None
+
+
+def signed(value: object, what: str) -> int:
+    """A whole number that a signed 32-bit parameter can hold; ctypes would cut it."""
+    number = whole(value, what)
+    if not -(1 << 31) <= number < 1 << 31:
+        raise ValueError(f"{what} {number} is out of range")
+    return number

@@ -13,9 +13,9 @@ import numpy.typing as npt
 from ._description import OPTIONS, Blend, NfkMeshVertex, NfkOptions, NfkTurn
 from ._library import failure, kit, rs
 from ._memory import Array, Hold
-from ._names import number, whole
+from ._names import number, signed, whole
 from .state import Operator, operator_of, raised, take_raised
-from .textures import Texture, rect
+from .textures import Texture, color_of, rect
 
 Rect = Union[tuple[int, int, int, int], Sequence[int], ctypes.Structure]
 _far = 1 << 29
@@ -28,14 +28,6 @@ _unsigned = {name for name, kind in NfkOptions._fields_ if kind is ctypes.c_uint
 _current = kit.nfkOptions()
 _reference = _byref(_current)
 _kept: dict[str, Any] = {}
-
-
-def color_of(value: Any) -> int:
-    """A word 0xAARRGGBB."""
-    color = whole(value, "color")
-    if not 0 <= color <= 0xFFFFFFFF:
-        raise ValueError(f"color {color:#x} is no word 0xAARRGGBB")
-    return color
 
 
 class modes:
@@ -183,7 +175,7 @@ def transition(texture: Texture, rule: Texture, t: float, width: int = 0, target
             return transition(texture, rule, t, width, target, source)
     if not _transition(texture._pointer, None if target is None else _byref(rect(target, "target")),
                        None if source is None else _byref(rect(source, "source")), rule._pointer, t,
-                       min(max(whole(width, "width"), -1), 256), _reference) or raised:
+                       signed(width, "width"), _reference) or raised:
         raise _failed()
 
 

@@ -6,9 +6,8 @@ from typing import Any, NamedTuple, Optional, Union
 
 from ._description import NfkFontInfo, NfkRect, NfkTextLine, NfkTextSize, NfkTextStyle, TextAlignment
 from ._library import Error, encoded, failure, kit, path_of
-from ._names import number, whole
-from .draws import color_of
-from .textures import Path
+from ._names import number, signed, whole
+from .textures import Path, color_of
 
 _close, _delete = kit.nfkCloseFont, kit.nfkDeleteText
 
@@ -50,11 +49,9 @@ def _four(rect: Any) -> tuple[int, int, int, int]:
 
 
 def _style(color: int, rim_color: int, rim: int, align: Union[str, int], width: int, line_height: int) -> NfkTextStyle:
-    sizes = (whole(rim, "rim"), number((TextAlignment,), align, "align"), whole(width, "width"), whole(line_height, "line_height"))
-    for size in sizes:
-        if not -(1 << 31) <= size < 1 << 31:
-            raise ValueError(f"{size} is out of range for a text's style")
-    return NfkTextStyle(color_of(color), color_of(rim_color), *sizes)
+    return NfkTextStyle(color_of(color), color_of(rim_color), signed(rim, "rim"),
+                        signed(number((TextAlignment,), align, "align"), "align"), signed(width, "width"),
+                        signed(line_height, "line_height"))
 
 
 class Font:
@@ -62,9 +59,9 @@ class Font:
     a font instead: Font(file="face.ttf", pixels=24)."""
 
     def __init__(self, name: Optional[str] = None, pixels: int = 16, file: Optional[Path] = None, face: int = 0) -> None:
-        size = min(max(whole(pixels, "pixels"), -1), 1 << 30)
+        size = signed(pixels, "pixels")
         if file is not None:
-            self._pointer: Optional[int] = kit.nfkOpenFontFile(path_of(file), whole(face, "face"), size)
+            self._pointer: Optional[int] = kit.nfkOpenFontFile(path_of(file), signed(face, "face"), size)
         else:
             self._pointer = kit.nfkOpenFont(encoded(name or "", "the font's name"), size)
         if not self._pointer:
@@ -145,8 +142,6 @@ class Text:
 
     def draw(self, x: int, y: int, alpha: int = 255, characters: Optional[int] = None) -> None:
         """Draws it with its top left at x, y, faded by alpha, 0 to 255; the first `characters` of it, for text that writes itself."""
-        numbers = (whole(x, "x"), whole(y, "y"), whole(alpha, "alpha"))
-        if not all(-(1 << 31) <= each < 1 << 31 for each in numbers):
-            raise ValueError(f"text at {x}, {y} with alpha {alpha} is out of range")
+        numbers = (signed(x, "x"), signed(y, "y"), signed(alpha, "alpha"))
         if not kit.nfkDrawText(self._pointer, *numbers, -1 if characters is None else self._length(characters)):
             raise failure()

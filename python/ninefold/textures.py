@@ -15,12 +15,20 @@ import numpy.typing as npt
 from ._description import Format, NfkRect, NfkScreen, PictureExtra
 from ._library import Error, TextureRecord, encoded, failure, kit, library, path_of
 from ._memory import Array, Hold, Owner
-from ._names import number, whole
+from ._names import number, signed, whole
 
 Path = Union[str, "os.PathLike[str]"]
 _delete = library.DeleteTexture
 _release = kit.nfkReleaseScreen
 _largest = 1 << 15
+
+
+def color_of(value: Any) -> int:
+    """A word 0xAARRGGBB."""
+    color = whole(value, "color")
+    if not 0 <= color <= 0xFFFFFFFF:
+        raise ValueError(f"color {color:#x} is no word 0xAARRGGBB")
+    return color
 
 
 def _png(texture: int, alpha: bool) -> bytes:
@@ -40,7 +48,7 @@ def _save(texture: Optional[int], path: Path, alpha: bool) -> None:
 def extras_of(extras: Union[int, str]) -> int:
     """A sum of PictureExtra: a number, or words joined by +."""
     if not isinstance(extras, str):
-        return whole(extras, "extras")
+        return signed(extras, "extras")
     return sum({number((PictureExtra,), word.strip(), "extra") for word in extras.split("+") if word.strip()})
 
 
@@ -161,7 +169,7 @@ class Texture(Owner):
 
     def set_clear(self, color: int) -> None:
         """Makes every word `color` 0: a colour key. Loaded pictures have alpha 255."""
-        library.SetClearPixel(self._open(), color & 0xFFFFFFFF)
+        library.SetClearPixel(self._open(), color_of(color))
 
     def copy(self, x: int, y: int, source: Texture, source_x: int, source_y: int, width: int, height: int) -> None:
         """Copies a block of `source` to x, y, clipped to both textures."""
@@ -238,7 +246,7 @@ class Screen(Owner):
 
     def __init__(self, width: int, height: int) -> None:
         super().__init__()
-        self._pointer: Optional[int] = kit.nfkCreateScreen(whole(width, "width"), whole(height, "height"))
+        self._pointer: Optional[int] = kit.nfkCreateScreen(signed(width, "width"), signed(height, "height"))
         if not self._pointer:
             raise failure()
         self._record: Any = NfkScreen.from_address(self._pointer)
@@ -284,12 +292,12 @@ class Screen(Owner):
         """Gives it another size; it is cleared. Raises BufferError while an array or texture looks at it."""
         pointer = self._open()
         self._must_be_free("resize")
-        if not kit.nfkResizeScreen(pointer, whole(width, "width"), whole(height, "height")):
+        if not kit.nfkResizeScreen(pointer, signed(width, "width"), signed(height, "height")):
             raise failure()
 
     def clear(self, color: int = 0xFF000000) -> None:
         """Fills it with a colour, and frees every pixel of both planes."""
-        if not kit.nfkClearScreen(self._open(), whole(color, "color") & 0xFFFFFFFF):
+        if not kit.nfkClearScreen(self._open(), color_of(color)):
             raise failure()
 
     @property

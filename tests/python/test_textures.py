@@ -149,3 +149,19 @@ def test_sizes_are_checked():
         nf.Texture(1.5, 4)
     with pytest.raises(nf.Error, match="nfkCreateScreen"):
         nf.Screen(0, 10)
+    with pytest.raises(ValueError, match="width"):
+        nf.Screen((1 << 32) + 16, 10)
+
+
+def test_colours_are_checked(screen, red):
+    for use in (screen.clear, red.set_clear):
+        with pytest.raises(ValueError, match="color"):
+            use(-1)
+    red.set_clear(0xFFFF0000)
+    assert not red.pixels.any()
+
+
+def test_blocks_are_copied(red):
+    other = nf.Texture(8, 8)
+    other.copy(2, 3, red, 0, 0, 2, 2)
+    assert (other.pixels != 0).sum() == 4 and other.pixels[3, 2] == other.pixels[4, 3] == 0xFFFF0000
