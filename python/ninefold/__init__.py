@@ -11,7 +11,8 @@
 
 One thread draws at a time; there is one state for the whole process. What the kit refuses raises ninefold.Error with its text."""
 from . import _description as names
-from ._description import (Alignment, Blend, BlendOperator, Curve, Filter, Format, Kind, Multi, MultiBank, MultiOp, NfkRect,
+from . import twin
+from ._description import (Alignment, Blend, BlendOperator, Curve, DebugAction, DebugSeverity, Filter, Format, Kind, Multi, MultiBank, MultiOp, NfkRect,
                            Perspective, PictureExtra, Prescale, Quality, RectOpt, Rule, Shahei, Shape, Stipple, TextAlignment,
                            TextureFlag, __version__)
 from ._library import Error, LayoutError, kit, library
@@ -22,10 +23,10 @@ from .text import Font, FontInfo, Text, TextLine, TextSize
 from .textures import Screen, Texture, load, selected
 
 __all__ = [
-    "Alignment", "Blend", "BlendOperator", "Curve", "Error", "Filter", "Font", "FontInfo", "Format", "Kernel", "Kind",
+    "Alignment", "Blend", "BlendOperator", "Curve", "DebugAction", "DebugSeverity", "Error", "Filter", "Font", "FontInfo", "Format", "Kernel", "Kind",
     "LayoutError", "Multi", "MultiBank", "MultiOp", "NfkRect", "Operator", "Perspective", "PictureExtra", "Prescale", "Quality",
     "RectOpt", "Rule", "Screen", "Shahei", "Shape", "Stipple", "Text", "TextAlignment", "TextLine", "TextSize", "Texture",
     "TextureFlag", "__version__", "code_exists", "code_of", "draw_lines", "draw_many", "draw_rectangles", "explain", "gradient",
     "kit", "library", "line", "load", "mesh", "modes", "name_of", "names", "rectangle", "selected", "sprite", "state", "stretch",
-    "transition", "turned",
+    "transition", "turned", "twin",
 ]

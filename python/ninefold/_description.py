@@ -1,6 +1,6 @@
-"""Written by scripts/bindings from the headers of the library and of the kit."""
+"""Written by scripts/bindings from the headers of the library, of the kit and of the debug twin."""
 import ctypes
-from ctypes import c_char_p, c_float, c_int, c_int32, c_long, c_size_t, c_uint32, c_ulong, c_void_p
+from ctypes import c_char_p, c_float, c_int, c_int32, c_long, c_size_t, c_uint, c_uint32, c_ulong, c_ulonglong, c_void_p
 from typing import Any
 
 from ._names import Names
@@ -226,6 +226,22 @@ class Kind(Names):
     RECORD = 4, "record", "another of these records, named by type"
 
 
+class DebugSeverity(Names):
+    "How grave a finding is. Error: what the call does is undefined. Warning: surely not meant. Hint: slow, or perhaps not meant."
+
+    HINT = 0, "hint", "slow, or perhaps not meant"
+    WARNING = 1, "warning", "surely not meant"
+    ERROR = 2, "error", "what the call does is undefined"
+
+
+class DebugAction(Names):
+    "What becomes of a call with an error in it."
+
+    DRAW = 0, "draw", "made all the same"
+    SKIP = 1, "skip", "left out, with 0 for its result"
+    ABORT = 2, "abort", "the program is aborted there"
+
+
 class NfkPoint(ctypes.Structure):
     _fields_ = [
         ("x", c_int32),
@@ -369,6 +385,20 @@ class NfkField(ctypes.Structure):
     ]
 
 
+class NinefoldFinding(ctypes.Structure):
+    _fields_ = [
+        ("severity", c_int),
+        ("rule", c_uint),
+        ("name", c_char_p),
+        ("call", c_char_p),
+        ("code", c_ulong),
+        ("draw", c_ulonglong),
+        ("count", c_ulonglong),
+        ("text", c_char_p),
+        ("advice", c_char_p),
+    ]
+
+
 # The options of draws: field of NfkOptions, the lists whose names it takes, meaning.
 OPTIONS: dict[str, tuple[str, tuple[type[Names], ...], str]] = {
     "blend": ("blend", (Blend, BlendOperator), "NINEFOLD_BLEND_..., 14 to 19 included [NINEFOLD_BLEND_ALPHA_FAST]"),
@@ -505,4 +535,17 @@ KIT: dict[str, tuple[Any, list[Any]]] = {
     "nfkState": (c_void_p, []),
     "nfkFields": (c_void_p, [c_char_p, c_void_p]),
     "nfkRecordSize": (c_uint32, [c_char_p]),
+}
+
+# Calls of the debug twin, in the order of its record.
+TWIN: dict[str, tuple[Any, list[Any]]] = {
+    "setCallback": (None, [c_void_p, c_void_p]),
+    "setSeverity": (None, [c_int]),
+    "setAction": (None, [c_int]),
+    "labelTexture": (None, [c_void_p, c_char_p]),
+    "labelMemory": (None, [c_void_p, c_size_t, c_char_p]),
+    "forgetMemory": (None, [c_void_p]),
+    "frame": (None, []),
+    "findings": (c_ulonglong, [c_int]),
+    "printRules": (None, [c_void_p, c_int]),
 }

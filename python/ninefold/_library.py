@@ -19,6 +19,18 @@ class LayoutError(ImportError):
     """The libraries are not those that this package was made for."""
 
 
+# What Python code that the library called has raised, until the library has returned.
+raised: list[BaseException] = []
+
+
+def settle() -> None:
+    """Raises what waits."""
+    if raised:
+        exception = raised[0]
+        raised.clear()
+        raise exception
+
+
 _scalars: dict[tuple[int, int], Any] = {(Kind.SIGNED, 1): ctypes.c_int8, (Kind.SIGNED, 2): ctypes.c_int16, (Kind.SIGNED, 4): ctypes.c_int32,
             (Kind.UNSIGNED, 1): ctypes.c_uint8, (Kind.UNSIGNED, 2): ctypes.c_uint16, (Kind.UNSIGNED, 4): ctypes.c_uint32}
 

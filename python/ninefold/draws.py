@@ -11,10 +11,10 @@ import numpy as np
 import numpy.typing as npt
 
 from ._description import OPTIONS, Blend, NfkMeshVertex, NfkOptions, NfkTurn
-from ._library import failure, kit, rs
+from ._library import failure, kit, raised, rs, settle
 from ._memory import Array, Hold
 from ._names import number, signed, whole
-from .state import Operator, operator_of, raised, take_raised
+from .state import Operator, operator_of
 from .textures import Texture, color_of, rect
 
 Rect = Union[tuple[int, int, int, int], Sequence[int], ctypes.Structure]
@@ -117,7 +117,8 @@ def _with(options: dict[str, Any]) -> modes:
 
 
 def _failed() -> BaseException:
-    return take_raised() if raised else failure()
+    settle()
+    return failure()
 
 
 def _checked(x: Any, y: Any) -> None:

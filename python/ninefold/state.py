@@ -8,7 +8,7 @@ from typing import Any, Callable, Union
 import numpy as np
 
 from ._description import Kind
-from ._library import Error, fields, kit, library, rs, text_from
+from ._library import Error, fields, kit, library, raised, rs, settle, text_from
 from ._memory import Hold
 from ._names import whole
 from .textures import Texture
@@ -16,9 +16,6 @@ from .textures import Texture
 _operator_type = ctypes.PYFUNCTYPE(ctypes.c_uint32, ctypes.c_uint32, ctypes.c_uint32)
 _FunctionPointer: Any = _operator_type.__mro__[1]  # the base of all functions of ctypes
 _kernel_type = ctypes.PYFUNCTYPE(None)
-
-# What an operator raised, until the draw that called it has returned.
-raised: list[BaseException] = []
 
 PixelFunction = Callable[[int, int], int]
 
@@ -54,12 +51,6 @@ class Operator:
 
 def operator_of(function: Any) -> Operator:
     return function if isinstance(function, Operator) else Operator(function)
-
-
-def take_raised() -> BaseException:
-    exception = raised[0]
-    raised.clear()
-    return exception
 
 
 _described = {field.name.decode(): field for field in fields("RenderState")}
@@ -163,8 +154,7 @@ class Kernel:
         if not rs.dstPixels:
             raise Error("the state has no frame buffer; make or select a Screen first")
         self._call()
-        if raised:
-            raise take_raised()
+        settle()
 
     def __repr__(self) -> str:
         return f"<ninefold.Kernel {name_of(self.code)}>"

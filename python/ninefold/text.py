@@ -5,7 +5,7 @@ import ctypes
 from typing import Any, NamedTuple, Optional, Union
 
 from ._description import NfkFontInfo, NfkRect, NfkTextLine, NfkTextSize, NfkTextStyle, TextAlignment
-from ._library import Error, encoded, failure, kit, path_of
+from ._library import Error, encoded, failure, kit, path_of, settle
 from ._names import number, signed, whole
 from .textures import Path, color_of
 
@@ -145,3 +145,4 @@ class Text:
         numbers = (signed(x, "x"), signed(y, "y"), signed(alpha, "alpha"))
         if not kit.nfkDrawText(self._pointer, *numbers, -1 if characters is None else self._length(characters)):
             raise failure()
+        settle()

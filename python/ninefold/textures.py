@@ -13,7 +13,7 @@ import numpy as np
 import numpy.typing as npt
 
 from ._description import Format, NfkRect, NfkScreen, PictureExtra
-from ._library import Error, TextureRecord, encoded, failure, kit, library, path_of
+from ._library import Error, TextureRecord, encoded, failure, kit, library, path_of, raised, settle
 from ._memory import Array, Hold, Owner
 from ._names import number, signed, whole
 
@@ -67,6 +67,7 @@ class Texture(Owner):
             self.close()
             raise MemoryError(f"no memory for a texture of {width} x {height}")
         library.ClearTexture(self._pointer)
+        settle()
 
     def _take(self, pointer: int, owner: Optional[object] = None) -> None:
         super().__init__()
@@ -81,6 +82,7 @@ class Texture(Owner):
             raise failure()
         texture = cls.__new__(cls)
         texture._take(pointer, owner)
+        settle()
         return texture
 
     @classmethod
@@ -112,11 +114,14 @@ class Texture(Owner):
         self._must_be_free("close")
         pointer, self._pointer = self._pointer, None
         _delete(pointer)
+        settle()
 
-    def __del__(self, delete: Any = _delete) -> None:
+    def __del__(self, delete: Any = _delete, waiting: list[BaseException] = raised) -> None:
         pointer = getattr(self, "_pointer", None)
         if pointer is not None and not self._borrowed:
+            before = len(waiting)
             delete(pointer)
+            del waiting[before:]  # it may happen anywhere: nobody expects an exception
 
     def __enter__(self) -> Texture:
         return self
@@ -166,14 +171,17 @@ class Texture(Owner):
     def clear(self) -> None:
         """Makes every word 0."""
         library.ClearTexture(self._open())
+        settle()
 
     def set_clear(self, color: int) -> None:
         """Makes every word `color` 0: a colour key. Loaded pictures have alpha 255."""
         library.SetClearPixel(self._open(), color_of(color))
+        settle()
 
     def copy(self, x: int, y: int, source: Texture, source_x: int, source_y: int, width: int, height: int) -> None:
         """Copies a block of `source` to x, y, clipped to both textures."""
         library.CopyTexture(self._open(), source._open(), x, y, source_x, source_y, width, height)
+        settle()
 
     def make_mips(self) -> None:
         """Makes the chain of half-size levels from the pixels of now, which the mip filters read."""
@@ -181,6 +189,7 @@ class Texture(Owner):
         self._must_be_free("make_mips", "levels")
         library.DeleteMipmapTexture(pointer)
         library.CreateMipmapTexture(pointer)
+        settle()
 
     @property
     def levels(self) -> list[Array]:
@@ -194,6 +203,7 @@ class Texture(Owner):
         pointer = self._open()
         self._must_be_free("make_run_map", "run map")
         library.CreateRunlengthMap(pointer)
+        settle()
 
     @property
     def run_map(self) -> Optional[Array]:
@@ -207,6 +217,7 @@ class Texture(Owner):
         pointer = self._open()
         self._must_be_free("make_zero_map", "zero map")
         library.CreateZeroPixelMap(pointer)
+        settle()
 
     @property
     def zero_map(self) -> Optional[Array]:
@@ -255,6 +266,7 @@ class Screen(Owner):
     def _mark(self) -> None:
         global _selected
         _selected = self
+        settle()
 
     def _open(self) -> int:
         if self._pointer is None:
@@ -277,10 +289,13 @@ class Screen(Owner):
         if _selected is self:
             _selected = None
         _release(pointer)
+        settle()
 
-    def __del__(self, release: Any = _release) -> None:
+    def __del__(self, release: Any = _release, waiting: list[BaseException] = raised) -> None:
         if getattr(self, "_pointer", None) is not None:
+            before = len(waiting)
             release(self._pointer)
+            del waiting[before:]
 
     def __enter__(self) -> Screen:
         return self
@@ -294,11 +309,13 @@ class Screen(Owner):
         self._must_be_free("resize")
         if not kit.nfkResizeScreen(pointer, signed(width, "width"), signed(height, "height")):
             raise failure()
+        settle()
 
     def clear(self, color: int = 0xFF000000) -> None:
         """Fills it with a colour, and frees every pixel of both planes."""
         if not kit.nfkClearScreen(self._open(), color_of(color)):
             raise failure()
+        settle()
 
     @property
     def width(self) -> int:

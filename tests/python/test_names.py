@@ -49,11 +49,11 @@ def test_names_of_codes():
 
 
 @pytest.mark.skipif(not shutil.which(compiler), reason="no C compiler")
-def test_records_of_the_kit_lie_as_the_compiler_has_them(tmp_path):
+def test_records_lie_as_the_compiler_has_them(tmp_path):
     records = {name: kind for name, kind in vars(_description).items()
                if isinstance(kind, type) and issubclass(kind, ctypes.Structure)}
     assert len(records) > 8
-    lines = ["#include <ninefold/kit.h>", "#include <stddef.h>", "#include <stdio.h>", "int main(void)", "{"]
+    lines = ["#include <ninefold/debug.h>", "#include <ninefold/kit.h>", "#include <stddef.h>", "#include <stdio.h>", "int main(void)", "{"]
     wanted = []
     for name, kind in records.items():
         lines.append(f'    printf("%d\\n", (int)sizeof({name}));')
@@ -61,8 +61,11 @@ def test_records_of_the_kit_lie_as_the_compiler_has_them(tmp_path):
         for field, *_ in kind._fields_:
             lines.append(f'    printf("%d\\n%d\\n", (int)offsetof({name}, {field}), (int)sizeof((({name} *)0)->{field}));')
             wanted += [getattr(kind, field).offset, getattr(kind, field).size]
+    for i, name in enumerate(_description.TWIN, 1):
+        lines.append(f'    printf("%d\\n", (int)offsetof(NinefoldDebugCalls, {name}));')
+        wanted.append(i * ctypes.sizeof(ctypes.c_void_p))
     (tmp_path / "records.c").write_text("\n".join([*lines, "    return 0;", "}", ""]))
-    subprocess.run([compiler, f"-I{root / 'include'}", f"-I{root / 'kit/include'}", "records.c", "-o", "records"], check=True, cwd=tmp_path)
+    subprocess.run([compiler, f"-I{root / 'include'}", f"-I{root / 'kit/include'}", f"-I{root / 'debug/include'}", "records.c", "-o", "records"], check=True, cwd=tmp_path)
     shown = subprocess.run([tmp_path / "records"], check=True, capture_output=True, text=True).stdout
     assert [int(number) for number in shown.split()] == wanted
 
