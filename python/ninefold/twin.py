@@ -1,5 +1,5 @@
 """The debug twin's findings as Python warnings. The twin is a library in place of the plain one, with the same pixels, that says
-what a host does wrong: `NINEFOLD_LIBRARY=/usr/lib/.../ninefold/debug/libninefold.so.1 python3 program.py`.
+what a host does wrong: `ninefold-debug python3 program.py`, or NINEFOLD_LIBRARY names the twin's file.
 
     import warnings
     import ninefold as nf

@@ -95,3 +95,26 @@ else:
     assert False
 """)
     assert done.returncode == 0, done.stderr
+
+
+@needs_twin
+def test_the_end_of_the_last_reference_raises_nothing():
+    done = run("""
+nf.twin.warn("error", action="skip")
+warnings.simplefilter("error", nf.twin.Finding)
+for close in (False, True):
+    texture = nf.Texture(4, 4)
+    nf.library.DeleteTexture(texture._pointer)  # behind its back: the second deletion is a mistake
+    before = nf.twin.findings()
+    try:
+        if close:
+            texture.close()
+        else:
+            del texture
+        assert not close
+    except nf.twin.Finding:
+        assert close
+    assert nf.twin.findings() == before + 1
+    nf.sprite(red, 0, 0)
+""")
+    assert done.returncode == 0, done.stderr
