@@ -11,7 +11,7 @@ finish() {
 }
 trap finish EXIT
 
-Xvfb -displayfd 3 -screen 0 800x600x24 -nolisten tcp 3>"$scratch/display" 2>"$scratch/Xvfb.log" &
+Xvfb -displayfd 3 -screen 0 800x600x24 -noreset -nolisten tcp 3>"$scratch/display" 2>"$scratch/Xvfb.log" &
 started+=($!)
 
 # until_true SECONDS COMMAND...: waits until the command succeeds.
