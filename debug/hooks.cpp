@@ -1,4 +1,5 @@
 // The twin on the layer: what is looked at before each call, and learnt after it.
+#include "fonts.h"
 #include "knowledge.h"
 #include "memory.h"
 #include "report.h"
@@ -162,6 +163,10 @@ bool lookAtFunction(const Call &call)
             told.tell("atlas-missing", "rs.tex0 is " + wordsFor(rs.tex0) + ".");
         if (rs.fontQuality < NINEFOLD_QUALITY_MONO || rs.fontQuality > NINEFOLD_QUALITY_GREY64)
             told.tell("font-quality", "rs.fontQuality is " + std::to_string(rs.fontQuality) + ".");
+        if (const Face &face = wantedFace(); !face.exists)
+            told.tell("face-missing", "rs.fontName is \"" + face.name + "\"" +
+                                          (face.instead.empty() ? ", and there is no face at all; the glyph is empty."
+                                                                : ". Taken is \"" + face.instead + "\"."));
         break;
     default: break;
     }

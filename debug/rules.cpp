@@ -775,6 +775,8 @@ const Rule ruleList[] = {
      "the glyph does not fit the atlas any more", "It is not drawn, and the result is null.", "Use a larger atlas, or clear it and set the cursor back."},
     {903, "font-quality", warning, "glyph functions", nullptr, nullptr,
      "rs.fontQuality is none of NINEFOLD_QUALITY_...", "Glyphs come out garbled.", "Use NINEFOLD_QUALITY_MONO to NINEFOLD_QUALITY_GREY64."},
+    {904, "face-missing", hint, "glyph functions, where fontconfig finds the faces", nullptr, nullptr,
+     "rs.fontName names no face of this machine", "Glyphs come from another one, or are empty where there is none.", "Install the face, or choose one by `fc-list : family`. Names are in code page 932 and at most 31 bytes long."},
 
     // 10: textures as arguments
     {1001, "argument-texture", error, "functions that take textures", nullptr, nullptr,
