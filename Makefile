@@ -50,7 +50,7 @@ ports:
 
 # Pictures and an HTML page in build/gallery/.
 gallery:
-	scripts/setup build gallery
+	scripts/setup build gallery kit
 	$(release) --target gallery
 	build/gallery/gallery $(ARGS)
 

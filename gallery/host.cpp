@@ -23,14 +23,6 @@ constexpr uint32_t keyColour = 0xFFFF00FF;
 
 } // namespace
 
-void startUp()
-{
-    MakeUVLShiftTable();
-    MakeShaheiRunlengthTbl();
-    MakeDrawMaskTable();
-    MakeDrawFuncTable();
-}
-
 void setPictureFolder(std::string folder) { pictureFolder = std::move(folder); }
 
 TexturePtr load(const std::string &name) { return checked(LoadTexture(pathOf(name).data()), name); }
@@ -66,38 +58,29 @@ void addMatte(Texture &picture)
         }
 }
 
-Canvas::Canvas(int canvasWidth, int canvasHeight)
-    : width(canvasWidth), height(canvasHeight),
-      pixels_(CreateTexture(static_cast<unsigned long>(canvasWidth), static_cast<unsigned long>(canvasHeight)))
+Canvas::Canvas(int canvasWidth, int canvasHeight) : width(canvasWidth), height(canvasHeight), screen_(canvasWidth, canvasHeight)
 {
-    if (!pixels_->pixels)
-        throw std::runtime_error("no memory for a frame buffer");
-    ClearTexture(pixels_.get());
-    const size_t count = size_t(pixels_->width) * pixels_->height;
-    shahei_.assign((count + 15) / 16, 0);
-    priorities_.assign(count, 255);
-
+    screen_.clear(0);
     use();
 }
 
 void Canvas::use()
 {
     rs = RenderState{};
-    SetFrameBuffer(pixels_.get());
-    rs.clipRight = width;
-    rs.clipBottom = height;
-    rs.shaheiPlane = shahei_.data();
-    rs.zBuffer = priorities_.data();
+    screen_.select();
     rs.prescale = rs.prescaleMulti = 256;
     rs.mosaicSize = rs.mosaicSize1 = 1;
     SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
 }
 
-bool Canvas::taken(int x, int y) const { return shahei_[index(x, y) >> 4] >> (15 - (x & 15)) & 1; }
+bool Canvas::taken(int x, int y) const { return screen_.get()->shaheiPlane[index(x, y) >> 4] >> (15 - (x & 15)) & 1; }
 
-uint8_t Canvas::priority(int x, int y) const { return priorities_[index(x, y)]; }
+uint8_t Canvas::priority(int x, int y) const { return screen_.get()->zBuffer[index(x, y)]; }
 
-void Canvas::fillPriority(uint8_t value) { std::fill(priorities_.begin(), priorities_.end(), value); }
+void Canvas::fillPriority(uint8_t value)
+{
+    std::fill_n(screen_.get()->zBuffer, size_t(pixels()->width) * pixels()->height, value);
+}
 
 void Canvas::paintShahei(const Canvas &from)
 {
@@ -144,12 +127,9 @@ uint32_t codeOf(const Modes &modes)
 void draw(const Modes &modes)
 {
     const uint32_t code = codeOf(modes);
-    const DrawFunc kernel = SearchDrawFunc(code);
-    // A code without a kernel gets the default of its shape, without a word.
-    constexpr uint32_t defaults[] = {0xDC0368, 0x369, 0x1C036A};
-    if (!kernel || (code != defaults[modes.shape] && kernel == SearchDrawFunc(defaults[modes.shape])))
+    if (!nfkCodeExists(code))
         throw std::runtime_error("there is no kernel for " + describe(modes));
-    kernel();
+    SearchDrawFunc(code)();
 }
 
 void cover(const Canvas &canvas, Texture *picture)

@@ -1,7 +1,7 @@
-// The host's side of the library: start-up, pictures, a frame buffer to draw on, and one call for one primitive.
+// The host's side of the library: pictures, a frame buffer to draw on, and one call for one primitive.
 #pragma once
 
-#include <ninefold/ninefold.h>
+#include <ninefold/kit.hpp>
 
 #include <cstdint>
 #include <memory>
@@ -14,9 +14,6 @@ struct Releaser {
     void operator()(Texture *texture) const { DeleteTexture(texture); }
 };
 using TexturePtr = std::unique_ptr<Texture, Releaser>;
-
-// The library's four tables. Once, before anything is drawn.
-void startUp();
 
 // Where the bitmaps are. Loading throws std::runtime_error where it fails.
 void setPictureFolder(std::string folder);
@@ -56,8 +53,8 @@ public:
     void use(); // points a cleared rs here again
 
     const int width, height;
-    Texture *pixels() const { return pixels_.get(); }
-    uint32_t pixel(int x, int y) const { return pixels_->pixels[index(x, y)]; }
+    Texture *pixels() const { return screen_.texture(); }
+    uint32_t pixel(int x, int y) const { return pixels()->pixels[index(x, y)]; }
     bool taken(int x, int y) const; // its bit in the Shahei plane
     uint8_t priority(int x, int y) const; // its byte in the priority plane
     void fillPriority(uint8_t value);
@@ -67,12 +64,10 @@ public:
     void paintPriorities(const Canvas &from);
 
 private:
-    uint32_t &word(int x, int y) { return pixels_->pixels[index(x, y)]; }
-    size_t index(int x, int y) const { return (size_t(y) << pixels_->log2Width) + size_t(x); }
+    uint32_t &word(int x, int y) { return pixels()->pixels[index(x, y)]; }
+    size_t index(int x, int y) const { return (size_t(y) << pixels()->log2Width) + size_t(x); }
 
-    TexturePtr pixels_;
-    std::vector<uint16_t> shahei_;
-    std::vector<uint8_t> priorities_;
+    nfk::Screen screen_;
 };
 
 // A position in texels.

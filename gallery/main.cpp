@@ -82,7 +82,7 @@ void run(const Options &options)
 {
     std::filesystem::create_directories(options.out);
     setPictureFolder(options.pictures);
-    startUp();
+    nfk::checked(nfkStart());
 
     std::string page = pageHead, sections;
     page += "<nav>";
