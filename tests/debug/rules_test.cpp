@@ -11,6 +11,10 @@
 #include <set>
 #include <vector>
 
+// fontconfig keeps what a face was found by.
+extern "C" const char *__lsan_default_suppressions();
+extern "C" const char *__lsan_default_suppressions() { return "leak:libfontconfig"; }
+
 namespace {
 
 std::set<std::string> told;

@@ -136,7 +136,7 @@ void runsBlock(const Span &span, const Rows &rows)
     const Source t = span.tex[0].level;
     const int8_t *const map = rs.tex0->runlengthMap;
     Span s;
-    s.dst = span.dst, s.x = span.x, s.z = span.z;
+    s.dst = span.dst, s.x = span.x, s.z = span.z, s.tex[0].level = t;
     u32 maskRow = rows.maskRow, v = span.tex[0].v.start;
     for (int row = rows.count; row > 0; --row, s.dst += rows.pitch, v = (v + 1) & t.maskV) {
         if constexpr (key.gate == Gate::mask || key.gate == Gate::zMask)
