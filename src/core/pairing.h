@@ -77,13 +77,19 @@ constexpr bool testsStipple(int shahei)
 
 /* clang-format on */
 
-#define NINEFOLD_PAIRING_HOLDS(where, needs, words) &&(!(where) || (needs))
+#define NINEFOLD_PAIRING_HOLDS(where, needs, words) (!(where) || (needs)) &&
 
 // Whether shape, pers, rule, prescale, filter and rect option go together; Shahei mode, blend and multi are not looked at.
-constexpr bool familyExists(const Axes &a) { return true NINEFOLD_FAMILY_PAIRINGS(NINEFOLD_PAIRING_HOLDS); }
+constexpr bool familyExists(const Axes &a)
+{
+    return NINEFOLD_FAMILY_PAIRINGS(NINEFOLD_PAIRING_HOLDS) a.shape <= NINEFOLD_SHAPE_TRIANGLE;
+}
 
 // Of a family that does: whether Shahei mode, blend and multi go with it and with each other.
-constexpr bool memberExists(const Axes &a) { return true NINEFOLD_OTHER_PAIRINGS(NINEFOLD_PAIRING_HOLDS); }
+constexpr bool memberExists(const Axes &a)
+{
+    return NINEFOLD_OTHER_PAIRINGS(NINEFOLD_PAIRING_HOLDS) a.multi <= NINEFOLD_MULTI_NONE;
+}
 
 // Of values that the axes have.
 constexpr bool exists(const Axes &a) { return familyExists(a) && memberExists(a); }
