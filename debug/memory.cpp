@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
 #include <execinfo.h>
 #include <sys/syscall.h>
@@ -43,10 +44,14 @@ void readRegions()
         return;
     char line[512];
     while (std::fgets(line, sizeof line, file)) {
-        unsigned long begin, end;
-        char rights[5];
-        if (std::sscanf(line, "%lx-%lx %4s", &begin, &end, rights) != 3)
+        char *rest; // of BEGIN-END RIGHTS ...
+        const auto begin = uintptr_t(std::strtoull(line, &rest, 16));
+        if (*rest != '-')
             continue;
+        const auto end = uintptr_t(std::strtoull(rest + 1, &rest, 16));
+        if (std::strlen(rest) < 4)
+            continue;
+        const char *const rights = rest + 1;
         const Region region{begin, end, rights[0] == 'r', rights[1] == 'w', rights[2] == 'x'};
         if (!list.empty() && list.back().end == begin && list.back().read == region.read && list.back().write == region.write &&
             list.back().execute == region.execute)
@@ -193,7 +198,7 @@ std::vector<std::string> hostStack()
             std::snprintf(text, sizeof text, "%s+0x%lx (%s)", info.dli_sname, offset(info.dli_saddr), info.dli_fname);
         else
             std::snprintf(text, sizeof text, "%s+0x%lx", info.dli_fname ? info.dli_fname : "?", offset(info.dli_fbase));
-        stack.push_back(text);
+        stack.emplace_back(text);
     }
 #endif
     return stack;

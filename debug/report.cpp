@@ -223,7 +223,7 @@ std::string parseSettings(const std::string &text, Settings &to)
 {
     for (size_t at = 0; at < text.size();) {
         const size_t end = std::min(text.find(',', at), text.size());
-        const std::string item = text.substr(at, end - at);
+        std::string item = text.substr(at, end - at);
         const size_t equals = item.find('=');
         if (!item.empty() && (equals == std::string::npos || !set(item.substr(0, equals), item.substr(equals + 1), to)))
             return item;

@@ -35,10 +35,10 @@ std::string parseSettings(const std::string &text, Settings &to);
 extern uint64_t drawCount; // draws so far, the one that is asked about included
 
 // False where the call is to be left out.
-bool report(size_t rule, layer::Id id, const std::string &words);
+bool report(size_t index, layer::Id id, const std::string &words);
 
 // Whether the next finding of a rule at a kernel or function will be printed or handed on. Else its words do not matter.
-bool isHeard(size_t rule, layer::Id id);
+bool isHeard(size_t index, layer::Id id);
 
 uint64_t findings(int severity);
 const char *severityName(int severity);

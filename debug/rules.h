@@ -29,7 +29,7 @@ struct Draw {
     State state[std::size(layer::Footprint{}.texture)]; // of each texture of the footprint
     uint32_t states; // bits of those that occur
 
-    Draw(layer::Id id, const layer::Footprint &reach);
+    Draw(layer::Id wanted, const layer::Footprint &footprint);
     bool has(State s) const { return states >> int(s) & 1; }
     bool anything() const { return !reach.pixels.empty(); }
 };
