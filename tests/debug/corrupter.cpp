@@ -307,20 +307,21 @@ int main(int argumentCount, char **arguments)
         }
         close(ends[1]);
         std::FILE *const in = fdopen(ends[0], "r");
-        char line[512], what[128], said[64], where[256];
+        char line[512], what[128], bads[16], sames[16], said[64], signal[16], where[256];
         while (std::fgets(line, sizeof line, in)) {
-            int isBad, same, signal;
-            if (std::sscanf(line, "%127[^\t]\t%d\t%d\t%63[^\t]\t%d\t%255[^\n]", what, &isBad, &same, said, &signal, where) != 6)
+            if (std::sscanf(line, "%127[^\t]\t%15[^\t]\t%15[^\t]\t%63[^\t]\t%15[^\t]\t%255[^\n]", what, bads, sames, said, signal,
+                            where) != 6)
                 continue;
+            const bool isBad = std::strcmp(bads, "0") != 0, same = std::strcmp(sames, "0") != 0;
             Tally &tally = tallies[what];
             const bool silent = std::strcmp(said, "-") == 0;
             ++tally.total, ++total;
-            tally.bad += isBad != 0, bad += isBad != 0;
+            tally.bad += isBad, bad += isBad;
             if (isBad && silent) {
                 ++tally.missed, ++missed;
                 hidden += std::strstr(what, " moved") != nullptr;
                 if (list)
-                    std::printf("missed: %s, signal %d: %s\n", what, signal, where);
+                    std::printf("missed: %s, signal %s: %s\n", what, signal, where);
             }
             if (same && !silent) {
                 ++tally.overstrict, ++overstrict;
