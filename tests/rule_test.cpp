@@ -415,7 +415,7 @@ protected:
 
     void SetUp() override
     {
-        Canvas::SetUp();
+        Rule::SetUp();
         rs.writeMask = 0xFFFFFFFF;
         rs.tex2 = texture(256, 1, [](uint32_t u, uint32_t) { return u; });
         rs.tex0 = texture(256, 1, [](uint32_t u, uint32_t) { return 0xFF000000 | u * 0x9E3779 | 1; });
@@ -458,7 +458,7 @@ TEST_F(SoftEdge, EveryValueHasItsWeightUnderEveryCurveThresholdAndWidth)
                                               {-16777000, 16777100},
                                               {-30000000, 30000200}}; // the last wraps in its shift
     for (int k = 0; k < 200 / thin; ++k)
-        edges.push_back({static_cast<int>(random() % 300) - 40, 1 + static_cast<int>(random() % 400)});
+        edges.emplace_back(static_cast<int>(random() % 300) - 40, 1 + static_cast<int>(random() % 400));
     for (int set = 0; set < ninefold::usableSets(); ++set) {
         ninefold::useSet(set);
         const DrawFunc stretch = kernel({.rule = NINEFOLD_RULE_ON, .rectOpt = NINEFOLD_RECT_STRETCH});
@@ -487,7 +487,7 @@ TEST_F(SoftEdge, MixesTheBlendedPixelWithTheDestinationAsItStood)
     rs.ruleThreshold = -1, rs.ruleWidth = 256;
     static std::vector<std::pair<uint32_t, uint32_t>> seen;
     rs.blendFunc = [](uint32_t destination, uint32_t source) {
-        seen.push_back({destination, source});
+        seen.emplace_back(destination, source);
         return destination ^ source;
     };
     const State before = state();
