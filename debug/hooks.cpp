@@ -4,6 +4,8 @@
 #include "memory.h"
 #include "report.h"
 
+#include "core/pairing.h"
+
 #include <array>
 #include <bit>
 #include <cstdio>
@@ -66,9 +68,9 @@ bool lookAtDraw(layer::Id id)
 struct Told {
     layer::Id id;
     bool go = true;
-    bool tell(const char *rule, const std::string &words)
+    bool tell(const char *rule, const std::string &words, uint32_t code = 0)
     {
-        go &= report(ruleNamed(rule), id, words);
+        go &= report(ruleNamed(rule), id, words, code);
         return false;
     }
     // Whether the texture's record, and with `pixels` its pixels, are there.
@@ -88,6 +90,20 @@ std::string hex(uint32_t code)
     char text[16];
     std::snprintf(text, sizeof text, "0x%X", unsigned(code));
     return text;
+}
+
+// Why a code has no kernel, as the end of a sentence; empty where a value is none of its axis.
+std::string brokenPairing(uint32_t code)
+{
+    using namespace ninefold;
+    const Axes a = axesOf(code);
+#define NINEFOLD_BROKEN(where, needs, words)                                                                                     \
+    if ((where) && !(needs))                                                                                                     \
+        return std::string(": ") + words;
+    NINEFOLD_FAMILY_PAIRINGS(NINEFOLD_BROKEN)
+    NINEFOLD_OTHER_PAIRINGS(NINEFOLD_BROKEN)
+#undef NINEFOLD_BROKEN
+    return "";
 }
 
 // The existing combination with the fewest other values.
@@ -119,14 +135,16 @@ bool lookAtFunction(const Call &call)
         if (const auto code = uint32_t(call.argument[0]); !startUp.kernels) {
             told.tell("start-up-kernels", "Code " + hex(code) + " is looked up.");
         } else if (layer::recordOf(code) < 0 && !isHeard(ruleNamed("code-unknown"), call.id)) {
-            told.tell("code-unknown", "");
+            told.tell("code-unknown", "", code);
         } else if (layer::recordOf(code) < 0) {
             const uint32_t closest = nearest(code);
             const std::string instead =
                 (code & 3) == 3 ? "nothing, the result is null" : ninefold::nameOf(ninefold::axesOf(layer::defaultCode(code)));
-            told.tell("code-unknown", "Code " + hex(code) + " is " + ninefold::nameOf(ninefold::axesOf(code)) + ". Drawn is " +
-                                          instead + "; the nearest that exists is " +
-                                          ninefold::nameOf(ninefold::axesOf(closest)) + " (" + hex(closest) + ").");
+            told.tell("code-unknown",
+                      "Code " + hex(code) + " is " + ninefold::nameOf(ninefold::axesOf(code)) + brokenPairing(code) +
+                          ". Drawn is " + instead + "; the nearest that exists is " +
+                          ninefold::nameOf(ninefold::axesOf(closest)) + " (" + hex(closest) + ").",
+                      code);
         }
         break;
     case Function::SetPresetDrawMask:

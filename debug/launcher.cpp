@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr const char *usage = "usage: ninefold-debug [--KEY VALUE]... PROGRAM [ARGUMENT]...\n"
+constexpr const char *usage = "usage: ninefold-debug [--KEY VALUE | --KEY=VALUE]... PROGRAM [ARGUMENT]...\n"
                               "       ninefold-debug --rules [--markdown]\n"
                               "Runs PROGRAM with the debug twin in the place of libninefold: what it does wrong is said on\n"
                               "standard error, pixels stay the same. The environment variable NINEFOLD_DEBUG holds the same\n"
@@ -97,7 +97,9 @@ int main(int count, char **arguments)
     bool rules = false, markdown = false;
     int at = 1;
     for (; at < count && std::strncmp(arguments[at], "--", 2) == 0; ++at) {
-        const std::string key = arguments[at] + 2;
+        const std::string option = arguments[at] + 2;
+        const size_t equals = option.find('=');
+        const std::string key = option.substr(0, equals);
         if (key == "help")
             return help(), 0;
         if (key.empty()) {
@@ -110,9 +112,10 @@ int main(int count, char **arguments)
         }
         if (!isSetting(key))
             return fail(2, "no option '--" + key + "'; --help names them all");
-        if (++at == count)
+        if (equals == std::string::npos && ++at == count)
             return fail(2, "--" + key + " needs a value; --help says which");
-        settings += (settings.empty() ? "" : ",") + key + "=" + arguments[at];
+        settings +=
+            (settings.empty() ? "" : ",") + key + "=" + (equals == std::string::npos ? arguments[at] : option.substr(equals + 1));
     }
     const std::filesystem::path library = twin(arguments[0]);
     if (library.empty())

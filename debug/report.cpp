@@ -244,14 +244,16 @@ void readSettings()
     const std::string wrong = parseSettings(text, settings());
     if (wrong.empty())
         return;
-    std::fprintf(stderr, "ninefold: NINEFOLD_DEBUG: '%s' is no setting. Settings, with commas between them:\n", wrong.c_str());
+    std::fprintf(stderr,
+                 "ninefold: '%s' is no setting. They are, in NINEFOLD_DEBUG with commas between, as options like --repeat 3:\n",
+                 wrong.c_str());
 #define NINEFOLD_SETTING(key, value, meaning) std::fprintf(stderr, "    %s=%s  %s\n", key, value, meaning);
     NINEFOLD_DEBUG_SETTINGS(NINEFOLD_SETTING)
 #undef NINEFOLD_SETTING
     std::_Exit(2);
 }
 
-bool report(size_t index, layer::Id id, const std::string &words)
+bool report(size_t index, layer::Id id, const std::string &words, uint32_t code)
 {
     const Rule &rule = rules[index];
     const Settings &s = settings();
@@ -268,7 +270,7 @@ bool report(size_t index, layer::Id id, const std::string &words)
     if (callback || prints || (skip && s.action == NINEFOLD_DEBUG_ABORT)) {
         const std::string name = layer::nameOf(id);
         const NinefoldFinding finding{
-            rule.severity, rule.number, rule.name,     name.c_str(), layer::isRecord(id) ? layer::codeOf(id) : 0,
+            rule.severity, rule.number, rule.name,     name.c_str(), layer::isRecord(id) ? layer::codeOf(id) : code,
             drawCount,     count,       words.c_str(), rule.advice};
         if (prints)
             print(rule, finding, count == uint64_t(s.repeat) && c.kernels[index] == uint64_t(s.kernels));

@@ -34,8 +34,8 @@ std::string parseSettings(const std::string &text, Settings &to);
 
 extern uint64_t drawCount; // draws so far, the one that is asked about included
 
-// False where the call is to be left out.
-bool report(size_t index, layer::Id id, const std::string &words);
+// False where the call is to be left out. `code` is the draw code that a function was called with; kernels have their own.
+bool report(size_t index, layer::Id id, const std::string &words, uint32_t code = 0);
 
 // Whether the next finding of a rule at a kernel or function will be printed or handed on. Else its words do not matter.
 bool isHeard(size_t index, layer::Id id);

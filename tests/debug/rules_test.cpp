@@ -578,6 +578,22 @@ TEST(RuleCases, AreThoseOfTheList)
                                [](const debug::Rule &a, const debug::Rule &b) { return a.number < b.number; }));
 }
 
+// A code without a kernel is told with the rule of pairing that it breaks.
+TEST(UnknownCode, IsToldWithTheReason)
+{
+    static unsigned long code;
+    static std::string text;
+    debug::callback = [](const NinefoldFinding *finding, void *) { code = finding->code, text = finding->text; };
+    const Host host;
+    ninefold::Axes axes = host.axes;
+    axes.blend = NINEFOLD_BLEND_ALPHA, axes.shahei = NINEFOLD_SHAHEI_PLANE;
+    SearchDrawFunc(ninefold::codeOf(axes));
+    debug::callback = nullptr;
+    EXPECT_EQ(code, ninefold::codeOf(axes));
+    EXPECT_NE(text.find("SHAHEI_PLANE and SHAHEI_PLANE_PRIORITY mark pixels and go with BLEND_COPY only. Drawn"), text.npos)
+        << text;
+}
+
 // Calls with errors are left out when the host asks for it.
 TEST(Action, SkipLeavesADrawWithAnErrorOut)
 {

@@ -32,6 +32,7 @@ grep -q '^{"rule":"NF-0303","name":"memory-small","severity":"error","draw":2,"c
 if command -v python3 >/dev/null; then
     python3 -c 'import json, sys; [json.loads(line) for line in sys.stdin]' <"$scratch/said" || fail "no JSON"
 fi
+"$launcher" --format=json "$host" twin 2>&1 >/dev/null | cmp -s - "$scratch/said" || fail "an option with an equals sign"
 "$launcher" --stack on "$host" twin 2>"$scratch/said"
 grep -q "^    at .*$(basename "$host")" "$scratch/said" || fail "the stack does not name the host"
 NINEFOLD_DEBUG=repeat=0 "$launcher" "$host" twin 2>"$scratch/said"

@@ -43,7 +43,7 @@ typedef struct NinefoldFinding {
     unsigned rule; /* the number behind NF-; it never changes its meaning */
     const char *name; /* of the rule, such as clip-outside */
     const char *call; /* readable name of the kernel, or the function's */
-    unsigned long code; /* draw code; 0 for functions */
+    unsigned long code; /* draw code, of SearchDrawFunc the one asked for; 0 for other functions */
     unsigned long long draw; /* number of the draw, from 1; of functions that of the draw before */
     unsigned long long count; /* how often this rule has met this kernel or function, this time included */
     const char *text; /* field and value */
