@@ -61,6 +61,9 @@ std::vector<Job> allJobs()
     addShapeJobs(jobs);
     addOwnJobs(jobs);
     addGlyphJobs(jobs);
+#if defined(BENCH_TWIN)
+    addTwinJobs(jobs);
+#endif
     return jobs;
 }
 

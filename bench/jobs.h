@@ -23,5 +23,6 @@ void addSpriteJobs(std::vector<Job> &jobs); // unit scale and stretched rectangl
 void addShapeJobs(std::vector<Job> &jobs); // quads, triangles, lines, colours
 void addOwnJobs(std::vector<Job> &jobs); // what no peer has, against yardsticks
 void addGlyphJobs(std::vector<Job> &jobs);
+void addTwinJobs(std::vector<Job> &jobs);
 
 } // namespace bench

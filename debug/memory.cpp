@@ -119,16 +119,36 @@ bool ask(uintptr_t, uintptr_t, bool) { return true; }
 
 #endif
 
-// Ranges, and pages, that were there when they were last asked about.
+// Ranges, pages and blocks of pages that were there when they were last asked about. To ask costs more than a small draw. What is
+// unmapped goes in large pieces, so a page is believed for longer while one of its block was asked about lately.
 struct Answer {
-    uintptr_t begin, end;
+    uintptr_t begin, end; // of pages and blocks begin alone is used
     uint32_t age;
     bool write;
 };
 std::array<Answer, 256> ranges;
-std::array<Answer, 4096> pages; // only begin is used
-constexpr uint32_t drawsPerAge = 64;
-uint32_t currentAge = 1, drawsLeft = drawsPerAge;
+std::array<Answer, 4096> pages;
+std::array<Answer, 1024> blocks;
+constexpr uintptr_t pagesPerBlock = 16;
+constexpr uint32_t drawsPerAge = 64, agesOfPages = 32;
+uint32_t currentAge = agesOfPages, drawsLeft = drawsPerAge;
+
+bool isPageThere(uintptr_t number, bool write)
+{
+    Answer &known = pages[(number * 2 + write) % pages.size()];
+    const bool is = known.begin == number && known.write == write;
+    if (is && known.age == currentAge)
+        return true;
+    const uintptr_t block = number / pagesPerBlock;
+    Answer &around = blocks[(block * 2 + write) % blocks.size()];
+    if (is && currentAge - known.age < agesOfPages && around.begin == block && around.write == write && around.age == currentAge)
+        return true;
+    if (!ask(number * page, (number + 1) * page, write))
+        return false;
+    known = {number, 0, currentAge, write};
+    around = {block, 0, currentAge, write};
+    return true;
+}
 
 bool isThere(const void *memory, size_t size, bool write)
 {
@@ -138,14 +158,9 @@ bool isThere(const void *memory, size_t size, bool write)
     Answer &range = ranges[(begin / 16 ^ size / 16 * 31 ^ write) % ranges.size()];
     if (range.begin == begin && range.end == end && range.write == write && range.age == currentAge)
         return true;
-    for (uintptr_t at = begin / page; at <= (end - 1) / page; ++at) {
-        Answer &known = pages[(at * 2 + write) % pages.size()];
-        if (known.begin == at && known.write == write && known.age == currentAge)
-            continue;
-        if (!ask(at * page, (at + 1) * page, write))
+    for (uintptr_t at = begin / page; at <= (end - 1) / page; ++at)
+        if (!isPageThere(at, write))
             return false;
-        known = {at, 0, currentAge, write};
-    }
     range = {begin, end, currentAge, write};
     return true;
 }
@@ -174,7 +189,7 @@ bool isCode(const void *address)
 void ageMemory(bool now)
 {
     if (now || --drawsLeft == 0) {
-        ++currentAge;
+        currentAge += now ? agesOfPages : 1;
         drawsLeft = drawsPerAge;
     }
 }
