@@ -95,7 +95,10 @@ bool blendOperators(const Needs &n) { return n.callsBlend; }
 bool multiOperators(const Needs &n) { return n.callsMulti; }
 bool stippled(const Needs &n) { return n.stippleSteps; }
 bool prescaled(const Needs &n) { return n.axes.prescale != 0 && n.axes.blend != NINEFOLD_BLEND_CONST_ALPHA && n.writesPixels; }
-bool operatorsOrConstant(const Needs &n) { return n.callsBlend || n.callsMulti || n.axes.blend == NINEFOLD_BLEND_CONST_ALPHA; }
+bool operatorsOrConstant(const Needs &n)
+{
+    return n.callsBlend || n.callsMulti || (n.writesPixels && n.axes.blend == NINEFOLD_BLEND_CONST_ALPHA);
+}
 bool operators(const Needs &n) { return n.callsBlend || n.callsMulti; }
 bool positioned(const Needs &n) { return n.tex0 && n.positions > 1; }
 bool alphaBlends(const Needs &n)
