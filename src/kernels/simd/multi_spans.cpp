@@ -1,17 +1,9 @@
 // Fused spans with a multi stage: unit fetch, second operand, operator, blend and write of a row in registers.
 #include "kernels/simd/colours.h"
 #include "kernels/simd/fused.h"
-#include "kernels/simd/point.h"
 
 namespace ninefold::NINEFOLD_SET {
 namespace {
-
-constexpr Sample operandOf(Multi multi)
-{
-    return multi == Multi::texture   ? Sample{Motion::unit, Reading::point}
-           : multi == Multi::corners ? Sample{Motion::free, Reading::corners}
-                                     : Sample{Motion::free, Reading::flat};
-}
 
 // Texels of tex0 or tex1 side by side, from pixel `first` of a span on.
 template <int t>
@@ -34,7 +26,8 @@ template <MultiSpanKey key>
 struct Combined : Tested {
     static constexpr bool textured = key.multi == Multi::texture;
     Stretch<0> texels;
-    std::conditional_t<textured, Stretch<1>, Fetch<1, operandOf(key.multi)>> operands;
+    static constexpr Reading colours = key.multi == Multi::corners ? Reading::corners : Reading::flat;
+    std::conditional_t<textured, Stretch<1>, Fetch<1, Sample{Motion::free, colours}>> operands;
     const ops::Factors &factors;
     NINEFOLD_INLINED Combined(const Span &s, int first, const ops::Factors &f) : texels(s, first), operands(s, first), factors(f)
     {}
