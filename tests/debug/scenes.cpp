@@ -104,7 +104,7 @@ public:
         follows("segment-wraps", table && (wraps(state.lineTable0) || (second && wraps(state.lineTable1))), right > left);
         follows(
             "texels-not-shifted",
-            std::none_of(state.uv0, std::end(state.uv0),
+            std::none_of(state.uv0, state.uv0 + 2,
                          [](const TexCoord &at) { return std::max(std::abs(int64_t{at.u}), std::abs(int64_t{at.v})) > 0x4000; }),
             false);
         follows("overlap", anythingInTheWay(), inside && firstInTheWay());
