@@ -143,7 +143,7 @@ Writer::~Writer()
 
 void Writer::put(const void *bytes, size_t size)
 {
-    if (good() && std::fwrite(bytes, 1, size, file) != size)
+    if (!failed && std::fwrite(bytes, 1, size, file) != size)
         failed = true;
     bytesWritten += size;
 }
@@ -227,7 +227,7 @@ void Writer::flush()
     store64(header + 12, hashOf(stored, storedSize));
     put(header, sizeof header);
     put(stored, storedSize);
-    if (good() && std::fflush(file) != 0)
+    if (!failed && std::fflush(file) != 0)
         failed = true;
     pending.clear();
 }

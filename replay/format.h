@@ -125,7 +125,7 @@ public:
     uint64_t content(uint32_t rowBytes, uint32_t rows, const uint8_t *bytes, bool picture);
     void flush(); // what is there becomes a chunk
     void close(); // flushes; the file is closed
-    bool good() const { return file != nullptr && !failed; } // false after an error of the file system
+    bool good() const { return !failed; } // false after an error of the file system
     uint64_t written() const { return bytesWritten; }
 
 private:

@@ -90,9 +90,9 @@ void Recorder::before(layer::Id id, const layer::Footprint &footprint)
         back -= std::min(back, uint32_t(pageSize / 4));
         findRows(footprint, back, rows);
     }
-    open_ = canRecord(footprint, rows);
+    isOpen = canRecord(footprint, rows);
     Out out;
-    if (!open_) {
+    if (!isOpen) {
         ++lostCount;
         out.text(layer::nameOf(id));
         writer->event(EventType::lost, out);
@@ -137,10 +137,10 @@ void Recorder::before(layer::Id id, const layer::Footprint &footprint)
 
 void Recorder::after()
 {
-    if (!open_)
+    if (!isOpen)
         return;
     ended = Clock::now();
-    open_ = false;
+    isOpen = false;
     if (hostMulti)
         rs.multiFunc = hostMulti;
     if (hostBlend)
@@ -353,8 +353,9 @@ void Recorder::label(const void *address, const std::string &name)
 
 void Recorder::close()
 {
-    if (!writer || !writer->good())
+    if (!writer || closed)
         return;
+    closed = true;
     frame(Cut::end);
     Out out;
     out.number(frameCount), out.number(drawCount), out.number(lostCount);

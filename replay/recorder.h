@@ -70,7 +70,8 @@ private:
     std::vector<uint64_t> state; // cells of rs as replay holds them
     alignas(8) unsigned char last[sizeof(RenderState)] = {}; // rs as it was when they were taken
     PixelOperator hostMulti = nullptr, hostBlend = nullptr;
-    bool open_ = false; // between before and after of a draw that is recorded
+    bool isOpen = false; // between before and after of a draw that is recorded
+    bool closed = false;
     Clock::time_point started{}, ended{};
     uint64_t drawCount = 0, frameCount = 0, lostCount = 0, drawnInFrame = 0;
 
