@@ -2,6 +2,7 @@
 #include "fonts.h"
 #include "knowledge.h"
 #include "memory.h"
+#include "recording.h"
 #include "report.h"
 
 #include "core/pairing.h"
@@ -49,7 +50,7 @@ bool lookAtDraw(layer::Id id)
     if (++drawCount % drawsPerFrame == 0)
         nextFrame();
     const uint64_t asked = rulesFor(id);
-    if (!asked)
+    if (!asked && !isRecording())
         return true;
     layer::findFootprint(id, canLookAt, reach);
     lookAtSequence(id, reach);
@@ -61,6 +62,8 @@ bool lookAtDraw(layer::Id id)
         if (rules[rule].breaks(draw, text))
             go &= report(rule, id, text.words);
     }
+    if (go && isRecording())
+        recordBefore(id, reach);
     return go;
 }
 
@@ -200,6 +203,21 @@ void learnFetched(uint32_t code)
 void lookAfter(const Call &call)
 {
     Told told{call.id};
+    switch (Function(call.id - layer::recordCount)) {
+    case Function::CreateTexture:
+    case Function::LoadTexture:
+    case Function::LoadTextureAdjust: recordChange(call.made()); break;
+    case Function::ClearTexture:
+    case Function::CopyTexture:
+    case Function::SetClearPixel:
+    case Function::ReplacePixel:
+    case Function::CreateMipmapTexture:
+    case Function::CreateRunlengthMap:
+    case Function::CreateZeroPixelMap: recordChange(call.texture()); break;
+    case Function::CreateFontTexture:
+    case Function::CreateFontTextureFuchi: recordChange(rs.tex0); break;
+    default: break;
+    }
     if ((call.is(Function::CreateFontTexture) || call.is(Function::CreateFontTextureFuchi)) && call.argument[0] && !call.result)
         told.tell("atlas-full", "The glyph has " + std::to_string(rs.glyphWidth) + " x " + std::to_string(rs.glyphHeight) +
                                     " pixels, the cursor of the atlas, " + wordsFor(rs.tex0) + ", is at " +
@@ -218,13 +236,15 @@ bool layer::before(Call &call)
     if (!debug::lookAtFunction(call))
         return false;
     debug::learnBefore(call);
+    if (call.is(Function::SetFrameBuffer))
+        debug::recordFrame(true);
     return true;
 }
 
 void layer::after(Call &call)
 {
     if (draws(call.id))
-        return;
+        return debug::recordAfter();
     debug::learnAfter(call);
     if (call.is(layer::Function::SearchDrawFunc))
         debug::learnFetched(uint32_t(call.argument[0]));
@@ -241,10 +261,19 @@ const NinefoldDebugCalls *ninefoldDebugCalls(void)
         [](NinefoldFindingCallback callback, void *context) { debug::callback = callback, debug::callbackContext = context; },
         [](int severity) { debug::settings().severity = severity; },
         [](int action) { debug::settings().action = action; },
-        debug::labelTexture,
-        debug::labelMemory,
+        [](const Texture *texture, const char *name) {
+            debug::labelTexture(texture, name);
+            debug::recordLabel(texture, name);
+        },
+        [](const void *memory, size_t bytes, const char *name) {
+            debug::labelMemory(memory, bytes, name);
+            debug::recordLabel(memory, name);
+        },
         debug::forgetMemory,
-        debug::nextFrame,
+        [] {
+            debug::nextFrame();
+            debug::recordFrame(false);
+        },
         [](int severity) -> unsigned long long { return debug::findings(severity); },
         [](FILE *out, int markdown) { debug::printRules(out, markdown != 0); },
     };

@@ -187,6 +187,15 @@ void forgetMemory(const void *memory)
     ageMemory(true);
 }
 
+void forEachLabel(void (*tell)(const void *address, const std::string &name))
+{
+    for (const auto &[texture, entry] : textures())
+        if (!entry.label.empty())
+            tell(texture, entry.label);
+    for (const auto &[memory, label] : labels())
+        tell(memory, label.name);
+}
+
 std::string wordsFor(const Texture *texture)
 {
     if (!texture)

@@ -44,6 +44,7 @@ const Label *labelAt(const void *address);
 void labelTexture(const Texture *texture, const char *name);
 void labelMemory(const void *memory, size_t size, const char *name);
 void forgetMemory(const void *memory);
+void forEachLabel(void (*tell)(const void *address, const std::string &name)); // of textures and memory
 
 // How messages call a texture: "name" where it is labelled, else its size.
 std::string wordsFor(const Texture *texture);

@@ -28,7 +28,7 @@ constexpr const char *usage = "usage: ninefold-debug [--KEY VALUE | --KEY=VALUE]
 void help()
 {
     std::fputs(usage, stdout);
-#define NINEFOLD_SETTING(key, value, meaning) std::printf("  --%-9s %-19s %s\n", key, value, meaning);
+#define NINEFOLD_SETTING(key, value, meaning) std::printf("  --%-16s %-19s %s\n", key, value, meaning);
     NINEFOLD_DEBUG_SETTINGS(NINEFOLD_SETTING)
 #undef NINEFOLD_SETTING
     std::puts("\nExit status: that of PROGRAM, or the one of --status; 2 for wrong options, 127 where PROGRAM cannot be run.\n"

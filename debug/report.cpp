@@ -1,6 +1,7 @@
 #include "report.h"
 
 #include "memory.h"
+#include "recording.h"
 #include "settings.h"
 
 #include <algorithm>
@@ -151,6 +152,20 @@ bool set(const std::string &key, const std::string &value, Settings &to)
         return number(125, to.status);
     if (key == "file")
         return !(to.file = value).empty();
+#if NINEFOLD_CAPTURE
+    if (key == "capture")
+        return !(to.capture = value).empty();
+    if (key == "capture-cut")
+        return choice({"buffer", "mark"}, to.captureCut);
+    if (key == "capture-textures")
+        return choice({"frame", "draw"}, to.captureTextures);
+    if (key == "capture-flush")
+        return choice({"frame", "draw"}, to.captureFlush);
+    if (key == "capture-pause")
+        return number(1000000000, to.capturePause);
+    if (key == "capture-level")
+        return number(19, to.captureLevel) && to.captureLevel > 0;
+#endif
     return false;
 }
 
@@ -242,11 +257,14 @@ void readSettings()
     if (!text)
         return;
     const std::string wrong = parseSettings(text, settings());
-    if (wrong.empty())
+    if (wrong.empty()) {
+        if (!settings().capture.empty() && !startRecording())
+            std::_Exit(2);
         return;
-    std::fprintf(stderr,
-                 "ninefold: '%s' is no setting. They are, in NINEFOLD_DEBUG with commas between, as options like --repeat 3:\n",
-                 wrong.c_str());
+    }
+    std::fprintf(
+        stderr, "ninefold: '%s' is no setting%s. They are, in NINEFOLD_DEBUG with commas between, as options like --repeat 3:\n",
+        wrong.c_str(), wrong.rfind("capture", 0) == 0 && !NINEFOLD_CAPTURE ? " of this build, which cannot capture" : "");
 #define NINEFOLD_SETTING(key, value, meaning) std::fprintf(stderr, "    %s=%s  %s\n", key, value, meaning);
     NINEFOLD_DEBUG_SETTINGS(NINEFOLD_SETTING)
 #undef NINEFOLD_SETTING

@@ -20,6 +20,9 @@ struct Settings {
     int status = 0; // of the program at its end where there were errors; 0: its own
     bool json = false, stack = false, summary = true;
     std::string file; // empty: standard error
+    std::string capture; // empty: nothing is recorded
+    int captureCut = 0, captureTextures = 0, captureFlush = 0; // by their place among the words
+    int capturePause = 0, captureLevel = 3;
 };
 Settings &settings();
 

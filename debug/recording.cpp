@@ -1,0 +1,94 @@
+#include "recording.h"
+
+#if NINEFOLD_CAPTURE
+
+#include "knowledge.h"
+#include "memory.h"
+#include "report.h"
+
+#include "recorder.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace debug {
+namespace {
+
+// Never destroyed but by stopRecording: hosts draw in destructors of their own.
+std::unique_ptr<capture::Recorder> &recorder()
+{
+    static auto *const one = new std::unique_ptr<capture::Recorder>;
+    return *one;
+}
+
+void complain(const std::string &words) { std::fprintf(stderr, "ninefold: capture: %s\n", words.c_str()); }
+
+// After the host's own exit handlers and destructors.
+[[gnu::destructor]] void atEnd() { stopRecording(); }
+
+} // namespace
+
+bool startRecording()
+{
+    stopRecording();
+    const Settings &s = settings();
+    capture::Options options;
+    options.path = s.capture;
+    options.level = s.captureLevel;
+    options.pause = s.capturePause;
+    options.texturesEachDraw = s.captureTextures != 0;
+    options.flushesEachDraw = s.captureFlush != 0;
+    options.cutsAtBuffer = s.captureCut == 0;
+    std::string error;
+    recorder() = capture::Recorder::open(options, {isReadable, canLookAt},
+                                         {&rs, own_SetBlendMode, own_SetBlendModeMulti, own_SetPrescaleMultiMode}, error);
+    if (!recorder())
+        complain(error);
+    else
+        forEachLabel([](const void *address, const std::string &name) { recorder()->label(address, name); });
+    return recorder() != nullptr;
+}
+
+void stopRecording()
+{
+    const std::unique_ptr<capture::Recorder> ended = std::move(recorder());
+    if (!ended)
+        return;
+    ended->close();
+    if (!ended->good())
+        complain("cannot write all of " + ended->settings().path + "; is the disk full?");
+    else if (settings().summary)
+        std::fprintf(stderr, "ninefold: captured %llu draws in %llu frames, %llu bytes%s: %s\n",
+                     static_cast<unsigned long long>(ended->draws()), static_cast<unsigned long long>(ended->frames()),
+                     static_cast<unsigned long long>(ended->bytes()),
+                     ended->lost() ? (", without " + std::to_string(ended->lost()) + " of missing memory").c_str() : "",
+                     ended->settings().path.c_str());
+}
+
+bool isRecording() { return recorder() != nullptr; }
+
+void recordBefore(layer::Id id, const layer::Footprint &footprint) { recorder()->before(id, footprint); }
+void recordAfter()
+{
+    if (recorder())
+        recorder()->after();
+}
+void recordFrame(bool atSetFrameBuffer)
+{
+    if (recorder() && (!atSetFrameBuffer || recorder()->settings().cutsAtBuffer))
+        recorder()->frame(atSetFrameBuffer ? capture::Cut::buffer : capture::Cut::mark);
+}
+void recordChange(const Texture *texture)
+{
+    if (recorder())
+        recorder()->touch(texture);
+}
+void recordLabel(const void *address, const char *name)
+{
+    if (recorder())
+        recorder()->label(address, name ? name : "");
+}
+
+} // namespace debug
+
+#endif

@@ -1,0 +1,171 @@
+#include "command.h"
+
+#include <ninefold/kit.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#ifdef _WIN32
+#include <io.h>
+#define isatty _isatty
+#define fileno _fileno
+#else
+#include <unistd.h>
+#endif
+
+namespace replay {
+
+using namespace capture;
+
+const Option libraryOption = {"lib", "PATH", "draw with the library in this file instead of the one built in"};
+const Option uncheckedOption = {"unchecked", nullptr,
+                                "draw also what the debug twin's rules call undefined: only captures that you trust"};
+
+std::string Arguments::text(const char *option, const std::string &otherwise) const
+{
+    const auto found = options.find(option);
+    return found == options.end() ? otherwise : found->second;
+}
+
+void fail(int status, const std::string &text) { throw Failure{status, text}; }
+
+uint64_t numberOf(const std::string &text, const std::string &what, uint64_t least, uint64_t most)
+{
+    char *end;
+    errno = 0;
+    const unsigned long long number = std::strtoull(text.c_str(), &end, 10);
+    if (text.empty() || text[0] == '-' || *end || errno || number < least || number > most)
+        fail(statusUsage,
+             what + " is '" + text + "'; it is a number from " + std::to_string(least) + " to " + std::to_string(most));
+    return number;
+}
+
+Opened::Opened(const std::string &wanted) : path(wanted)
+{
+    std::string error;
+    reader = Reader::open(path, error);
+    if (!reader)
+        fail(statusFile, error);
+    player = std::make_unique<Player>(*reader);
+}
+
+int Opened::complaint() const
+{
+    if (player->lost())
+        std::fprintf(stderr, "ninefold-replay: %s: %s draws could not be recorded, because memory that they need was missing\n",
+                     path.c_str(), grouped(player->lost()).c_str());
+    if (player->problem().empty())
+        return statusGood;
+    std::fprintf(stderr, "ninefold-replay: %s: %s; it goes up to draw %s of frame %s\n", path.c_str(), player->problem().c_str(),
+                 grouped(player->draws()).c_str(), grouped(player->frames() + 1).c_str());
+    return statusFile;
+}
+
+Drawer::Drawer(const Arguments &arguments) : use(&Library::linked())
+{
+    if (!arguments.has("lib"))
+        return;
+    std::string error;
+    loaded = Library::load(arguments.text("lib", ""), error);
+    if (!loaded)
+        fail(statusFile, error);
+    use = loaded.get();
+}
+
+Progress::Progress(std::string doing, const Reader &from)
+    : what(std::move(doing)), reader(from), next(std::chrono::steady_clock::now() + std::chrono::milliseconds(500)),
+      shows(isatty(fileno(stderr)) != 0)
+{}
+Progress::~Progress()
+{
+    if (wrote)
+        std::fputs("\r\33[K", stderr);
+}
+void Progress::show(const Player &player)
+{
+    if (!shows || std::chrono::steady_clock::now() < next)
+        return;
+    next = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
+    wrote = true;
+    std::fprintf(stderr, "\r%s: draw %s, %d %%\33[K", what.c_str(), grouped(player.draws()).c_str(),
+                 reader.size() ? int(100 * reader.position() / reader.size()) : 0);
+}
+
+std::string grouped(uint64_t number)
+{
+    std::string text = std::to_string(number);
+    for (size_t at = text.size(); at > 3;)
+        text.insert(at -= 3, ",");
+    return text;
+}
+
+std::string drawLabel(const DrawEvent &draw)
+{
+    return "draw " + std::to_string(draw.number) + " of frame " + std::to_string(draw.frame) + ", " + draw.name;
+}
+
+void makeDirectory(const std::string &directory)
+{
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    if (error)
+        fail(statusFile, "cannot make the directory " + directory + ": " + error.message());
+}
+
+void writePicture(const Player::Picture &picture, const std::string &path)
+{
+    // The twin is not told: it would remember the record as one that was deleted.
+    Texture *const texture = own_CreateTexture(picture.width, picture.height);
+    const bool there = texture->pixels;
+    for (uint32_t y = 0; there && y < picture.height; ++y)
+        std::memcpy(texture->pixels + (size_t{y} << texture->log2Width), picture.pixels.data() + size_t{y} * picture.width,
+                    size_t{4} * picture.width);
+    const bool done = there && nfkSavePicture(texture, path.c_str(), 0);
+    own_DeleteTexture(texture);
+    if (!done)
+        fail(statusFile, there ? nfkError() : "no memory for " + path);
+}
+
+void printState(const Player &player, const std::vector<uint64_t> &previous)
+{
+    const DrawEvent &draw = player.draw();
+    std::printf("%s\n", drawLabel(draw).c_str());
+    if (draw.known && layer::isRecord(draw.id)) {
+        char text[4000];
+        nfkExplainCode(layer::codeOf(draw.id), text, sizeof text);
+        std::printf("%s", text);
+        if (text[0] && text[std::strlen(text) - 1] != '\n')
+            std::printf("\n");
+    }
+    std::printf("\nrs, where it is not 0; * marks what is new since the draw before:\n");
+    const std::span<const Cell> cells = stateCells();
+    for (size_t k = 0; k < cells.size(); ++k) {
+        const uint64_t value = player.state()[k];
+        const bool isNew = previous.size() == cells.size() && previous[k] != value;
+        if (!value && !isNew)
+            continue;
+        std::string text;
+        char hex[40];
+        switch (cells[k].kind) {
+        case Cell::Kind::texture: text = player.textureName(value); break;
+        case Cell::Kind::operation: text = Operators::name(value); break;
+        case Cell::Kind::address:
+            std::snprintf(hex, sizeof hex, "0x%llx", static_cast<unsigned long long>(value));
+            text = value ? hex : "null";
+            if (const auto label = player.labels().find(value); label != player.labels().end())
+                text += ", \"" + label->second + "\"";
+            break;
+        default:
+            std::snprintf(hex, sizeof hex, cells[k].isSigned ? "%lld" : "%llu (0x%llX)", static_cast<unsigned long long>(value),
+                          static_cast<unsigned long long>(value));
+            text = hex;
+        }
+        std::printf("  %c %-18s %s\n", isNew ? '*' : ' ', cells[k].name.c_str(), text.c_str());
+    }
+}
+
+} // namespace replay

@@ -1,0 +1,110 @@
+// What the commands of ninefold-replay share: arguments, messages, progress.
+#pragma once
+
+#include "player.h"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace replay {
+
+// Exit statuses.
+enum : int {
+    statusGood = 0,
+    statusFound = 1, // what was looked for: a difference
+    statusUsage = 2,
+    statusFile = 3, // a file cannot be read or written, or is damaged
+};
+
+struct Option {
+    const char *name; // without its dashes
+    const char *value; // what it takes, in capitals; null: nothing
+    const char *meaning;
+};
+
+class Arguments {
+public:
+    std::vector<std::string> words; // besides options
+    bool has(const char *option) const { return options.contains(option); }
+    // The option's value, or another.
+    std::string text(const char *option, const std::string &otherwise) const;
+
+    std::map<std::string, std::string> options;
+};
+
+struct Command {
+    const char *name;
+    const char *words; // what it takes besides options, as "FILE N"
+    const char *summary;
+    std::vector<Option> options;
+    int (*run)(const Arguments &);
+};
+std::span<const Command> commands();
+
+// A wrong argument or a file that cannot be used. main() prints it.
+struct Failure {
+    int status;
+    std::string text;
+};
+[[noreturn]] void fail(int status, const std::string &text);
+uint64_t numberOf(const std::string &text, const std::string &what, uint64_t least, uint64_t most); // fails where it is none
+
+// A capture and what draws it.
+struct Opened {
+    std::string path;
+    std::unique_ptr<capture::Reader> reader;
+    std::unique_ptr<capture::Player> player;
+
+    explicit Opened(const std::string &path);
+    // Says on standard error what is wrong with the file, if anything; the status that follows from it.
+    int complaint() const;
+};
+
+// The library of --lib, or the linked one.
+class Drawer {
+public:
+    explicit Drawer(const Arguments &arguments);
+    capture::Library &library() const { return *use; }
+
+private:
+    std::unique_ptr<capture::Library> loaded;
+    capture::Library *use;
+};
+extern const Option libraryOption, uncheckedOption;
+
+// A line on standard error that is written over, where that is a terminal.
+class Progress {
+public:
+    Progress(std::string what, const capture::Reader &reader);
+    ~Progress();
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+    void show(const capture::Player &player);
+
+private:
+    std::string what;
+    const capture::Reader &reader;
+    std::chrono::steady_clock::time_point next;
+    bool shows, wrote = false;
+};
+
+std::string grouped(uint64_t number); // 1,234,567
+std::string drawLabel(const capture::DrawEvent &draw); // "draw 12 of frame 3, rect.unit.point.copy"
+
+// Makes the directory, and writes a picture into it.
+void makeDirectory(const std::string &directory);
+void writePicture(const capture::Player::Picture &picture, const std::string &path);
+
+// The state of a draw in words, on standard output. `previous`: cells of rs before the draw before, or empty.
+void printState(const capture::Player &player, const std::vector<uint64_t> &previous);
+
+int runInfo(const Arguments &);
+int runVerify(const Arguments &);
+int runFrames(const Arguments &);
+int runDraw(const Arguments &);
+
+} // namespace replay

@@ -1,0 +1,39 @@
+// A library to draw with: the one that this program is linked with, or another build from a file.
+#pragma once
+
+#include "cells.h"
+#include "layer.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace capture {
+
+class Library {
+public:
+    // The linked one, started. There is one.
+    static Library &linked();
+    // Null, and why, where the file is no such library.
+    static std::unique_ptr<Library> load(const std::string &path, std::string &error);
+    ~Library();
+    Library(const Library &) = delete;
+    Library &operator=(const Library &) = delete;
+
+    DrawFunc kernel(layer::Id id);
+    RenderState &state() const { return *renderState; }
+    const Operators &operators() const { return *own; }
+    bool isLinked() const { return !module; }
+
+private:
+    Library() = default;
+
+    void *module = nullptr;
+    RenderState *renderState = nullptr;
+    decltype(&SearchDrawFunc) search = nullptr;
+    std::vector<DrawFunc> named; // by Function
+    std::vector<DrawFunc> kernels; // of records, as far as they were asked for
+    std::unique_ptr<Operators> own;
+};
+
+} // namespace capture

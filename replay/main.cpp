@@ -1,0 +1,131 @@
+// ninefold-replay: draws captures again.
+#include "command.h"
+
+#include <ninefold/ninefold.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace replay {
+namespace {
+
+constexpr Option helpOption = {"help", nullptr, "this help"};
+
+const Command all[] = {
+    {"info", "FILE", "what is in a capture: frames, draws by kernel with their pixels and times, textures", {}, runInfo},
+    {"verify",
+     "FILE",
+     "draws it again and tells the first draw whose result is not the recorded one",
+     {libraryOption, uncheckedOption},
+     runVerify},
+    {"frames",
+     "FILE",
+     "draws it again and writes the frame buffer at the end of each frame",
+     {{"png", "DIR", "where frame-0001.png and its like go (.)"}, libraryOption, uncheckedOption},
+     runFrames},
+    {"draw",
+     "FILE N",
+     "one draw: its state in words, the frame buffer before and after",
+     {{"png", "DIR", "write before, after, difference and the planes as pictures there"}, libraryOption, uncheckedOption},
+     runDraw},
+};
+
+void printHelp()
+{
+    std::fputs("usage: ninefold-replay COMMAND FILE [ARGUMENT]... [--OPTION [VALUE]]...\n"
+               "Draws a capture again, which ninefold-debug --capture FILE PROGRAM recorded.\n\n",
+               stdout);
+    for (const Command &command : all)
+        std::printf("  %-9s %s\n", command.name, command.summary);
+    std::puts("\nninefold-replay COMMAND --help tells more. ninefold-replay FILE alone is info.\n"
+              "Exit status: 0; 1 where what was looked for is found, a difference; 2 for wrong arguments; 3 for files that\n"
+              "cannot be read or written, or are damaged.");
+}
+
+void printHelp(const Command &command)
+{
+    std::printf("usage: ninefold-replay %s %s%s\n%c%s.\n\n", command.name, command.words,
+                command.options.empty() ? "" : " [--OPTION [VALUE]]...", std::toupper(command.summary[0]), command.summary + 1);
+    const auto print = [](const Option &option) {
+        const std::string name = std::string(option.name) + (option.value ? std::string(" ") + option.value : "");
+        std::printf("  --%-16s %s\n", name.c_str(), option.meaning);
+    };
+    for (const Option &option : command.options)
+        print(option);
+    print(helpOption);
+}
+
+const Command *find(const std::string &name)
+{
+    for (const Command &command : all)
+        if (name == command.name)
+            return &command;
+    return nullptr;
+}
+
+size_t wordCount(const char *words) { return size_t(1 + std::count(words, words + std::strlen(words), ' ')); }
+
+int run(std::vector<std::string> words)
+{
+    if (words.empty()) {
+        printHelp();
+        return statusUsage;
+    }
+    if (words[0] == "--help")
+        return printHelp(), statusGood;
+    const Command *command = find(words[0]);
+    if (!command && words.size() > 1 && (command = find(words[1])))
+        std::swap(words[0], words[1]); // the file first
+    if (!command && words.size() == 1 && words[0][0] != '-')
+        words.insert(words.begin(), (command = find("info"))->name);
+    if (!command)
+        fail(statusUsage, "no command '" + words[0] + "'; --help names them all");
+    Arguments arguments;
+    for (size_t k = 1; k < words.size(); ++k) {
+        if (words[k].compare(0, 2, "--") != 0) {
+            arguments.words.push_back(words[k]);
+            continue;
+        }
+        const std::string name = words[k].substr(2);
+        if (name == helpOption.name)
+            return printHelp(*command), statusGood;
+        const auto option =
+            std::find_if(command->options.begin(), command->options.end(), [&](const Option &one) { return name == one.name; });
+        if (option == command->options.end())
+            fail(statusUsage, std::string(command->name) + " has no option '--" + name + "'; ninefold-replay " + command->name +
+                                  " --help names them");
+        if (option->value && k + 1 == words.size())
+            fail(statusUsage, "--" + name + " needs a value, " + option->value);
+        arguments.options[name] = option->value ? words[++k] : "";
+    }
+    if (arguments.words.size() != wordCount(command->words))
+        fail(statusUsage, std::string("usage: ninefold-replay ") + command->name + " " + command->words);
+    return command->run(arguments);
+}
+
+} // namespace
+
+std::span<const Command> commands() { return all; }
+
+} // namespace replay
+
+int main(int count, char **arguments)
+{
+    // The twin's rules stand behind each draw here; what the user set for a program under the twin is not meant for them.
+#ifdef _WIN32
+    _putenv_s("NINEFOLD_DEBUG", "");
+#else
+    unsetenv("NINEFOLD_DEBUG");
+#endif
+    try {
+        return replay::run({arguments + 1, arguments + count});
+    } catch (const replay::Failure &failure) {
+        std::fprintf(stderr, "ninefold-replay: %s\n", failure.text.c_str());
+        return failure.status;
+    } catch (const std::bad_alloc &) {
+        std::fputs("ninefold-replay: there is not enough memory\n", stderr);
+        return replay::statusFile;
+    }
+}

@@ -1,0 +1,38 @@
+// The memory that a capture is drawn in: blocks at addresses of the recorded host, each in memory of our own. Bytes are 0 until an
+// event or a draw changes them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+
+namespace capture {
+
+class Store {
+public:
+    // Of all blocks. What would go beyond is refused.
+    static constexpr uint64_t limit = sizeof(void *) == 8 ? uint64_t{1} << 31 : uint64_t{1} << 29;
+
+    // Makes all of a range one block. Blocks that it meets become part of it and move. False beyond the limit, or without memory.
+    bool ensure(uint64_t begin, uint64_t size);
+    // Of an address inside a block, else null.
+    uint8_t *at(uint64_t address) const;
+    // Copies bytes out; what no block holds is 0.
+    void read(uint64_t address, uint64_t size, uint8_t *to) const;
+    // The recorded address of memory that at() gave.
+    uint64_t addressOf(const void *memory) const;
+
+private:
+    struct Block {
+        uint64_t size;
+        std::unique_ptr<uint8_t[]> storage;
+        uint8_t *bytes;
+    };
+    std::map<uint64_t, Block> blocks;
+    uint64_t total = 0;
+
+    std::map<uint64_t, Block>::const_iterator find(uint64_t address) const;
+};
+
+} // namespace capture
