@@ -16,18 +16,42 @@ uint8_t paeth(int left, int above, int corner)
     return uint8_t(toLeft <= toAbove && toLeft <= toCorner ? left : toAbove <= toCorner ? above : corner);
 }
 
-// What a filter expects for column x. `row` is decoded up to there, `above` all of the row above.
-uint8_t expected(int filter, const uint8_t *row, const uint8_t *above, size_t x)
+// What a filter expects for a sample, by the decoded ones to its left, above it, and above the left one.
+template <int filter>
+uint8_t expected(uint8_t left, uint8_t up, uint8_t corner)
 {
-    const int left = x ? row[x - 1] : 0, up = above[x], corner = x ? above[x - 1] : 0;
-    switch (filter) {
-    case 1: return uint8_t(left);
-    case 2: return uint8_t(up);
-    case 3: return uint8_t((left + up) / 2);
-    case 4: return paeth(left, up, corner);
-    default: return 0;
-    }
+    if constexpr (filter == 1)
+        return left;
+    else if constexpr (filter == 2)
+        return up;
+    else if constexpr (filter == 3)
+        return uint8_t((left + up) / 2);
+    else if constexpr (filter == 4)
+        return paeth(left, up, corner);
+    else
+        return 0;
 }
+
+// Rows have a sample of 0 before their first.
+template <int filter>
+uint32_t apply(const uint8_t *row, const uint8_t *above, size_t width, uint8_t *residual)
+{
+    uint32_t sum = 0;
+    for (size_t x = 0; x < width; ++x) {
+        residual[x] = uint8_t(row[x] - expected<filter>(row[ptrdiff_t(x) - 1], above[x], above[ptrdiff_t(x) - 1]));
+        sum += uint32_t(std::abs(int8_t(residual[x])));
+    }
+    return sum;
+}
+constexpr decltype(&apply<0>) filters[] = {apply<0>, apply<1>, apply<2>, apply<3>, apply<4>};
+
+template <int filter>
+void undo(const uint8_t *residual, const uint8_t *above, size_t width, uint8_t *row)
+{
+    for (size_t x = 0; x < width; ++x)
+        row[x] = uint8_t(residual[x] + expected<filter>(row[ptrdiff_t(x) - 1], above[x], above[ptrdiff_t(x) - 1]));
+}
+constexpr decltype(&undo<0>) undoers[] = {undo<0>, undo<1>, undo<2>, undo<3>, undo<4>};
 
 // One plane of one row of pixels: blue, green, red, alpha in memory.
 void splitRow(const uint8_t *pixels, size_t width, int plane, uint8_t *to)
@@ -48,22 +72,17 @@ void encodePicture(uint32_t rowBytes, uint32_t rows, const uint8_t *from, Bytes 
     const size_t width = rowBytes / 4;
     to.clear();
     to.reserve(encodedPictureSize(rowBytes, rows));
-    Bytes row(width), above(width), tried[filterCount];
+    Bytes row(width + 1), above(width + 1), tried[filterCount];
     for (Bytes &residual : tried)
         residual.resize(width);
     for (int plane = 0; plane < 4; ++plane) {
         std::fill(above.begin(), above.end(), uint8_t{0});
         for (uint32_t y = 0; y < rows; ++y) {
-            splitRow(from + size_t{y} * rowBytes, width, plane, row.data());
+            splitRow(from + size_t{y} * rowBytes, width, plane, row.data() + 1);
             int best = 0;
-            uint64_t least = UINT64_MAX;
-            for (int filter = 0; filter < filterCount; ++filter) {
-                uint64_t sum = 0;
-                uint8_t *const residual = tried[filter].data();
-                for (size_t x = 0; x < width; ++x) {
-                    residual[x] = uint8_t(row[x] - expected(filter, row.data(), above.data(), x));
-                    sum += uint64_t(std::abs(int8_t(residual[x])));
-                }
+            uint32_t least = UINT32_MAX;
+            for (int filter = 0; filter < filterCount && least; ++filter) {
+                const uint32_t sum = filters[filter](row.data() + 1, above.data() + 1, width, tried[filter].data());
                 if (sum < least)
                     least = sum, best = filter;
             }
@@ -80,7 +99,7 @@ bool decodePicture(uint32_t rowBytes, uint32_t rows, std::span<const uint8_t> fr
     if (rowBytes % 4 || from.size() != encodedPictureSize(rowBytes, rows))
         return false;
     to.assign(size_t{rowBytes} * rows, 0);
-    Bytes row(width), above(width);
+    Bytes row(width + 1), above(width + 1);
     const uint8_t *next = from.data();
     static constexpr size_t channel[] = {1, 2, 0, 3};
     for (size_t plane = 0; plane < 4; ++plane) {
@@ -91,10 +110,10 @@ bool decodePicture(uint32_t rowBytes, uint32_t rows, std::span<const uint8_t> fr
                 return false;
             uint8_t *const pixels = to.data() + size_t{y} * rowBytes;
             const bool lessGreen = plane == 1 || plane == 2;
-            for (size_t x = 0; x < width; ++x) {
-                row[x] = uint8_t(*next++ + expected(filter, row.data(), above.data(), x));
-                pixels[4 * x + channel[plane]] = uint8_t(row[x] + (lessGreen ? pixels[4 * x + 1] : 0));
-            }
+            undoers[filter](next, above.data() + 1, width, row.data() + 1);
+            next += width;
+            for (size_t x = 0; x < width; ++x)
+                pixels[4 * x + channel[plane]] = uint8_t(row[x + 1] + (lessGreen ? pixels[4 * x + 1] : 0));
             row.swap(above);
         }
     }

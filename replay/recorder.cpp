@@ -215,6 +215,9 @@ void Recorder::writeMemory(const Rows &source)
     Shadow::Box box = shadow.compare(source);
     if (box.empty())
         return;
+    // Whole where that is not much more: the same picture at another address is then the same content.
+    if (4 * (box.right - box.left) * (box.bottom - box.top) > source.rowBytes * source.rows)
+        box = {0, source.rowBytes, 0, source.rows};
     shadow.take(source, box);
     const size_t width = box.right - box.left;
     // In parts that are no larger than a content may be; a row that is goes in pieces.
