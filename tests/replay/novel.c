@@ -27,13 +27,15 @@ static Texture *photograph(const char *path, const char *directory, int index)
         return NULL;
     for (y = 0; y < height; ++y)
         for (x = 0; x < width; ++x) {
-            const uint32_t u = (uint32_t)x * (small->origWidth - 1) * 256 / width, v = (uint32_t)y * (small->origHeight - 1) * 256 / height;
+            const uint32_t u = (uint32_t)x * (small->origWidth - 1) * 256 / width,
+                           v = (uint32_t)y * (small->origHeight - 1) * 256 / height;
             const uint32_t *const texel = small->pixels + (((size_t)(v >> 8)) << small->log2Width) + (u >> 8);
             uint32_t pixel = 0xFF000000;
             for (c = 0; c < 24; c += 8) {
                 const int fu = (int)(u & 255), fv = (int)(v & 255);
                 const int top = (int)(texel[0] >> c & 255) * (256 - fu) + (int)(texel[1] >> c & 255) * fu;
-                const int bottom = (int)(texel[small->width] >> c & 255) * (256 - fu) + (int)(texel[small->width + 1] >> c & 255) * fu;
+                const int bottom =
+                    (int)(texel[small->width] >> c & 255) * (256 - fu) + (int)(texel[small->width + 1] >> c & 255) * fu;
                 int value = (top * (256 - fv) + bottom * fv) >> 16;
                 state = state * 1664525 + 1013904223;
                 value += (int)(state >> 30) - (int)(state >> 28 & 3);
