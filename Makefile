@@ -17,7 +17,7 @@ check:
 
 # Tests and budgets, then the tests again under sanitizers.
 test:
-	scripts/setup build gallery kit csharp docs python
+	scripts/setup build gallery kit capture csharp docs python
 	JOBS=$(JOBS) scripts/test
 
 # clang-tidy over the files of today, or those whose path matches: make tidy ARGS=src/core.

@@ -56,6 +56,11 @@ constexpr uint64_t mostTextures = 1 << 20, mostLabels = 1 << 20;
 constexpr uint64_t mostWords = uint64_t{1} << 28;
 constexpr uint64_t largestSide = 1 << 16, mostPixels = 1 << 26; // of a picture
 
+void storeTexture(const Cell &cell, void *record, Texture *texture)
+{
+    std::memcpy(static_cast<unsigned char *>(record) + cell.offset, &texture, sizeof texture);
+}
+
 const char *partName(layer::Field field)
 {
     return field == layer::Field::dstPixels     ? "the frame buffer"
@@ -213,8 +218,7 @@ bool Player::takeTexture(In &in)
         one.cells[ours] = value;
         const Cell &cell = textureCells()[ours];
         if (cell.kind == Cell::Kind::texture) {
-            Texture *const level = textureAt(value);
-            std::memcpy(reinterpret_cast<unsigned char *>(texture) + cell.offset, &level, sizeof level);
+            storeTexture(cell, texture, textureAt(value));
         } else if (cell.kind == Cell::Kind::address && value > UINTPTR_MAX) {
             return false;
         } else {
@@ -323,8 +327,7 @@ bool Player::fill()
         const Cell &cell = all[k];
         auto *const at = reinterpret_cast<unsigned char *>(&rs) + cell.offset;
         if (cell.kind == Cell::Kind::texture) {
-            Texture *const texture = textureAt(cells[k]);
-            std::memcpy(at, &texture, sizeof texture);
+            storeTexture(cell, &rs, textureAt(cells[k]));
         } else if (cell.kind == Cell::Kind::operation) {
             PixelOperator function = Library::linked().operators().of(cells[k]);
             if (Operators::isHost(cells[k]))
@@ -351,7 +354,7 @@ bool Player::map()
         return found != asking->addresses.end() && asking->held.at(found->second).told;
     };
     layer::findFootprint(current.id, readable, reach);
-    if (current.back > int64_t{reach.pixels.right} - reach.pixels.left + 128)
+    if (current.back && current.back > int64_t{reach.pixels.right} - reach.pixels.left + 128)
         return refuse("it claims to move back further than it can");
     for (const layer::TextureUse &use : reach.textures())
         if (use.fetched && (!readable(use.texture) || !hasSizes(*use.texture)))
@@ -463,6 +466,17 @@ uint64_t Player::make(Library &library)
     std::memcpy(static_cast<void *>(&rs), before, sizeof rs);
     for (int which = 0; which < 2; ++which)
         speakers[which] = {&current.words[which], 0, 0};
+    if (reach.pixels.empty()) {
+        // It draws nothing, but may look along its tables, which were not recorded: what it left in rs is taken as told.
+        for (size_t k = 0; k < stateCells().size(); ++k) {
+            const Cell &cell = stateCells()[k];
+            if (cell.kind == Cell::Kind::number)
+                writeCell(cell, &rs, current.after[k]);
+            else if (cell.kind == Cell::Kind::texture)
+                storeTexture(cell, &rs, textureAt(current.after[k]));
+        }
+        return 0;
+    }
     const DrawFunc kernel = library.kernel(current.id);
     RenderState &state = library.state();
     if (!library.isLinked()) {
