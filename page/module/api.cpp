@@ -4,6 +4,7 @@
 #include "scene.h"
 
 #include "core/catalogue.h"
+#include "ops/blend.h"
 
 #include <ninefold/debug.h>
 #include <ninefold/kit/codes.h>
@@ -58,8 +59,8 @@ uint32_t pixelsCovered(State state)
 
 uint32_t takeSource(uint32_t, uint32_t source) { return source; }
 
-// What goes into the blend at a pixel, 0: nothing does.
-uint32_t sourceAt(State state, size_t at, bool multi)
+// What goes into the blend at a pixel, 0: nothing does. Its alpha is that of blends that do not weigh by it.
+uint32_t sourceAt(State state, size_t at, bool multi, Texture *instead = nullptr)
 {
     ninefold::Axes a = ninefold::axesOf(state.code);
     a.prescale = NINEFOLD_PRESCALE_OFF;
@@ -75,8 +76,28 @@ uint32_t sourceAt(State state, size_t at, bool multi)
     std::fill_n(screenPixels(), size_t{screenWidth} * screenHeight, 0u);
     setState(state);
     rs.blendFunc = takeSource;
+    if (instead)
+        rs.tex0 = instead;
     own_SearchDrawFunc(state.code)();
     return screenPixels()[at];
+}
+
+bool mixesTexels(int filter)
+{
+    return filter == NINEFOLD_FILTER_BILINEAR || filter == NINEFOLD_FILTER_LINE_BILINEAR || filter == NINEFOLD_FILTER_MIP_BILINEAR;
+}
+
+// Filters that mix texels give an alpha only to blends that weigh by it. Here it is mixed as a colour.
+uint32_t mixedAlphaAt(const State &state, size_t at)
+{
+    const Texture &picture = *textureOf(state.tex0);
+    Texture *const alphas = CreateTexture(picture.width, picture.height);
+    std::transform(picture.pixels, picture.pixels + (size_t{picture.height} << picture.log2Width), alphas->pixels,
+                   [](uint32_t word) { return word ? 0xFF000000 | (word >> 24) * 0x10101 : 0; });
+    CreateMipmapTexture(alphas);
+    const uint32_t alpha = sourceAt(state, at, false, alphas) & 0xFF;
+    DeleteTexture(alphas);
+    return alpha << 24;
 }
 
 std::string hex(uint32_t word)
@@ -156,7 +177,14 @@ EMSCRIPTEN_KEEPALIVE const char *pageProbe(const char *text, uint32_t x, uint32_
     if (!parse(text, state).empty() || x >= uint32_t(screenWidth) || y >= uint32_t(screenHeight))
         return give("{}");
     const size_t at = size_t{y} * screenWidth + x;
-    const uint32_t texel = sourceAt(state, at, false), source = sourceAt(state, at, true);
+    uint32_t texel = sourceAt(state, at, false), source = sourceAt(state, at, true);
+    const ninefold::Axes a = ninefold::axesOf(state.code);
+    if (ninefold::ops::weighsByAlpha(a.blend) && mixesTexels(a.filter)) {
+        const uint32_t alpha = mixedAlphaAt(state, at);
+        texel = (texel & 0xFFFFFF) | alpha;
+        if (a.multi == NINEFOLD_MULTI_NONE || state.multiOp != NINEFOLD_MULTI_OP_CONST_ALPHA) // which leaves 0
+            source = (source & 0xFFFFFF) | alpha;
+    }
     clearScreen(state);
     const uint32_t before = screenPixels()[at];
     const bool taken = shaheiPlane()[at / 16] >> (15 - at % 16) & 1;

@@ -62,9 +62,9 @@ namespace page {
     X(clipRight,      clip,    0,           256,        1) \
     X(clipBottom,     clip,    0,           192,        1) \
     X(color,          colour,  0,           0xFFFFFFFF, n.colours) \
-    X(uv0,            texels,  -0x4000000,  0x4000000,  n.tex0 ? 2 * n.positions : 0) \
-    X(uv1,            texels,  -0x4000000,  0x4000000,  n.tex1 ? 2 * n.positions : 0) \
-    X(uv2,            texels,  -0x4000000,  0x4000000,  n.ruleTest ? a.shape == NINEFOLD_SHAPE_TRIANGLE ? 6 : 4 : 0) \
+    X(uv0,            texels,  -0x20000000, 0x20000000, n.tex0 ? 2 * n.positions : 0) \
+    X(uv1,            texels,  -0x20000000, 0x20000000, n.tex1 ? 2 * n.positions : 0) \
+    X(uv2,            texels,  -0x20000000, 0x20000000, n.ruleTest ? a.shape == NINEFOLD_SHAPE_TRIANGLE ? 6 : 4 : 0) \
     X(ruleThreshold,  number,  -256,        255,        n.ruleTest) \
     X(ruleWidth,      number,  0,           256,        n.ruleTest) \
     X(blendAlpha,     number,  0,           255,        a.blend == NINEFOLD_BLEND_CONST_ALPHA || (n.callsMulti && multiOp == NINEFOLD_MULTI_OP_CONST_ALPHA)) \

@@ -200,13 +200,16 @@ void setFieldDefaults(State &state)
         f.vertex[0] = {20, 16, 256}, f.vertex[1] = {236, 176, 256};
     f.vertex[3] = {0, 0, 256};
     f.clipRight = screenWidth, f.clipBottom = screenHeight;
-    const uint32_t colors[] = {0xC0FF5020, 0xC020C0FF, 0xC0FFE040, 0xC06040FF};
-    std::copy(std::begin(colors), std::end(colors), f.color);
+    const uint32_t colors[] = {0xFF5020, 0x20C0FF, 0xFFE040, 0x6040FF};
+    std::transform(std::begin(colors), std::end(colors), f.color,
+                   [&](uint32_t colour) { return colour | (a.shape == NINEFOLD_SHAPE_LINE ? 0xFF000000 : 0xC0000000); });
     const bool corners = a.rectOpt == NINEFOLD_RECT_CORNERS;
     const auto texels = [&](TexCoord(&uv)[4], Picture picture, bool square, bool four) {
         const Texture *const texture = textureOf(picture);
+        // Levels show where texels are closer than pixels.
+        const uint32_t times = ninefold::readsLevels(a.filter) ? 4 : 1;
         if (!square && texture)
-            placeTexels(uv, triangle, four, texture->origWidth, texture->origHeight);
+            placeTexels(uv, triangle, four, texture->origWidth * times, texture->origHeight * times);
         else
             placeTexels(uv, triangle, four, 256, 256);
     };

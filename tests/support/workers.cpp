@@ -30,7 +30,7 @@ namespace {
 
 constexpr unsigned processLimit = 64;
 constexpr size_t reportBytes = 1 << 16;
-constexpr int hangSeconds = 120; // on one scene; a scene takes less than a millisecond
+[[maybe_unused]] constexpr int hangSeconds = 120; // on one scene; a scene takes less than a millisecond
 
 } // namespace
 
