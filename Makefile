@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs bench clean
+.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs wasm page bench clean
 
 all:
 	scripts/setup build
@@ -64,8 +64,18 @@ docs:
 	scripts/setup docs
 	scripts/docs $(ARGS)
 
+# The library as a WebAssembly module, tested under Node and in Chromium.
+wasm:
+	scripts/setup wasm
+	JOBS=$(JOBS) scripts/wasm
+
+# The library in a browser, one file: page/dist/index.html.
+page:
+	scripts/setup page
+	JOBS=$(JOBS) scripts/page $(ARGS)
+
 bench:
-	scripts/setup build bench
+	scripts/setup/setup build bench
 	$(release) --target bench
 	build/bench/bench $(ARGS)
 

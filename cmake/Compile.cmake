@@ -28,6 +28,11 @@ if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
     target_compile_options(ninefold_compile INTERFACE -fconstexpr-steps=16777216)
 endif()
 
+if(EMSCRIPTEN)
+    # A module is linked once: with -fPIC every address would be looked up.
+    set(CMAKE_CXX_COMPILE_OPTIONS_PIC "")
+endif()
+
 include(CheckCXXSourceCompiles)
 check_cxx_source_compiles("#ifndef __x86_64__\n#error\n#endif\nint main() {}" NINEFOLD_X86_64)
 check_cxx_source_compiles("#ifndef __i386__\n#error\n#endif\nint main() {}" NINEFOLD_X86_32)

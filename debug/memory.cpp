@@ -14,6 +14,8 @@
 #include <unistd.h>
 #elif defined(_WIN32)
 #include <windows.h>
+#elif defined(__EMSCRIPTEN__)
+#include <emscripten/heap.h>
 #endif
 
 namespace debug {
@@ -112,6 +114,11 @@ bool ask(uintptr_t begin, uintptr_t end, bool write)
     constexpr DWORD writable = PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
     return isRegion(begin, end, write ? writable : writable | PAGE_READONLY | PAGE_EXECUTE_READ);
 }
+
+#elif defined(__EMSCRIPTEN__)
+
+// The module's memory is one block; its first page is left alone.
+bool ask(uintptr_t begin, uintptr_t end, bool) { return begin >= page && end <= emscripten_get_heap_size(); }
 
 #else
 

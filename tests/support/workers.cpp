@@ -10,7 +10,10 @@
 #include <new>
 #include <thread>
 
-#ifndef _WIN32
+// Without fork: all work is done in the one process.
+#if defined(_WIN32) || defined(__EMSCRIPTEN__)
+#define NINEFOLD_ONE_PROCESS
+#else
 #include <csignal>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -27,7 +30,7 @@ namespace {
 
 constexpr unsigned processLimit = 64;
 constexpr size_t reportBytes = 1 << 16;
-constexpr int hangSeconds = 120; // on one scene; a scene takes less than a millisecond
+[[maybe_unused]] constexpr int hangSeconds = 120; // on one scene; a scene takes less than a millisecond
 
 } // namespace
 
@@ -49,7 +52,7 @@ struct Workers::Shared {
 Workers::Workers(size_t jobCount, unsigned processes) : count(jobCount), processCount(std::clamp(processes, 1u, processLimit))
 {
     sharedSize = sizeof(Shared) + count * sizeof(Verdict);
-#ifdef _WIN32
+#ifdef NINEFOLD_ONE_PROCESS
     void *memory = std::calloc(1, sharedSize);
     if (memory == nullptr)
         throw std::bad_alloc();
@@ -63,7 +66,7 @@ Workers::Workers(size_t jobCount, unsigned processes) : count(jobCount), process
 
 Workers::~Workers()
 {
-#ifdef _WIN32
+#ifdef NINEFOLD_ONE_PROCESS
     std::free(shared);
 #else
     munmap(shared, sharedSize);
@@ -123,7 +126,7 @@ void Workers::work(const std::function<void()> &begin, const Job &job)
     }
 }
 
-#ifdef _WIN32
+#ifdef NINEFOLD_ONE_PROCESS
 
 void Workers::run(const std::function<void()> &begin, const Job &job, const std::function<std::string(size_t, uint32_t, int)> &,
                   const std::function<void(size_t, uint64_t)> &)
