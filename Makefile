@@ -52,7 +52,7 @@ ports:
 gallery:
 	scripts/setup build gallery kit
 	$(release) --target gallery
-	build/gallery/gallery $(ARGS)
+	build/gallery/ninefold-gallery --out build/gallery $(ARGS)
 
 # The examples' windows; without a display their pictures, in build/demo/.
 demo:
@@ -67,7 +67,7 @@ docs:
 bench:
 	scripts/setup build bench
 	$(release) --target bench
-	build/bench/bench $(ARGS)
+	build/bench/ninefold-bench --out=build/bench $(ARGS)
 
 clean:
 	rm -rf build build-*
