@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs bench clean
+.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs packages dist release-check bench clean
 
 all:
 	scripts/setup build
@@ -63,6 +63,20 @@ demo:
 docs:
 	scripts/setup docs
 	scripts/docs $(ARGS)
+
+# Debian packages in build-packages/, tested where they are installed: make packages ARGS=--twice, or ARGS=arm64.
+packages:
+	scripts/setup build kit docs packages
+	JOBS=$(JOBS) scripts/packages $(ARGS)
+
+# The source archive in build-dist/; with ARGS=--check built and tested without a network.
+dist:
+	scripts/setup build
+	JOBS=$(JOBS) scripts/dist $(ARGS)
+
+# What a release needs, line by line: done or missing.
+release-check:
+	JOBS=$(JOBS) scripts/release-check $(ARGS)
 
 bench:
 	scripts/setup build bench
