@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs wasm page bench clean
+.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs packages dist release-check wasm page bench clean
 
 all:
 	scripts/setup build
@@ -52,7 +52,7 @@ ports:
 gallery:
 	scripts/setup build gallery kit
 	$(release) --target gallery
-	build/gallery/gallery $(ARGS)
+	build/gallery/ninefold-gallery --out build/gallery $(ARGS)
 
 # The examples' windows; without a display their pictures, in build/demo/.
 demo:
@@ -74,10 +74,24 @@ page:
 	scripts/setup page
 	JOBS=$(JOBS) scripts/page $(ARGS)
 
+# Debian packages in build-packages/, tested where they are installed: make packages ARGS=--twice, or ARGS=arm64.
+packages:
+	scripts/setup build kit docs packages
+	JOBS=$(JOBS) scripts/packages $(ARGS)
+
+# The source archive in build-dist/; with ARGS=--check built and tested without a network.
+dist:
+	scripts/setup build
+	JOBS=$(JOBS) scripts/dist $(ARGS)
+
+# What a release needs, line by line: done or missing.
+release-check:
+	JOBS=$(JOBS) scripts/release-check $(ARGS)
+
 bench:
-	scripts/setup/setup build bench
+	scripts/setup build bench
 	$(release) --target bench
-	build/bench/bench $(ARGS)
+	build/bench/ninefold-bench --out=build/bench $(ARGS)
 
 clean:
 	rm -rf build build-*

@@ -34,7 +34,7 @@ void holdToV3(char **argv)
         if (hasMoreThanV3()) // OpenCV complains where there is nothing to switch off
             setenv(variable.name, variable.value, 1);
     execv("/proc/self/exe", argv);
-    std::fprintf(stderr, "bench: cannot start itself anew for --v3: %s\n", std::strerror(errno));
+    std::fprintf(stderr, "ninefold-bench: cannot start itself anew for --v3: %s\n", std::strerror(errno));
     std::exit(1);
 }
 

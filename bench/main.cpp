@@ -15,25 +15,29 @@ namespace bench {
 namespace {
 
 constexpr const char *usage =
-    "usage: bench [OPTION...] [FILTER...]\n"
+    "usage: ninefold-bench [OPTION...] [FILTER...]\n"
     "Times the library against other libraries, a plain loop and memcpy on the jobs whose name contains one of the filters\n"
-    "(default: all), and writes bench.csv and bench.html beside the program.\n"
+    "(default: all), and writes bench.csv and bench.html.\n\n"
     "  --quick        shorter turns, fewer rounds\n"
     "  --v3           hold the library and its peers to x86-64-v3 (AVX2); peers that cannot be are left out\n"
     "  --list         name the jobs and their contenders\n"
     "  --families     every draw code on 64 by 64 pixels; filters are parts of the codes' names\n"
     "  --scale        how some kernels' cost grows with pixels, primitives and textures, as curves in bench.html\n"
-    "  --check[=DIR]  draw each job once by every contender and compare; write the frames into DIR\n";
+    "  --check[=DIR]  draw each job once by every contender and compare; write the frames into DIR\n"
+    "  --out=DIR      write there instead of here\n"
+    "  --help         print this\n"
+    "  --version      print the version\n\n"
+    "Exit status: 0, 1 where --check finds a difference, 2 for wrong options.\n";
 
 struct Options {
     bool quick = false, list = false, check = false, families = false, scale = false;
-    std::filesystem::path pictures;
+    std::filesystem::path pictures, out;
     std::vector<std::string> filters;
 };
 
 int fail(const std::string &message)
 {
-    std::fprintf(stderr, "bench: %s\n%s", message.c_str(), usage);
+    std::fprintf(stderr, "ninefold-bench: %s\n%s", message.c_str(), usage);
     return 2;
 }
 
@@ -43,12 +47,7 @@ std::vector<std::pair<std::string, Maker>> &registered()
     return all;
 }
 
-std::filesystem::path besideProgram(const char *name)
-{
-    return std::filesystem::canonical("/proc/self/exe").parent_path() / name;
-}
-
-int timeJobs(const std::vector<Job> &jobs, const Effort &effort)
+int timeJobs(const std::vector<Job> &jobs, const Effort &effort, const std::filesystem::path &out)
 {
     std::vector<Row> rows;
     printHeading();
@@ -63,9 +62,9 @@ int timeJobs(const std::vector<Job> &jobs, const Effort &effort)
         printRow(rows.back());
     }
     printSummary(rows);
-    writeCsv(rows, besideProgram("bench.csv"));
-    writePage(rows, besideProgram("bench.html"));
-    std::printf("written: %s\n", besideProgram("bench.html").c_str());
+    writeCsv(rows, out / "bench.csv");
+    writePage(rows, out / "bench.html");
+    std::printf("written: %s\n", (out / "bench.html").c_str());
     return 0;
 }
 
@@ -79,9 +78,9 @@ int run(const Options &options)
     MakeDrawMaskTable();
     std::sort(registered().begin(), registered().end());
     if (options.families)
-        return timeFamilies(options.filters, effort, besideProgram("families.csv"));
+        return timeFamilies(options.filters, effort, options.out / "families.csv");
     if (options.scale)
-        return timeScale(options.filters, effort, besideProgram("bench.html"));
+        return timeScale(options.filters, effort, options.out / "bench.html");
     if (options.check)
         useSmoothPictures();
 
@@ -92,7 +91,7 @@ int run(const Options &options)
             jobs.push_back(std::move(job));
     }
     if (jobs.empty())
-        return fail("no job's name contains that; see bench --list");
+        return fail("no job's name contains that; see ninefold-bench --list");
 
     if (options.list) {
         for (const Job &job : jobs) {
@@ -109,7 +108,7 @@ int run(const Options &options)
             std::printf("%d contenders draw nothing or something else\n", wrong);
         return wrong ? 1 : 0;
     }
-    return timeJobs(jobs, effort);
+    return timeJobs(jobs, effort, options.out);
 }
 
 int parse(int argc, char **argv)
@@ -130,6 +129,13 @@ int parse(int argc, char **argv)
         else if (argument == "--check" || argument.rfind("--check=", 0) == 0) {
             options.check = true;
             options.pictures = argument.substr(std::min(argument.size(), std::strlen("--check=")));
+        } else if (argument.rfind("--out=", 0) == 0) {
+            options.out = argument.substr(std::strlen("--out="));
+            if (!std::filesystem::is_directory(options.out))
+                return fail("no folder '" + options.out.string() + "'");
+        } else if (argument == "--version") {
+            std::printf("ninefold-bench %d.%d.%d\n", NINEFOLD_VERSION_MAJOR, NINEFOLD_VERSION_MINOR, NINEFOLD_VERSION_PATCH);
+            return 0;
         } else if (argument == "--help") {
             std::fputs(usage, stdout);
             return 0;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 #include <random>
 #include <string>
@@ -63,15 +64,26 @@ uint32_t discAlpha(int x, int y, Content content)
                                                          : discCoverage(x, y + x / column % 2 * (column / 2), column)));
 }
 
+// The gallery's, beside the program as it was built or installed.
+std::filesystem::path pictures()
+{
+    const std::filesystem::path here = std::filesystem::canonical("/proc/self/exe").parent_path();
+    for (const char *const place : {BENCH_PLACES})
+        if (std::filesystem::exists(here / place))
+            return here / place;
+    std::fputs("ninefold-bench: cannot find the gallery's pictures; install them with it\n", stderr);
+    std::exit(1);
+}
+
 // A picture of the gallery at half its size in the middle of a cell, where the magenta around its object is no part of it.
 void cutOut(const char *name, Texture *texture, int left, int top)
 {
     constexpr uint32_t ground = 0xFFFF00FF;
     constexpr int cell = 64;
-    std::string path = std::string(BENCH_PICTURES) + "/" + name + ".bmp";
+    std::string path = (pictures() / (std::string(name) + ".bmp")).string();
     Texture *const picture = LoadTexture(path.data());
     if (!picture) {
-        std::fprintf(stderr, "bench: cannot read %s\n", path.c_str());
+        std::fprintf(stderr, "ninefold-bench: cannot read %s\n", path.c_str());
         std::exit(1);
     }
     const int width = int(picture->origWidth) / 2, height = int(picture->origHeight) / 2;

@@ -22,16 +22,18 @@ constexpr const char *usage = "usage: ninefold-debug [--KEY VALUE | --KEY=VALUE]
                               "       ninefold-debug --rules [--markdown]\n"
                               "Runs PROGRAM with the debug twin in the place of libninefold: what it does wrong is said on\n"
                               "standard error, pixels stay the same. The environment variable NINEFOLD_DEBUG holds the same\n"
-                              "settings for a program that runs on the twin by itself, as KEY=VALUE with commas between.\n"
-                              "--rules prints all rules, with --markdown as a page.\n\n";
+                              "settings for a program that runs on the twin by itself, as KEY=VALUE with commas between.\n\n";
 
 void help()
 {
     std::fputs(usage, stdout);
-#define NINEFOLD_SETTING(key, value, meaning) std::printf("  --%-16s %-19s %s\n", key, value, meaning);
+#define NINEFOLD_SETTING(key, value, meaning) std::printf("  --%-27s  %s\n", key " " value, meaning);
     NINEFOLD_DEBUG_SETTINGS(NINEFOLD_SETTING)
 #undef NINEFOLD_SETTING
-    std::puts("\nExit status: that of PROGRAM, or the one of --status; 2 for wrong options, 127 where PROGRAM cannot be run.\n"
+    std::puts("  --rules                        print all rules, with --markdown as a page\n"
+              "  --help                         print this\n"
+              "  --version                      print the version\n"
+              "\nExit status: that of PROGRAM, or the one of --status; 2 for wrong options, 127 where PROGRAM cannot be run.\n"
               "Programs that the linker gave the static library cannot be looked at.");
 }
 
@@ -102,6 +104,10 @@ int main(int count, char **arguments)
         const std::string key = option.substr(0, equals);
         if (key == "help")
             return help(), 0;
+        if (key == "version")
+            return std::printf("ninefold-debug %d.%d.%d\n", NINEFOLD_VERSION_MAJOR, NINEFOLD_VERSION_MINOR,
+                               NINEFOLD_VERSION_PATCH),
+                   0;
         if (key.empty()) {
             ++at;
             break;

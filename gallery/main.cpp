@@ -13,16 +13,20 @@ namespace {
 
 using namespace gallery;
 
-constexpr const char *usage =
-    "usage: gallery [--out DIR] [--pictures DIR] [NAME...]\n"
-    "       gallery --list\n"
-    "Draws the named sheets, or all, to DIR/NAME.png, and DIR/index.html with a caption for each picture.\n"
-    "--list prints the name, size in pixels and title of every sheet.\n";
+constexpr const char *usage = "usage: ninefold-gallery [--out DIR] [--pictures DIR] [NAME...]\n"
+                              "       ninefold-gallery --list\n"
+                              "Draws the named sheets, or all, as pictures and a page with a caption for each of them.\n\n"
+                              "  --out DIR       write NAME.png and index.html there (gallery)\n"
+                              "  --pictures DIR  read the source pictures there (those of the gallery)\n"
+                              "  --list          print the name, size in pixels and title of every sheet\n"
+                              "  --help          print this\n"
+                              "  --version       print the version\n\n"
+                              "Exit status: 0, 1 where a file cannot be read or written, 2 for wrong options.\n";
 
 struct Options {
-    std::string out = GALLERY_OUT;
-    std::string pictures = GALLERY_PICTURES;
-    bool list = false, help = false;
+    std::string out = "gallery";
+    std::string pictures;
+    bool list = false, help = false, version = false;
     std::vector<const SheetInfo *> sheets;
 };
 
@@ -51,6 +55,8 @@ Options parse(int argc, char **argv)
             options.list = true;
         } else if (argument == "--help" || argument == "-h") {
             options.help = true;
+        } else if (argument == "--version") {
+            options.version = true;
         } else if (argument.rfind('-', 0) == 0) {
             throw UsageError("no option '" + argument + "'");
         } else {
@@ -61,6 +67,19 @@ Options parse(int argc, char **argv)
         for (const SheetInfo &info : allSheets())
             options.sheets.push_back(&info);
     return options;
+}
+
+// The gallery's own, beside the program as it was built or installed.
+std::string ownPictures(const char *self)
+{
+    namespace fs = std::filesystem;
+    std::error_code ignored;
+    const fs::path link = fs::read_symlink("/proc/self/exe", ignored);
+    const fs::path here = (link.empty() ? fs::absolute(self, ignored) : link).parent_path();
+    for (const char *const place : {GALLERY_PLACES})
+        if (const fs::path folder = here / place; fs::exists(folder, ignored))
+            return fs::canonical(folder, ignored).string();
+    throw std::runtime_error("cannot find the source pictures; name their folder by --pictures");
 }
 
 constexpr const char *pageHead = R"(<!DOCTYPE html>
@@ -78,10 +97,10 @@ code { color: #06c; }
 <h1>Ninefold gallery</h1>
 )";
 
-void run(const Options &options)
+void run(const Options &options, const char *self)
 {
     std::filesystem::create_directories(options.out);
-    setPictureFolder(options.pictures);
+    setPictureFolder(options.pictures.empty() ? ownPictures(self) : options.pictures);
     nfk::checked(nfkStart());
 
     std::string page = pageHead, sections;
@@ -114,17 +133,19 @@ int main(int argc, char **argv)
         const Options options = parse(argc, argv);
         if (options.help)
             std::fputs(usage, stdout);
+        else if (options.version)
+            std::printf("ninefold-gallery %d.%d.%d\n", NINEFOLD_VERSION_MAJOR, NINEFOLD_VERSION_MINOR, NINEFOLD_VERSION_PATCH);
         else if (options.list)
             for (const SheetInfo &info : allSheets())
                 std::printf("%s %d %d %s\n", info.name, info.width(), info.height(), info.title);
         else
-            run(options);
+            run(options, argv[0]);
         return 0;
     } catch (const UsageError &error) {
-        std::fprintf(stderr, "gallery: %s\n%s", error.what(), usage);
+        std::fprintf(stderr, "ninefold-gallery: %s\n%s", error.what(), usage);
         return 2;
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "gallery: %s\n", error.what());
+        std::fprintf(stderr, "ninefold-gallery: %s\n", error.what());
         return 1;
     }
 }

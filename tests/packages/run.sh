@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# run.sh PACKAGES: installs the packages of a folder in bare Debian systems and uses them there as their users would: lower versions
+# of them first, then these. inside/ has what is done, a script for each system.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+packages=$(realpath "$1")
+[ "$(id -u)" = 0 ] || { echo "$0: systems to install in are made and entered by root; run it as root" >&2; exit 1; }
+base=$("$here/root.sh")
+archives=$(dirname "$base")/archives
+
+scratch=$(mktemp -d)
+root=$scratch/root
+leave()
+{
+    for mounted in "$root/proc" "$root/var/cache/apt/archives" "$root"; do
+        ! mountpoint -q "$mounted" || umount "$mounted"
+    done
+}
+trap 'leave; rm -rf "$scratch"' EXIT
+
+# What makes a package of a lower version of one: the same files, and one that the higher version has no longer.
+lower()
+{
+    local tree=$scratch/lower
+    dpkg-deb --raw-extract "$1" "$tree"
+    sed -i -E 's/^(Version: .*)$/\1~lower/; /^Depends:/s/\(= ([^)]*)\)/(= \1~lower)/g; s/\(>= [^)]*\)//g' "$tree/DEBIAN/control"
+    mkdir -p "$tree/usr/share/ninefold-gone"
+    touch "$tree/usr/share/ninefold-gone/$(basename "$1")"
+    dpkg-deb --root-owner-group -Znone --build "$tree" "$2" >/dev/null
+    rm -rf "$tree"
+}
+mkdir -p "$scratch/files/lower" "$scratch/files/new"
+for package in "$packages"/*.deb; do
+    case $package in
+    *-dbgsym_*) ;;
+    *)
+        cp "$package" "$scratch/files/new"
+        lower "$package" "$scratch/files/lower/$(basename "$package")"
+        ;;
+    esac
+done
+for version in lower new; do (cd "$scratch/files/$version" && dpkg-scanpackages . >Packages 2>/dev/null); done
+mkdir -p "$scratch/files/tests"
+cp -a "$here" "$here/../interface" "$here/../kit" "$scratch/files/tests"
+
+for script in "$here"/inside/*.sh; do
+    name=$(basename "$script" .sh)
+    began=$SECONDS
+    mkdir -p "$scratch/$name/upper" "$scratch/$name/work" "$root"
+    mount -t overlay ninefold -o "lowerdir=$base,upperdir=$scratch/$name/upper,workdir=$scratch/$name/work" "$root"
+    mount --bind "$archives" "$root/var/cache/apt/archives"
+    mount -t proc proc "$root/proc"
+    cp -L /etc/resolv.conf "$root/etc/resolv.conf"
+    cp -a "$scratch/files" "$root/ninefold"
+    status=0
+    env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 DEBIAN_FRONTEND=noninteractive JOBS="${JOBS:-$(nproc)}" \
+        chroot "$root" bash /ninefold/tests/packages/inside/"$name".sh >"$scratch/log" 2>&1 || status=$?
+    if [ $status != 0 ]; then
+        cat "$scratch/log"
+        echo "$name: FAILED with status $status"
+        exit 1
+    fi
+    grep '^== ' "$scratch/log" | sed 's/^== /   /'
+    echo "$name: well, in $((SECONDS - began)) s"
+    leave
+    rm -rf "${scratch:?}/$name"
+done
