@@ -1,0 +1,147 @@
+#include "thread_draws.h"
+
+#include "line_table.h"
+
+#include "core/startup.h"
+#include "kernels/sets.h"
+#include "kernels/table.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+__thread RenderState ninefoldThreadState;
+
+namespace ninefold {
+
+int32_t uvlShift[256];
+uint32_t stippleSteps[32];
+
+} // namespace ninefold
+
+namespace bands {
+namespace {
+
+using namespace ninefold;
+
+// The bytes of the fields from one to another, by vectors: neither a call nor a string instruction is worth it.
+using Block [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = uint8_t;
+template <size_t begin, size_t end>
+[[gnu::always_inline]] inline void copyFields(RenderState &to, const RenderState &from)
+{
+    auto *const out = reinterpret_cast<std::byte *>(&to) + begin;
+    const auto *const in = reinterpret_cast<const std::byte *>(&from) + begin;
+    constexpr size_t blocks = (end - begin) / sizeof(Block), copied = blocks * sizeof(Block);
+    [&]<size_t... k>(std::index_sequence<k...>)
+    {
+        ((reinterpret_cast<Block *>(out)[k] = reinterpret_cast<const Block *>(in)[k]), ...);
+    }
+    (std::make_index_sequence<blocks>());
+    std::memcpy(out + copied, in + copied, end - begin - copied);
+}
+
+// A line flatter than steep that ends inside the clip rectangle leaves its end pixel out, which may lie a row off the end vertex.
+// A band without the row of the vertex takes the end for outside: there the column is cut off.
+bool cutEnd(const RenderState &whole)
+{
+    const int32_t end = rs.vertex[1].x + rs.originX, row = rs.vertex[1].y + rs.originY;
+    if (row < whole.clipTop || row >= whole.clipBottom || (row >= rs.clipTop && row < rs.clipBottom))
+        return true;
+    if (rs.vertex[0].x + rs.originX > end)
+        rs.clipLeft = std::max(rs.clipLeft, end + 1);
+    else
+        rs.clipRight = std::min(rs.clipRight, end);
+    return rs.clipLeft < rs.clipRight;
+}
+
+// Goes through the rows above the band.
+void passRows(const Draw &draw)
+{
+    const int32_t top = rs.clipTop, bottom = rs.clipBottom;
+    rs.clipTop = draw.state->clipTop, rs.clipBottom = draw.state->clipBottom;
+    Box box;
+    const bool visible = box.make();
+    rs.clipTop = top, rs.clipBottom = bottom;
+    if (!visible || top <= box.top)
+        return;
+    const CarriedRows rows{draw.levels, draw.next, draw.marks, draw.second};
+    const uint32_t skipped = rows.pass(box, uint32_t(top - box.top));
+    if (skipped == 0)
+        return;
+    // Row y of the band takes the stipple and the rule of row y - skipped.
+    const RenderState &whole = *draw.state;
+    for (uint32_t row = 0; row < std::size(rs.drawMask); ++row)
+        rs.drawMask[row] = whole.drawMask[(row - skipped) & 15];
+    const uint32_t back = along(uint32_t(rs.uv2[0].v), uint32_t(rs.uv2[1].v), box.flippedY, box.byHeight, 0).step * skipped;
+    for (TexCoord &uv : rs.uv2)
+        uv.v = int32_t(uint32_t(uv.v) - back);
+}
+
+template <size_t... family>
+std::vector<DrawFunc> makeKernels(std::index_sequence<family...>)
+{
+    const DrawFunc *next[] = {KernelsOf<Family(family)>::first...};
+    std::vector<DrawFunc> kernels;
+    kernels.reserve(recordCount);
+    forEachCombination([&](const Axes &a) { kernels.push_back(*next[size_t(familyOf(a))]++); });
+    return kernels;
+}
+
+} // namespace
+
+void copyState(RenderState &to, const RenderState &from)
+{
+    copyFields<0, offsetof(RenderState, prescaleMode)>(to, from);
+    copyFields<offsetof(RenderState, mipFrac), offsetof(RenderState, fontName)>(to, from);
+    copyFields<offsetof(RenderState, mosaicSize1), sizeof(RenderState)>(to, from);
+}
+
+void drawBetween(const Draw &draw, int32_t top, int32_t bottom)
+{
+    copyState(rs, *draw.state);
+    rs.clipTop = std::max(rs.clipTop, top);
+    rs.clipBottom = std::min(rs.clipBottom, bottom);
+    if (draw.mend == Mend::lineEnd) {
+        if (!cutEnd(*draw.state))
+            return;
+    } else if (draw.mend != Mend::none) {
+        passRows(draw);
+    }
+    draw.kernel();
+}
+
+DrawFunc bandedKernel(uint32_t record)
+{
+    static const std::vector<DrawFunc> kernels = makeKernels(std::make_index_sequence<size_t(Family::count)>());
+    return kernels[record];
+}
+
+// In the objects of the second copy the names of exported functions are those of its own.
+DrawFunc bandedFunction(layer::Function function)
+{
+    switch (function) {
+    case layer::Function::DrawRectTexRunlen_TEST: return ::DrawRectTexRunlen_TEST;
+    case layer::Function::DrawLineTest: return ::DrawLineTest;
+    case layer::Function::DrawPolygon_PERS_TEST: return ::DrawPolygon_PERS_TEST;
+    case layer::Function::DrawRectTexRule: return ::DrawRectTexRule;
+    case layer::Function::DrawRectGradRule: return ::DrawRectGradRule;
+    case layer::Function::DrawRectGradRule_GEN_RULE_TEST: return ::DrawRectGradRule_GEN_RULE_TEST;
+    case layer::Function::DrawRectGradRule_GEN_RULE_MIPMAP_TEST: return ::DrawRectGradRule_GEN_RULE_MIPMAP_TEST;
+    default: return nullptr;
+    }
+}
+
+PixelOperator bandedOperator(int index) { return ops::operators[size_t(index)]; }
+
+void takeTables(const int32_t (&shifts)[256], const uint32_t (&steps)[32], int lanes)
+{
+    std::copy(std::begin(shifts), std::end(shifts), uvlShift);
+    std::copy(std::begin(steps), std::end(steps), stippleSteps);
+    for (int set = 0; set < usableSets(); ++set)
+        if (useSet(set) && activeSets.any->lanes == lanes)
+            return;
+}
+
+} // namespace bands

@@ -1,0 +1,42 @@
+// Drawing a recorded draw between two rows. What is declared here is compiled with the second copy of the kernels (thread_state.h)
+// and may run on any thread.
+#pragma once
+
+#include "layer.h"
+
+#include <cstdint>
+
+namespace bands {
+
+// What a draw needs where its clip rectangle is cut into bands, so that a band's pixels come out as they do uncut.
+enum class Mend : uint8_t {
+    none,
+    lineEnd, // the end pixel of a line, which is left out, is left out of every band
+    skippedRows, // of a line table: stipple and rule rows go on from where the rows above have left them
+    lineLevels, // of a line table: weights of mip levels too
+};
+
+// A draw as it was recorded.
+struct Draw {
+    int32_t top, bottom; // no row outside is read or written
+    DrawFunc kernel; // of the second copy
+    const RenderState *state; // rs as it stood; operators are those of the second copy
+    Mend mend;
+    bool levels, next, marks, second; // of the kernel's frame, where rows of a line table are passed
+};
+
+// Draws the rows from top to bottom - 1 of it.
+void drawBetween(const Draw &draw, int32_t top, int32_t bottom);
+
+// The second copy's kernel of a record in table order, function (null: it has none), and operator by index.
+DrawFunc bandedKernel(uint32_t record);
+DrawFunc bandedFunction(layer::Function function);
+PixelOperator bandedOperator(int index);
+
+// The tables and the instruction set of the library become those of the second copy.
+void takeTables(const int32_t (&shifts)[256], const uint32_t (&steps)[32], int lanes);
+
+// The fields that kernels read and write; the others stay.
+void copyState(RenderState &to, const RenderState &from);
+
+} // namespace bands

@@ -1,0 +1,359 @@
+// What bands are worth: frames of 1920 by 1080 drawn plainly, and recorded and flushed by so many threads. Linked with the library
+// of bands; plain is the same library, not started, whose kernels are the plain library's.
+//
+//     bench_bands [--turns N] [--best] [--pin] [--threads N]... [FRAME]...
+#include <ninefold/bands.h>
+
+#include <dirent.h>
+#include <sched.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int width = 1920, height = 1080;
+
+uint32_t state = 1;
+uint32_t word() // the same numbers everywhere
+{
+    state = state * 1664525 + 1013904223;
+    return state ^ state >> 15;
+}
+int below(int count) { return int(uint64_t(word()) * uint32_t(count) >> 32); }
+
+Texture *picture(int columns, int rows)
+{
+    Texture *const texture = CreateTexture(static_cast<unsigned long>(columns), static_cast<unsigned long>(rows));
+    for (int y = 0; y < rows; ++y)
+        for (int x = 0; x < columns; ++x)
+            texture->pixels[(size_t(y) << texture->log2Width) + size_t(x)] = word() | 0x01000000;
+    return texture;
+}
+
+DrawFunc kernel(int shape, int rectOpt, int filter, int blend, int pers = 0)
+{
+    return SearchDrawFunc(
+        CreateDrawCodeSub(pers, 0, 0, filter, rectOpt, NINEFOLD_SHAHEI_NONE, blend, NINEFOLD_MULTI_NONE, shape));
+}
+
+struct Sprite {
+    int x, y;
+    Texture *texture;
+};
+
+void drawSprite(DrawFunc draw, const Sprite &sprite, int size)
+{
+    rs.tex0 = sprite.texture;
+    rs.uv0[0] = {0, 0};
+    rs.vertex[0] = {sprite.x, sprite.y, 0};
+    rs.vertex[1] = {sprite.x + size, sprite.y + size, 0};
+    draw();
+}
+
+struct Triangle {
+    Vertex vertex[3];
+    TexCoord uv[3];
+    Texture *texture;
+};
+
+void drawTriangle(DrawFunc draw, const Triangle &triangle)
+{
+    std::copy_n(triangle.vertex, 3, rs.vertex);
+    std::copy_n(triangle.uv, 3, rs.uv0);
+    rs.tex0 = triangle.texture;
+    draw();
+}
+
+// What frames are drawn from.
+struct Stock {
+    std::vector<Texture *> layers, small;
+    std::vector<Sprite> sprites;
+    std::vector<Triangle> triangles;
+    DrawFunc copy, alpha, bilinear, floor;
+
+    Stock()
+    {
+        copy = kernel(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, NINEFOLD_BLEND_COPY);
+        alpha = kernel(NINEFOLD_SHAPE_RECTANGLE, NINEFOLD_RECT_UNIT, NINEFOLD_FILTER_POINT, NINEFOLD_BLEND_ALPHA);
+        bilinear = kernel(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_BILINEAR, NINEFOLD_BLEND_ALPHA);
+        floor = kernel(NINEFOLD_SHAPE_TRIANGLE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_BILINEAR, NINEFOLD_BLEND_COPY, 1);
+        for (int k = 0; k < 16; ++k)
+            small.push_back(picture(64, 64));
+        for (int k = 0; k < 2000; ++k)
+            sprites.push_back({below(width - 32), below(height - 32), small[size_t(below(16))]});
+        for (int k = 0; k < 300; ++k) {
+            const int x = below(width - 90), y = below(height - 90);
+            triangles.push_back({{{x, y, 1}, {x + 30 + below(60), y + 10, 1}, {x + 10, y + 40 + below(50), 1}},
+                                 {{0, 0}, {60 << 16, 0}, {0, 60 << 16}},
+                                 small[size_t(below(16))]});
+        }
+    }
+    void needLayers(size_t count)
+    {
+        while (layers.size() < count)
+            layers.push_back(picture(width, height));
+    }
+    void layer(DrawFunc draw, size_t number) const
+    {
+        rs.tex0 = layers[number];
+        rs.uv0[0] = {0, 0};
+        rs.vertex[0] = {0, 0, 0};
+        rs.vertex[1] = {width, height, 0};
+        draw();
+    }
+    void drawFloor() const
+    {
+        constexpr int32_t far = 4000, near = 400, end = 200 << 16;
+        const Vertex v[4] = {{0, 300, far}, {width, 300, far}, {0, height, near}, {width, height, near}};
+        const TexCoord uv[4] = {{0, 0}, {end, 0}, {0, end}, {end, end}};
+        for (const auto &[a, b, c] : {std::array{0, 1, 2}, std::array{1, 3, 2}})
+            drawTriangle(floor, {{v[a], v[b], v[c]}, {uv[a], uv[b], uv[c]}, small[0]});
+    }
+};
+
+struct Frame {
+    const char *name, *words;
+    size_t layers; // pictures of the frame's size
+    std::function<void(const Stock &)> draw;
+};
+
+const Frame frames[] = {
+    {"layers4", "30 full-screen alpha layers of 4 pictures", 4,
+     [](const Stock &stock) {
+         for (size_t k = 0; k < 30; ++k)
+             stock.layer(stock.alpha, k % 4);
+     }},
+    {"layers30", "30 full-screen alpha layers of 30 pictures", 30,
+     [](const Stock &stock) {
+         for (size_t k = 0; k < 30; ++k)
+             stock.layer(stock.alpha, k);
+     }},
+    {"sprites", "2,000 sprites of 32 by 32", 0,
+     [](const Stock &stock) {
+         for (const Sprite &sprite : stock.sprites)
+             drawSprite(stock.alpha, sprite, 32);
+     }},
+    {"floor", "a perspective floor with 300 triangles", 0,
+     [](const Stock &stock) {
+         stock.drawFloor();
+         for (const Triangle &triangle : stock.triangles)
+             drawTriangle(stock.bilinear, triangle);
+     }},
+    {"mix", "2,106 draws: 6 layers, 100 triangles, 2,000 sprites", 4,
+     [](const Stock &stock) {
+         stock.layer(stock.copy, 0);
+         for (size_t k = 1; k < 6; ++k)
+             stock.layer(stock.alpha, k % 4);
+         for (size_t k = 0; k < 100; ++k)
+             drawTriangle(stock.bilinear, stock.triangles[k]);
+         for (const Sprite &sprite : stock.sprites)
+             drawSprite(stock.alpha, sprite, 32);
+     }},
+};
+
+using Clock = std::chrono::steady_clock;
+double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+bool best = false;
+double median(std::vector<double> values)
+{
+    if (best)
+        return *std::min_element(values.begin(), values.end());
+    std::nth_element(values.begin(), values.begin() + ptrdiff_t(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+bool pinned = false;
+
+// Each thread on a processor of its own, as far as there are.
+void pin()
+{
+    DIR *const tasks = opendir("/proc/self/task");
+    int processor = 0;
+    while (const dirent *const task = tasks ? readdir(tasks) : nullptr) {
+        if (*task->d_name == '.')
+            continue;
+        cpu_set_t set;
+        CPU_ZERO(&set);
+        CPU_SET(processor++ % int(sysconf(_SC_NPROCESSORS_ONLN)), &set);
+        sched_setaffinity(pid_t(std::strtol(task->d_name, nullptr, 10)), sizeof set, &set);
+    }
+    if (tasks)
+        closedir(tasks);
+}
+
+// 0 threads: plain.
+void use(int threads)
+{
+    if (threads == 0)
+        NinefoldBandsStop();
+    else
+        NinefoldBandsStart(threads);
+    if (pinned)
+        pin();
+}
+
+// The median times of ways to draw, in seconds, each in turn.
+template <class Draw>
+std::vector<double> measure(const std::vector<int> &ways, int turns, Draw &&draw)
+{
+    std::vector<std::vector<double>> times(ways.size());
+    for (int turn = -1; turn < turns; ++turn)
+        for (size_t way = 0; way < ways.size(); ++way) {
+            use(ways[way]);
+            for (int k = 0; k < 2; ++k) { // the first of two has other threads' pixels in its cache
+                const Clock::time_point start = Clock::now();
+                draw();
+                NinefoldBandsFlush();
+                if (turn >= 0 && k == 1)
+                    times[way].push_back(secondsSince(start));
+            }
+        }
+    std::vector<double> medians;
+    for (std::vector<double> &values : times)
+        medians.push_back(median(values));
+    return medians;
+}
+
+void printWays(const std::vector<int> &ways)
+{
+    for (const int threads : ways)
+        if (threads == 0)
+            std::printf("%10s", "plain");
+        else
+            std::printf("%9d%s", threads, threads == 1 ? "t" : "t");
+}
+
+void printTimes(const std::vector<double> &times, double unit)
+{
+    std::printf("%10.3f", times[0] * unit);
+    for (size_t k = 1; k < times.size(); ++k)
+        std::printf("    x%5.2f", times[0] / times[k]);
+    std::printf("\n");
+}
+
+[[noreturn]] void usage(int status)
+{
+    std::fprintf(status ? stderr : stdout, "bench_bands [--turns N] [--best] [--pin] [--threads N]... [FRAME]...\n"
+                                           "Draws frames of 1920 by 1080 plainly and by bands, in turn; prints median times.\n"
+                                           "  --turns N    how often each, 20 without\n"
+                                           "  --best       the shortest times instead: where others use the machine\n"
+                                           "  --pin        each thread on a processor of its own\n"
+                                           "  --threads N  numbers of threads, 1 and 2 without\n"
+                                           "Frames, all without:\n");
+    for (const Frame &frame : frames)
+        std::fprintf(status ? stderr : stdout, "  %-10s %s\n", frame.name, frame.words);
+    std::fprintf(status ? stderr : stdout, "  %-10s %s\n  %-10s %s\n", "overhead", "what recording costs a draw", "sizes",
+                 "frames of 500 alpha sprites by their size");
+    std::exit(status);
+}
+
+int numberFrom(const char *name, const char *text)
+{
+    char *end = nullptr;
+    const long number = text ? std::strtol(text, &end, 10) : 0;
+    if (!text || *end || number < 1 || number > 100000) {
+        std::fprintf(stderr, "bench_bands: %s takes a number from 1 to 100000, not '%s'\n", name, text ? text : "");
+        std::exit(2);
+    }
+    return int(number);
+}
+
+} // namespace
+
+int main(int, char **arguments)
+{
+    int turns = 20;
+    std::vector<int> ways{0};
+    std::vector<std::string> wanted;
+    for (char **argument = arguments + 1; *argument; ++argument)
+        if (std::strcmp(*argument, "--help") == 0)
+            usage(0);
+        else if (std::strcmp(*argument, "--best") == 0)
+            best = true;
+        else if (std::strcmp(*argument, "--pin") == 0)
+            pinned = true;
+        else if (std::strcmp(*argument, "--turns") == 0)
+            turns = numberFrom("--turns", *++argument);
+        else if (std::strcmp(*argument, "--threads") == 0)
+            ways.push_back(numberFrom("--threads", *++argument));
+        else if (**argument == '-')
+            usage(2);
+        else
+            wanted.emplace_back(*argument);
+    if (ways.size() == 1)
+        ways = {0, 1, 2};
+    const auto isWanted = [&](const char *name) {
+        return wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
+    };
+    for (const std::string &name : wanted)
+        if (name != "overhead" && name != "sizes" &&
+            std::none_of(std::begin(frames), std::end(frames), [&](const Frame &frame) { return name == frame.name; })) {
+            std::fprintf(stderr, "bench_bands: no frame '%s'\n", name.c_str());
+            usage(2);
+        }
+
+    MakeUVLShiftTable(), MakeShaheiRunlengthTbl(), MakeDrawMaskTable(), MakeDrawFuncTable();
+    SetFrameBuffer(CreateTexture(width, height));
+    ClearTexture(rs.frameBuffer);
+    rs.clipRight = width, rs.clipBottom = height;
+    Stock stock;
+    if (!NinefoldBands()) {
+        std::fprintf(stderr, "bench_bands: the library is not that of bands\n");
+        return 1;
+    }
+
+    bool heading = false;
+    for (const Frame &frame : frames) {
+        if (!isWanted(frame.name))
+            continue;
+        if (!heading) {
+            std::printf("%-54s", "frame, ms and factors");
+            printWays(ways);
+            std::printf("\n");
+            heading = true;
+        }
+        stock.needLayers(frame.layers);
+        std::printf("%-54s", frame.words);
+        std::fflush(stdout);
+        printTimes(measure(ways, turns, [&] { frame.draw(stock); }), 1e3);
+    }
+    if (isWanted("sizes")) {
+        std::printf("\n%-54s", "500 alpha sprites by size, us and factors");
+        printWays(ways);
+        std::printf("\n");
+        for (const int size : {1, 4, 8, 16, 24, 32, 48, 64}) {
+            std::printf("%-54d", size);
+            std::fflush(stdout);
+            printTimes(measure(ways, turns * 10,
+                               [&] {
+                                   for (size_t k = 0; k < 500; ++k)
+                                       drawSprite(stock.alpha, stock.sprites[k], size);
+                               }),
+                       1e6);
+        }
+    }
+    if (isWanted("overhead")) {
+        // A frame of sprites without the flush.
+        use(2);
+        std::vector<double> recording;
+        for (int turn = 0; turn < turns * 10; ++turn) {
+            const Clock::time_point start = Clock::now();
+            frames[2].draw(stock);
+            recording.push_back(secondsSince(start) / double(stock.sprites.size()));
+            NinefoldBandsFlush();
+        }
+        std::printf("\nrecording: %.0f ns a draw\n", median(recording) * 1e9);
+    }
+    NinefoldBandsStop();
+    return 0;
+}

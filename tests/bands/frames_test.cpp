@@ -1,0 +1,189 @@
+// Random frames of 300 draws over the whole catalogue, on 1 to 8 threads, against plain drawing: pixels, planes, what is left in
+// rs, and the calls of host operators. NINEFOLD_SCENES frames.
+#include "recorder.h"
+
+#include "support/fields.h"
+#include "support/host.h"
+#include "support/random.h"
+#include "support/scene.h"
+#include "support/sweep.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <memory>
+#include <vector>
+
+using namespace support;
+
+namespace {
+
+constexpr int32_t width = 512, height = 384, margin = 2 * width;
+constexpr int partCount = 48, drawCount = 300;
+
+// A frame buffer and its planes, with room for what run-length rectangles draw ahead of the first row.
+struct Buffers {
+    std::vector<uint32_t> pixels = std::vector<uint32_t>(margin + width * height + margin);
+    std::vector<uint16_t> plane = std::vector<uint16_t>(width * height / 16 + 2 * margin);
+    std::vector<uint8_t> priorities = std::vector<uint8_t>(margin + width * height + margin);
+    Texture frame{};
+
+    Buffers()
+    {
+        frame.width = width, frame.log2Width = 9;
+        frame.height = height, frame.log2Height = 9;
+        attach();
+    }
+    Buffers(const Buffers &other) : pixels(other.pixels), plane(other.plane), priorities(other.priorities), frame(other.frame)
+    {
+        attach();
+    }
+    ~Buffers() = default;
+    Buffers &operator=(const Buffers &) = delete;
+    void attach() { frame.pixels = pixels.data() + margin; }
+    void restore(const Buffers &other)
+    {
+        std::copy(other.pixels.begin(), other.pixels.end(), pixels.begin());
+        std::copy(other.plane.begin(), other.plane.end(), plane.begin());
+        std::copy(other.priorities.begin(), other.priorities.end(), priorities.begin());
+    }
+    bool operator==(const Buffers &other) const
+    {
+        return pixels == other.pixels && plane == other.plane && priorities == other.priorities;
+    }
+    void fill(Random &random)
+    {
+        for (uint32_t &pixel : pixels)
+            pixel = random.word();
+        for (uint16_t &word : plane)
+            word = random.percent(80) ? uint16_t(0) : uint16_t(random.word());
+        for (uint8_t &priority : priorities)
+            priority = uint8_t(random.below(100));
+    }
+};
+
+// A scene of the differential, moved to some place in a larger frame buffer.
+struct Part {
+    World world;
+    Scene scene;
+    RenderState state;
+    DrawFunc kernel;
+};
+
+class Frames : public testing::Test {
+protected:
+    Buffers buffers[2];
+    std::vector<uint16_t> zeros = std::vector<uint16_t>(width * height / 16);
+    std::vector<std::unique_ptr<Part>> parts;
+    Texture source{}; // a part of the frame buffer
+
+    void makeParts(Random &random)
+    {
+        parts.clear();
+        const std::vector<Subject> &codes = catalogueSubjects(), &named = namedSubjects();
+        while (parts.size() < partCount) {
+            const Subject &subject =
+                random.percent(10) ? named[random.below(uint32_t(named.size()))] : codes[random.below(uint32_t(codes.size()))];
+            auto part = std::make_unique<Part>();
+            part->scene = makeScene(subject, {Kind::plain, random.bits(), 0}, part->world);
+            for (int *which : {&part->scene.multiOperator, &part->scene.blendOperator})
+                *which = *which == watchingMulti ? hostMulti : *which == watchingBlend ? hostBlend : *which;
+            if (part->scene.frameWidth > width || part->scene.frameHeight > height - 8)
+                continue;
+            part->state = bindScene(part->scene, part->world, true);
+            part->kernel = subject.function ? subject.function : SearchDrawFunc(subject.code);
+            if (Texture *const texture = part->state.tex0; texture && texture->zeroPixelMap) // it goes by the frame buffer
+                texture->zeroPixelMap = zeros.data();
+            parts.push_back(std::move(part));
+        }
+    }
+
+    // One frame, which follows from the numbers.
+    void draw(Random random)
+    {
+        Buffers *target = &buffers[0];
+        for (int number = 0; number < drawCount; ++number) {
+            const Part &part = *parts[random.below(partCount)];
+            const int32_t dx = random.between(0, width - int32_t(part.scene.frameWidth));
+            const int32_t dy = random.between(4, height - int32_t(part.scene.frameHeight));
+            RenderState state;
+            std::memcpy(&state, &part.state, sizeof state);
+            if (random.percent(1))
+                target = &buffers[target == buffers];
+            state.dstPixels = target->frame.pixels;
+            state.dstShift = 9, state.dstPitch = width, state.dstHeight = height;
+            state.frameBuffer = &target->frame;
+            state.shaheiPlane = target->plane.data() + margin, state.zBuffer = target->priorities.data() + margin;
+            state.originX += dx, state.originY += dy;
+            state.clipLeft += dx, state.clipRight += dx, state.clipTop += dy, state.clipBottom += dy;
+            if (state.scanShift)
+                state.scanShift -= dy;
+            if (random.percent(50) && rs.mipTex && rs.mipTex1) // as the draw before has left them
+                state.mipTex = rs.mipTex, state.mipTex1 = rs.mipTex1, state.mipFrac = rs.mipFrac, state.mipFrac1 = rs.mipFrac1;
+            const ninefold::Axes axes = part.scene.axes;
+            if (random.percent(2) && state.tex0 && !ninefold::readsLevels(axes.filter) && axes.rectOpt != NINEFOLD_RECT_RUNS &&
+                axes.rectOpt != NINEFOLD_RECT_PLANE_RUNS) {
+                source = target->frame;
+                source.height = 256, source.log2Height = 8;
+                state.tex0 = &source;
+            }
+            std::memcpy(&rs, &state, sizeof rs);
+            part.kernel();
+            if (random.percent(1))
+                CopyTexture(&buffers[0].frame, &buffers[1].frame, random.between(0, 200), random.between(0, 200), 0, 0, 30, 30);
+        }
+    }
+};
+
+TEST_F(Frames, ThreadsDrawAsOne)
+{
+    startLibrary();
+    bands::Recorder &recorder = bands::recorder();
+    Random random(seedWanted());
+    for (uint16_t &word : zeros)
+        word = uint16_t(random.word() & random.word());
+    const uint32_t frames = scenesWanted(32);
+    int failed = 0;
+    for (uint32_t number = 0; number < frames; ++number) {
+        if (number % 4 == 0)
+            makeParts(random);
+        buffers[0].fill(random), buffers[1].fill(random);
+        const std::vector<Buffers> before(buffers, buffers + 2);
+        const Random numbers(random.bits());
+        recorder.stop();
+        rs = RenderState{};
+        calls = {};
+        draw(numbers);
+        const std::vector<Buffers> plain(buffers, buffers + 2);
+        RenderState end;
+        std::memcpy(&end, &rs, sizeof rs);
+        const Calls plainCalls = calls;
+
+        buffers[0].restore(before[0]), buffers[1].restore(before[1]);
+        const int threads = recorder.start(1 + int(number % 8));
+        if (number % 16 < 8)
+            recorder.worthSharing = 0, recorder.leastCost = 0;
+        else
+            recorder.worthSharing = 20e3;
+        rs = RenderState{};
+        calls = {};
+        draw(numbers);
+        recorder.flush();
+        const bool sameFields = std::all_of(fields().begin(), fields().end(), [&](const Field &field) {
+            return std::memcmp(reinterpret_cast<const char *>(&rs) + field.offset,
+                               reinterpret_cast<const char *>(&end) + field.offset, field.size) == 0;
+        });
+        if ((!sameFields || calls != plainCalls || !(buffers[0] == plain[0]) || !(buffers[1] == plain[1])) && ++failed <= 10)
+            ADD_FAILURE() << "frame " << number << " on " << threads << " threads: fields " << sameFields << ", calls "
+                          << (calls == plainCalls) << ", buffers " << (buffers[0] == plain[0]) << " " << (buffers[1] == plain[1]);
+    }
+    std::printf("%u frames, %llu draws recorded, %llu whole, %llu flushes, %llu of them shared\n", frames,
+                static_cast<unsigned long long>(recorder.counts[0]), static_cast<unsigned long long>(recorder.counts[1]),
+                static_cast<unsigned long long>(recorder.counts[2]), static_cast<unsigned long long>(recorder.counts[3]));
+    EXPECT_GT(recorder.counts[3], frames / 2);
+    recorder.stop();
+}
+
+} // namespace
