@@ -139,8 +139,9 @@ void takeTables(const int32_t (&shifts)[256], const uint32_t (&steps)[32], int l
 {
     std::copy(std::begin(shifts), std::end(shifts), uvlShift);
     std::copy(std::begin(steps), std::end(steps), stippleSteps);
-    for (int set = 0; set < usableSets(); ++set)
-        if (useSet(set) && activeSets.any->lanes == lanes)
+    // The one that the library draws by, or the next lower one.
+    for (int set = usableSets(); set-- > 0;)
+        if (useSet(set) && activeSets.any->lanes <= lanes)
             return;
 }
 

@@ -20,6 +20,17 @@
 
 #include <ninefold/kit.h>
 
+/* --threads: with the library of bands a frame is drawn on several cores. Where its header is missing the option fails. */
+#if defined(__has_include)
+#if __has_include(<ninefold/bands.h>)
+#include <ninefold/bands.h>
+#endif
+#endif
+#ifndef NINEFOLD_BANDS_H
+static inline int NinefoldBandsStart(int threads) { return threads * 0; }
+static inline int NinefoldBandsFlush(void) { return 0; }
+#endif
+
 #include <SDL.h>
 
 #include <stdio.h>
@@ -35,6 +46,7 @@ typedef struct Window {
     const char *pictures; /* folder */
     const char *picture; /* file of --picture; null: a window */
     int frames; /* to be drawn; 0: until the window is closed */
+    int threads; /* of --threads; 0: each draw at once */
     int click; /* of --click; 0: no clicks */
     int frame; /* number of the one that is being drawn, from 0 */
     int clicked; /* the frame of the last click of --click */
@@ -55,11 +67,12 @@ static inline int failed(Window *window, const char *why)
 
 static inline int readOptions(Window *window, int argc, char **argv)
 {
-    const char *usage = "usage: %s [--frames N] [--picture FILE.png] [--click N] [--pictures FOLDER]\n"
+    const char *usage = "usage: %s [--frames N] [--picture FILE.png] [--click N] [--pictures FOLDER] [--threads N]\n"
                         "  --frames N         ends after N frames (with --picture: 90 unless told)\n"
                         "  --picture FILE.png opens no window; writes the last frame to the file\n"
                         "  --click N          with --picture: clicks into the middle every N frames\n"
                         "  --pictures FOLDER  where the bitmaps are [%s]\n"
+                        "  --threads N        draws on N threads, with LD_LIBRARY_PATH=LIBRARIES/ninefold/bands\n"
                         "Esc ends it. P stops it and writes the picture to %s.png; P again goes on.\n";
     for (int i = 1; i < argc; i += 2) {
         const char *value = i + 1 < argc ? argv[i + 1] : NULL;
@@ -73,6 +86,8 @@ static inline int readOptions(Window *window, int argc, char **argv)
             window->pictures = value;
         else if (value && !strcmp(argv[i], "--frames") && atoi(value) > 0)
             window->frames = atoi(value);
+        else if (value && !strcmp(argv[i], "--threads") && atoi(value) > 0)
+            window->threads = atoi(value);
         else if (value && !strcmp(argv[i], "--click") && atoi(value) > 0)
             window->click = atoi(value);
         else {
@@ -112,6 +127,8 @@ static inline int openWindow(Window *window, const char *name, int width, int he
     window->pictures = PICTURES;
     if (!readOptions(window, argc, argv))
         return 0;
+    if (window->threads && !NinefoldBandsStart(window->threads))
+        return failed(window, "--threads wants the library of bands: set LD_LIBRARY_PATH to its folder, ninefold/bands");
     window->screen = nfkCreateScreen(width, height);
     if (!window->screen)
         return failed(window, nfkError());
@@ -199,6 +216,7 @@ static inline void standStill(Window *window)
 /* Shows the frame before and waits until the next one is due; 0 when the program is to end. */
 static inline int beginFrame(Window *window)
 {
+    NinefoldBandsFlush();
     if (!window->began && window->window)
         window->began = window->next = SDL_GetPerformanceCounter();
     else if (window->window) {
