@@ -181,13 +181,21 @@ export class Playground {
         this.paint();
         this.compare();
         this.probe();
+        this.measure(text, Infinity, [250, 1500, 3000]);
+    }
+
+    // Measures after each of the delays; the quickest counts, as browsers compile code better while it runs.
+    private measure(text: string, best: number, delays: number[]) {
         clearTimeout(this.timer);
+        if (!delays.length) return;
         this.timer = window.setTimeout(() => {
-            const time = this.module.time(text, 16);
-            this.speed.textContent = time.pixels && time.ns
-                ? `${(time.ns / time.pixels).toFixed(2)} ns a pixel here: ${(time.ns / 1000).toFixed(1)} µs for ${time.pixels} pixels that the shape covers`
+            const time = this.module.time(text, 8);
+            const ns = Math.min(best, time.ns);
+            this.speed.textContent = time.pixels && ns > 0
+                ? `${(ns / time.pixels).toFixed(2)} ns a pixel here: ${(ns / 1000).toFixed(1)} µs for ${time.pixels} pixels that the shape covers`
                 : "The shape covers no pixel.";
-        }, 250);
+            this.measure(text, ns, delays.slice(1));
+        }, delays[0]);
     }
 
     // The frame on the canvases, with the planes over the large one.
