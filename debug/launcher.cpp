@@ -11,7 +11,12 @@
 #include <string>
 
 #if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
 #include <process.h>
+#include <vector>
+#include <windows.h>
 #else
 #include <unistd.h>
 #endif
@@ -74,6 +79,37 @@ std::filesystem::path twin(const char *self)
     return {};
 }
 
+#if defined(_WIN32)
+
+// The library in the program's own folder, which goes before any other; empty where there is none.
+std::filesystem::path besideProgram(const char *program)
+{
+    char file[MAX_PATH];
+    if (!SearchPathA(nullptr, program, ".exe", sizeof file, file, nullptr))
+        return {};
+    const std::filesystem::path beside = std::filesystem::path(file).parent_path() / NINEFOLD_DEBUG_FILE;
+    std::error_code ignored;
+    return std::filesystem::exists(beside, ignored) ? beside : std::filesystem::path();
+}
+
+// As a program takes its command line apart.
+std::string quotedArgument(const std::string &argument)
+{
+    if (!argument.empty() && argument.find_first_of(" \t\"") == std::string::npos)
+        return argument;
+    std::string result = "\"";
+    size_t backslashes = 0;
+    for (const char c : argument) {
+        if (c == '"')
+            result.append(backslashes + 1, '\\');
+        backslashes = c == '\\' ? backslashes + 1 : 0;
+        result += c;
+    }
+    return result.append(backslashes, '\\') + '"';
+}
+
+#endif
+
 int printRules(const std::filesystem::path &library, bool markdown)
 {
     using Get = const NinefoldDebugCalls *(*)();
@@ -132,11 +168,20 @@ int main(int count, char **arguments)
         return std::fputs(usage, stderr), 2;
 
 #if defined(_WIN32)
-    // A DLL beside the program goes before.
+    if (const std::filesystem::path beside = besideProgram(arguments[at]); !beside.empty())
+        return fail(1, "the system takes the library that stands beside the program, " + beside.string() + ": put " +
+                           library.string() + " in its place, and run the program without ninefold-debug");
     _putenv_s("NINEFOLD_DEBUG", settings.c_str());
     const char *const path = std::getenv("PATH");
     _putenv_s("PATH", (library.parent_path().string() + ";" + (path ? path : "")).c_str());
-    const intptr_t status = _spawnvp(_P_WAIT, arguments[at], arguments + at);
+    std::vector<std::string> quoted;
+    std::vector<const char *> list;
+    for (int k = at; k < count; ++k)
+        quoted.push_back(quotedArgument(arguments[k]));
+    for (const std::string &argument : quoted)
+        list.push_back(argument.c_str());
+    list.push_back(nullptr);
+    const intptr_t status = _spawnvp(_P_WAIT, arguments[at], list.data());
     if (status != -1)
         return int(status);
 #else

@@ -13,6 +13,10 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 #elif defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <cstdio>
 #include <windows.h>
 #elif defined(__EMSCRIPTEN__)
 #include <emscripten/heap.h>
@@ -220,6 +224,25 @@ std::vector<std::string> hostStack()
             std::snprintf(text, sizeof text, "%s+0x%lx (%s)", info.dli_sname, offset(info.dli_saddr), info.dli_fname);
         else
             std::snprintf(text, sizeof text, "%s+0x%lx", info.dli_fname ? info.dli_fname : "?", offset(info.dli_fbase));
+        stack.emplace_back(text);
+    }
+#elif defined(_WIN32)
+    const auto fileOf = [](const void *address) {
+        HMODULE file = nullptr;
+        GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                           static_cast<const char *>(address), &file);
+        return file;
+    };
+    void *frames[62]; // as many as the oldest systems give
+    const HMODULE own = fileOf(reinterpret_cast<const void *>(&hostStack));
+    for (int k = 0, count = CaptureStackBackTrace(0, std::size(frames), frames, nullptr); k < count; ++k) {
+        const HMODULE file = fileOf(frames[k]);
+        if (stack.empty() && file == own)
+            continue; // the twin itself
+        char name[MAX_PATH] = "?", text[MAX_PATH + 32];
+        if (file)
+            GetModuleFileNameA(file, name, sizeof name);
+        std::snprintf(text, sizeof text, "%s+0x%llx", name, (unsigned long long)(uintptr_t(frames[k]) - uintptr_t(file)));
         stack.emplace_back(text);
     }
 #endif

@@ -13,6 +13,13 @@
 #include <map>
 #include <unordered_map>
 
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#endif
+
 namespace debug {
 
 uint64_t drawCount;
@@ -202,6 +209,9 @@ void summarise()
     std::fflush(output());
     if (settings().status && findings(NINEFOLD_DEBUG_ERROR)) {
         std::fflush(nullptr);
+#if defined(_WIN32)
+        TerminateProcess(GetCurrentProcess(), UINT(settings().status)); // the process is at its end, and no DLL may ask for it
+#endif
         std::_Exit(settings().status);
     }
 }

@@ -4,7 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#else
 #include <sys/mman.h>
+#endif
 
 #include <algorithm>
 #include <cstring>
@@ -136,9 +143,14 @@ constexpr auto deletedPicture = [](H h) { DeleteTexture(h.picture), h.draw(); };
 uint8_t *guard()
 {
     constexpr size_t page = 4096;
+#if defined(_WIN32)
+    static auto *const pages = static_cast<uint8_t *>(VirtualAlloc(nullptr, 2 * page, MEM_RESERVE, PAGE_NOACCESS));
+    VirtualAlloc(pages, page, MEM_COMMIT, PAGE_READWRITE);
+#else
     static auto *const pages =
         static_cast<uint8_t *>(mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     mprotect(pages + page, page, PROT_NONE);
+#endif
     std::memset(pages, 255, page);
     return pages + page;
 }

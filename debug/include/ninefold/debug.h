@@ -13,14 +13,24 @@
 #include <stddef.h>
 #include <stdio.h>
 
-#if defined(_WIN32)
-#include <windows.h>
-#else
+#if !defined(_WIN32)
 #include <dlfcn.h>
 #endif
 
 #ifdef __cplusplus
 extern "C" {
+#endif
+
+/* As windows.h declares them, which brings thousands of names along; it may come before or behind. */
+#if defined(_WIN32) && !defined(_WINDOWS_)
+struct HINSTANCE__;
+#if defined(_WIN64)
+typedef long long(__stdcall *NinefoldProcedure)();
+#else
+typedef int(__stdcall *NinefoldProcedure)();
+#endif
+__declspec(dllimport) int __stdcall GetModuleHandleExA(unsigned long flags, const char *name, struct HINSTANCE__ **module);
+__declspec(dllimport) NinefoldProcedure __stdcall GetProcAddress(struct HINSTANCE__ *module, const char *name);
 #endif
 
 /* How grave a finding is. Error: what the call does is undefined. Warning: surely not meant. Hint: slow, or perhaps not meant. */
@@ -76,10 +86,9 @@ static inline const NinefoldDebugCalls *NinefoldDebug(void)
     if (!asked) {
         Get get = 0;
 #if defined(_WIN32)
-        HMODULE module = 0;
-        if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                               (const char *)(void *)&rs, &module))
-            *(void **)&get = (void *)GetProcAddress(module, "ninefoldDebugCalls");
+        struct HINSTANCE__ *module = 0;
+        if (GetModuleHandleExA(2 | 4 /* the one that this address is in, and no reference */, (const char *)(void *)&rs, &module))
+            get = (Get)(void (*)(void))GetProcAddress(module, "ninefoldDebugCalls");
 #else
         *(void **)&get = dlsym(dlopen(0, RTLD_LAZY), "ninefoldDebugCalls"); /* of all that the program has loaded */
 #endif
