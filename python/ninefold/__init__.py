@@ -11,11 +11,12 @@
 
 One thread draws at a time; there is one state for the whole process. What the kit refuses raises ninefold.Error with its text."""
 from . import _description as names
-from . import twin
+from . import bands, twin
 from ._description import (Alignment, Blend, BlendOperator, Curve, DebugAction, DebugSeverity, Filter, Format, Kind, Multi, MultiBank, MultiOp, NfkRect,
                            Perspective, PictureExtra, Prescale, Quality, RectOpt, Rule, Shahei, Shape, Stipple, TextAlignment,
                            TextureFlag, __version__)
 from ._library import Error, LayoutError, kit, library
+from .bands import flush, threads
 from .draws import (draw_lines, draw_many, draw_rectangles, gradient, line, mesh, modes, rectangle, sprite, stretch, transition,
                     turned)
 from .state import Kernel, Operator, code_exists, code_of, explain, name_of, state
@@ -26,7 +27,7 @@ __all__ = [
     "Alignment", "Blend", "BlendOperator", "Curve", "DebugAction", "DebugSeverity", "Error", "Filter", "Font", "FontInfo", "Format", "Kernel", "Kind",
     "LayoutError", "Multi", "MultiBank", "MultiOp", "NfkRect", "Operator", "Perspective", "PictureExtra", "Prescale", "Quality",
     "RectOpt", "Rule", "Screen", "Shahei", "Shape", "Stipple", "Text", "TextAlignment", "TextLine", "TextSize", "Texture",
-    "TextureFlag", "__version__", "code_exists", "code_of", "draw_lines", "draw_many", "draw_rectangles", "explain", "gradient",
-    "kit", "library", "line", "load", "mesh", "modes", "name_of", "names", "rectangle", "selected", "sprite", "state", "stretch",
+    "TextureFlag", "__version__", "bands", "code_exists", "code_of", "draw_lines", "draw_many", "draw_rectangles", "explain", "flush", "gradient",
+    "kit", "library", "line", "load", "mesh", "modes", "name_of", "names", "rectangle", "selected", "sprite", "state", "stretch", "threads",
     "transition", "turned", "twin",
 ]

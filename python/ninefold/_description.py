@@ -1,4 +1,4 @@
-"""Written by scripts/bindings from the headers of the library, of the kit and of the debug twin."""
+"""Written by scripts/bindings from the headers of the library, of the kit and of the companions."""
 import ctypes
 from ctypes import c_char_p, c_float, c_int, c_int32, c_long, c_size_t, c_uint, c_uint32, c_ulong, c_ulonglong, c_void_p
 from typing import Any
@@ -537,7 +537,7 @@ KIT: dict[str, tuple[Any, list[Any]]] = {
     "nfkRecordSize": (c_uint32, [c_char_p]),
 }
 
-# Calls of the debug twin, in the order of its record.
+# Calls of the debug twin, in the order of the record.
 TWIN: dict[str, tuple[Any, list[Any]]] = {
     "setCallback": (None, [c_void_p, c_void_p]),
     "setSeverity": (None, [c_int]),
@@ -548,4 +548,13 @@ TWIN: dict[str, tuple[Any, list[Any]]] = {
     "frame": (None, []),
     "findings": (c_ulonglong, [c_int]),
     "printRules": (None, [c_void_p, c_int]),
+}
+
+# Calls of the bands, in the order of the record.
+BANDS: dict[str, tuple[Any, list[Any]]] = {
+    "start": (c_int, [c_int]),
+    "flush": (None, []),
+    "stop": (None, []),
+    "declarePure": (None, [c_void_p]),
+    "count": (c_ulonglong, [c_int]),
 }

@@ -75,6 +75,22 @@ _declare(library, "libninefold", _description.LIBRARY)
 _declare(kit, "libninefold-kit", _description.KIT)
 
 
+def companion(export: str, calls: dict[str, tuple[Any, list[Any]]]) -> dict[str, Any]:
+    """The calls of a companion, a library that stands in the place of the plain one; empty where that was loaded."""
+    try:
+        get = getattr(library, export)
+    except AttributeError:
+        return {}
+    get.restype = ctypes.c_void_p
+    address = get()
+    size = ctypes.c_size_t.from_address(address).value
+    word = ctypes.sizeof(ctypes.c_void_p)
+    if size < word * (1 + len(calls)):
+        raise LayoutError(f"the library that was loaded is older than this package: what {export} gives has {size} bytes")
+    addresses = (ctypes.c_void_p * len(calls)).from_address(address + word)
+    return {name: ctypes.PYFUNCTYPE(result, *taken)(addresses[i] or 0) for i, (name, (result, taken)) in enumerate(calls.items())}
+
+
 def failure() -> Error:
     """The kit's last error, to be raised."""
     return Error(kit.nfkError().decode("utf-8", "replace"))

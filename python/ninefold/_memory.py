@@ -7,6 +7,8 @@ from typing import Any, Optional
 import numpy as np
 import numpy.typing as npt
 
+from .bands import flush
+
 Array = npt.NDArray[Any]
 
 
@@ -35,6 +37,7 @@ class Owner:
 
     def _array(self, part: str, address: Optional[int], shape: tuple[int, ...], dtype: Any) -> Array:
         assert address
+        flush()
         return np.asarray(_Block(self, part, address, shape, dtype))
 
     def _must_be_free(self, doing: str, *parts: str) -> None:

@@ -11,6 +11,7 @@ from ._description import Kind
 from ._library import Error, fields, kit, library, raised, rs, settle, text_from
 from ._memory import Hold
 from ._names import whole
+from .bands import flush
 from .textures import Texture
 
 _operator_type = ctypes.PYFUNCTYPE(ctypes.c_uint32, ctypes.c_uint32, ctypes.c_uint32)
@@ -85,6 +86,7 @@ class State:
                 kept = operator_of(value)
                 value = kept.address
         elif field.kind == Kind.POINTER:
+            flush()  # what the state has kept alive so far may be free below
             kept, value = self._pointer(name, field.type, value)
         elif field.count == 1 and field.kind != Kind.RECORD:
             value = whole(value, name)

@@ -16,6 +16,7 @@ from ._description import Format, NfkRect, NfkScreen, PictureExtra
 from ._library import Error, TextureRecord, encoded, failure, kit, library, path_of, raised, settle
 from ._memory import Array, Hold, Owner
 from ._names import number, signed, whole
+from .bands import flush
 
 Path = Union[str, "os.PathLike[str]"]
 _delete = library.DeleteTexture
@@ -41,6 +42,7 @@ def _png(texture: int, alpha: bool) -> bytes:
 
 
 def _save(texture: Optional[int], path: Path, alpha: bool) -> None:
+    flush()
     if not kit.nfkSavePicture(texture, path_of(path), alpha):
         raise failure()
 
@@ -271,6 +273,7 @@ class Screen(Owner):
     def _open(self) -> int:
         if self._pointer is None:
             raise Error("the screen is closed")
+        flush()  # most of what follows looks at its pixels or planes, or frees them
         return self._pointer
 
     def select(self) -> None:
@@ -285,15 +288,16 @@ class Screen(Owner):
         if self._pointer is None:
             return
         self._must_be_free("close")
-        pointer, self._pointer = self._pointer, None
+        pointer, self._pointer = self._open(), None
         if _selected is self:
             _selected = None
         _release(pointer)
         settle()
 
-    def __del__(self, release: Any = _release, waiting: list[BaseException] = raised) -> None:
+    def __del__(self, release: Any = _release, waiting: list[BaseException] = raised, flush: Any = flush) -> None:
         if getattr(self, "_pointer", None) is not None:
             before = len(waiting)
+            flush()
             release(self._pointer)
             del waiting[before:]
 

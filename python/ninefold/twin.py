@@ -20,7 +20,7 @@ from typing import Any, Union
 import numpy as np
 
 from ._description import TWIN, DebugAction, DebugSeverity, NinefoldFinding
-from ._library import LayoutError, encoded, library, raised
+from ._library import companion, encoded, raised
 from ._memory import Array
 from ._names import number
 from .textures import Texture
@@ -43,23 +43,7 @@ class Finding(UserWarning):
         super().__init__(f"NF-{self.rule:04} {self.name} ({self.severity.word}): {self.call}: {self.text} {self.advice}")
 
 
-def _find() -> dict[str, Any]:
-    """The calls of the twin; empty under the plain library."""
-    try:
-        get = library.ninefoldDebugCalls
-    except AttributeError:
-        return {}
-    get.restype = ctypes.c_void_p
-    address = get()
-    size = ctypes.c_size_t.from_address(address).value
-    word = ctypes.sizeof(ctypes.c_void_p)
-    if size < word * (1 + len(TWIN)):
-        raise LayoutError(f"the debug twin is older than this package: its record of calls has {size} bytes")
-    addresses = (ctypes.c_void_p * len(TWIN)).from_address(address + word)
-    return {name: ctypes.PYFUNCTYPE(result, *taken)(addresses[i] or 0) for i, (name, (result, taken)) in enumerate(TWIN.items())}
-
-
-_calls = _find()
+_calls = companion("ninefoldDebugCalls", TWIN)
 
 
 def present() -> bool:
