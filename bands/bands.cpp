@@ -93,17 +93,20 @@ bool Recorder::record(layer::Id id)
 {
     if (batch.full() || (!batch.empty() && !batch.target().isCurrent() && heeds(Rule::target)))
         flush();
-    if (batch.record(id, divide ? 0 : leastCost) != Fate::whole) {
-        ++counts[NINEFOLD_BANDS_RECORDED];
-        if (!awake && batch.cost() > worthSharing / 2 && workers.count() > 1) {
-            awake = true;
-            workers.wake();
-        }
-        return true;
+    switch (batch.record(id, divide ? 0 : leastCost)) {
+    case Fate::cheap: return false;
+    case Fate::whole:
+        flush();
+        ++counts[NINEFOLD_BANDS_WHOLE];
+        return false;
+    default: break;
     }
-    flush();
-    ++counts[NINEFOLD_BANDS_WHOLE];
-    return false;
+    ++counts[NINEFOLD_BANDS_RECORDED];
+    if (!awake && batch.cost() > worthSharing / 2 && workers.count() > 1) {
+        awake = true;
+        workers.wake();
+    }
+    return true;
 }
 
 } // namespace bands

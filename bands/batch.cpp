@@ -61,13 +61,13 @@ Fate Batch::record(layer::Id id, float least)
     const Kind &kind = kindOf(id);
     if (draws.empty()) {
         if (costAtMost(kind) < least)
-            return Fate::whole;
+            return Fate::cheap;
         judge.begin();
     }
     Draw draw;
     const Fate fate = judge.judge(kind, draw);
     if (fate == Fate::cut && draws.empty() && judge.cost() < least)
-        return Fate::whole;
+        return Fate::cheap;
     if (fate == Fate::cut) {
         keep(kind, draw);
         top = draws.empty() ? draw.top : std::min(top, draw.top);

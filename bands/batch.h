@@ -16,6 +16,7 @@ class Arena {
 public:
     void *take(size_t bytes);
     void clear() { used = at = 0; }
+    size_t size() const { return used * blockSize; } // about
 
     template <class T>
     T *copy(const T *from, size_t count)
@@ -39,13 +40,13 @@ private:
 class Batch {
 public:
     bool empty() const { return draws.empty(); }
-    bool full() const { return draws.size() >= mostDraws; }
+    bool full() const { return draws.size() >= mostDraws || arena.size() >= mostBytes; }
     size_t size() const { return draws.size(); }
     double cost() const { return nanoseconds; } // of all, by their weights
     const Target &target() const { return judge.target; }
 
     // With rs as it stands, which is afterwards as the draw would leave it. Fate::whole: the caller draws it, on an empty batch.
-    // So it is with a draw of a cost below `least` where it would be the first one.
+    // Fate::cheap: the caller draws it; the batch is empty, and its cost is below `least`.
     Fate record(layer::Id id, float least);
 
     // Divides the rows into bands, for so many threads. Returns their number.
@@ -61,7 +62,7 @@ public:
     void clear();
 
 private:
-    static constexpr size_t mostDraws = 16384;
+    static constexpr size_t mostDraws = 16384, mostBytes = size_t{64} << 20;
     std::vector<Draw> draws;
     Arena arena;
     Judge judge;

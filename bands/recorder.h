@@ -23,7 +23,7 @@ struct Recorder {
     int start(int threads);
     void stop();
     void flush();
-    // False: the draw is whole, and what was recorded before it is drawn.
+    // False: the caller draws it, and what was recorded before it is drawn.
     bool record(layer::Id id);
 };
 

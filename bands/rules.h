@@ -77,6 +77,7 @@ enum class Fate : uint8_t {
     nothing, // no pixel is reached
     cut,
     whole,
+    cheap, // drawn at once: recording it would cost as much
 };
 
 // What becomes of a call, with rs as it stands. Fills of `draw` all but the state, for Fate::cut.
