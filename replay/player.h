@@ -1,4 +1,4 @@
-// Draws a capture again: applies its events to memory and textures of its own, and calls kernels.
+// Draws a capture again: applies its events to memory and textures of its own, and calls kernels. rs of the linked library is all its.
 #pragma once
 
 #include "format.h"

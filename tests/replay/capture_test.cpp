@@ -41,6 +41,14 @@ struct Outcome {
 };
 Outcome replay(const Bytes &bytes)
 {
+    // The player has rs to itself.
+    struct Saved {
+        alignas(RenderState) unsigned char state[sizeof(RenderState)];
+        Saved() { std::memcpy(state, &rs, sizeof rs); }
+        ~Saved() { std::memcpy(static_cast<void *>(&rs), state, sizeof rs); }
+        Saved(const Saved &) = delete;
+        Saved &operator=(const Saved &) = delete;
+    } const saved;
     Outcome outcome;
     const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(bytes), outcome.refused);
     if (!reader)
