@@ -223,6 +223,20 @@ void Writer::forget()
     }
 }
 
+Bytes fileOf(std::span<const uint8_t> events)
+{
+    Bytes file(headerSize + chunkHeaderSize);
+    std::memcpy(file.data(), magic, sizeof magic);
+    store32(file.data() + sizeof magic, formatVersion);
+    uint8_t *const header = file.data() + headerSize;
+    std::memcpy(header, eventChunk, 4);
+    store32(header + 4, uint32_t(events.size()));
+    store32(header + 8, uint32_t(events.size()));
+    store64(header + 12, chunkHash(header, events));
+    file.insert(file.end(), events.begin(), events.end());
+    return file;
+}
+
 void Writer::flush()
 {
     if (pending.empty())

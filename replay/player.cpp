@@ -71,7 +71,7 @@ const char *partName(layer::Field field)
 
 } // namespace
 
-Player::Player(Reader &from) : reader(from), cells(stateCells().size())
+Player::Player(Reader &from, uint64_t memoryLimit) : reader(from), store(memoryLimit), cells(stateCells().size())
 {
     listenToTwin();
     Library::linked();
@@ -171,7 +171,7 @@ bool Player::ensure(uint64_t begin, uint64_t size)
 
 bool Player::takeMemory(In &in)
 {
-    const uint64_t address = in.number(), stride = in.number(Store::limit);
+    const uint64_t address = in.number(), stride = in.number(Store::usualLimit);
     const Content *const content = reader.content(in.number());
     if (!in.good() || !content || (content->rows > 1 && stride < content->rowBytes))
         return false;
@@ -383,7 +383,8 @@ bool Player::map()
     const bool runs = layer::needsOf(current.id).map == ninefold::Map::runs;
     const uint32_t back = runs && !reach.pixels.empty() ? uint32_t(reach.pixels.right - reach.pixels.left) + 128 : 0;
     const auto noMemory = [&] {
-        return refuse("it needs more memory than " + std::to_string(Store::limit >> 20) + " MiB, or has addresses out of range");
+        return refuse("it needs more memory than " + std::to_string(Store::usualLimit >> 20) +
+                      " MiB, or has addresses out of range");
     };
     const uint64_t area = rs.dstHeight <= largestSide ? uint64_t{rs.dstHeight} << rs.dstShift : 0;
     const auto whole = [&](const void *begin, uint64_t size) {

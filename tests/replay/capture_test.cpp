@@ -197,7 +197,7 @@ TEST(CaptureFormat, MemoryAtAddresses)
     store.read(990, sizeof bytes, bytes);
     EXPECT_EQ(bytes[15], 7);
     EXPECT_EQ(bytes[0], 0);
-    EXPECT_FALSE(store.ensure(0, Store::limit + 1));
+    EXPECT_FALSE(store.ensure(0, Store::usualLimit + 1));
     EXPECT_FALSE(store.ensure(UINT64_MAX - 5, 10));
 }
 
