@@ -179,6 +179,7 @@ const Label *labelAt(const void *address)
     const Label &label = std::prev(behind)->second;
     return uintptr_t(address) - uintptr_t(label.begin) < label.size ? &label : nullptr;
 }
+void forgetTexture(const Texture *texture) { textures().erase(texture); }
 void labelTexture(const Texture *texture, const char *name) { textures()[texture].label = name ? name : ""; }
 void labelMemory(const void *memory, size_t size, const char *name) { labels()[memory] = {memory, size, name ? name : ""}; }
 void forgetMemory(const void *memory)

@@ -41,6 +41,7 @@ struct Label {
 };
 // The label of the memory that the address lies in, null if it has none.
 const Label *labelAt(const void *address);
+void forgetTexture(const Texture *texture); // as if it had never been met
 void labelTexture(const Texture *texture, const char *name);
 void labelMemory(const void *memory, size_t size, const char *name);
 void forgetMemory(const void *memory);

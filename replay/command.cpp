@@ -118,7 +118,7 @@ void makeDirectory(const std::string &directory)
 
 void writePicture(const Player::Picture &picture, const std::string &path)
 {
-    // The twin is not told: it would remember the record as one that was deleted.
+    // The twin is not told of it.
     Texture *const texture = own_CreateTexture(picture.width, picture.height);
     const bool there = texture->pixels;
     for (uint32_t y = 0; there && y < picture.height; ++y)

@@ -34,6 +34,19 @@ uint64_t load64(const uint8_t *from) { return load32(from) | uint64_t{load32(fro
 
 } // namespace
 
+namespace {
+
+// Of a chunk's type, sizes and bytes.
+uint64_t chunkHash(const uint8_t *header, std::span<const uint8_t> stored)
+{
+    RowHash hash;
+    hash.add(header, 12);
+    hash.add(stored.data(), stored.size());
+    return hash.value();
+}
+
+} // namespace
+
 const char *cutName(Cut cut)
 {
     static constexpr const char *names[] = {"SetFrameBuffer", "mark", "pause", "end"};
@@ -210,6 +223,20 @@ void Writer::forget()
     }
 }
 
+Bytes fileOf(std::span<const uint8_t> events)
+{
+    Bytes file(headerSize + chunkHeaderSize);
+    std::memcpy(file.data(), magic, sizeof magic);
+    store32(file.data() + sizeof magic, formatVersion);
+    uint8_t *const header = file.data() + headerSize;
+    std::memcpy(header, eventChunk, 4);
+    store32(header + 4, uint32_t(events.size()));
+    store32(header + 8, uint32_t(events.size()));
+    store64(header + 12, chunkHash(header, events));
+    file.insert(file.end(), events.begin(), events.end());
+    return file;
+}
+
 void Writer::flush()
 {
     if (pending.empty())
@@ -224,7 +251,7 @@ void Writer::flush()
     std::memcpy(header, eventChunk, 4);
     store32(header + 4, uint32_t(storedSize));
     store32(header + 8, uint32_t(pending.size()));
-    store64(header + 12, hashOf(stored, storedSize));
+    store64(header + 12, chunkHash(header, {stored, storedSize}));
     put(header, sizeof header);
     put(stored, storedSize);
     if (!failed && std::fflush(file) != 0)
@@ -326,7 +353,7 @@ bool Reader::readChunk()
     packed.resize(stored);
     if (!get(packed.data(), stored))
         return broken("the file ends inside the chunk" + where);
-    if (hashOf(packed.data(), stored) != load64(header + 12))
+    if (chunkHash(header, packed) != load64(header + 12))
         return broken("the chunk" + where + " is damaged");
     starts.push_back(start);
     events.clear();

@@ -154,6 +154,9 @@ private:
     uint64_t firstKept = 0, kept = 0; // the number of order's first; bytes in it
 };
 
+// A whole file of events, uncompressed.
+Bytes fileOf(std::span<const uint8_t> events);
+
 struct Event {
     EventType type{};
     std::span<const uint8_t> payload; // until the next event is read

@@ -1,5 +1,6 @@
 #include "player.h"
 
+#include "knowledge.h"
 #include "report.h"
 
 #include <algorithm>
@@ -70,7 +71,7 @@ const char *partName(layer::Field field)
 
 } // namespace
 
-Player::Player(Reader &from) : reader(from), cells(stateCells().size())
+Player::Player(Reader &from, uint64_t memoryLimit) : reader(from), store(memoryLimit), cells(stateCells().size())
 {
     listenToTwin();
     Library::linked();
@@ -170,16 +171,34 @@ bool Player::ensure(uint64_t begin, uint64_t size)
 
 bool Player::takeMemory(In &in)
 {
-    const uint64_t address = in.number(), stride = in.number(Store::limit);
+    const uint64_t address = in.number(), stride = in.number(Store::usualLimit);
     const Content *const content = reader.content(in.number());
     if (!in.good() || !content || (content->rows > 1 && stride < content->rowBytes))
         return false;
+    const Content *mask = nullptr;
+    size_t element = 0; // bytes of what a bit of the mask stands for
+    if (!in.remaining().empty()) {
+        mask = reader.content(in.number());
+        element = size_t(in.number(8));
+        if (!in.good() || !mask || !element || content->rowBytes % element || mask->rows != content->rows ||
+            mask->rowBytes != (content->rowBytes / element + 7) / 8)
+            return false;
+    }
     const uint64_t rows = content->rows, size = (rows - 1) * stride + content->rowBytes;
     if (!ensure(address, size))
         return false;
     uint8_t *const to = store.at(address);
-    for (uint64_t row = 0; row < rows; ++row)
-        std::memcpy(to + row * stride, content->bytes.data() + row * content->rowBytes, content->rowBytes);
+    for (uint64_t row = 0; row < rows; ++row) {
+        const uint8_t *const from = content->bytes.data() + row * content->rowBytes;
+        if (!mask) {
+            std::memcpy(to + row * stride, from, content->rowBytes);
+            continue;
+        }
+        const uint8_t *const bits = mask->bytes.data() + row * mask->rowBytes;
+        for (size_t k = 0; k < content->rowBytes / element; ++k)
+            if (bits[k / 8] >> k % 8 & 1)
+                std::memcpy(to + row * stride + k * element, from + k * element, element);
+    }
     return true;
 }
 
@@ -194,6 +213,7 @@ Texture *Player::textureAt(uint64_t address)
         one.record = std::make_unique<Texture>();
         one.cells.resize(textureCells().size());
         addresses[one.record.get()] = address;
+        debug::forgetTexture(one.record.get()); // one that was deleted may have lain there
     }
     return one.record.get();
 }
@@ -363,7 +383,8 @@ bool Player::map()
     const bool runs = layer::needsOf(current.id).map == ninefold::Map::runs;
     const uint32_t back = runs && !reach.pixels.empty() ? uint32_t(reach.pixels.right - reach.pixels.left) + 128 : 0;
     const auto noMemory = [&] {
-        return refuse("it needs more memory than " + std::to_string(Store::limit >> 20) + " MiB, or has addresses out of range");
+        return refuse("it needs more memory than " + std::to_string(Store::usualLimit >> 20) +
+                      " MiB, or has addresses out of range");
     };
     const uint64_t area = rs.dstHeight <= largestSide ? uint64_t{rs.dstHeight} << rs.dstShift : 0;
     const auto whole = [&](const void *begin, uint64_t size) {

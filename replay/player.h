@@ -1,4 +1,4 @@
-// Draws a capture again: applies its events to memory and textures of its own, and calls kernels.
+// Draws a capture again: applies its events to memory and textures of its own, and calls kernels. rs of the linked library is all its.
 #pragma once
 
 #include "format.h"
@@ -55,7 +55,7 @@ class Player {
 public:
     enum class Step { draw, frame, end };
 
-    explicit Player(Reader &reader);
+    explicit Player(Reader &reader, uint64_t memoryLimit = Store::usualLimit);
 
     // Goes on to the next draw, the next frame's end, or the end.
     Step next();

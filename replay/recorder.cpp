@@ -210,15 +210,22 @@ void Recorder::writeTexture(const Texture *texture)
     writer->event(EventType::texture, out);
 }
 
+void Recorder::gather(const Rows &source, const Shadow::Box &part)
+{
+    const size_t size = part.right - part.left;
+    gathered.resize((part.bottom - part.top) * size);
+    for (size_t row = part.top; row < part.bottom; ++row)
+        std::memcpy(gathered.data() + (row - part.top) * size, reinterpret_cast<const void *>(source.row(row) + part.left), size);
+}
+
 void Recorder::writeMemory(const Rows &source)
 {
     Shadow::Box box = shadow.compare(source);
     if (box.empty())
         return;
-    // Whole where that is not much more: the same picture at another address is then the same content.
-    if (4 * (box.right - box.left) * (box.bottom - box.top) > source.rowBytes * source.rows)
+    // A source whole where that is not much more: the same picture at another address is then the same content.
+    if (!source.written && 4 * (box.right - box.left) * (box.bottom - box.top) > source.rowBytes * source.rows)
         box = {0, source.rowBytes, 0, source.rows};
-    shadow.take(source, box);
     const size_t width = box.right - box.left;
     // In parts that are no larger than a content may be; a row that is goes in pieces.
     const size_t piece = std::min(width, contentLimit);
@@ -226,16 +233,57 @@ void Recorder::writeMemory(const Rows &source)
     for (size_t top = box.top; top < box.bottom; top += partRows)
         for (size_t left = box.left; left < box.right; left += piece) {
             const size_t rowCount = std::min(partRows, box.bottom - top), size = std::min(piece, box.right - left);
-            gathered.resize(rowCount * size);
-            for (size_t row = 0; row < rowCount; ++row)
-                std::memcpy(gathered.data() + row * size, reinterpret_cast<const void *>(source.row(top + row) + left), size);
+            const Shadow::Box part{left, left + size, top, top + rowCount};
+            gather(source, part);
+            const bool masks = source.written && makeMask(source, part);
+            const uint64_t maskNumber =
+                masks ? writer->content(uint32_t(mask.size() / rowCount), uint32_t(rowCount), mask.data(), false) : 0;
             const uint64_t number = writer->content(uint32_t(size), uint32_t(rowCount), gathered.data(), source.pixels);
             Out out;
             out.number(source.row(top) + left);
             out.number(source.stride);
             out.number(number);
+            if (masks)
+                out.number(maskNumber), out.number(source.element);
             writer->event(EventType::memory, out);
         }
+    shadow.take(source, box);
+}
+
+// Of what was gathered from a part of the rows: a bit for each element, set where it is new. In the place of the others, which often
+// are noise that was drawn just before, comes what lies to their left. False where nearly all is new.
+bool Recorder::makeMask(const Rows &source, const Shadow::Box &part)
+{
+    const size_t element = source.element, size = part.right - part.left, count = size / element,
+                 rowCount = part.bottom - part.top;
+    const size_t maskBytes = (count + 7) / 8;
+    if (!count || size % element)
+        return false;
+    mask.assign(maskBytes * rowCount, 0);
+    size_t old = 0;
+    const uint8_t *replacement = nullptr;
+    for (size_t row = 0; row < rowCount; ++row) {
+        uint8_t *const elements = gathered.data() + row * size;
+        for (size_t k = 0; k < count; ++k) {
+            uint8_t *const here = elements + k * element;
+            uint8_t held[8];
+            shadow.copy(source.row(part.top + row) + part.left + k * element, element, held);
+            if (std::memcmp(here, held, element) != 0) {
+                mask[row * maskBytes + k / 8] |= uint8_t(1 << k % 8);
+                replacement = here;
+            } else {
+                ++old;
+                if (replacement)
+                    std::memcpy(here, replacement, element);
+                else
+                    std::memset(here, 0, element);
+            }
+        }
+    }
+    if (16 * old > count * rowCount)
+        return true;
+    gather(source, part);
+    return false;
 }
 
 // Cells that differ from what replay holds.

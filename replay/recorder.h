@@ -63,7 +63,7 @@ private:
     std::unique_ptr<Writer> writer;
     Operators operators;
     Shadow shadow;
-    Bytes gathered;
+    Bytes gathered, mask;
     std::vector<Rows> rows, written;
     std::map<uintptr_t, std::vector<uint64_t>> textures; // cells of their records
     std::set<std::pair<uintptr_t, size_t>> compared; // sources in this frame
@@ -86,7 +86,9 @@ private:
     Recorder(const Options &options, const Memory &memory, const Operators::Setters &setters);
     bool canRecord(const layer::Footprint &footprint, const std::vector<Rows> &all) const;
     void writeTexture(const Texture *texture);
+    void gather(const Rows &source, const Shadow::Box &part);
     void writeMemory(const Rows &source);
+    bool makeMask(const Rows &source, const Shadow::Box &part);
     void writeState(Out &out);
     void writeWords(Out &out, const std::vector<uint32_t> &words);
     void remember(const layer::Footprint &footprint);

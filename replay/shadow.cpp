@@ -16,6 +16,15 @@ uint8_t *Shadow::page(uintptr_t number)
     return last = found.get();
 }
 
+void Shadow::copy(uintptr_t address, size_t size, uint8_t *to)
+{
+    for (size_t at = 0; at < size;) {
+        const size_t part = std::min(size - at, readable(address + at));
+        std::memcpy(to + at, read(address + at), part);
+        at += part;
+    }
+}
+
 Shadow::Box Shadow::compare(const Rows &rows)
 {
     Box box{rows.rowBytes, 0, rows.rows, 0};

@@ -20,6 +20,7 @@ public:
     // Takes the host's memory over.
     void take(const Rows &rows, const Box &box);
     const uint8_t *read(uintptr_t address) { return page(address / pageSize) + address % pageSize; }
+    void copy(uintptr_t address, size_t size, uint8_t *to);
     static size_t readable(uintptr_t address) { return pageSize - address % pageSize; } // bytes from there that read() gives
 
 private:

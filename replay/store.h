@@ -12,7 +12,8 @@ namespace capture {
 class Store {
 public:
     // Of all blocks. What would go beyond is refused.
-    static constexpr uint64_t limit = sizeof(void *) == 8 ? uint64_t{1} << 31 : uint64_t{1} << 29;
+    static constexpr uint64_t usualLimit = sizeof(void *) == 8 ? uint64_t{1} << 31 : uint64_t{1} << 29;
+    explicit Store(uint64_t largest = usualLimit) : limit(largest) {}
 
     // Makes all of a range one block. Blocks that it meets become part of it and move. False beyond the limit, or without memory.
     bool ensure(uint64_t begin, uint64_t size);
@@ -30,7 +31,7 @@ private:
         uint8_t *bytes;
     };
     std::map<uint64_t, Block> blocks;
-    uint64_t total = 0;
+    uint64_t total = 0, limit;
 
     std::map<uint64_t, Block>::const_iterator find(uint64_t address) const;
 };

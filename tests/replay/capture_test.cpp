@@ -1,0 +1,344 @@
+// Capture files: what is in them comes out again, and what strangers do to them ends in a message.
+#include "player.h"
+#include "recording.h"
+#include "report.h"
+
+#include "support/random.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+using namespace capture;
+
+namespace {
+
+std::string scratch(const char *name)
+{
+    return (std::filesystem::temp_directory_path() /
+            (std::to_string(std::filesystem::hash_value(std::filesystem::current_path())) + "-" +
+             ::testing::UnitTest::GetInstance()->current_test_info()->name() + name))
+        .string();
+}
+
+Bytes contentsOf(const std::string &path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(stream), {});
+}
+
+// What a replay of bytes comes to.
+struct Outcome {
+    std::string refused; // the file as a whole
+    uint64_t draws = 0, frames = 0, different = 0, notMade = 0;
+    std::string problem, refusal;
+    std::vector<uint64_t> starts; // of chunks
+};
+Outcome replay(const Bytes &bytes)
+{
+    // The player has rs to itself.
+    struct Saved {
+        alignas(RenderState) unsigned char state[sizeof(RenderState)];
+        Saved() { std::memcpy(state, &rs, sizeof rs); }
+        ~Saved() { std::memcpy(static_cast<void *>(&rs), state, sizeof rs); }
+        Saved(const Saved &) = delete;
+        Saved &operator=(const Saved &) = delete;
+    } const saved;
+    Outcome outcome;
+    const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(bytes), outcome.refused);
+    if (!reader)
+        return outcome;
+    Player player(*reader);
+    for (Player::Step step; (step = player.next()) != Player::Step::end;) {
+        if (step == Player::Step::frame) {
+            outcome.different += player.frameHash() != player.frame().hash;
+            continue;
+        }
+        if (!player.prepare()) {
+            ++outcome.notMade;
+            outcome.refusal = player.refusal();
+            continue;
+        }
+        player.make(Library::linked());
+        if (const std::string words = player.compare(); !words.empty())
+            ++outcome.different, outcome.refusal = words;
+        player.finish();
+    }
+    outcome.draws = player.draws(), outcome.frames = player.frames(), outcome.problem = player.problem();
+    outcome.starts = reader->chunkStarts();
+    return outcome;
+}
+
+uint32_t hostAdd(uint32_t first, uint32_t second) { return first + second; }
+
+class Captured : public ::testing::Test {
+protected:
+    static constexpr int frames = 5, sprites = 6;
+    Texture *screen = nullptr, *sprite = nullptr, *second = nullptr;
+    std::string path;
+    Bytes file;
+
+    void SetUp() override
+    {
+        MakeUVLShiftTable(), MakeShaheiRunlengthTbl(), MakeDrawFuncTable(), MakeDrawMaskTable();
+        debug::settings().summary = false;
+        debug::settings().action = NINEFOLD_DEBUG_DRAW;
+        std::memset(static_cast<void *>(&rs), 0, sizeof rs);
+        screen = CreateTexture(100, 80), sprite = CreateTexture(32, 32), second = CreateTexture(16, 16);
+        support::Random random(1);
+        for (int k = 0; k < 32 * 32; ++k)
+            sprite->pixels[k] = random.word();
+        for (int k = 0; k < 16 * 16; ++k)
+            second->pixels[k] = random.word();
+        ClearTexture(screen);
+        SetFrameBuffer(screen);
+        rs.clipRight = 100, rs.clipBottom = 80;
+        SetShapeMode(NINEFOLD_SHAPE_RECTANGLE), SetRectOptMode(NINEFOLD_RECT_UNIT), SetFilterMode(NINEFOLD_FILTER_POINT);
+        SetBlendMode(NINEFOLD_BLEND_ALPHA), SetMultiMode(NINEFOLD_MULTI_NONE);
+        rs.tex0 = sprite, rs.tex1 = second;
+        path = scratch(".nfc");
+        debug::settings().capture = path;
+    }
+    void TearDown() override
+    {
+        debug::stopRecording();
+        debug::settings().captureFlush = debug::settings().captureTextures = debug::settings().capturePause = 0;
+        std::remove(path.c_str());
+        SetFrameBuffer(screen);
+        for (Texture *texture : {screen, sprite, second})
+            DeleteTexture(texture);
+    }
+    void place(int32_t x, int32_t y)
+    {
+        rs.vertex[0] = {x, y, 0}, rs.vertex[1] = {x + 32, y + 32, 0};
+        SearchDrawFunc(CreateDrawCode())();
+    }
+    // Sprites that move over what the host clears by plain writes.
+    void record()
+    {
+        ASSERT_TRUE(debug::startRecording());
+        for (int frame = 0; frame < frames; ++frame) {
+            std::fill_n(screen->pixels, 128 * 80, 0xFF000000u + uint32_t(frame));
+            for (int k = 0; k < sprites; ++k)
+                place(7 * k + frame, 5 * k);
+            debug::recordFrame(false);
+        }
+        debug::stopRecording();
+        file = contentsOf(path);
+        ASSERT_GT(file.size(), 1000u);
+    }
+};
+
+TEST(CaptureFormat, PicturesComeBack)
+{
+    support::Random random(7);
+    for (const auto &[width, rows] : {std::pair{1u, 1u}, {1u, 40u}, {17u, 3u}, {64u, 64u}, {301u, 5u}})
+        for (int kind = 0; kind < 3; ++kind) {
+            Bytes bytes(size_t{4} * width * rows), encoded, decoded;
+            for (size_t k = 0; k < bytes.size(); ++k)
+                bytes[k] = uint8_t(kind == 0 ? random.word() : kind == 1 ? k / 4 + k % 4 * 50 : 255);
+            encodePicture(4 * width, rows, bytes.data(), encoded);
+            ASSERT_EQ(encoded.size(), encodedPictureSize(4 * width, rows));
+            ASSERT_TRUE(decodePicture(4 * width, rows, encoded, decoded));
+            EXPECT_EQ(decoded, bytes) << width << " x " << rows;
+            encoded[0] = 5; // no such filter
+            EXPECT_FALSE(decodePicture(4 * width, rows, encoded, decoded));
+            encoded.pop_back();
+            EXPECT_FALSE(decodePicture(4 * width, rows, encoded, decoded));
+        }
+}
+
+TEST(CaptureFormat, NumbersComeBack)
+{
+    Out out;
+    const uint64_t numbers[] = {0, 1, 127, 128, 0x4000, UINT32_MAX, UINT64_MAX};
+    const int64_t differences[] = {0, -1, 1, INT32_MIN, INT64_MAX, INT64_MIN};
+    for (const uint64_t number : numbers)
+        out.number(number);
+    for (const int64_t difference : differences)
+        out.difference(difference);
+    out.word(0x0123456789ABCDEF), out.text("name");
+    In in(out.bytes);
+    for (const uint64_t number : numbers)
+        EXPECT_EQ(in.number(), number);
+    for (const int64_t difference : differences)
+        EXPECT_EQ(in.difference(), difference);
+    EXPECT_EQ(in.word(), 0x0123456789ABCDEFu);
+    EXPECT_EQ(in.text(4), "name");
+    EXPECT_TRUE(in.good());
+    EXPECT_EQ(in.byte(), 0);
+    EXPECT_FALSE(in.good());
+    In limited(out.bytes);
+    EXPECT_EQ(limited.number(0), 0u);
+    EXPECT_EQ(limited.number(0), 0u); // a 1
+    EXPECT_FALSE(limited.good());
+}
+
+TEST(CaptureFormat, MemoryAtAddresses)
+{
+    Store store;
+    ASSERT_TRUE(store.ensure(1000, 100));
+    store.at(1000)[5] = 7;
+    ASSERT_TRUE(store.ensure(1200, 10));
+    store.at(1200)[0] = 9;
+    EXPECT_EQ(store.at(999), nullptr);
+    EXPECT_EQ(store.at(1100), nullptr);
+    ASSERT_TRUE(store.ensure(1050, 160)); // meets both
+    EXPECT_EQ(*store.at(1005), 7);
+    EXPECT_EQ(*store.at(1200), 9);
+    EXPECT_EQ(store.at(1200) - store.at(1000), 200);
+    EXPECT_EQ(store.addressOf(store.at(1200)), 1200u);
+    uint8_t bytes[30];
+    store.read(990, sizeof bytes, bytes);
+    EXPECT_EQ(bytes[15], 7);
+    EXPECT_EQ(bytes[0], 0);
+    EXPECT_FALSE(store.ensure(0, Store::usualLimit + 1));
+    EXPECT_FALSE(store.ensure(UINT64_MAX - 5, 10));
+}
+
+TEST_F(Captured, DrawsAgain)
+{
+    record();
+    const Outcome outcome = replay(file);
+    EXPECT_EQ(outcome.problem, "");
+    EXPECT_EQ(outcome.draws, uint64_t{frames} * sprites);
+    EXPECT_EQ(outcome.frames, uint64_t{frames});
+    EXPECT_EQ(outcome.different + outcome.notMade, 0u);
+}
+
+TEST_F(Captured, HoldsEachPictureOnce)
+{
+    record();
+    // Noise does not compress: were it there twice, the file would be larger.
+    EXPECT_LT(file.size(), size_t{4} * (32 * 32 + 16 * 16) + 6000);
+}
+
+TEST_F(Captured, EndsWhereTheFileDoes)
+{
+    record();
+    const std::vector<uint64_t> starts = replay(file).starts;
+    ASSERT_GE(starts.size(), size_t{frames});
+    uint64_t before = 0;
+    for (const uint64_t start : starts)
+        for (const int64_t cut : {int64_t(start), int64_t(start) + 3, int64_t(start) + 19, int64_t(start) + 21}) {
+            if (cut >= int64_t(file.size()))
+                continue;
+            const Outcome outcome = replay(Bytes(file.begin(), file.begin() + cut));
+            EXPECT_EQ(outcome.refused, "");
+            EXPECT_NE(outcome.problem, "") << cut;
+            EXPECT_EQ(outcome.different + outcome.notMade, 0u) << cut;
+            EXPECT_GE(outcome.draws, before);
+            EXPECT_LT(outcome.draws, uint64_t{frames} * sprites + 1);
+            before = outcome.draws;
+        }
+    EXPECT_EQ(before, uint64_t{frames} * sprites); // only the end was missing
+    EXPECT_EQ(replay(Bytes(file.begin(), file.begin() + 11)).refused, "no capture file");
+    Bytes later = file;
+    later[8] = 2;
+    EXPECT_NE(replay(later).refused.find("version 2"), std::string::npos);
+}
+
+TEST_F(Captured, TellsEveryChangedByte)
+{
+    record();
+    support::Random random(3);
+    for (int k = 0; k < 300; ++k) {
+        Bytes changed = file;
+        const size_t at = 12 + random.below(uint32_t(file.size() - 12));
+        changed[at] ^= uint8_t(1 << random.below(8));
+        const Outcome outcome = replay(changed);
+        // Of a chunk's header some bits say only what is skipped; then the end is missing.
+        EXPECT_NE(outcome.problem, "") << at;
+        EXPECT_EQ(outcome.different, 0u) << at;
+    }
+}
+
+TEST_F(Captured, TheHostsOperatorsSpeakAgain)
+{
+    ASSERT_TRUE(debug::startRecording());
+    SetBlendMode(NINEFOLD_BLEND_CUSTOM), SetMultiMode(NINEFOLD_MULTI_TEXTURE);
+    rs.blendFunc = hostAdd;
+    rs.multiFunc = hostAdd;
+    place(3, 4);
+    EXPECT_EQ(rs.blendFunc, hostAdd);
+    EXPECT_EQ(rs.multiFunc, hostAdd);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL); // one of the library's beside the host's
+    place(40, 4);
+    debug::stopRecording();
+    const Bytes bytes = contentsOf(path);
+    std::string error;
+    const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(bytes), error);
+    Player player(*reader);
+    ASSERT_EQ(player.next(), Player::Step::draw);
+    EXPECT_EQ(player.draw().words[0].size(), 1024u);
+    EXPECT_EQ(player.draw().words[1].size(), 1024u);
+    ASSERT_EQ(player.next(), Player::Step::draw);
+    EXPECT_EQ(player.draw().words[0].size(), 0u);
+    EXPECT_EQ(player.draw().words[1].size(), 1024u);
+    const Outcome outcome = replay(bytes);
+    EXPECT_EQ(outcome.different + outcome.notMade, 0u) << outcome.refusal;
+    EXPECT_EQ(outcome.draws, 2u);
+}
+
+TEST_F(Captured, APictureThatIsChangedInAFrameIsSeenAtTheNext)
+{
+    for (const bool eachDraw : {false, true}) {
+        debug::settings().captureTextures = eachDraw;
+        ASSERT_TRUE(debug::startRecording());
+        place(0, 0);
+        std::fill_n(sprite->pixels, 1024, 0xFF00FF00u + eachDraw);
+        place(40, 0);
+        debug::recordFrame(false);
+        place(0, 40);
+        ReplacePixel(sprite, 0xFFFFFFFF, 0xFF00FF00u + eachDraw); // the library's own calls are known
+        place(40, 40);
+        debug::stopRecording();
+        const Outcome outcome = replay(contentsOf(path));
+        // What was missed is one draw, and the two frames that show it.
+        EXPECT_EQ(outcome.different, eachDraw ? 0u : 3u) << outcome.refusal;
+    }
+}
+
+TEST_F(Captured, APauseEndsAFrame)
+{
+    debug::settings().capturePause = 1;
+    ASSERT_TRUE(debug::startRecording());
+    place(0, 0);
+    const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
+    while (std::chrono::steady_clock::now() < until) {
+    }
+    place(1, 0);
+    debug::stopRecording();
+    EXPECT_EQ(replay(contentsOf(path)).frames, 2u);
+}
+
+TEST_F(Captured, WhatACrashLeaves)
+{
+    debug::settings().captureFlush = 1;
+    ASSERT_TRUE(debug::startRecording());
+    for (int k = 0; k < 4; ++k)
+        place(k, k);
+    const Outcome outcome = replay(contentsOf(path)); // as it is on the disk now
+    EXPECT_EQ(outcome.draws, 4u);
+    EXPECT_NE(outcome.problem, "");
+    EXPECT_EQ(outcome.different, 0u);
+}
+
+TEST_F(Captured, NoDrawThatTheRulesForbid)
+{
+    record();
+    ASSERT_TRUE(debug::startRecording());
+    rs.clipRight = 200; // beyond the frame buffer, with the host's memory behind it
+    place(0, 0);
+    debug::stopRecording();
+    const Outcome outcome = replay(contentsOf(path));
+    EXPECT_EQ(outcome.draws, 1u);
+    EXPECT_EQ(outcome.notMade, 1u);
+}
+
+} // namespace
