@@ -31,13 +31,8 @@ lower()
 }
 mkdir -p "$scratch/files/lower" "$scratch/files/new"
 for package in "$packages"/*.deb; do
-    case $package in
-    *-dbgsym_*) ;;
-    *)
-        cp "$package" "$scratch/files/new"
-        lower "$package" "$scratch/files/lower/$(basename "$package")"
-        ;;
-    esac
+    cp "$package" "$scratch/files/new"
+    lower "$package" "$scratch/files/lower/$(basename "$package")"
 done
 for version in lower new; do (cd "$scratch/files/$version" && dpkg-scanpackages . >Packages 2>/dev/null); done
 mkdir -p "$scratch/files/tests"
