@@ -84,7 +84,8 @@ uint32_t sourceAt(State state, size_t at, bool multi, Texture *instead = nullptr
 
 bool mixesTexels(int filter)
 {
-    return filter == NINEFOLD_FILTER_BILINEAR || filter == NINEFOLD_FILTER_LINE_BILINEAR || filter == NINEFOLD_FILTER_MIP_BILINEAR;
+    return filter == NINEFOLD_FILTER_BILINEAR || filter == NINEFOLD_FILTER_LINE_BILINEAR ||
+           filter == NINEFOLD_FILTER_MIP_BILINEAR;
 }
 
 // Filters that mix texels give an alpha only to blends that weigh by it. Here it is mixed as a colour.

@@ -30,8 +30,8 @@ constexpr Value shapes[] = {NINEFOLD_SHAPES(PAGE_VALUE)}, perspectives[] = {NINE
                 multis[] = {NINEFOLD_MULTIS(PAGE_VALUE)}, multiOps[] = {NINEFOLD_MULTI_OPS(PAGE_VALUE)},
                 banks[] = {NINEFOLD_MULTI_BANKS(PAGE_VALUE)}, curves[] = {NINEFOLD_CURVES(PAGE_VALUE)},
                 stipples[] = {NINEFOLD_STIPPLES(PAGE_VALUE)},
-                operators[] = {NINEFOLD_BLEND_OPERATORS(
-                    PAGE_VALUE){ownOperator, "average", PAGE_OWN_OPERATOR_WORD, PAGE_OWN_OPERATOR_MEANING}};
+                operators[] = {NINEFOLD_BLEND_OPERATORS(PAGE_VALUE){ownOperator, "average", PAGE_OWN_OPERATOR_WORD,
+                                                                    PAGE_OWN_OPERATOR_MEANING}};
 #undef PAGE_VALUE
 
 template <class T>

@@ -71,8 +71,7 @@ Texture *fit(Texture *picture, const RenderState &fields)
     const int32_t left = std::min(fields.vertex[0].x, fields.vertex[1].x), top = std::min(fields.vertex[0].y, fields.vertex[1].y);
     for (int32_t y = std::max(top, 0); y < std::min(top + int32_t(picture->height), bufferHeight); ++y)
         for (int32_t x = std::max(left, 0); x < std::min(left + int32_t(picture->width), screenWidth); ++x)
-            s.fitted->pixels[y * screenWidth + x] =
-                picture->pixels[(size_t(y - top) << picture->log2Width) + size_t(x - left)];
+            s.fitted->pixels[y * screenWidth + x] = picture->pixels[(size_t(y - top) << picture->log2Width) + size_t(x - left)];
     CreateZeroPixelMap(s.fitted);
     return s.fitted;
 }

@@ -171,10 +171,9 @@ void setDefaults(State &state)
 {
     const ninefold::Axes a = ninefold::axesOf(state.code);
     state.back = Picture::COFFEE;
-    state.tex0 = a.rectOpt == NINEFOLD_RECT_RUNS || a.rectOpt == NINEFOLD_RECT_PLANE_RUNS ? Picture::HORSE
-                 : a.pers || a.filter == NINEFOLD_FILTER_LINE_POINT || a.filter == NINEFOLD_FILTER_LINE_BILINEAR
-                     ? Picture::BRICKS
-                     : Picture::MATTE;
+    state.tex0 = a.rectOpt == NINEFOLD_RECT_RUNS || a.rectOpt == NINEFOLD_RECT_PLANE_RUNS                        ? Picture::HORSE
+                 : a.pers || a.filter == NINEFOLD_FILTER_LINE_POINT || a.filter == NINEFOLD_FILTER_LINE_BILINEAR ? Picture::BRICKS
+                                                                                                                 : Picture::MATTE;
     state.tex1 = Picture::STARS;
     state.tex2 = Picture::RINGS;
     state.plane = Plane::DISC;

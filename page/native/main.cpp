@@ -32,9 +32,10 @@ bool give(const std::string &folder, const char *file)
 int main(int argc, char **argv)
 {
     if (argc != 2 || std::string(argv[1]).rfind("--", 0) == 0) {
-        std::fputs("page_draw PICTURES: reads states of the page, a line each, and writes each frame as 256 x 192 words of ARGB.\n"
-                   "PICTURES is the folder of the bitmaps. Example: echo name=rect.unit.point.copy | page_draw gallery/pictures\n",
-                   argc == 2 ? stdout : stderr);
+        std::fputs(
+            "page_draw PICTURES: reads states of the page, a line each, and writes each frame as 256 x 192 words of ARGB.\n"
+            "PICTURES is the folder of the bitmaps. Example: echo name=rect.unit.point.copy | page_draw gallery/pictures\n",
+            argc == 2 ? stdout : stderr);
         return argc == 2 ? 0 : 2;
     }
     for (size_t i = 0; i < size_t(page::Picture::count); ++i)

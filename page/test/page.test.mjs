@@ -61,15 +61,14 @@ function randomStates(description, members, count) {
         const pers = /\.pers(\.|$)/.test(name);
         const state = { name };
         for (const [key, list] of Object.entries(description.choices)) state[key] = one(list.filter((choice) => choice.word !== "dropped")).word;
-        for (const [key, list] of Object.entries(description.lists)) state[key] = key === "stipple" ? whole(0, 261) : one(list).word;
+        for (const [key, list] of Object.entries(description.lists)) state[key] = key === "stipple" ? whole(60, 261) : one(list).word;
         for (const field of description.fields) {
             const value = (at) => field.kind === "corners" ? (at % 3 === 2 ? whole(1, 2000) : whole(-60, 320))
                 : field.kind === "texels" ? Math.max(pers ? 0 : -Infinity, next() < 0.5 ? whole(-300, 600) * 65536 : whole(-20000000, 40000000))
                 : field.kind === "number" && next() < 0.3 ? one([field.least, field.most]) : whole(field.least, field.most);
-            if (next() < 0.7) state[field.name] = Array.from({ length: field.words }, (_, at) => value(at)).join();
+            if (next() < 0.4) state[field.name] = Array.from({ length: field.words }, (_, at) => value(at)).join();
         }
-        const clip = [whole(0, 200), whole(0, 150)];
-        state.clipLeft = clip[0], state.clipTop = clip[1], state.clipRight = whole(clip[0], 256), state.clipBottom = whole(clip[1], 192);
+        state.clipLeft = whole(0, 90), state.clipTop = whole(0, 60), state.clipRight = whole(state.clipLeft, 256), state.clipBottom = whole(120, 192);
         return Object.entries(state).map((pair) => pair.join("=")).join("&");
     });
 }
@@ -79,7 +78,9 @@ test("500 random states are the native library's frames, on the canvas too", asy
     const description = await page.evaluate(() => ninefold.description);
     const members = await page.evaluate(() => ninefold.families().flatMap((family) => ninefold.members(family)));
     assert.equal(members.length, description.codes);
-    const states = randomStates(description, members, 500);
+    // Kernels that draw nothing are many and alike.
+    const drawing = members.filter((name) => !/line(point|bilinear)/.test(name) || name.includes(".table."));
+    const states = randomStates(description, drawing, 500);
     const frames = execFileSync(native, [`${here}../gallery/pictures`], { input: states.join("\n"), maxBuffer: 1 << 30 });
     const words = description.width * description.height;
     assert.equal(frames.length, states.length * words * 4);
@@ -117,7 +118,7 @@ test("500 random states are the native library's frames, on the canvas too", asy
         // Frames of the background alone would prove little.
         drew += got[i].words !== got[i].before ? 1 : 0;
     }
-    assert.ok(drew > 250, `only ${drew} states draw anything`);
+    assert.ok(drew > 300, `only ${drew} states draw anything`);
     await close(page);
 });
 
@@ -131,7 +132,7 @@ test("every value of every axis, and the way to those that do not go with the re
             await control.waitFor({ state: "attached" });
             if ((await control.getAttribute("type")) === "button") {
                 await page.locator(`#axis-${axis.key} details summary`).click();
-                assert.match(await control.locator("..").textContent(), /^\d \w+: .{10,}\. Go to /); // the reason
+                assert.match(await control.locator("..").textContent(), /^\d \S+: .{10,}\. Go to /); // the reason
                 await control.click();
                 assert.match(await page.locator("#message").textContent(), /Went to/);
             } else {

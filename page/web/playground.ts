@@ -329,10 +329,18 @@ export class Playground {
 
     private fillFields() {
         const full = State.parse(this.look.state);
-        this.fields.replaceChildren(...this.d.fields.filter((field) => this.look.reads[field.name]).map((field) => this.fieldOf(field, full)));
+        const read = this.d.fields.filter((field) => this.look.reads[field.name]);
+        const clip = read.filter((field) => field.kind === "clip");
+        this.fields.replaceChildren(...read.filter((field) => field.kind !== "clip").map((field) => this.fieldset(`rs.${field.name}`, [field], full)));
+        this.fields.firstChild?.after(this.fieldset("Clip rectangle", clip, full));
     }
 
-    private fieldOf(field: Field, full: State): HTMLElement {
+    private fieldset(legend: string, fields: Field[], full: State): HTMLElement {
+        return h("fieldset", {}, h("legend", {}, legend), h("div", { class: "values" }, ...fields.flatMap((field) => this.controlsOf(field, full))),
+            h("details", {}, h("summary", {}, "What it is"), h("p", { class: "meaning" }, fields[0].meaning)));
+    }
+
+    private controlsOf(field: Field, full: State): HTMLElement[] {
         const count = this.look.reads[field.name];
         const all = full.numbers(field.name);
         const changed = (at: number, value: number) => {
@@ -375,8 +383,7 @@ export class Playground {
                 inputs.push(h("label", {}, label, number));
             }
         }
-        return h("fieldset", { id: `fieldset-${field.name}` }, h("legend", {}, `rs.${field.name}`), h("div", { class: "values" }, ...inputs),
-            h("details", {}, h("summary", {}, "What it is"), h("p", { class: "meaning" }, field.meaning)));
+        return inputs;
     }
 
     private labelOf(field: Field, at: number): string {
