@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 SCENES ?= 60
 release = cmake --preset release && cmake --build build -j $(JOBS)
 
-.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs packages dist release-check wasm page bench clean
+.PHONY: all check test tidy conform coverage fuzz mutate ports gallery demo docs windows packages dist release-check wasm page bench clean
 
 all:
 	scripts/setup build
@@ -47,6 +47,10 @@ mutate:
 # The golden sums from other compilers and machines: make ports ARGS=32.
 ports:
 	JOBS=$(JOBS) scripts/ports $(ARGS)
+
+# Zips for Windows in build-windows/, tested under Wine: make windows ARGS=x86_64.
+windows:
+	JOBS=$(JOBS) scripts/windows $(ARGS)
 
 # Pictures and an HTML page in build/gallery/.
 gallery:

@@ -516,7 +516,8 @@ int nfkLines(uint32_t count, const NfkPoint *ends, const uint32_t *colors, const
         return missing("nfkLines", "the ends or the colours are null");
     for (size_t i = 0; i < size_t{2} * count; ++i)
         if (!near(ends[i].x) || !near(ends[i].y))
-            return fail("nfkLines: end %zu is at %d, %d; positions are below 2^29", i, ends[i].x, ends[i].y);
+            return fail("nfkLines: end %llu is at %d, %d; positions are below 2^29", static_cast<unsigned long long>(i),
+                        ends[i].x, ends[i].y);
     Draw draw("nfkLines", options, nullptr, NINEFOLD_SHAPE_LINE, NINEFOLD_RECT_NONE, NINEFOLD_FILTER_FLAT);
     if (!draw.ready())
         return 0;

@@ -46,7 +46,8 @@ const Element *elementOf(const char *function, const char *kind, const std::vect
 {
     if (at >= 0 && static_cast<size_t>(at) < elements.size())
         return &elements[static_cast<size_t>(at)];
-    return fail("%s: %s %d: the text has %zu", function, kind, int(at), elements.size()), nullptr;
+    return fail("%s: %s %d: the text has %llu", function, kind, int(at), static_cast<unsigned long long>(elements.size())),
+           nullptr;
 }
 
 bool areThere(const char *function, const void *text, const void *out)

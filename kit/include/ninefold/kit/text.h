@@ -103,8 +103,8 @@ NINEFOLD_KIT_API Texture *nfkGetFontAtlas(const NfkFont *font);
 /*
  * Lays out `utf8` (to its NUL; bytes that are not UTF-8 become U+FFFD each, or each broken character). Paragraphs end at line
  * ends of any kind; each has the direction of its first letter, and mixes right-to-left and left-to-right writing by the rules of
- * Unicode. Lines are wrapped by the rules of Unicode, within Thai text between words; a word too long for the width is broken
- * between characters. A tab is a space; other control characters are left out. A line end at the end of the text begins another,
+ * Unicode. Lines are wrapped by the rules of Unicode, within Thai text between words; on Windows by simpler ones, at spaces,
+ * hyphens and ideographs, within Thai text at its spaces only. A word too long for the width is broken between characters. A tab is a space; other control characters are left out. A line end at the end of the text begins another,
  * empty line. `style` null: opaque white, no rim, no wrapping. Null, with a text, for null, for values out of range, and when
  * memory runs out.
  */

@@ -1,0 +1,82 @@
+#!/usr/bin/env bash
+# package.sh ZIP ARCHITECTURE BUILD SOURCE: the zip as its users meet it, unpacked into a folder of its own, under Wine: what is in
+# it, what the DLLs want, hosts linked with its import libraries, all golden sums, the example's window, the debug twin, the kit.
+# BUILD has the test programs, which find the zip's DLLs; scripts/windows builds them and runs this.
+set -euo pipefail
+zip=$(realpath "$1") architecture=$2 build=$(realpath "$3") source=$(realpath "$4")
+kit_tests="kit_codes_test kit_draws_test kit_error_test kit_handles_test kit_pictures_test kit_screen_test kit_show_test kit_windows_text"
+triplet=$architecture-w64-mingw32 here=$source/tests/windows
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+fail() { echo "package: $1"; exit 1; }
+say() { echo "package $architecture: $1"; }
+
+unzip -q "$zip" -d "$scratch/unpacked here"
+package=$(echo "$scratch/unpacked here"/*)
+for file in README.txt licenses/ninefold.txt bin/libninefold.dll bin/libninefold-kit.dll bin/ninefold-debug.exe bin/win32.exe lib/ninefold/debug/libninefold.dll \
+    lib/libninefold.dll.a lib/libninefold-kit.dll.a lib/ninefold.lib lib/ninefold-kit.lib include/ninefold/ninefold.h \
+    include/ninefold/kit.h include/ninefold/debug.h examples/win32.c lib/cmake/ninefold/ninefoldConfig.cmake; do
+
+    [ -s "$package/$file" ] || fail "no $file"
+done
+! grep -n '@' "$package/README.txt" || fail "README.txt has something left to fill in"
+! grep -rIl "$source" "$package" || fail "names of this machine's folders"
+
+"$here/imports.sh" $triplet-objdump "$package"/bin/*.dll "$package"/bin/*.exe "$package"/lib/ninefold/debug/*.dll
+exports() { $triplet-objdump -p "$1" | awk '/^\[Ordinal\/Name/ { on = 1; next } on && /^\t\[/ { print $NF } on && !/\[/ { on = 0 }' | sort; }
+exports "$package/bin/libninefold.dll" >"$scratch/exports"
+declared=$(sed -nE 's/^NINEFOLD_API [^(;]*[ *]([A-Za-z0-9_]+)(\(|;).*/\1/p' "$package"/include/ninefold/*.h | sort -u)
+diff "$scratch/exports" <(echo "$declared") || fail "the library exports other names"
+[ "$(exports "$package/lib/ninefold/debug/libninefold.dll" | comm -3 "$scratch/exports" - | tr -d '\t')" = ninefoldDebugCalls ] ||
+    fail "the twin exports other names"
+say "$(wc -l <"$scratch/exports") exports, nothing wanted but what Windows has"
+
+export WINEDEBUG=-all
+if [ $architecture = x86_64 ]; then
+    wine=$(PATH=$PATH:/usr/lib/wine type -P wine64)
+    export WINEPREFIX=$source/build-wine/prefix
+else
+    wine=$source/scripts/wine32
+    export WINEPREFIX=$source/build-wine/prefix32
+    "$wine" || { say "not run: no 32-bit Wine here"; exit 0; }
+fi
+mkdir -p "$WINEPREFIX"
+"$wine" wineboot --init
+export WINEPATH=$package/bin
+
+# A host linked as the README says, for MinGW and for Microsoft's linker; both leave the same status.
+$triplet-gcc-posix "$package/examples/win32.c" -I "$package/include" -L "$package/lib" -lninefold -lgdi32 -mwindows -o "$scratch/win32.exe"
+cmp <(cd "$scratch" && "$wine" win32.exe --picture own.bmp && cat own.bmp) \
+    <(cd "$scratch" && "$wine" "$package/bin/win32.exe" --picture theirs.bmp && cat theirs.bmp) || fail "the example draws something else"
+$triplet-gcc-posix "$here/host.c" -I "$package/include" -L "$package/lib" -lninefold-kit -lninefold -o "$scratch/mingw.exe"
+target=$architecture-pc-windows-msvc
+clang -target $target -ffreestanding -nostdlibinc -O2 -fno-stack-protector -I "$package/include" -c "$here/host.c" -DNO_RUNTIME -o "$scratch/host.obj"
+lld-link /nologo /nodefaultlib /subsystem:console /entry:start "/libpath:$package/lib" ninefold.lib ninefold-kit.lib \
+    "/out:$scratch/microsoft.exe" "$scratch/host.obj"
+for program in mingw microsoft; do
+    status=0
+    "$wine" "$scratch/$program.exe" || status=$?
+    [ $status = 42 ] || fail "$program.exe ends with $status"
+done
+say "hosts linked by MinGW and by lld in the place of Microsoft's linker run"
+
+# Wine can fail to start a program and report success, so each has to say what it did.
+run() {
+    local says=$1
+    shift
+    timeout 600 "$wine" "$@" >"$scratch/output" 2>&1 || { tail -n 30 "$scratch/output"; fail "$1: status $?"; }
+    grep -q "$says" "$scratch/output" || { tail -n 30 "$scratch/output"; fail "$1 did not say '$says'"; }
+}
+run 'PASSED  . [1-9]' "$build/tests/wine/golden_dll_test.exe" --gtest_brief=1
+say "the golden sums of all codes, with the DLL"
+for test in $kit_tests; do run 'PASSED  . [1-9]' "$build/tests/kit/$test.exe" --gtest_brief=1; done
+say "the kit: $kit_tests"
+
+run 'PASSED  . [1-9]' "$build/tests/debug/debug_rules_test.exe" --gtest_brief=1
+run '^[1-9][0-9]* scenes' "$build/tests/debug/twin_scenes.exe" --every 7
+"$source/tests/wine/twin.sh" "$wine" "$package/bin/ninefold-debug.exe" "$build/tests/debug/debug_host.exe" \
+    "$build/tests/debug/debug_mistakes.exe" "$package/bin"
+say "the debug twin"
+if [ $architecture = x86_64 ]; then
+    "$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
+fi

@@ -1,0 +1,2 @@
+/* As much of it as debug.h names. */
+typedef struct StubFile FILE;
