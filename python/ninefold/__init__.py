@@ -11,7 +11,7 @@
 
 One thread draws at a time; there is one state for the whole process. What the kit refuses raises ninefold.Error with its text."""
 from . import _description as names
-from . import bands, twin
+from . import bands, captures, twin
 from ._description import (Alignment, Blend, BlendOperator, Curve, DebugAction, DebugSeverity, Filter, Format, Kind, Multi, MultiBank, MultiOp, NfkRect,
                            Perspective, PictureExtra, Prescale, Quality, RectOpt, Rule, Shahei, Shape, Stipple, TextAlignment,
                            TextureFlag, __version__)
@@ -27,7 +27,7 @@ __all__ = [
     "Alignment", "Blend", "BlendOperator", "Curve", "DebugAction", "DebugSeverity", "Error", "Filter", "Font", "FontInfo", "Format", "Kernel", "Kind",
     "LayoutError", "Multi", "MultiBank", "MultiOp", "NfkRect", "Operator", "Perspective", "PictureExtra", "Prescale", "Quality",
     "RectOpt", "Rule", "Screen", "Shahei", "Shape", "Stipple", "Text", "TextAlignment", "TextLine", "TextSize", "Texture",
-    "TextureFlag", "__version__", "bands", "code_exists", "code_of", "draw_lines", "draw_many", "draw_rectangles", "explain", "flush", "gradient",
+    "TextureFlag", "__version__", "bands", "captures", "code_exists", "code_of", "draw_lines", "draw_many", "draw_rectangles", "explain", "flush", "gradient",
     "kit", "library", "line", "load", "mesh", "modes", "name_of", "names", "rectangle", "selected", "sprite", "state", "stretch", "threads",
     "transition", "turned", "twin",
 ]
