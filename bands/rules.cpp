@@ -246,6 +246,7 @@ Fate Judge::judge(const Kind &kind, Draw &draw)
     draw.top = top, draw.bottom = bottom;
     draw.kernel = kind.banded;
     draw.mend = Mend::none, draw.levels = false;
+    draw.leaves = kind.driven || n.lineLevels;
     if (top >= bottom || (left >= right && n.shape != Shape::triangle)) // the edges of triangles are truncated slopes
         return Fate::nothing;
 
