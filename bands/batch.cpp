@@ -9,7 +9,7 @@ constexpr size_t lineOfCache = 64;
 
 // What the rows of a band may take of a core's second-level cache where they are drawn again and again, and the fewest rows that
 // are worth a band: every draw that crosses its border begins once more.
-constexpr int32_t bandBytes = 560 << 10, fewestRows = 16, bandsPerThread = 8, fewBandsPerThread = 4;
+constexpr int32_t bandBytes = 560 << 10, fewestRows = 16, bandsPerThread = 8, fewBandsPerThread = 6;
 
 } // namespace
 
@@ -31,22 +31,29 @@ void *Arena::take(size_t bytes)
 void Batch::clear()
 {
     draws.clear();
+    busy.clear();
+    last = nullptr;
     arena.clear();
     nanoseconds = pixels = 0;
 }
 
-void Batch::keep(const Kind &kind, Draw &draw)
+// The state of a draw: that of the one before, where nothing but busy fields has changed.
+const RenderState *Batch::keep(const Kind &kind, const Draw &draw)
 {
+    const layer::Needs &n = *kind.needs;
+    const bool shifts = n.scanShift && rs.scanShift, asItIs = !n.callsBlend && !n.callsMulti && !n.lineTable0 && !shifts;
+    if (asItIs && last && sameButBusy(*last, rs))
+        return last;
     auto *const state = static_cast<RenderState *>(arena.take(sizeof(RenderState)));
     copyState(*state, rs);
-    draw.state = state;
-    const layer::Needs &n = *kind.needs;
+    if (asItIs)
+        return last = state;
     if (n.callsBlend)
         state->blendFunc = judge.bandedFor(rs.blendFunc);
     if (n.callsMulti)
         state->multiFunc = judge.bandedFor(rs.multiFunc);
     const auto count = size_t(draw.bottom - draw.top);
-    if (n.scanShift && rs.scanShift)
+    if (shifts)
         state->scanShift = arena.copy(rs.scanShift + draw.top, count) - draw.top;
     if (n.lineTable0) { // begins at the unclipped rectangle's top
         const int32_t first = draw.top - std::min(rs.vertex[0].y + rs.originY, rs.vertex[1].y + rs.originY);
@@ -54,6 +61,7 @@ void Batch::keep(const Kind &kind, Draw &draw)
         if (n.lineTable1)
             state->lineTable1 = arena.copy(rs.lineTable1 + first, count) - first;
     }
+    return state;
 }
 
 Fate Batch::record(layer::Id id, float least)
@@ -69,7 +77,8 @@ Fate Batch::record(layer::Id id, float least)
     if (fate == Fate::cut && draws.empty() && judge.cost() < least)
         return Fate::cheap;
     if (fate == Fate::cut) {
-        keep(kind, draw);
+        draw.state = keep(kind, draw);
+        copyBusy(busy.emplace_back(), rs);
         top = draws.empty() ? draw.top : std::min(top, draw.top);
         bottom = draws.empty() ? draw.bottom : std::max(bottom, draw.bottom);
         draws.push_back(draw);
@@ -99,22 +108,12 @@ void Batch::drawBand(int band) const
     drawRows(begin, std::min(begin + bandRows, bottom));
 }
 
-void Batch::drawRows(int32_t begin, int32_t end) const
+void Batch::drawRows(int32_t from, int32_t to) const
 {
-    // While one is drawn the state of the next comes, most likely from another core's cache.
-    const Draw *found = nullptr;
-    for (const Draw &draw : draws) {
-        if (draw.top >= end || draw.bottom <= begin)
-            continue;
-        const auto *const state = reinterpret_cast<const std::byte *>(draw.state);
-        for (size_t at = 0; at < sizeof(RenderState); at += lineOfCache)
-            __builtin_prefetch(state + at);
-        if (found)
-            drawBetween(*found, begin, end);
-        found = &draw;
-    }
-    if (found)
-        drawBetween(*found, begin, end);
+    const RenderState *loaded = nullptr;
+    for (size_t k = 0; k < draws.size(); ++k)
+        if (const Draw &draw = draws[k]; draw.top < to && draw.bottom > from)
+            drawBetween(draw, busy[k], from, to, loaded);
 }
 
 } // namespace bands

@@ -54,7 +54,7 @@ public:
     // One of them: on any thread, in any order.
     void drawBand(int band) const;
     // Rows that need not be a band.
-    void drawRows(int32_t top, int32_t bottom) const;
+    void drawRows(int32_t from, int32_t to) const;
     void drawAll() const { drawRows(top, bottom); }
     int32_t firstRow() const { return top; }
     int32_t endRow() const { return bottom; }
@@ -64,13 +64,15 @@ public:
 private:
     static constexpr size_t mostDraws = 16384, mostBytes = size_t{64} << 20;
     std::vector<Draw> draws;
+    std::vector<BusyFields> busy; // of each draw
+    const RenderState *last = nullptr; // the state of the last draw that has rs as it was
     Arena arena;
     Judge judge;
     int32_t top = 0, bottom = 0, bandRows = 1;
     double nanoseconds = 0;
     double pixels = 0;
 
-    void keep(const Kind &kind, Draw &draw);
+    const RenderState *keep(const Kind &kind, const Draw &draw);
 };
 
 } // namespace bands

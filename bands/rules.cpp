@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -117,12 +118,11 @@ const Kind &kindOf(layer::Id id)
 float costAtMost(const Kind &kind)
 {
     const Vertex *const v = rs.vertex;
-    float left = float(v[0].x), right = left, top = float(v[0].y), bottom = top;
-    for (int k = 1; k < (kind.needs->shape == Shape::triangle ? 3 : 2); ++k) {
-        left = std::min(left, float(v[k].x)), right = std::max(right, float(v[k].x));
-        top = std::min(top, float(v[k].y)), bottom = std::max(bottom, float(v[k].y));
-    }
-    return costOf(kind, right - left, bottom - top);
+    if (kind.needs->shape != Shape::triangle)
+        return costOf(kind, std::fabs(float(v[1].x) - float(v[0].x)), std::fabs(float(v[1].y) - float(v[0].y)));
+    const auto [left, right] = std::minmax({v[0].x, v[1].x, v[2].x});
+    const auto [top, bottom] = std::minmax({v[0].y, v[1].y, v[2].y});
+    return costOf(kind, float(right) - float(left), float(bottom) - float(top));
 }
 
 Target Target::current()
@@ -246,6 +246,7 @@ Fate Judge::judge(const Kind &kind, Draw &draw)
     draw.top = top, draw.bottom = bottom;
     draw.kernel = kind.banded;
     draw.mend = Mend::none, draw.levels = false;
+    draw.leaves = kind.driven || n.lineLevels;
     if (top >= bottom || (left >= right && n.shape != Shape::triangle)) // the edges of triangles are truncated slopes
         return Fate::nothing;
 

@@ -26,21 +26,48 @@ namespace {
 
 using namespace ninefold;
 
-// The bytes of the fields from one to another, by vectors: neither a call nor a string instruction is worth it.
-using Block [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = uint8_t;
+// Bytes by vectors: neither a call nor a string instruction is worth it.
+using Block [[gnu::vector_size(16), gnu::aligned(1), gnu::may_alias]] = uint64_t;
+constexpr size_t blockSize = 16;
+template <size_t size, class Body>
+[[gnu::always_inline]] inline void forEachBlock(Body &&body)
+{
+    [&]<size_t... k>(std::index_sequence<k...>)
+    {
+        (body(k * blockSize), ...);
+        if constexpr (size % blockSize != 0) // the last one overlaps the one before
+            body(size - blockSize);
+    }
+    (std::make_index_sequence<size / blockSize>());
+}
+template <size_t size>
+[[gnu::always_inline]] inline void copyBytes(void *to, const void *from)
+{
+    forEachBlock<size>([&](size_t at) {
+        *reinterpret_cast<Block *>(static_cast<std::byte *>(to) + at) =
+            *reinterpret_cast<const Block *>(static_cast<const std::byte *>(from) + at);
+    });
+}
 template <size_t begin, size_t end>
 [[gnu::always_inline]] inline void copyFields(RenderState &to, const RenderState &from)
 {
-    auto *const out = reinterpret_cast<std::byte *>(&to) + begin;
-    const auto *const in = reinterpret_cast<const std::byte *>(&from) + begin;
-    constexpr size_t blocks = (end - begin) / sizeof(Block), copied = blocks * sizeof(Block);
-    [&]<size_t... k>(std::index_sequence<k...>)
-    {
-        ((reinterpret_cast<Block *>(out)[k] = reinterpret_cast<const Block *>(in)[k]), ...);
-    }
-    (std::make_index_sequence<blocks>());
-    std::memcpy(out + copied, in + copied, end - begin - copied);
+    copyBytes<end - begin>(reinterpret_cast<std::byte *>(&to) + begin, reinterpret_cast<const std::byte *>(&from) + begin);
 }
+template <size_t begin, size_t end>
+[[gnu::always_inline]] inline Block difference(const RenderState &a, const RenderState &b)
+{
+    Block found{};
+    forEachBlock<end - begin>([&](size_t at) {
+        found |= *reinterpret_cast<const Block *>(reinterpret_cast<const std::byte *>(&a) + begin + at) ^
+                 *reinterpret_cast<const Block *>(reinterpret_cast<const std::byte *>(&b) + begin + at);
+    });
+    return found;
+}
+
+// Behind the busy fields up to the modes, then the scratch, and the mosaic's sizes with what lies before them.
+constexpr size_t factorsEnd = offsetof(RenderState, prescaleMode), scratchBegin = offsetof(RenderState, mipFrac),
+                 scratchEnd = offsetof(RenderState, fontName), mosaicBegin = sizeof(RenderState) - blockSize;
+static_assert(mosaicBegin <= offsetof(RenderState, mosaicSize1));
 
 // A line flatter than steep that ends inside the clip rectangle leaves its end pixel out, which may lie a row off the end vertex.
 // A band without the row of the vertex takes the end for outside: there the column is cut off.
@@ -93,18 +120,34 @@ std::vector<DrawFunc> makeKernels(std::index_sequence<family...>)
 
 void copyState(RenderState &to, const RenderState &from)
 {
-    copyFields<0, offsetof(RenderState, prescaleMode)>(to, from);
-    copyFields<offsetof(RenderState, mipFrac), offsetof(RenderState, fontName)>(to, from);
-    copyFields<offsetof(RenderState, mosaicSize1), sizeof(RenderState)>(to, from);
+    copyFields<0, factorsEnd>(to, from);
+    copyFields<scratchBegin, scratchEnd>(to, from);
+    copyFields<mosaicBegin, sizeof(RenderState)>(to, from);
 }
 
-void drawBetween(const Draw &draw, int32_t top, int32_t bottom)
+bool sameButBusy(const RenderState &a, const RenderState &b)
 {
-    copyState(rs, *draw.state);
-    rs.clipTop = std::max(rs.clipTop, top);
-    rs.clipBottom = std::min(rs.clipBottom, bottom);
+    const Block found =
+        difference<0, busyBegin>(a, b) | difference<busyEnd, factorsEnd>(a, b) | difference<scratchBegin, scratchEnd>(a, b);
+    return (found[0] | found[1]) == 0 && a.mosaicSize == b.mosaicSize && a.mosaicSize1 == b.mosaicSize1;
+}
+
+void copyBusy(BusyFields &to, const RenderState &from)
+{
+    copyBytes<sizeof to.bytes>(to.bytes, reinterpret_cast<const std::byte *>(&from) + busyBegin);
+}
+
+void drawBetween(const Draw &draw, const BusyFields &busy, int32_t top, int32_t bottom, const RenderState *&loaded)
+{
+    const RenderState &state = *draw.state;
+    if (loaded != &state)
+        copyState(rs, state);
+    copyBytes<sizeof busy.bytes>(reinterpret_cast<std::byte *>(&rs) + busyBegin, busy.bytes);
+    rs.clipTop = std::max(state.clipTop, top);
+    rs.clipBottom = std::min(state.clipBottom, bottom);
+    loaded = draw.leaves || draw.mend != Mend::none ? nullptr : &state;
     if (draw.mend == Mend::lineEnd) {
-        if (!cutEnd(*draw.state))
+        if (!cutEnd(state))
             return;
     } else if (draw.mend != Mend::none) {
         passRows(draw);

@@ -4,6 +4,7 @@
 
 #include "layer.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace bands {
@@ -16,17 +17,24 @@ enum class Mend : uint8_t {
     lineLevels, // of a line table: weights of mip levels too
 };
 
+// The fields that differ from draw to draw most: color, vertex, uv0 and tex0, which lie side by side.
+constexpr size_t busyBegin = offsetof(RenderState, color), busyEnd = offsetof(RenderState, uv1);
+struct BusyFields {
+    alignas(8) std::byte bytes[busyEnd - busyBegin];
+};
+
 // A draw as it was recorded.
 struct Draw {
     int32_t top, bottom; // no row outside is read or written
     DrawFunc kernel; // of the second copy
-    const RenderState *state; // rs as it stood; operators are those of the second copy
+    const RenderState *state; // rs as it stood, but for its busy fields; operators are those of the second copy
     Mend mend;
     bool levels, next, marks, second; // of the kernel's frame, where rows of a line table are passed
+    bool leaves; // the kernel changes rs
 };
 
-// Draws the rows from top to bottom - 1 of it.
-void drawBetween(const Draw &draw, int32_t top, int32_t bottom);
+// Draws the rows from top to bottom - 1 of it. `loaded` is the state that the thread's own rs still holds, null at first.
+void drawBetween(const Draw &draw, const BusyFields &busy, int32_t top, int32_t bottom, const RenderState *&loaded);
 
 // The second copy's kernel of a record in table order, function (null: it has none), and operator by index.
 DrawFunc bandedKernel(uint32_t record);
@@ -36,7 +44,9 @@ PixelOperator bandedOperator(int index);
 // The tables and the instruction set of the library become those of the second copy.
 void takeTables(const int32_t (&shifts)[256], const uint32_t (&steps)[32], int lanes);
 
-// The fields that kernels read and write; the others stay.
+// Of the fields that kernels read and write: a copy, and of those which are not busy whether they are the same.
 void copyState(RenderState &to, const RenderState &from);
+bool sameButBusy(const RenderState &a, const RenderState &b);
+void copyBusy(BusyFields &to, const RenderState &from);
 
 } // namespace bands
