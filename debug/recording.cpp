@@ -49,11 +49,11 @@ bool startRecording()
     return recorder() != nullptr;
 }
 
-void stopRecording()
+bool stopRecording()
 {
     const std::unique_ptr<capture::Recorder> ended = std::move(recorder());
     if (!ended)
-        return;
+        return true;
     ended->close();
     if (!ended->good())
         complain("cannot write all of " + ended->settings().path + "; is the disk full?");
@@ -63,6 +63,7 @@ void stopRecording()
                      static_cast<unsigned long long>(ended->bytes()),
                      ended->lost() ? (", without " + std::to_string(ended->lost()) + " of missing memory").c_str() : "",
                      ended->settings().path.c_str());
+    return ended->good();
 }
 
 bool isRecording() { return recorder() != nullptr; }

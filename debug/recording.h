@@ -12,8 +12,8 @@ namespace debug {
 
 // Starts a file as the settings name it; false, and a message, where it cannot be written. Ends the one before.
 bool startRecording();
-// The file is whole afterwards.
-void stopRecording();
+// The file is whole afterwards; false where it could not be written.
+bool stopRecording();
 bool isRecording();
 
 void recordBefore(layer::Id id, const layer::Footprint &footprint);
@@ -25,7 +25,7 @@ void recordLabel(const void *address, const char *name);
 #else
 
 inline bool startRecording() { return false; }
-inline void stopRecording() {}
+inline bool stopRecording() { return true; }
 inline bool isRecording() { return false; }
 inline void recordBefore(layer::Id, const layer::Footprint &) {}
 inline void recordAfter() {}

@@ -1,5 +1,8 @@
 #include "command.h"
 
+#include "recording.h"
+#include "report.h"
+
 #include <ninefold/kit.h>
 
 #include <cerrno>
@@ -106,6 +109,36 @@ std::string grouped(uint64_t number)
 std::string drawLabel(const DrawEvent &draw)
 {
     return "draw " + std::to_string(draw.number) + " of frame " + std::to_string(draw.frame) + ", " + draw.name;
+}
+
+Range rangeOf(const std::string &text, const std::string &what)
+{
+    const size_t dots = text.find("..");
+    if (dots == std::string::npos) {
+        const uint64_t number = numberOf(text, what, 1, UINT64_MAX);
+        return {number, number};
+    }
+    const uint64_t first = numberOf(text.substr(0, dots), "the first of " + what, 1, UINT64_MAX);
+    return {first, numberOf(text.substr(dots + 2), "the last of " + what, first, UINT64_MAX)};
+}
+
+void startRecording(const std::string &path, const Player &player)
+{
+    debug::Settings &s = debug::settings();
+    s.capture = path;
+    s.captureTextures = 1; // memory of ours moves
+    s.captureLevel = 9;
+    if (!debug::startRecording())
+        fail(statusFile, "cannot write " + path);
+    for (const auto &[address, texture] : player.textures())
+        if (const auto label = player.labels().find(address); label != player.labels().end())
+            debug::recordLabel(texture.record.get(), label->second.c_str());
+}
+
+void endRecording(const std::string &path)
+{
+    if (!debug::stopRecording())
+        fail(statusFile, "cannot write all of " + path);
 }
 
 void makeDirectory(const std::string &directory)

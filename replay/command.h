@@ -102,7 +102,23 @@ void writePicture(const capture::Player::Picture &picture, const std::string &pa
 // The state of a draw in words, on standard output. `previous`: cells of rs before the draw before, or empty.
 void printState(const capture::Player &player, const std::vector<uint64_t> &previous);
 
+// From the words A..B, or one number for both.
+struct Range {
+    uint64_t first, last;
+    bool holds(uint64_t number) const { return number >= first && number <= last; }
+};
+Range rangeOf(const std::string &text, const std::string &what);
+
+// Draws from now on go to a new capture; endRecording says whether it is whole.
+void startRecording(const std::string &path, const capture::Player &player);
+void endRecording(const std::string &path);
+
 int runInfo(const Arguments &);
+int runTrim(const Arguments &);
+int runTime(const Arguments &);
+int runDiff(const Arguments &);
+int runMinimise(const Arguments &);
+int runExport(const Arguments &);
 int runVerify(const Arguments &);
 int runFrames(const Arguments &);
 int runDraw(const Arguments &);

@@ -88,6 +88,9 @@ public:
     // Empty, or what differs from the recorded result, in words.
     std::string compare() const;
 
+    // Another value for a cell of rs before the draw; prepare() then works from it.
+    void change(size_t cell, uint64_t value) { cells[cell] = value; }
+
     // Bytes of what the draw may write, to go back to.
     Bytes save() const;
     void restore(const Bytes &saved);

@@ -1,0 +1,209 @@
+// The commands time and diff.
+#include "command.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+
+namespace replay {
+
+using namespace capture;
+using Step = Player::Step;
+
+namespace {
+
+struct Timed {
+    uint64_t draw, frame, nanoseconds, recorded, pixels;
+    uint32_t kernel; // index of its name
+};
+
+struct Sum {
+    uint64_t draws = 0, nanoseconds = 0, recorded = 0, pixels = 0;
+};
+
+std::string escaped(const std::string &text)
+{
+    std::string result;
+    for (const char c : text)
+        result += c == '<' ? "&lt;" : c == '&' ? "&amp;" : std::string(1, c);
+    return result;
+}
+
+void writePage(const std::string &path, const std::string &title, const std::vector<Timed> &draws,
+               const std::vector<std::string> &names)
+{
+    constexpr size_t mostFrames = 40;
+    constexpr double width = 1200;
+    std::map<uint64_t, uint64_t> frames; // with their time
+    for (const Timed &draw : draws)
+        frames[draw.frame] += draw.nanoseconds;
+    std::vector<std::pair<uint64_t, uint64_t>> slowest;
+    for (const auto &[frame, time] : frames)
+        slowest.emplace_back(time, frame);
+    std::sort(slowest.rbegin(), slowest.rend());
+    if (slowest.size() > mostFrames)
+        slowest.resize(mostFrames);
+    std::sort(slowest.begin(), slowest.end(), [](const auto &a, const auto &b) { return a.second < b.second; });
+    uint64_t longest = 1;
+    for (const auto &[time, frame] : slowest)
+        longest = std::max(longest, time);
+    std::FILE *const page = std::fopen(path.c_str(), "w");
+    if (!page)
+        fail(statusFile, "cannot write " + path);
+    std::fprintf(
+        page,
+        "<!doctype html>\n<html lang=\"en\"><meta charset=\"utf-8\"><title>%s</title>\n<style>body{font:14px "
+        "sans-serif;margin:2em}rect{stroke:#fff;stroke-width:.3}td{padding:0 1em 0 0;text-align:right}td:last-child{text-"
+        "align:left}</style>\n<h1>%s</h1>\n<p>%s draws in %s frames. Each line is a frame, as long as its draws took "
+        "together, from left to right in their order; the longest is %.3f ms. Point at a draw for its name.</p>\n",
+        escaped(title).c_str(), escaped(title).c_str(), grouped(draws.size()).c_str(), grouped(frames.size()).c_str(),
+        double(longest) / 1e6);
+    for (const auto &[time, frame] : slowest) {
+        std::fprintf(page, "<div>frame %llu, %.3f ms</div><svg width=\"%.0f\" height=\"22\">\n",
+                     static_cast<unsigned long long>(frame), double(time) / 1e6, width);
+        double x = 0;
+        for (const Timed &draw : draws) {
+            if (draw.frame != frame)
+                continue;
+            const double size = width * double(draw.nanoseconds) / double(longest);
+            std::fprintf(page,
+                         "<rect x=\"%.2f\" width=\"%.2f\" height=\"20\" fill=\"hsl(%u,60%%,55%%)\"><title>draw %llu, %s: %s "
+                         "ns, %s pixels</title></rect>\n",
+                         x, size, draw.kernel * 47 % 360, static_cast<unsigned long long>(draw.draw),
+                         escaped(names[draw.kernel]).c_str(), grouped(draw.nanoseconds).c_str(), grouped(draw.pixels).c_str());
+            x += size;
+        }
+        std::fputs("</svg>\n", page);
+    }
+    std::fputs("</html>\n", page);
+    const bool bad = std::ferror(page) != 0;
+    if (std::fclose(page) != 0 || bad)
+        fail(statusFile, "cannot write all of " + path);
+}
+
+} // namespace
+
+int runTime(const Arguments &arguments)
+{
+    const Opened opened(arguments.words[0]);
+    const Drawer drawer(arguments);
+    const uint64_t repeats = numberOf(arguments.text("repeat", "5"), "--repeat", 1, 100000);
+    Player &player = *opened.player;
+    Progress progress("time", *opened.reader);
+    std::vector<Timed> draws;
+    std::vector<std::string> names;
+    std::map<std::string, uint32_t> indices;
+    for (Step step; (step = player.next()) != Step::end;) {
+        progress.show(player);
+        if (step == Step::frame || !player.prepare(arguments.has("unchecked")))
+            continue;
+        const Bytes before = player.save();
+        uint64_t least = UINT64_MAX;
+        for (uint64_t k = 0; k < repeats; ++k) {
+            player.restore(before);
+            least = std::min(least, player.make(drawer.library()));
+        }
+        const layer::Pixels p = player.footprint().pixels;
+        const DrawEvent &draw = player.draw();
+        const auto [index, isNew] = indices.emplace(draw.name, uint32_t(names.size()));
+        if (isNew)
+            names.push_back(draw.name);
+        draws.push_back({draw.number, draw.frame, least, draw.nanoseconds,
+                         p.empty() ? 0 : uint64_t(int64_t{p.right} - p.left) * uint64_t(int64_t{p.bottom} - p.top),
+                         index->second});
+        player.finish();
+    }
+    std::vector<std::pair<std::string, Sum>> kernels;
+    for (const std::string &name : names)
+        kernels.emplace_back(name, Sum{});
+    Sum all;
+    for (const Timed &draw : draws)
+        for (Sum *const sum : {&kernels[draw.kernel].second, &all})
+            ++sum->draws, sum->nanoseconds += draw.nanoseconds, sum->recorded += draw.recorded, sum->pixels += draw.pixels;
+    std::stable_sort(kernels.begin(), kernels.end(),
+                     [](const auto &a, const auto &b) { return a.second.nanoseconds > b.second.nanoseconds; });
+    std::printf("%s: %s draws, %.3f ms in kernels, the shortest of %s runs each; %.3f ms where it was recorded\n\n",
+                opened.path.c_str(), grouped(all.draws).c_str(), double(all.nanoseconds) / 1e6, grouped(repeats).c_str(),
+                double(all.recorded) / 1e6);
+    std::printf("%8s %12s %12s %10s %9s  kernel or function\n", "draws", "ms", "recorded ms", "ns/draw", "ns/pixel");
+    for (const auto &[name, sum] : kernels)
+        std::printf("%8s %12.3f %12.3f %10.0f %9.3f  %s\n", grouped(sum.draws).c_str(), double(sum.nanoseconds) / 1e6,
+                    double(sum.recorded) / 1e6, double(sum.nanoseconds) / double(sum.draws),
+                    sum.pixels ? double(sum.nanoseconds) / double(sum.pixels) : 0.0, name.c_str());
+    std::vector<Timed> slowest = draws;
+    std::stable_sort(slowest.begin(), slowest.end(),
+                     [](const Timed &a, const Timed &b) { return a.nanoseconds > b.nanoseconds; });
+    if (slowest.size() > 20)
+        slowest.resize(20);
+    std::printf("\nthe slowest draws\n%8s %8s %12s %10s  kernel or function\n", "draw", "frame", "ns", "pixels");
+    for (const Timed &draw : slowest)
+        std::printf("%8s %8s %12s %10s  %s\n", grouped(draw.draw).c_str(), grouped(draw.frame).c_str(),
+                    grouped(draw.nanoseconds).c_str(), grouped(draw.pixels).c_str(), names[draw.kernel].c_str());
+    if (arguments.has("html"))
+        writePage(arguments.text("html", ""), opened.path, draws, names);
+    return opened.complaint();
+}
+
+int runDiff(const Arguments &arguments)
+{
+    const Opened first(arguments.words[0]), second(arguments.words[1]);
+    Player &a = *first.player, &b = *second.player;
+    Progress progress("diff", *first.reader);
+    const auto next = [](Player &player) {
+        Step step;
+        while ((step = player.next()) == Step::frame) {
+        }
+        return step;
+    };
+    for (;;) {
+        const Step ofA = next(a), ofB = next(b);
+        progress.show(a);
+        if (ofA == Step::end || ofB == Step::end) {
+            const int status = std::max(first.complaint(), second.complaint());
+            if (ofA == ofB) {
+                std::printf("%s draws, all alike\n", grouped(a.draws()).c_str());
+                return status;
+            }
+            const Opened &longer = ofA == Step::end ? second : first;
+            std::printf("%s goes on where the other ends, after draw %s\n", longer.path.c_str(),
+                        grouped((ofA == Step::end ? a : b).draws()).c_str());
+            return statusFound;
+        }
+        const DrawEvent &one = a.draw(), &other = b.draw();
+        std::vector<std::string> words;
+        if (one.name != other.name)
+            words.push_back("the other draws " + other.name);
+        for (size_t k = 0; k < stateCells().size(); ++k) {
+            const Cell &cell = stateCells()[k];
+            uint64_t is = a.state()[k], wanted = b.state()[k];
+            if (cell.kind == Cell::Kind::address) // addresses say nothing
+                is = is != 0, wanted = wanted != 0;
+            if (cell.kind == Cell::Kind::texture) {
+                const auto sizes = [](const Player &player, uint64_t address) {
+                    const auto found = player.textures().find(address);
+                    if (!address || found == player.textures().end() || !found->second.told)
+                        return uint64_t{0};
+                    return uint64_t{found->second.record->width} << 32 | found->second.record->height;
+                };
+                is = sizes(a, is), wanted = sizes(b, wanted);
+            }
+            if (is != wanted)
+                words.push_back("rs." + cell.name + " is " + std::to_string(int64_t(is)) + ", in the other " +
+                                std::to_string(int64_t(wanted)));
+        }
+        if (words.empty() && one.hasResult && other.hasResult)
+            for (int part = 0; part < 3; ++part)
+                if (one.result.hash[part] != other.result.hash[part])
+                    words.push_back(part == 0   ? "the frame buffer is another afterwards"
+                                    : part == 1 ? "the Shahei plane is another afterwards"
+                                                : "the priorities are others afterwards");
+        if (words.empty())
+            continue;
+        std::printf("%s\n", drawLabel(one).c_str());
+        for (const std::string &word : words)
+            std::printf("  %s\n", word.c_str());
+        return statusFound;
+    }
+}
+
+} // namespace replay

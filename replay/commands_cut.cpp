@@ -1,0 +1,369 @@
+// The commands that write captures: trim and minimise.
+#include "command.h"
+
+#include "layer.h"
+#include "recording.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <optional>
+
+#ifndef _WIN32
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace replay {
+
+using namespace capture;
+using Step = Player::Step;
+
+int runTrim(const Arguments &arguments)
+{
+    if (arguments.has("frames") == arguments.has("draws"))
+        fail(statusUsage, "trim needs either --frames A..B or --draws A..B");
+    const bool byFrame = arguments.has("frames");
+    const Range range = rangeOf(arguments.text(byFrame ? "frames" : "draws", ""), byFrame ? "--frames" : "--draws");
+    const Opened opened(arguments.words[0]);
+    const std::string &out = arguments.words[1];
+    Player &player = *opened.player;
+    Progress progress("trim", *opened.reader);
+    uint64_t kept = 0, refused = 0, different = 0;
+    bool records = false;
+    for (Step step; (step = player.next()) != Step::end;) {
+        progress.show(player);
+        const uint64_t number = !byFrame              ? player.draw().number
+                                : step == Step::frame ? player.frame().number
+                                                      : player.draw().frame;
+        if (number > range.last)
+            break;
+        if (step == Step::frame) {
+            if (records)
+                debug::recordFrame(player.frame().cut == Cut::buffer);
+            continue;
+        }
+        const bool keeps = range.holds(number);
+        if (keeps && !records) {
+            startRecording(out, player);
+            records = true;
+        }
+        if (!player.prepare(arguments.has("unchecked"))) {
+            ++refused;
+            continue;
+        }
+        player.make(Library::linked());
+        kept += keeps;
+        different += keeps && !player.compare().empty();
+        player.finish();
+    }
+    if (!records)
+        fail(statusUsage,
+             opened.path + " ends before: it has " + grouped(player.frames()) + " frames, " + grouped(player.draws()) + " draws");
+    endRecording(out);
+    const int status = opened.complaint();
+    std::printf("%s: %s draws\n", out.c_str(), grouped(kept).c_str());
+    if (refused)
+        std::printf("%s draws could not be made and are not in it\n", grouped(refused).c_str());
+    if (different)
+        std::printf("%s draws are not as recorded: the results in it are those of this program's library\n",
+                    grouped(different).c_str());
+    return refused || different ? statusFound : status;
+}
+
+namespace {
+
+enum class Verdict : uint8_t { same, differs, crashes };
+
+// Does something that may crash, in a process of its own where there are such.
+Verdict judge(const std::function<bool()> &differs)
+{
+#ifdef _WIN32
+    return differs() ? Verdict::differs : Verdict::same;
+#else
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child < 0)
+        fail(statusFile, "cannot start a process");
+    if (child == 0) {
+        for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
+            std::signal(signal, SIG_DFL);
+        alarm(20); // what does not end counts as a crash
+        _exit(differs() ? 1 : 0);
+    }
+    int status = 0;
+    if (waitpid(child, &status, 0) < 0)
+        fail(statusFile, "cannot wait for a process");
+    return !WIFEXITED(status) ? Verdict::crashes : WEXITSTATUS(status) == 1 ? Verdict::differs : Verdict::same;
+#endif
+}
+
+// One draw, made by the linked library and by another.
+class Case {
+public:
+    Case(Player &is, Library &wanted) : player(is), other(wanted) {}
+
+    // Whether it fails still, in the way that it first did.
+    bool fails()
+    {
+        ++tries;
+        if (!player.prepare())
+            return false;
+        const bool does = judge([&] { return differs(); }) == verdict;
+        player.finish();
+        return does;
+    }
+    // In this process. Afterwards memory is as before.
+    bool differs()
+    {
+        const Bytes before = player.save();
+        player.make(Library::linked());
+        const Bytes wanted = player.save();
+        const Result result = player.now();
+        const std::vector<uint64_t> state = numbers();
+        player.restore(before);
+        player.make(other);
+        const bool same = player.save() == wanted && numbers() == state && player.now().digest[0] == result.digest[0] &&
+                          player.now().digest[1] == result.digest[1];
+        player.restore(before);
+        return !same;
+    }
+
+    Player &player;
+    Library &other;
+    Verdict verdict = Verdict::differs;
+    uint64_t tries = 0;
+
+private:
+    static std::vector<uint64_t> numbers()
+    {
+        std::vector<uint64_t> values;
+        for (const Cell &cell : stateCells())
+            if (cell.kind == Cell::Kind::number)
+                values.push_back(readCell(cell, &rs));
+        return values;
+    }
+};
+
+// The first draw that fails, made in a process of its own. Its number, 0 if there is none.
+uint64_t findFailure(const std::string &path, Library &other, Verdict &verdict)
+{
+    struct Found {
+        uint64_t draw;
+        bool failed;
+    };
+    const auto scan = [&](const std::function<void(uint64_t)> &doing) {
+        const Opened opened(path);
+        Player &player = *opened.player;
+        Case one(player, other);
+        for (Step step; (step = player.next()) != Step::end;) {
+            if (step == Step::frame || !player.prepare())
+                continue;
+            doing(player.draw().number);
+            if (one.differs())
+                return true;
+            player.make(Library::linked());
+            player.finish();
+        }
+        return false;
+    };
+    uint64_t last = 0;
+#ifdef _WIN32
+    verdict = Verdict::differs;
+    return scan([&](uint64_t number) { last = number; }) ? last : 0;
+#else
+    int pipes[2];
+    if (pipe(pipes) != 0)
+        fail(statusFile, "cannot make a pipe");
+    const pid_t child = fork();
+    if (child == 0) {
+        close(pipes[0]);
+        const bool failed = scan([&](uint64_t number) {
+            if (write(pipes[1], &number, sizeof number) != ssize_t(sizeof number))
+                _exit(3);
+        });
+        _exit(failed ? 1 : 0);
+    }
+    close(pipes[1]);
+    for (uint64_t number; read(pipes[0], &number, sizeof number) == ssize_t(sizeof number);)
+        last = number;
+    close(pipes[0]);
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) < 0)
+        fail(statusFile, "cannot start a process");
+    verdict = WIFEXITED(status) ? Verdict::differs : Verdict::crashes;
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : last;
+#endif
+}
+
+// The clip rectangle, halved from each side as long as it still fails.
+void shrinkClip(Case &one)
+{
+    Player &player = one.player;
+    static constexpr const char *names[] = {"clipLeft", "clipTop", "clipRight", "clipBottom"};
+    size_t cell[4];
+    for (int side = 0; side < 4; ++side)
+        cell[side] = stateCell(names[side]);
+    if (!player.prepare())
+        return;
+    const layer::Pixels p = player.footprint().pixels;
+    player.finish();
+    int64_t at[4] = {p.left, p.top, p.right, p.bottom};
+    const auto put = [&](const int64_t(&to)[4]) {
+        for (int side = 0; side < 4; ++side)
+            player.change(cell[side], uint64_t(to[side]));
+    };
+    int64_t old[4];
+    for (int side = 0; side < 4; ++side)
+        old[side] = int64_t(player.state()[cell[side]]);
+    put(at);
+    if (!one.fails())
+        std::memcpy(at, old, sizeof at), put(at);
+    for (bool shrinks = true; shrinks;) {
+        shrinks = false;
+        for (int side = 0; side < 4; ++side) {
+            const int64_t size = std::abs(at[(side + 2) % 4] - at[side]);
+            for (int64_t step = size / 2; step > 0; step /= 2) {
+                int64_t tried[4];
+                std::memcpy(tried, at, sizeof at);
+                tried[side] += side < 2 ? step : -step;
+                put(tried);
+                if (!one.fails())
+                    continue;
+                std::memcpy(at, tried, sizeof at);
+                shrinks = true;
+                break;
+            }
+        }
+    }
+    put(at);
+}
+
+// Numbers of rs that are as good as 0.
+void shrinkState(Case &one)
+{
+    for (size_t k = 0; k < stateCells().size(); ++k) {
+        const uint64_t value = one.player.state()[k];
+        if (!value || stateCells()[k].kind != Cell::Kind::number || stateCells()[k].name.compare(0, 3, "dst") == 0)
+            continue;
+        one.player.change(k, 0);
+        if (!one.fails())
+            one.player.change(k, value);
+    }
+}
+
+// Memory that is as good as zeros, in ever smaller parts. Of textures half a texel is none, so parts are whole elements.
+void shrinkMemory(Case &one)
+{
+    Player &player = one.player;
+    if (!player.prepare())
+        return;
+    const std::vector<Rows> all = player.rows();
+    player.finish();
+    for (const Rows &rows : all) {
+        std::vector<std::pair<uintptr_t, size_t>> parts; // of bytes
+        for (size_t row = 0; row < rows.rows; ++row)
+            parts.emplace_back(rows.row(row), rows.rowBytes);
+        constexpr size_t mostTries = 400;
+        const uint64_t start = one.tries;
+        const auto clear = [&](size_t first, size_t end, bool whole, size_t from, size_t to) {
+            Bytes saved;
+            bool any = false;
+            for (size_t k = first; k < end; ++k) {
+                auto *const bytes = reinterpret_cast<uint8_t *>(parts[k].first) + (whole ? 0 : from);
+                const size_t size = whole ? parts[k].second : to - from;
+                any |= std::any_of(bytes, bytes + size, [](uint8_t byte) { return byte != 0; });
+                saved.insert(saved.end(), bytes, bytes + size);
+                std::memset(bytes, 0, size);
+            }
+            if (!any || one.fails())
+                return true;
+            const uint8_t *back = saved.data();
+            for (size_t k = first; k < end; ++k) {
+                const size_t size = whole ? parts[k].second : to - from;
+                std::memcpy(reinterpret_cast<uint8_t *>(parts[k].first) + (whole ? 0 : from), back, size);
+                back += size;
+            }
+            return false;
+        };
+        // Rows, then parts of a row.
+        const std::function<void(size_t, size_t)> halveRows = [&](size_t first, size_t end) {
+            if (first >= end || one.tries - start > mostTries || clear(first, end, true, 0, 0))
+                return;
+            if (end - first == 1) {
+                const std::function<void(size_t, size_t)> halve = [&](size_t from, size_t to) {
+                    if (from >= to || one.tries - start > mostTries || clear(first, end, false, from, to))
+                        return;
+                    const size_t middle = from + (to - from) / 2 / rows.element * rows.element;
+                    if (middle > from)
+                        halve(from, middle), halve(middle, to);
+                };
+                return halve(0, rows.rowBytes);
+            }
+            const size_t middle = first + (end - first) / 2;
+            halveRows(first, middle), halveRows(middle, end);
+        };
+        halveRows(0, parts.size());
+    }
+}
+
+} // namespace
+
+int runMinimise(const Arguments &arguments)
+{
+    if (!arguments.has("lib"))
+        fail(statusUsage, "minimise needs --lib PATH, the build that draws otherwise");
+    const Drawer drawer(arguments);
+    const std::string &path = arguments.words[0], &out = arguments.words[1];
+    Verdict verdict = Verdict::differs;
+    const uint64_t wanted = findFailure(path, drawer.library(), verdict);
+    if (!wanted) {
+        const Opened opened(path);
+        std::printf("%s: both libraries draw the same\n", path.c_str());
+        return statusGood;
+    }
+    const Opened opened(path);
+    Player &player = *opened.player;
+    Progress progress("minimise", *opened.reader);
+    for (Step step; (step = player.next()) != Step::end;) {
+        progress.show(player);
+        if (step == Step::frame)
+            continue;
+        if (player.draw().number == wanted)
+            break;
+        if (player.prepare()) {
+            player.make(Library::linked());
+            player.finish();
+        }
+    }
+    std::printf("%s: %s %s\n", path.c_str(), drawLabel(player.draw()).c_str(),
+                verdict == Verdict::crashes ? "crashes" : "comes out otherwise");
+    Case one(player, drawer.library());
+    one.verdict = verdict;
+    if (!one.fails())
+        fail(statusFile, "it does not fail again when it is made alone");
+    shrinkClip(one);
+    shrinkState(one);
+    shrinkMemory(one);
+
+    startRecording(out, player);
+    if (!player.prepare())
+        fail(statusFile, player.refusal());
+    player.make(Library::linked());
+    player.finish();
+    endRecording(out);
+    const Opened made(out);
+    Player &last = *made.player;
+    Case check(last, drawer.library());
+    check.verdict = verdict;
+    if (last.next() != Step::draw || !check.fails())
+        fail(statusFile, out + " does not show it any more");
+    std::printf("%s: one draw, %s bytes, after %s tries\n", out.c_str(), grouped(made.reader->size()).c_str(),
+                grouped(one.tries).c_str());
+    return statusFound;
+}
+
+} // namespace replay
