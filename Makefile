@@ -80,7 +80,7 @@ page:
 
 # Debian packages in build-packages/, tested where they are installed: make packages ARGS=--twice, or ARGS=arm64.
 packages:
-	scripts/setup build kit docs packages
+	scripts/setup build kit capture docs packages
 	JOBS=$(JOBS) scripts/packages $(ARGS)
 
 # The source archive in build-dist/; with ARGS=--check built and tested without a network.

@@ -65,7 +65,9 @@ void printHelp()
                stdout);
     for (const Command &command : all)
         std::printf("  %-9s %s\n", command.name, command.summary);
-    std::puts("\nninefold-replay COMMAND --help tells more. ninefold-replay FILE alone is info.\n"
+    std::puts("\n  --help     print this; after a COMMAND, more about it\n"
+              "  --version  print the version\n\n"
+              "ninefold-replay FILE alone is info.\n"
               "Exit status: 0; 1 where what was looked for is found, a difference; 2 for wrong arguments; 3 for files that\n"
               "cannot be read or written, or are damaged.");
 }
@@ -101,6 +103,10 @@ int run(std::vector<std::string> words)
     }
     if (words[0] == "--help")
         return printHelp(), statusGood;
+    if (words[0] == "--version") {
+        std::printf("ninefold-replay %d.%d.%d\n", NINEFOLD_VERSION_MAJOR, NINEFOLD_VERSION_MINOR, NINEFOLD_VERSION_PATCH);
+        return statusGood;
+    }
     const Command *command = find(words[0]);
     if (!command && words.size() > 1 && (command = find(words[1])))
         std::swap(words[0], words[1]); // the file first
