@@ -21,14 +21,31 @@ function pngOf(bytes) {
     return encode({ width, height, data, channels: 3, depth: 8 });
 }
 
-// The comment before each function of the header, and before the fields of the rule test.
+// The comments of the headers, by what they stand before: functions, records, and fields that the manual has a section for.
 function headerComments() {
     const comments = {};
-    const text = read(`${here}../include/ninefold/render_state.h`);
-    const block = /[ \t]*\/\*((?:(?!\*\/)[^])*)\*\/\s*(?:NINEFOLD_API [^(;]*?(\w+)\(|int32_t (ruleThreshold);)/g;
-    for (const [, comment, name, field] of text.matchAll(block))
-        comments[name ?? field] = comment.replace(/^[ \t]*\* ?/gm, "").replace(/^ {5}/gm, "").trim();
+    const before = /[ \t]*\/\*((?:(?!\*\/)[^])*)\*\/\s*(?:NINEFOLD_API [^(;]*?(\w+)\(|typedef struct (\w+)|int32_t (ruleThreshold);|uint16_t \*(shaheiPlane);)/g;
+    const behind = /(scanShift|zBuffer); \/\* ([^]*?) \*\//g;
+    for (const header of ["render_state.h", "texture.h"]) {
+        const text = read(`${here}../include/ninefold/${header}`);
+        for (const [, comment, ...names] of text.matchAll(before)) {
+            const name = names.find(Boolean);
+            if (name) comments[name] = comment.replace(/^[ \t]*\* ?/gm, "").replace(/^ {5}/gm, "").trim();
+        }
+        for (const [, name, comment] of text.matchAll(behind)) comments[name] = comment;
+    }
+    for (const name of ["SetBlendMode", "ruleThreshold", "shaheiPlane", "zBuffer", "scanShift", "LineTableRecord", "CreateMipmapTexture"])
+        if (!comments[name]) throw new Error(`the headers' comment on ${name} is not where build.mjs looks for it`);
     return comments;
+}
+
+// The table of docs/debug-rules.md.
+function twinRules() {
+    const text = read(`${here}../docs/debug-rules.md`);
+    const row = /^\| (NF-\d+) `([\w-]+)` \| (\w+) \| ([^|]*) \| (.*?) \*(.*)\* \|$/gm;
+    const rules = [...text.matchAll(row)].map(([, number, name, severity, asked, text, advice]) => ({ number, name, severity, asked, text, advice }));
+    if (!rules.length || rules.length !== text.match(/^\| NF-/gm).length) throw new Error("docs/debug-rules.md is written otherwise than build.mjs expects");
+    return rules;
 }
 
 const pictures = Object.fromEntries(readdirSync(`${here}../gallery/pictures`).filter((name) => name.endsWith(".bmp"))
@@ -36,7 +53,7 @@ const pictures = Object.fromEntries(readdirSync(`${here}../gallery/pictures`).fi
 
 const bundle = await build({
     entryPoints: [`${here}web/main.ts`], bundle: true, write: false, minify: true, format: "iife", target: "es2022", charset: "utf8",
-    define: { PICTURES: JSON.stringify(pictures), HEADER_COMMENTS: JSON.stringify(headerComments()) },
+    define: { PICTURES: JSON.stringify(pictures), HEADER_COMMENTS: JSON.stringify(headerComments()), TWIN_RULES: JSON.stringify(twinRules()) },
 });
 const inScript = (text) => text.replaceAll("</script", "<\\/script");
 const script = inScript(`${read(`${folder}/ninefold.js`)}\n${bundle.outputFiles[0].text}`);

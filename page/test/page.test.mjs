@@ -38,7 +38,11 @@ async function close(page) {
 }
 const settled = (page) => page.waitForFunction(() => document.getElementById("speed")?.textContent !== "");
 const name = (page) => page.locator("h1").first().textContent();
-const stateOf = (page) => page.evaluate(() => location.hash.replace(/^#play\??/, ""));
+const stateOf = (page) => page.evaluate(() => document.getElementById("playground").dataset.state);
+const inAddress = (page) => page.waitForFunction((first) => {
+    const { state } = document.getElementById("playground").dataset;
+    return location.hash === `#play?${state}` || (location.hash === "#play" && state === first);
+}, "name=rect.stretch.bilinear.alphafast");
 const pixelsOf = (page) => page.evaluate(() => ninefold.pixels().reduce((hash, word) => Math.imul(hash ^ word, 16777619), 0));
 
 test("the first picture", async () => {
@@ -128,6 +132,7 @@ test("every value of every axis, and the way to those that do not go with the re
     for (const [at, axis] of axes.entries())
         for (const value of axis.values) {
             await page.evaluate(() => (location.hash = "#play"));
+            await page.waitForFunction(() => document.querySelector("h1").textContent === "rect.stretch.bilinear.alphafast");
             const control = page.locator(`#${axis.key}-${value.value}`);
             await control.waitFor({ state: "attached" });
             if ((await control.getAttribute("type")) === "button") {
@@ -136,11 +141,12 @@ test("every value of every axis, and the way to those that do not go with the re
                 await control.click();
                 assert.match(await page.locator("#message").textContent(), /Went to/);
             } else {
-                await control.check();
+                await control.click();
             }
-            const look = await page.evaluate((state) => ninefold.look(state || "name=rect.stretch.bilinear.alphafast"), await stateOf(page));
+            const look = await page.evaluate((state) => ninefold.look(state), await stateOf(page));
             assert.equal(look.axes[at].value, value.value);
             assert.equal(await name(page), look.name);
+            await inAddress(page);
             assert.match(await page.locator("#lines").textContent(), new RegExp(`${axis.setter}\\(${value.name}\\)|SetBlendMode\\(NINEFOLD_BLEND_XOR\\)`));
         }
     await close(page);
@@ -155,7 +161,7 @@ test("every choice and every field changes the state, and what it can change of 
     let changes = 0;
     for (const state of states) {
         await page.evaluate((state) => (location.hash = `#play?${state}`), state);
-        await page.waitForFunction((state) => document.querySelector("h1").textContent === state, state.slice(5).split("&")[0]);
+        await page.waitForFunction((state) => document.getElementById("playground").dataset.state === state, state);
         const look = await page.evaluate((state) => ninefold.look(state), state);
         for (const key of look.choices) {
             driven.add(key);
@@ -174,8 +180,9 @@ test("every choice and every field changes the state, and what it can change of 
                 changes += (await pixelsOf(page)) !== before ? 1 : 0;
             }
         }
+        await inAddress(page);
         await page.evaluate((state) => (location.hash = `#play?${state}`), state);
-        await page.waitForFunction((state) => location.hash === `#play?${state}` && !document.getElementById("message").className, state);
+        await page.waitForFunction((state) => document.getElementById("playground").dataset.state === state, state);
         for (const [field, count] of Object.entries(look.reads)) {
             driven.add(field);
             const kind = description.fields.find((one) => one.name === field).kind;
@@ -194,6 +201,7 @@ test("every choice and every field changes the state, and what it can change of 
                 assert.match(await page.evaluate((state) => ninefold.look(state).c, await stateOf(page)), /rs.color\[0\] = 0x07123456/);
             }
         }
+        await inAddress(page);
     }
     for (const key of [...Object.keys(description.choices), ...Object.keys(description.lists), ...description.fields.map((field) => field.name)])
         assert.ok(driven.has(key), `${key} was in none of the states`);
@@ -210,6 +218,13 @@ test("handles by mouse, keyboard and touch", async () => {
     await page.mouse.down();
     await page.mouse.move(...at(60, 40), { steps: 4 });
     await page.mouse.up();
+    assert.deepEqual((await vertex()).slice(0, 2), [60, 40]);
+    await inAddress(page);
+    // Another view and back: the picture is as it was.
+    await page.getByRole("link", { name: "Manual" }).click();
+    await page.waitForSelector("#manual");
+    await page.getByRole("link", { name: "Playground" }).click();
+    await page.waitForSelector("#playground");
     assert.deepEqual((await vertex()).slice(0, 2), [60, 40]);
     await page.locator("#corner-1").focus();
     for (const key of ["ArrowLeft", "ArrowLeft", "ArrowUp", "Shift+ArrowDown"]) await page.keyboard.press(key);
@@ -254,6 +269,7 @@ test("names, codes, comparison, overlays, zoom, copying, starting over", async (
     await page.locator("#other").fill("rect.stretch.point.alphafast");
     await page.locator("#other").press("Enter");
     assert.match(await page.locator("#differences").textContent(), /\d+ pixels differ/);
+    await inAddress(page);
     const link = await page.evaluate(() => location.href);
     const again = await open(new URL(link).hash);
     assert.equal(await again.locator("#differences").textContent(), await page.locator("#differences").textContent());
@@ -272,6 +288,7 @@ test("names, codes, comparison, overlays, zoom, copying, starting over", async (
     assert.equal((await page.locator("#picture").boundingBox()).width, 256);
     await page.getByRole("button", { name: "Copy the lines" }).click();
     assert.match(await page.evaluate(() => navigator.clipboard.readText()), /SearchDrawFunc\(CreateDrawCode\(\)\)/);
+    await inAddress(page);
     await page.getByRole("button", { name: "Copy the link" }).click();
     assert.equal(await page.evaluate(() => navigator.clipboard.readText()), await page.evaluate(() => location.href));
     await page.locator("#choice-tex0").selectOption("stars");

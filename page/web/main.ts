@@ -44,9 +44,17 @@ async function start() {
         return fail(`The module could not be started: ${(error as Error).message}`);
     }
 
-    const playground = new Playground(module, (text) => history.replaceState(null, "", `#play?${text}`));
+    // Browsers refuse an address that changes too often, as while something is dragged.
+    let waiting = 0;
+    const home = document.querySelector<HTMLAnchorElement>('header nav a[href^="#play"]')!;
+    const playground = new Playground(module, (text) => {
+        home.href = `#play?${text}`;
+        clearTimeout(waiting);
+        waiting = window.setTimeout(() => history.replaceState(null, "", home.href), 200);
+    });
     let pages: HTMLElement | null = null;
     const show = () => {
+        clearTimeout(waiting);
         const address = decodeURIComponent(location.hash.slice(1));
         const [page, rest] = address.includes("?") ? [address.slice(0, address.indexOf("?")), address.slice(address.indexOf("?") + 1)] : [address, ""];
         const view = page.split("/")[0] || "play";
@@ -62,7 +70,7 @@ async function start() {
         if (body.firstChild !== pages) body.replaceChildren(pages);
         if (pages === playground.root) playground.show(rest);
         for (const link of document.querySelectorAll<HTMLAnchorElement>("header nav a"))
-            link.toggleAttribute("aria-current", link.hash.slice(1) === view || (link.hash === "#play" && pages === playground.root));
+            link.toggleAttribute("aria-current", link.hash.slice(1) === view || (link === home && pages === playground.root));
         const target = page.includes("/") && document.getElementById(page);
         if (target) target.scrollIntoView();
         else window.scrollTo(0, 0);

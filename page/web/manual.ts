@@ -6,6 +6,8 @@ import { State } from "./state";
 
 // Comments of the headers, put in when the page is built.
 declare const HEADER_COMMENTS: Record<string, string>;
+// The rules of the debug twin, put in likewise.
+declare const TWIN_RULES: { number: string; name: string; severity: string; asked: string; text: string; advice: string }[];
 
 // A combination that draws, as near as can be to one that may be a kernel without pixels.
 export function drawing(module: Module, state: string): string {
@@ -32,20 +34,28 @@ interface Section {
     key: string;
     title: string;
     setter: string; // whose comment in the headers it is
-    values: { value: Value; state: string }[];
+    values: { heading: string; name?: string; meaning: string; state: string }[];
 }
 
 function sections(module: Module): Section[] {
-    const { axes, lists } = module.description;
+    const { axes, lists, choices } = module.description;
+    const shown = (value: Value, state: string) => ({ heading: `${value.value} ${value.word || "(no word)"}`, name: value.name, meaning: value.meaning, state });
     const look = module.look(first);
     const title = (setter: string) => setter.replace(/^Set/, "").replace(/([a-z])([A-Z])/g, "$1 $2").replace(/^./, (c) => c.toUpperCase());
     const axisSections = axes.map((axis, i) => ({
         key: axis.key, title: title(axis.setter), setter: axis.setter,
-        values: axis.values.map((value, k) => ({ value, state: drawing(module, State.parse(first).named(look.axes[i].values[k].leads).toString()) })),
+        values: axis.values.map((value, k) => shown(value, drawing(module, State.parse(first).named(look.axes[i].values[k].leads).toString()))),
     }));
     const listSection = (key: string, heading: string, setter: string, base: string, word: (value: Value) => string) => ({
-        key, title: heading, setter, values: lists[key].map((value) => ({ value, state: `${base}&${key}=${word(value)}` })),
+        key, title: heading, setter, values: lists[key].map((value) => shown(value, `${base}&${key}=${word(value)}`)),
     });
+    const choiceSection = (key: string, heading: string, setter: string, base: string) => ({
+        key, title: heading, setter, values: choices[key].filter((one) => one.word !== "dropped").map((one) => ({ heading: one.title, meaning: "", state: `${base}&${key}=${one.word}` })),
+    });
+    // Texels closer and closer: where a filter with levels has them.
+    const levels = ["point", "bilinear", "mip", "mipbilinear"].flatMap((filter) => [4, 16].map((times) => ({
+        heading: `${filter}, ${times} texels a pixel`, meaning: "", state: `name=rect.stretch.${filter}.copy&tex0=bricks&vertex=0,0,256,256,192,256&uv0=0,0,${256 * times * 65536},${192 * times * 65536}`,
+    })));
     const multi = `name=${look.name}.tex1`;
     return [
         ...axisSections,
@@ -54,6 +64,12 @@ function sections(module: Module): Section[] {
         listSection("bank", "Banks of multi operators", "SetPrescaleMultiMode", multi, (v) => v.word),
         listSection("stipple", "Stipples", "SetPresetDrawMask", `name=${look.name}.mask`, (v) => String(v.value)),
         listSection("curve", "Curves of the rule", "ruleThreshold", `name=${look.name}.rule`, (v) => v.word),
+        choiceSection("tex2", "Rule pictures", "ruleThreshold", `name=${look.name}.rule`),
+        { key: "levels", title: "Mip levels", setter: "CreateMipmapTexture", values: levels },
+        choiceSection("table0", "Line tables", "LineTableRecord", "name=rect.table.bilinear.alphafast"),
+        choiceSection("shift", "Shifts of spans", "scanShift", "name=tri.bilinear.alphafast"),
+        choiceSection("plane", "Shahei plane", "shaheiPlane", "name=rect.stretch.bilinear.copy.plane"),
+        choiceSection("priority", "Priority plane", "zBuffer", `name=${look.name}.z`),
     ];
 }
 
@@ -63,11 +79,17 @@ export function manual(module: Module): HTMLElement {
     return h("main", { id: "manual", class: "manual" },
         h("h1", {}, "The manual, with live pictures"),
         h("p", {}, `Nine axes make ${module.description.codes.toLocaleString("en")} combinations, each with a kernel of its own. Every picture here was drawn by one of them as the page opened; a click opens it in the playground.`),
-        h("nav", { "aria-label": "Sections of the manual" }, h("ul", { class: "toc" }, ...all.map(link))),
+        h("nav", { "aria-label": "Sections of the manual" }, h("ul", { class: "toc" }, ...all.map(link), h("li", {}, h("a", { href: "#manual/rules" }, "What the debug twin says")))),
         ...all.map((section) => h("section", { id: `manual/${section.key}`, "aria-label": section.title },
             h("h2", {}, section.title),
             HEADER_COMMENTS[section.setter] ? h("pre", { class: "comment", tabindex: "0", "aria-label": `What the header says of ${section.setter}` }, HEADER_COMMENTS[section.setter]) : undefined,
-            h("div", { class: "cards" }, ...section.values.map(({ value, state }) => h("article", {},
-                h("h3", {}, `${value.value} ${value.word || "(no word)"}`), h("code", {}, value.name), h("p", {}, value.meaning),
-                livePicture(module, state, State.parse(state).name)))))));
+            h("div", { class: "cards" }, ...section.values.map(({ heading, name, meaning, state }) => h("article", {},
+                h("h3", {}, heading), name ? h("code", {}, name) : undefined, meaning ? h("p", {}, meaning) : undefined,
+                livePicture(module, state, State.parse(state).name)))))),
+        h("section", { id: "manual/rules", "aria-label": "What the debug twin says" },
+            h("h2", {}, "What the debug twin says"),
+            h("p", {}, "The library checks nothing. The debug twin, the same library with the same pixels, looks at every call first; it is in this page too, and its words stand in the playground."),
+            h("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": "Rules of the debug twin" }, h("table", {},
+                h("thead", {}, h("tr", {}, ...["Rule", "Severity", "Asked for", "Says", "Advice"].map((text) => h("th", { scope: "col" }, text)))),
+                h("tbody", {}, ...TWIN_RULES.map((rule) => h("tr", {}, h("th", { scope: "row" }, `${rule.number} ${rule.name}`), ...[rule.severity, rule.asked, rule.text, rule.advice].map((text) => h("td", {}, text)))))))));
 }

@@ -136,6 +136,7 @@ export class Playground {
     // The same while a slider moves, which has to stay what it is: only what is shown changes.
     private slide(state: State) {
         this.state = state;
+        this.root.dataset.state = state.toString();
         this.address(state.toString());
         this.look = this.module.look(this.text());
         this.lines.textContent = this.look.c;
@@ -146,6 +147,7 @@ export class Playground {
     private update(keep: boolean) {
         const text = this.text();
         const look = this.module.look(text);
+        this.root.dataset.state = this.state.toString();
         if (keep) this.address(this.state.toString());
         if (look.error) {
             this.say(look.error, true);
@@ -405,6 +407,9 @@ export class Playground {
             const shape = square ? svg("rect", { ...attributes, x: String(x - 4), y: String(y - 4), width: "8", height: "8" })
                 : svg("circle", { ...attributes, cx: String(x), cy: String(y), r: "5" });
             this.makeMovable(shape, x, y, move);
+            // Fingers need more room.
+            const room = svg("circle", { class: "room", cx: String(x), cy: String(y), r: "11", pointerdown: (event) => { event.preventDefault(); shape.dispatchEvent(new PointerEvent("pointerdown", event)); } });
+            handles.splice(1, 0, room);
             handles.push(shape);
         };
         const setClip = (keys: [string, number][]) => {
