@@ -64,7 +64,9 @@ say "hosts linked by MinGW and by lld in the place of Microsoft's linker run"
 run() {
     local says=$1
     shift
-    timeout 600 "$wine" "$@" >"$scratch/output" 2>&1 || { tail -n 30 "$scratch/output"; fail "$1: status $?"; }
+    local status=0
+    timeout 600 "$wine" "$@" >"$scratch/output" 2>&1 || status=$?
+    [ $status = 0 ] || { tail -n 30 "$scratch/output"; fail "$1: status $status"; }
     grep -q "$says" "$scratch/output" || { tail -n 30 "$scratch/output"; fail "$1 did not say '$says'"; }
 }
 run 'PASSED  . [1-9]' "$build/tests/wine/golden_dll_test.exe" --gtest_brief=1
