@@ -43,6 +43,9 @@ fi
 mkdir -p "$WINEPREFIX"
 "$wine" wineboot --init
 export WINEPATH=$package/bin
+# Wine has no fonts in the folder of Windows' own.
+mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
+cp /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
 
 # A host linked as the README says, for MinGW and for Microsoft's linker; both leave the same status.
 $triplet-gcc-posix "$package/examples/win32.c" -I "$package/include" -L "$package/lib" -lninefold -lgdi32 -mwindows -o "$scratch/win32.exe"
