@@ -35,7 +35,7 @@ TEST_F(WindowsText, TheSystemHasAFont)
     NfkFontInfo info;
     ASSERT_TRUE(nfkGetFontInfo(font.get(), &info)) << nfkError();
     EXPECT_GT(info.ascent, 0);
-    RecordProperty("file", info.file);
+    RecordProperty("font", info.file);
     const Font again(nfkOpenFontFile(info.file, info.face, 24), nfkCloseFont);
     EXPECT_TRUE(again) << nfkError();
     EXPECT_FALSE(nfkOpenFontFile("nowhere.ttf", 0, 24));
