@@ -88,8 +88,11 @@ protected:
                 random.percent(10) ? named[random.below(uint32_t(named.size()))] : codes[random.below(uint32_t(codes.size()))];
             auto part = std::make_unique<Part>();
             part->scene = makeScene(subject, {Kind::plain, random.bits(), 0}, part->world);
+            // Few with a host's own operator: every one of them ends a batch.
+            const bool hosts = random.percent(15);
             for (int *which : {&part->scene.multiOperator, &part->scene.blendOperator})
-                *which = *which == watchingMulti ? hostMulti : *which == watchingBlend ? hostBlend : *which;
+                if (*which == watchingMulti || *which == watchingBlend || *which == hostMulti || *which == hostBlend)
+                    *which = hosts ? hostMulti : random.between(libraryOperators, operatorCount - 1);
             if (part->scene.frameWidth > width || part->scene.frameHeight > height - 8)
                 continue;
             part->state = bindScene(part->scene, part->world, true);
@@ -104,10 +107,12 @@ protected:
     void draw(Random random)
     {
         Buffers *target = &buffers[0];
+        // Everything side by side, or most of it over one another.
+        const int32_t columns = random.percent(50) ? width : 96, rows = columns == width ? height : 64;
         for (int number = 0; number < drawCount; ++number) {
             const Part &part = *parts[random.below(partCount)];
-            const int32_t dx = random.between(0, width - int32_t(part.scene.frameWidth));
-            const int32_t dy = random.between(4, height - int32_t(part.scene.frameHeight));
+            const int32_t dx = random.between(0, std::min(columns, width - int32_t(part.scene.frameWidth)));
+            const int32_t dy = random.between(4, std::min(rows, height - int32_t(part.scene.frameHeight)));
             RenderState state;
             std::memcpy(&state, &part.state, sizeof state);
             if (random.percent(1))
@@ -126,6 +131,7 @@ protected:
             if (random.percent(2) && state.tex0 && !ninefold::readsLevels(axes.filter) && axes.rectOpt != NINEFOLD_RECT_RUNS &&
                 axes.rectOpt != NINEFOLD_RECT_PLANE_RUNS) {
                 source = target->frame;
+                source.pixels += random.between(0, 127) * width + random.between(0, 100);
                 source.height = 256, source.log2Height = 8;
                 state.tex0 = &source;
             }
