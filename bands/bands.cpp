@@ -58,7 +58,7 @@ int Recorder::start(int threads)
     takeTablesOfLibrary();
     started = true;
     threads = workers.start(threads);
-    leastCost = threads > 3 ? 120 : threads > 1 ? 200 : 30e3;
+    leastCost = threads > 3 ? 150 : threads > 1 ? 300 : 30e3;
     return threads;
 }
 
