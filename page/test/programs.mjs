@@ -3,7 +3,7 @@
 import { createServer } from "node:http";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
-import { basename } from "node:path";
+import { basename, resolve as absolute } from "node:path";
 import { fileURLToPath } from "node:url";
 import { launch } from "./browser.mjs";
 
@@ -14,7 +14,7 @@ const options = (wasmBinary, variables, print, exited) => ({
 });
 
 async function inNode(file, variables, print) {
-    const create = createRequire(import.meta.url)(file);
+    const create = createRequire(import.meta.url)(absolute(file));
     return new Promise((resolve) => {
         create(options(readFileSync(file.replace(/js$/, "wasm")), variables, print, resolve)).catch(() => {});
     });
