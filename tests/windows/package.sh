@@ -37,7 +37,7 @@ if [ $architecture = x86_64 ]; then
     export WINEPREFIX=$source/build-wine/prefix
 else
     wine=$source/scripts/wine32
-    export WINEPREFIX=$source/build-wine/prefix32
+    export WINEPREFIX=$source/build-wine/prefix32 # its own
     "$wine" || { say "not run: no 32-bit Wine here"; exit 0; }
 fi
 mkdir -p "$WINEPREFIX"
