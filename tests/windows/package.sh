@@ -16,7 +16,6 @@ package=$(echo "$scratch/unpacked here"/*)
 for file in README.txt licenses/ninefold.txt bin/libninefold.dll bin/libninefold-kit.dll bin/ninefold-debug.exe bin/win32.exe lib/ninefold/debug/libninefold.dll \
     lib/libninefold.dll.a lib/libninefold-kit.dll.a lib/ninefold.lib lib/ninefold-kit.lib include/ninefold/ninefold.h \
     include/ninefold/kit.h include/ninefold/debug.h examples/win32.c lib/cmake/ninefold/ninefoldConfig.cmake; do
-
     [ -s "$package/$file" ] || fail "no $file"
 done
 ! grep -n '@' "$package/README.txt" || fail "README.txt has something left to fill in"
@@ -37,7 +36,7 @@ if [ $architecture = x86_64 ]; then
     export WINEPREFIX=$source/build-wine/prefix
 else
     wine=$source/scripts/wine32
-    export WINEPREFIX=$source/build-wine/prefix32
+    export WINEPREFIX=$source/build-wine/prefix32 # its own
     "$wine" || { say "not run: no 32-bit Wine here"; exit 0; }
 fi
 mkdir -p "$WINEPREFIX"
