@@ -247,7 +247,9 @@ void shrinkState(Case &one)
 {
     for (size_t k = 0; k < stateCells().size(); ++k) {
         const uint64_t value = one.player.state()[k];
-        if (!value || stateCells()[k].kind != Cell::Kind::number || stateCells()[k].name.compare(0, 3, "dst") == 0)
+        const std::string &name = stateCells()[k].name;
+        if (!value || stateCells()[k].kind != Cell::Kind::number || name.compare(0, 3, "dst") == 0 ||
+            name.compare(0, 4, "clip") == 0)
             continue;
         one.player.change(k, 0);
         if (!one.fails())

@@ -147,7 +147,7 @@ private:
         static constexpr const char *names[] = {"multiFunc", "blendFunc"};
         for (int which = 0; which < 2; ++which) {
             const std::vector<uint32_t> &words = player.draw().words[which];
-            if (!Operators::isHost(player.state()[stateCell(names[which])]))
+            if (!speaks(names[which]))
                 continue;
             std::fprintf(out, "/* What the host's %s returned, call by call. */\nstatic const uint32_t %sWords[] = {0",
                          names[which], names[which]);
@@ -155,9 +155,17 @@ private:
                 std::fprintf(out, "%s0x%X", k % 12 ? ", " : ",\n    ", words[k]);
             std::fprintf(out,
                          "};\nstatic uint32_t %s(uint32_t first, uint32_t second)\n{\n    static size_t call;\n    (void)first, "
-                         "(void)second;\n    return %sWords[call < %zu ? ++call : 0];\n}\n\n",
-                         names[which], names[which], words.size());
+                         "(void)second;\n    return %sWords[call + 1 < sizeof %sWords / 4 ? ++call : 0];\n}\n\n",
+                         names[which], names[which], names[which]);
         }
+    }
+
+    // Whether the kernel calls this operator, and it is the host's.
+    bool speaks(const std::string &name) const
+    {
+        const layer::Needs &needs = layer::needsOf(player.draw().id);
+        return Operators::isHost(player.state()[stateCell(name.c_str())]) &&
+               (name == "multiFunc" ? needs.callsMulti : needs.callsBlend);
     }
 
     void writeCheck()
@@ -226,6 +234,8 @@ private:
             if (cells[k].kind != Cell::Kind::operation || !value)
                 continue;
             const char *const name = cells[k].name.c_str();
+            if (Operators::isHost(value) && !speaks(name))
+                continue;
             if (Operators::isHost(value))
                 std::fprintf(out, "    const PixelOperator %sSet = %s; /* by its words */\n", name, name);
             else if (value >= 0x200)
@@ -237,7 +247,8 @@ private:
                              name, value >= 0x140 ? 1 : 0, int(value - (value >= 0x140 ? 0x140 : 0x100)));
         }
         for (const Cell &cell : cells)
-            if (cell.kind == Cell::Kind::operation && player.state()[size_t(&cell - cells.data())])
+            if (const uint64_t value = player.state()[size_t(&cell - cells.data())];
+                cell.kind == Cell::Kind::operation && value && (!Operators::isHost(value) || speaks(cell.name)))
                 std::fprintf(out, "    rs.%s = %sSet;\n", cell.name.c_str(), cell.name.c_str());
         for (size_t k = 0; k < cells.size(); ++k) {
             const Cell &cell = cells[k];

@@ -377,7 +377,7 @@ bool Player::map()
     if (current.back && current.back > int64_t{reach.pixels.right} - reach.pixels.left + 128)
         return refuse("it claims to move back further than it can");
     for (const layer::TextureUse &use : reach.textures())
-        if (use.fetched && (!readable(use.texture) || !hasSizes(*use.texture)))
+        if (use.fetched && (!readable(use.texture) || !hasSizes(*use.texture) || uintptr_t(use.texture->pixels) % 4))
             return refuse(std::string("the capture lacks the texture of ") + layer::fieldName(use.field));
     // A map may move it back also where the host's did not; whole buffers come at once, so that they need not grow.
     const bool runs = layer::needsOf(current.id).map == ninefold::Map::runs;
@@ -392,8 +392,10 @@ bool Player::map()
             ensure(uintptr_t(begin), size);
     };
     for (const layer::MemoryUse &use : reach.memory()) {
-        if (!use.begin)
-            return refuse(std::string("rs.") + layer::fieldName(use.field) + " is null");
+        const bool bytes = use.field == layer::Field::zBuffer || use.field == layer::Field::runlengthMap;
+        const bool words = use.field == layer::Field::shaheiPlane || use.field == layer::Field::zeroPixelMap;
+        if (!use.begin || uintptr_t(use.begin) % (bytes ? 1 : words ? 2 : 4))
+            return refuse(std::string("rs.") + layer::fieldName(use.field) + (use.begin ? " is misaligned" : " is null"));
         if (use.field == layer::Field::dstPixels)
             whole(rs.dstPixels, 4 * area);
         else if (use.field == layer::Field::zBuffer)

@@ -80,7 +80,7 @@ int main(int argc, char **argv)
     sprite = CreateTexture(256, 512);
     for (k = 0; k < 256 * 512; ++k) {
         const int x = k % 256 - 128, y = k / 256 - 256, d = 65536 - 4 * x * x - y * y;
-        sprite->pixels[k] = d > 0 ? (uint32_t)(d > 8192 ? 255 : d / 32) << 24 | 0x4080C0u + (uint32_t)(k & 31) : 0;
+        sprite->pixels[k] = d > 0 ? (uint32_t)(d > 8192 ? 255 : d / 32) << 24 | (0x4080C0u + (uint32_t)(k & 31)) : 0;
     }
     start = now();
     for (frame = 0; frame < frames; ++frame) {

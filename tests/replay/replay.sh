@@ -1,0 +1,80 @@
+#!/usr/bin/env bash
+# replay.sh LAUNCHER REPLAY PLAIN BROKEN NOVEL SOURCE: captures as their users meet them. NOVEL is a host; BROKEN a build of the
+# library with a mistake.
+set -euo pipefail
+launcher=$1 replay=$2 plain=$3 broken=$4 novel=$5 source=$6
+unset NINEFOLD_DEBUG LD_PRELOAD
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cd "$scratch"
+fail() { echo "$1"; cat said 2>/dev/null; exit 1; }
+status_of() { local status=0; "$@" >said 2>&1 || status=$?; echo $status; }
+expect() { # STATUS WORDS COMMAND...
+    local wanted=$1 words=$2
+    shift 2
+    local status
+    status=$(status_of "$@")
+    [ "$status" = "$wanted" ] || fail "status $status instead of $wanted: $*"
+    grep -q -- "$words" said || fail "it does not say '$words': $*"
+}
+
+# A scene of photographs: size and slowness.
+photographs="$source/gallery/pictures/cat.bmp $source/gallery/pictures/coffee.bmp"
+plain_seconds=$("$novel" . $photographs)
+captured_seconds=$("$launcher" --summary off --capture novel.nfc "$novel" . $photographs)
+pngs=$(cat photograph-*.png | wc -c)
+limit=$((pngs * 13 / 10 + 60 * 20000))
+[ "$(wc -c <novel.nfc)" -le $limit ] || fail "the capture has $(wc -c <novel.nfc) bytes, the limit is $limit"
+echo "capture: $(wc -c <novel.nfc) bytes beside $pngs of PNG files; $captured_seconds s instead of $plain_seconds s"
+expect 0 "2,610 draws in 60 frames as recorded" "$replay" verify novel.nfc
+expect 0 "as recorded" "$replay" verify novel.nfc --lib "$plain"
+expect 0 "60 frames, 2,610 draws" "$replay" novel.nfc
+
+# Cut down, compared, timed, shown.
+expect 0 "86 draws" "$replay" trim novel.nfc trimmed.nfc --frames 9..10
+expect 0 "86 draws in 2 frames as recorded" "$replay" verify trimmed.nfc
+expect 0 "3 draws" "$replay" trim trimmed.nfc three.nfc --draws 2..4
+expect 0 "3 draws, all alike" "$replay" diff three.nfc three.nfc
+expect 1 "draw 1 of frame 1" "$replay" diff three.nfc trimmed.nfc
+expect 0 "the slowest draws" "$replay" time three.nfc --repeat 2 --html page.html
+grep -q '<svg' page.html || fail "no timeline"
+expect 0 "2 frames in pictures" "$replay" frames trimmed.nfc --png pictures
+[ "$(ls pictures)" = "frame-0001.png
+frame-0002.png" ] || fail "other pictures: $(ls pictures)"
+expect 0 "rs, where it is not 0" "$replay" draw trimmed.nfc 3 --png pictures
+[ "$(ls pictures | wc -l)" = 6 ] || fail "other pictures: $(ls pictures)"
+
+# A mistake is found at its draw, brought down to it, and exported.
+expect 1 "draw 4 of frame 1, rect.unit.point.add: the frame buffer differs" "$replay" verify "$source/tests/captures/blends.nfc" --lib "$broken"
+expect 1 "first in row 1, pixel 31 from column 0: 01BB5DFE instead of 01BB5DFF" "$replay" verify "$source/tests/captures/blends.nfc" --lib "$broken"
+expect 1 "one draw" "$replay" minimise "$source/tests/captures/blends.nfc" small.nfc --lib "$broken"
+[ "$(wc -c <small.nfc)" -lt 10000 ] || fail "the smallest capture has $(wc -c <small.nfc) bytes"
+expect 0 "1 draws in 1 frames as recorded" "$replay" verify small.nfc
+expect 1 "draw 1 of frame 1, rect.unit.point.add" "$replay" verify small.nfc --lib "$broken"
+NINEFOLD_BROKEN=crash expect 1 "rect.unit.point.add crashes" "$replay" minimise "$source/tests/captures/blends.nfc" crash.nfc --lib "$broken"
+expect 0 "both libraries draw the same" "$replay" minimise small.nfc none.nfc --lib "$plain"
+for number in 1 2 3 4 5; do
+    expect 0 "draw-$number.c" "$replay" export "$source/tests/captures/blends.nfc" $number
+    ${CC:-cc} -Wall -Wextra -Werror -I"$source/include" draw-$number.c "$plain" -o draw-$number
+    LD_LIBRARY_PATH=$(dirname "$plain") expect 0 "as it was" ./draw-$number
+done
+LD_LIBRARY_PATH=$(dirname "$broken") expect 1 "dstPixels differs in row" ./draw-4
+
+# Files that are none, end early, or are damaged; arguments that make no sense.
+expect 3 "no capture file" "$replay" info "$source/README.md"
+expect 3 "No such file" "$replay" info nowhere.nfc
+head -c 100000 novel.nfc >cut.nfc
+expect 3 "the file ends inside the chunk at byte" "$replay" verify cut.nfc
+expect 3 "cannot load" "$replay" verify small.nfc --lib nowhere.so
+expect 3 "cannot write" "$replay" trim small.nfc nowhere/out.nfc --draws 1
+expect 2 "no command 'nonsense'" "$replay" nonsense small.nfc
+expect 2 "no option '--nonsense'" "$replay" verify small.nfc --nonsense
+expect 2 "needs a value" "$replay" verify small.nfc --lib
+expect 2 "none of number 9" "$replay" draw small.nfc 9
+expect 2 "a number from 1" "$replay" draw small.nfc none
+expect 2 "either --frames" "$replay" trim small.nfc out.nfc
+expect 0 "usage: ninefold-replay COMMAND" "$replay" --help
+for command in info verify frames draw time diff trim minimise export; do
+    expect 0 "usage: ninefold-replay $command" "$replay" $command --help
+done
+expect 2 "cannot write" "$launcher" --capture nowhere/game.nfc "$novel" . $photographs
