@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# run.sh PACKAGES: installs the packages of a folder in bare Debian systems and uses them there as their users would: lower versions
-# of them first, then these. inside/ has what is done, a script for each system.
+# run.sh PACKAGES [NAME...]: installs the packages of a folder in bare Debian systems and uses them there as their users would: lower
+# versions of them first, then these. inside/ has what is done, NAME.sh for each system.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 packages=$(realpath "$1")
+shift
 [ "$(id -u)" = 0 ] || { echo "$0: systems to install in are made and entered by root; run it as root" >&2; exit 1; }
 base=$("$here/root.sh")
 archives=$(dirname "$base")/archives
@@ -40,6 +41,7 @@ cp -a "$here" "$here/../interface" "$here/../kit" "$scratch/files/tests"
 
 for script in "$here"/inside/*.sh; do
     name=$(basename "$script" .sh)
+    [ $# = 0 ] || [[ " $* " = *" $name "* ]] || continue
     began=$SECONDS
     mkdir -p "$scratch/$name/upper" "$scratch/$name/work" "$root"
     mount -t overlay ninefold -o "lowerdir=$base,upperdir=$scratch/$name/upper,workdir=$scratch/$name/work" "$root"

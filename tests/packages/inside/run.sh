@@ -1,10 +1,10 @@
 # Programs and the package for Python, without a compiler.
 . /ninefold/tests/packages/steps
-installs_upgrades ninefold-debug ninefold-tools python3-ninefold
+installs_upgrades libninefold-bands1 ninefold-debug ninefold-tools python3-ninefold
 cd /tmp
 version=$(dpkg-query -W -f '${Version}' libninefold1)
 
-for program in ninefold-bench ninefold-debug ninefold-gallery; do
+for program in ninefold-bench ninefold-debug ninefold-gallery ninefold-replay; do
     [ "$($program --version)" = "$program ${version%-*}" ] || fail "$program --version says $($program --version)"
     $program --help | grep -q "^usage: $program" || fail "$program --help says no usage"
     page=$(zcat /usr/share/man/man1/$program.1.gz | sed 's/\\f.//g; s/\\-/-/g')
@@ -16,7 +16,8 @@ say "--version, --help and manual pages that agree"
 
 ninefold-gallery --out sheets unit wipes
 [ -s sheets/unit.png ] && [ -s sheets/index.html ] || fail "no sheets"
-ninefold-bench --quick --out=sheets sprite.32 || ninefold-bench --list
+ninefold-bench --check cutouts # which it reads the gallery's pictures for
+ninefold-bench --quick --out=sheets startup
 [ -s sheets/bench.html ] || fail "no report of the benchmark"
 say "gallery and benchmark"
 
@@ -34,6 +35,10 @@ assert (nf.load("draws.png").pixels[8, 8] & 0xFFFFFF) == 0x80FF80
 END
 python3 draws.py "${version%-*}"
 say "Python draws, writes text, and reads its picture again"
+
+sed 's/^nf.rectangle/with nf.threads(2): nf.rectangle/' draws.py >bands.py
+NINEFOLD_LIBRARY=$(echo /usr/lib/*/ninefold/bands/libninefold.so.1) python3 bands.py "${version%-*}"
+say "Python draws by bands"
 
 cat >wrong.py <<'END'
 import ninefold as nf
