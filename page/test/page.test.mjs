@@ -20,6 +20,7 @@ after(() => browser.close());
 // Opens the page at a place; what goes wrong there is collected.
 async function open(hash = "", options = {}, prepare = undefined) {
     const context = await browser.newContext({ viewport: { width: 1200, height: 900 }, ...options });
+    context.setDefaultTimeout(90000); // of a busy machine
     const page = await context.newPage();
     page.wrong = [];
     page.on("pageerror", (error) => page.wrong.push(String(error)));
