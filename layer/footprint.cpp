@@ -176,7 +176,9 @@ private:
         if (n.shape == Shape::line) {
             const int64_t x0 = rs.vertex[0].x + rs.originX, y0 = rs.vertex[0].y + rs.originY;
             const int64_t x1 = rs.vertex[1].x + rs.originX, y1 = rs.vertex[1].y + rs.originY;
-            clip(std::min(x0, x1), std::min(y0, y1), std::max(x0, x1) + 1, std::max(y0, y1) + 1);
+            // Positions are truncated towards 0: a line that runs half a pixel beyond it draws in row or column 0.
+            const auto end = [](int64_t a, int64_t b) { return std::max(a, b) + (std::max(a, b) < 0 ? 2 : 1); };
+            clip(std::min(x0, x1), std::min(y0, y1), end(x0, x1), end(y0, y1));
         } else if (n.shape == Shape::rectangle) {
             Box box;
             if (!box.make())

@@ -43,6 +43,32 @@ void collect(const NinefoldFinding *finding, void *)
     told[finding->name] = finding->text;
 }
 
+// Makes the draw by the reference: tell(slot, byte) of each byte that it changes.
+template <class Tell>
+void draw(const Scene &scene, World &world, Tell &&tell)
+{
+    const RenderState bound = bindScene(scene, world, false);
+    RenderState scratch;
+    std::memcpy(&scratch, &bound, sizeof scratch);
+    std::vector<std::vector<std::byte>> before;
+    for (int k = 0; k < scene.written; ++k) {
+        const Window &window = scene.windows[size_t(k)];
+        before.emplace_back(world.begin(window.slot) + window.begin, world.begin(window.slot) + window.end);
+    }
+    if (scene.subject.exported)
+        reference::drawNamed(scene.subject.exported, scratch);
+    else
+        reference::draw(scene.subject.code, scratch);
+    for (int k = 0; k < scene.written; ++k) {
+        const Window &window = scene.windows[size_t(k)];
+        const std::byte *const now = world.begin(window.slot) + window.begin;
+        for (size_t at = 0; at < before[size_t(k)].size(); ++at)
+            if (before[size_t(k)][at] != now[at])
+                tell(window.slot, now + at);
+        std::copy(before[size_t(k)].begin(), before[size_t(k)].end(), world.begin(window.slot) + window.begin);
+    }
+}
+
 // What a scene's data says about its draw, apart from how the twin comes to know it.
 class Prediction {
 public:
@@ -189,25 +215,39 @@ private:
                begin < texture.pixels.offset + 4 * (int64_t{1} << (texture.log2Width + texture.log2Height));
     }
 
-    // Whether the draw, made by the reference, leaves the frame buffer as it was.
+    // Whether the draw leaves the frame buffer as it was.
     bool isUntouched() const
     {
-        const RenderState drawn = bindScene(scene, world, false);
-        RenderState scratch;
-        std::memcpy(&scratch, &drawn, sizeof scratch);
-        const Window *const window = std::find_if(scene.windows.begin(), scene.windows.begin() + scene.written,
-                                                  [](const Window &w) { return w.slot == frameSlot; });
-        if (window == scene.windows.begin() + scene.written)
-            return true;
-        const std::byte *const begin = world.begin(frameSlot) + window->begin, *const end = world.begin(frameSlot) + window->end;
-        const std::vector<std::byte> before(begin, end);
-        if (scene.subject.exported)
-            reference::drawNamed(scene.subject.exported, scratch);
-        else
-            reference::draw(scene.subject.code, scratch);
-        return std::equal(before.begin(), before.end(), begin);
+        bool touched = false;
+        draw(scene, world, [&](int slot, const std::byte *) { touched |= slot == frameSlot; });
+        return !touched;
     }
 };
+
+// Nothing outside of what the layer says that a draw writes is written. Runs move back over holes, and occlusion triangles jump,
+// to where it does not say.
+void checkReach(const Scene &scene, World &world, layer::Id id)
+{
+    static layer::Footprint reach;
+    const layer::Needs &needs = layer::needsOf(id);
+    if (needs.map == ninefold::Map::runs || needs.shape == layer::Shape::planes)
+        return;
+    layer::findFootprint(id, debug::canLookAt, reach);
+    draw(scene, world, [&](int slot, const std::byte *at) {
+        const auto memory = reach.memory();
+        bool inside = std::any_of(memory.begin(), memory.end(), [&](const layer::MemoryUse &use) {
+            const auto *const begin = static_cast<const std::byte *>(use.begin);
+            return use.written && at >= begin && at < begin + use.size;
+        });
+        if (slot == frameSlot) {
+            const auto pixel = (at - reinterpret_cast<const std::byte *>(rs.dstPixels)) / 4;
+            const auto column = pixel & (ptrdiff_t(rs.dstPitch) - 1);
+            inside &= column >= reach.pixels.left && column < reach.pixels.right;
+        }
+        if (!inside)
+            wrong["written outside of the footprint"].add(current);
+    });
+}
 
 void compare(const Scene &scene, const RenderState &state, World &world)
 {
@@ -264,7 +304,9 @@ int main(int argumentCount, char **arguments)
             call.id = subject.exported ? layer::recordCount : layer::Id(layer::recordOf(subject.code));
             while (subject.exported && !subject.is(layer::functionName(layer::Function(call.id - layer::recordCount))))
                 ++call.id;
-            for (uint32_t number = 0; number < scenes; ++number) {
+            // Lines are few and cheap, and seldom run along an edge.
+            const uint32_t count = subject.axes().shape == NINEFOLD_SHAPE_LINE ? 20 * scenes : scenes;
+            for (uint32_t number = 0; number < count; ++number) {
                 const Scene scene = makeScene(subject, {Kind(kind), seed, number}, world);
                 const RenderState state = bindScene(scene, world, true);
                 std::memcpy(&rs, &state, sizeof rs);
@@ -275,6 +317,7 @@ int main(int argumentCount, char **arguments)
                 if (std::memcmp(&rs, &state, sizeof rs) != 0)
                     wrong["rs was changed"].add(current);
                 compare(scene, state, world);
+                checkReach(scene, world, call.id);
             }
         }
     }
