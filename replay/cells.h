@@ -47,7 +47,7 @@ public:
     static bool isHost(uint64_t number) { return number >= hostOperator; }
 
     // Asks the setters for their operators; the state is afterwards as before.
-    explicit Operators(const Setters &setters);
+    explicit Operators(const Setters &set);
 
     uint64_t numberOf(PixelOperator function); // a new one becomes a host's
     PixelOperator of(uint64_t number) const; // null for a host's

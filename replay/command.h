@@ -59,7 +59,7 @@ struct Opened {
     std::unique_ptr<capture::Reader> reader;
     std::unique_ptr<capture::Player> player;
 
-    explicit Opened(const std::string &path);
+    explicit Opened(const std::string &wanted);
     // Says on standard error what is wrong with the file, if anything; the status that follows from it.
     int complaint() const;
 };
@@ -79,7 +79,7 @@ extern const Option libraryOption, uncheckedOption;
 // A line on standard error that is written over, where that is a terminal.
 class Progress {
 public:
-    Progress(std::string what, const capture::Reader &reader);
+    Progress(std::string doing, const capture::Reader &from);
     ~Progress();
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;

@@ -55,7 +55,7 @@ class Player {
 public:
     enum class Step { draw, frame, end };
 
-    explicit Player(Reader &reader, uint64_t memoryLimit = Store::usualLimit);
+    explicit Player(Reader &from, uint64_t memoryLimit = Store::usualLimit);
 
     // Goes on to the next draw, the next frame's end, or the end.
     Step next();

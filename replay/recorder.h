@@ -83,7 +83,7 @@ private:
     } target{};
     std::map<uint32_t *, layer::Pixels> reached;
 
-    Recorder(const Options &options, const Memory &memory, const Operators::Setters &setters);
+    Recorder(const Options &wanted, const Memory &asks, const Operators::Setters &setters);
     bool canRecord(const layer::Footprint &footprint, const std::vector<Rows> &all) const;
     void writeTexture(const Texture *texture);
     void gather(const Rows &source, const Shadow::Box &part);
