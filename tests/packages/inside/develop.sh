@@ -6,18 +6,18 @@ cd /tmp
 
 # ours PROGRAM: its shared libraries of this project.
 ours() { readelf -d "$1" | sed -n 's/.*NEEDED.*\[\(libninefold.*\)\].*/\1/p' | xargs; }
-# runs PROGRAM LIBRARIES
+# runs PROGRAM LIBRARIES (a pattern)
 runs()
 {
     "$1" >said || { cat said; fail "$1 fails"; }
-    [ "$(ours "$1")" = "$2" ] || fail "$1 loads '$(ours "$1")' instead of '$2'"
+    [[ $(ours "$1") = $2 ]] || fail "$1 loads '$(ours "$1")' instead of '$2'"
 }
 
 cmake -S /ninefold/tests/packages/consumer -B consumer
 make -C consumer -j "$JOBS"
 for standard in c_std_11 cxx_std_17 cxx_std_20; do
     runs consumer/interface_${standard}_shared "libninefold.so.1"
-    runs consumer/kit_${standard}_shared "libninefold-kit.so.1 libninefold.so.1"
+    runs consumer/kit_${standard}_shared "libninefold-kit.so.1*"
     runs consumer/interface_${standard}_static ""
     runs consumer/kit_${standard}_static ""
 done
