@@ -252,6 +252,7 @@ void addCustom(std::vector<Job> &jobs)
             job.goal = (row.multi || row.shahei ? 1.5 : 1.1) + (size < frameSize ? 0.2 : 0);
             job.setup = [] {
                 rs.tex1 = rs.tex0;
+                rs.uv1[0].u += 0x10000; // not the same texel twice: the operator is its own inverse
                 rs.blendFunc = rs.multiFunc = hostOperator;
             };
             job.more = [size, times = row.blend + row.multi](Contenders &contenders) {
