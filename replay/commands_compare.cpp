@@ -194,9 +194,9 @@ int runDiff(const Arguments &arguments)
         if (words.empty() && one.hasResult && other.hasResult)
             for (int part = 0; part < 3; ++part)
                 if (one.result.hash[part] != other.result.hash[part])
-                    words.push_back(part == 0   ? "the frame buffer is another afterwards"
-                                    : part == 1 ? "the Shahei plane is another afterwards"
-                                                : "the priorities are others afterwards");
+                    words.emplace_back(part == 0   ? "the frame buffer is another afterwards"
+                                       : part == 1 ? "the Shahei plane is another afterwards"
+                                                   : "the priorities are others afterwards");
         if (words.empty())
             continue;
         std::printf("%s\n", drawLabel(one).c_str());

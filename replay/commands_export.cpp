@@ -196,7 +196,8 @@ private:
         if (rs.frameBuffer)
             recordOf(rs.frameBuffer);
         // Levels that a chain names must be told apart, also where nothing is fetched from them.
-        for (size_t k = 0; k < records.size(); ++k)
+        // The list grows on the way.
+        for (size_t k = 0; k < records.size(); ++k) // NOLINT(modernize-loop-convert)
             for (uint32_t level = 0; level < records[k]->mipCount && level < std::size(records[k]->mip); ++level)
                 if (records[k]->mip[level])
                     recordOf(records[k]->mip[level]);

@@ -192,11 +192,11 @@ TEST_P(Scenes, BandsDrawAsTheWhole)
     std::vector<Subject> subjects = sharedCatalogue();
     subjects.insert(subjects.end(), namedSubjects().begin(), namedSubjects().end());
     const uint32_t scenes = scenesWanted(1);
-    for (size_t index = 0; index < subjects.size(); ++index)
-        for (uint32_t number = 0; number < scenes * (subjects[index].exported ? 20 : 1); ++number) {
+    for (const Subject &subject : subjects)
+        for (uint32_t number = 0; number < scenes * (subject.exported ? 20 : 1); ++number) {
             if (cuts.below(64) == 0)
                 useSet(int(cuts.below(uint32_t(ninefold::usableSets()))));
-            checkScene(subjects[index], {GetParam(), seedWanted(), number}, world, result);
+            checkScene(subject, {GetParam(), seedWanted(), number}, world, result);
         }
     EXPECT_EQ(result.failed, 0) << result.failures;
     EXPECT_GT(result.alone, 0u);
