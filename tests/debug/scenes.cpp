@@ -255,8 +255,7 @@ void compare(const Scene &scene, const RenderState &state, World &world)
     Prediction(scene, state, world).run(may, must);
     for (const auto &[rule, text] : told)
         if (!may.contains(rule))
-            wrong[rule + " does not follow"].add(current + ": " + text + operatorName(scene.multiOperator) +
-                                                 operatorName(scene.blendOperator));
+            wrong[rule + " does not follow"].add(std::string(current).append(": ").append(text));
     for (const std::string &rule : must)
         if (!told.contains(rule))
             wrong[rule + " is missing"].add(current);

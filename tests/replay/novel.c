@@ -67,12 +67,12 @@ static void show(const NfkScreen *screen, uint32_t *window)
 int main(int argc, char **argv)
 {
     NfkScreen *const screen = nfkCreateScreen(width, height);
-    uint32_t *const window = malloc((size_t)4 * width * height);
+    static uint32_t window[width * height];
     Texture *photos[most], *sprite;
     const int count = argc - 2 < most ? argc - 2 : most;
     int frame, k;
     double start;
-    if (count < 1 || !screen || !window)
+    if (count < 1 || !screen)
         return fprintf(stderr, "usage: novel DIRECTORY PICTURE...\n"), 2;
     for (k = 0; k < count; ++k)
         if (!(photos[k] = photograph(argv[2 + k], argv[1], k)))
