@@ -68,6 +68,14 @@ int Opened::complaint() const
     return statusFile;
 }
 
+int Opened::complaintOfNone(uint64_t wanted) const
+{
+    const int status = complaint();
+    if (status == statusGood)
+        fail(statusUsage, path + " has " + grouped(player->draws()) + " draws, none of number " + std::to_string(wanted));
+    return status;
+}
+
 Drawer::Drawer(const Arguments &arguments) : use(&Library::linked())
 {
     if (!arguments.has("lib"))

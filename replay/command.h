@@ -62,6 +62,8 @@ struct Opened {
     explicit Opened(const std::string &wanted);
     // Says on standard error what is wrong with the file, if anything; the status that follows from it.
     int complaint() const;
+    // The same where all was read and no draw has the wanted number. Does not return where nothing else is wrong.
+    int complaintOfNone(uint64_t wanted) const;
 };
 
 // The library of --lib, or the linked one.

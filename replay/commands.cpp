@@ -311,10 +311,7 @@ int runDraw(const Arguments &arguments)
         player.finish();
         return differences.empty() ? statusGood : statusFound;
     }
-    const int status = opened.complaint();
-    if (status == statusGood)
-        fail(statusUsage, opened.path + " has " + grouped(player.draws()) + " draws, none of number " + std::to_string(wanted));
-    return status;
+    return opened.complaintOfNone(wanted);
 }
 
 } // namespace replay

@@ -2,13 +2,11 @@
 // scene's own data, which is worked out here a second time. Nothing is drawn but by the reference.
 //
 //     twin_scenes [--scenes N] [--seed N] [--kind KIND] [--code 0xCODE] [--every N]
+#include "choice.h"
 #include "report.h"
 
 #include "reference/reference.h"
 #include "support/host.h"
-#include "support/numbers.h"
-#include "support/scene.h"
-#include "support/subject.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -265,48 +263,26 @@ void compare(const Scene &scene, const RenderState &state, World &world)
 
 int main(int argumentCount, char **arguments)
 {
-    uint32_t scenes = 1, code = 0, every = 1;
-    uint64_t seed = 1;
-    int onlyKind = -1;
-    for (int i = 1; i + 1 < argumentCount; i += 2) {
-        const char *const name = arguments[i], *const value = arguments[i + 1];
-        if (std::strcmp(name, "--scenes") == 0)
-            scenes = uint32_t(numberFrom(value, name, 1, 1000000));
-        else if (std::strcmp(name, "--every") == 0)
-            every = uint32_t(numberFrom(value, name, 1, 1000000));
-        else if (std::strcmp(name, "--seed") == 0)
-            seed = numberFrom(value, name, 0, UINT64_MAX);
-        else if (std::strcmp(name, "--code") == 0)
-            code = uint32_t(numberFrom(value, name, 0, UINT32_MAX, 16));
-        else if (std::strcmp(name, "--kind") == 0)
-            for (int kind = 0; kind < kindCount; ++kind)
-                if (std::strcmp(value, kindName(Kind(kind))) == 0)
-                    onlyKind = kind;
-    }
-
+    const Choice choice(argumentCount, arguments, 1);
     startLibrary();
     debug::settings().repeat = 0;
     debug::settings().summary = false;
     debug::callback = collect;
-    std::vector<Subject> subjects = catalogueSubjects();
-    subjects.insert(subjects.end(), namedSubjects().begin(), namedSubjects().end());
+    const std::vector<Subject> subjects = choice.subjects();
     uint64_t looked = 0;
     for (int kind = 0; kind < kindCount; ++kind) {
-        if (onlyKind >= 0 ? kind != onlyKind : Kind(kind) == Kind::large)
+        if (!choice.takes(Kind(kind)))
             continue;
         World world(Kind(kind) == Kind::large);
-        for (size_t index = 0; index < subjects.size(); ++index) {
-            const Subject &subject = subjects[index];
-            if (code ? subject.code != code || subject.exported : (index % every != 0 && !subject.exported))
-                continue;
+        for (const Subject &subject : subjects) {
             layer::Call call{};
             call.id = subject.exported ? layer::recordCount : layer::Id(layer::recordOf(subject.code));
             while (subject.exported && !subject.is(layer::functionName(layer::Function(call.id - layer::recordCount))))
                 ++call.id;
             // Lines are few and cheap, and seldom run along an edge.
-            const uint32_t count = subject.axes().shape == NINEFOLD_SHAPE_LINE ? 20 * scenes : scenes;
+            const uint32_t count = subject.axes().shape == NINEFOLD_SHAPE_LINE ? 20 * choice.scenes : choice.scenes;
             for (uint32_t number = 0; number < count; ++number) {
-                const Scene scene = makeScene(subject, {Kind(kind), seed, number}, world);
+                const Scene scene = makeScene(subject, {Kind(kind), choice.seed, number}, world);
                 const RenderState state = bindScene(scene, world, true);
                 std::memcpy(&rs, &state, sizeof rs);
                 current = subject.name() + " " + kindName(Kind(kind)) + " scene " + std::to_string(number);

@@ -8,10 +8,8 @@
 #include "recording.h"
 #include "report.h"
 
+#include "debug/choice.h"
 #include "support/host.h"
-#include "support/numbers.h"
-#include "support/scene.h"
-#include "support/subject.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -23,21 +21,17 @@ using namespace support;
 namespace {
 
 // The draws of a kind, recorded under the twin as any host's; their names.
-std::vector<std::string> record(const std::string &file, Kind kind, uint32_t scenes, uint64_t seed, uint32_t code, uint32_t every,
-                                const std::vector<Subject> &subjects)
+std::vector<std::string> record(const std::string &file, Kind kind, const Choice &choice, const std::vector<Subject> &subjects)
 {
     std::vector<std::string> names;
     World world(kind == Kind::large);
     debug::settings().capture = file;
     if (!debug::startRecording())
         std::exit(1);
-    for (size_t index = 0; index < subjects.size(); ++index) {
-        const Subject &subject = subjects[index];
-        if (code ? subject.code != code || subject.exported : (index % every != 0 && !subject.exported))
-            continue;
+    for (const Subject &subject : subjects) {
         const DrawFunc kernel = subject.exported ? subject.function : SearchDrawFunc(subject.code);
-        for (uint32_t number = 0; number < scenes; ++number) {
-            const Scene scene = makeScene(subject, {kind, seed, number}, world);
+        for (uint32_t number = 0; number < choice.scenes; ++number) {
+            const Scene scene = makeScene(subject, {kind, choice.seed, number}, world);
             const RenderState state = bindScene(scene, world, true);
             std::memcpy(static_cast<void *>(&rs), &state, sizeof rs);
             calls = {};
@@ -92,38 +86,20 @@ int main(int argumentCount, char **arguments)
     if (argumentCount < 2)
         return 2;
     const std::string file = arguments[1];
-    uint32_t scenes = 1, code = 0, every = 1;
-    uint64_t seed = 1;
-    int onlyKind = -1;
-    for (int i = 2; i + 1 < argumentCount; i += 2) {
-        const char *const name = arguments[i], *const value = arguments[i + 1];
-        if (std::strcmp(name, "--scenes") == 0)
-            scenes = uint32_t(numberFrom(value, name, 1, 1000000));
-        else if (std::strcmp(name, "--every") == 0)
-            every = uint32_t(numberFrom(value, name, 1, 1000000));
-        else if (std::strcmp(name, "--seed") == 0)
-            seed = numberFrom(value, name, 0, UINT64_MAX);
-        else if (std::strcmp(name, "--code") == 0)
-            code = uint32_t(numberFrom(value, name, 0, UINT32_MAX, 16));
-        else if (std::strcmp(name, "--kind") == 0)
-            for (int kind = 0; kind < kindCount; ++kind)
-                if (std::strcmp(value, kindName(Kind(kind))) == 0)
-                    onlyKind = kind;
-    }
+    const Choice choice(argumentCount, arguments, 2);
     startLibrary();
     debug::settings().severity = NINEFOLD_DEBUG_ERROR;
     debug::settings().repeat = 0;
     debug::settings().summary = false;
     debug::settings().captureTextures = 1; // scenes overwrite theirs
     debug::settings().captureLevel = 1;
-    std::vector<Subject> subjects = catalogueSubjects();
-    subjects.insert(subjects.end(), namedSubjects().begin(), namedSubjects().end());
+    const std::vector<Subject> subjects = choice.subjects();
     uint64_t failures = 0, draws = 0;
     for (int kind = 0; kind < kindCount; ++kind) {
-        if (onlyKind >= 0 ? kind != onlyKind : Kind(kind) == Kind::large)
+        if (!choice.takes(Kind(kind)))
             continue;
         debug::settings().action = NINEFOLD_DEBUG_DRAW;
-        const std::vector<std::string> names = record(file, Kind(kind), scenes, seed, code, every, subjects);
+        const std::vector<std::string> names = record(file, Kind(kind), choice, subjects);
         failures += replay(file, names);
         draws += names.size();
     }
