@@ -5,9 +5,8 @@
 #include "recording.h"
 #include "report.h"
 
-#include "core/pairing.h"
+#include "core/catalogue.h"
 
-#include <array>
 #include <bit>
 #include <cstdio>
 
@@ -95,37 +94,16 @@ std::string hex(uint32_t code)
     return text;
 }
 
-// Why a code has no kernel, as the end of a sentence; empty where a value is none of its axis.
-std::string brokenPairing(uint32_t code)
-{
-    using namespace ninefold;
-    const Axes a = axesOf(code);
-#define NINEFOLD_BROKEN(where, needs, words)                                                                                     \
-    if ((where) && !(needs))                                                                                                     \
-        return std::string(": ") + words;
-    NINEFOLD_FAMILY_PAIRINGS(NINEFOLD_BROKEN)
-    NINEFOLD_OTHER_PAIRINGS(NINEFOLD_BROKEN)
-#undef NINEFOLD_BROKEN
-    return "";
-}
-
-// The existing combination with the fewest other values.
+// The existing combination of the shape with the fewest other values.
 uint32_t nearest(uint32_t code)
 {
-    const auto values = [](const ninefold::Axes &a) {
-        return std::array<uint8_t, 9>{a.shape, a.pers, a.rule, a.prescale, a.filter, a.rectOpt, a.shahei, a.blend, a.multi};
-    };
-    const auto wanted = values(ninefold::axesOf(code));
+    const ninefold::Axes wanted = ninefold::axesOf(code);
     int fewest = 100;
     uint32_t best = layer::defaultCode(code);
-    for (layer::Id record = 0; record < layer::recordCount; ++record) {
-        const auto has = values(ninefold::axesOf(layer::codeOf(record)));
-        int others = has[0] != wanted[0] ? 50 : 0;
-        for (size_t k = 1; k < has.size(); ++k)
-            others += has[k] != wanted[k];
-        if (others < fewest)
-            fewest = others, best = layer::codeOf(record);
-    }
+    ninefold::forEachCombination([&](const ninefold::Axes &a) {
+        if (const int others = ninefold::differences(a, wanted); a.shape == wanted.shape && others < fewest)
+            fewest = others, best = ninefold::codeOf(a);
+    });
     return best;
 }
 
@@ -141,11 +119,12 @@ bool lookAtFunction(const Call &call)
             told.tell("code-unknown", "", code);
         } else if (layer::recordOf(code) < 0) {
             const uint32_t closest = nearest(code);
+            const char *const broken = ninefold::brokenPairing(ninefold::axesOf(code)); // none where a value is none of its axis
             const std::string instead =
                 (code & 3) == 3 ? "nothing, the result is null" : ninefold::nameOf(ninefold::axesOf(layer::defaultCode(code)));
             told.tell("code-unknown",
-                      "Code " + hex(code) + " is " + ninefold::nameOf(ninefold::axesOf(code)) + brokenPairing(code) +
-                          ". Drawn is " + instead + "; the nearest that exists is " +
+                      "Code " + hex(code) + " is " + ninefold::nameOf(ninefold::axesOf(code)) +
+                          (broken ? std::string(": ") + broken : "") + ". Drawn is " + instead + "; the nearest that exists is " +
                           ninefold::nameOf(ninefold::axesOf(closest)) + " (" + hex(closest) + ").",
                       code);
         }

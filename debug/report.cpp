@@ -55,23 +55,6 @@ std::FILE *output()
     return out;
 }
 
-std::string quoted(const std::string &text)
-{
-    std::string result = "\"";
-    for (const char c : text)
-        if (c == '"' || c == '\\') {
-            result += '\\';
-            result += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            char code[8];
-            std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(c));
-            result += code;
-        } else {
-            result += c;
-        }
-    return result + '"';
-}
-
 void print(const Rule &rule, const NinefoldFinding &f, bool last)
 {
     const std::vector<std::string> stack = settings().stack ? hostStack() : std::vector<std::string>{};
@@ -217,6 +200,23 @@ void summarise()
 }
 
 } // namespace
+
+std::string quoted(const std::string &text)
+{
+    std::string result = "\"";
+    for (const char c : text)
+        if (c == '"' || c == '\\') {
+            result += '\\';
+            result += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            char code[8];
+            std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned>(c));
+            result += code;
+        } else {
+            result += c;
+        }
+    return result + '"';
+}
 
 void printRules(std::FILE *out, bool markdown)
 {

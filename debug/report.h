@@ -46,6 +46,9 @@ bool isHeard(size_t index, layer::Id id);
 uint64_t findings(int severity);
 const char *severityName(int severity);
 
+// As a string of JSON.
+std::string quoted(const std::string &text);
+
 // How a rule is named in messages and in the list.
 std::string ruleLabel(const Rule &rule); // NF-0107
 

@@ -93,18 +93,12 @@ std::string remedies(const Pairing &pairing, const Axes &broken)
     return text;
 }
 
-uint32_t differences(const Axes &a, const Axes &b)
-{
-    return uint32_t(
-        std::count_if(std::begin(axes), std::end(axes), [&](const Axis &axis) { return a.*axis.field != b.*axis.field; }));
-}
-
 std::vector<uint32_t> nearest(uint32_t code, size_t count)
 {
     const Axes from = axesOf(code);
     std::vector<uint64_t> order; // differences, then the code
     order.reserve(recordCount);
-    forEachCombination([&](const Axes &a) { order.push_back(uint64_t{differences(from, a)} << 32 | codeOf(a)); });
+    forEachCombination([&](const Axes &a) { order.push_back(uint64_t(differences(from, a)) << 32 | codeOf(a)); });
     count = std::min(count, order.size());
     std::partial_sort(order.begin(), order.begin() + std::ptrdiff_t(count), order.end());
     return {order.begin(), order.begin() + std::ptrdiff_t(count)};

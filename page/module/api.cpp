@@ -1,6 +1,7 @@
 // What the page's scripts call. Texts that are handed out stay until the next call.
 #include "describe.h"
 #include "layer.h"
+#include "report.h"
 #include "scene.h"
 
 #include "core/catalogue.h"
@@ -19,6 +20,7 @@
 extern "C" const NinefoldDebugCalls *ninefoldDebugCalls(void);
 
 using namespace page;
+using debug::quoted;
 
 namespace {
 

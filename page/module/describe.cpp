@@ -2,6 +2,7 @@
 
 #include "codes.h"
 #include "footprint.h"
+#include "report.h"
 
 #include "core/catalogue.h"
 
@@ -16,6 +17,7 @@
 namespace page {
 namespace {
 
+using debug::quoted;
 using ninefold::Axes;
 
 struct Value {
@@ -135,10 +137,7 @@ Axes nearest(const Axes &from, const Axis &axis, uint8_t value)
     ninefold::forEachCombination([&](const Axes &a) {
         if (a.*axis.field != value)
             return;
-        int others = 0;
-        for (const Axis &other : axes)
-            others += a.*other.field != from.*other.field;
-        if (others < fewest)
+        if (const int others = ninefold::differences(a, from); others < fewest)
             fewest = others, best = a;
     });
     return best;
@@ -158,7 +157,7 @@ size_t wordsRead(const FieldInfo &wanted, const layer::Needs &n, const Axes &a, 
 }
 
 // The keys of the choices that matter to the kernel.
-std::string choicesRead(const layer::Needs &n, const Axes &a)
+std::string choicesRead(const layer::Needs &n)
 {
     Json keys('[');
     const auto add = [&keys](const char *key, bool read) {
@@ -179,7 +178,6 @@ std::string choicesRead(const layer::Needs &n, const Axes &a)
     add("bank", n.callsMulti);
     add("curve", n.ruleTest);
     add("stipple", n.drawMask || n.stippleSteps);
-    (void)a;
     return keys.end();
 }
 
@@ -253,21 +251,6 @@ std::string linesOf(const State &state, const layer::Needs &n)
 }
 
 } // namespace
-
-std::string quoted(const std::string &text)
-{
-    std::string result = "\"";
-    for (const char c : text)
-        if (c == '"' || c == '\\')
-            (result += '\\') += c;
-        else if (c == '\n')
-            result += "\\n";
-        else if (static_cast<unsigned char>(c) < 0x20)
-            result += ' ';
-        else
-            result += c;
-    return result + '"';
-}
 
 std::string describe()
 {
@@ -349,7 +332,7 @@ std::string describeState(const State &state)
         .text("state", print(state))
         .member("axes", axisList.end())
         .member("reads", reads.end())
-        .member("choices", choicesRead(n, a))
+        .member("choices", choicesRead(n))
         .member("draws", n.shape == layer::Shape::nothing ? "false" : "true")
         .text("c", linesOf(state, n))
         .end();
@@ -359,12 +342,11 @@ std::string describeFamilies()
 {
     Json list('[');
     ninefold::forEachFamily([&](Axes family) {
-        bool found = false;
+        family.blend = NINEFOLD_BLEND_COPY, family.multi = NINEFOLD_MULTI_NONE;
         for (const uint8_t shahei : ninefold::axis::shaheis)
-            for (const uint8_t multi : {NINEFOLD_MULTI_NONE}) {
-                family.shahei = shahei, family.blend = NINEFOLD_BLEND_COPY, family.multi = multi;
-                if (!found && ninefold::exists(family))
-                    list.raw(quoted(ninefold::nameOf(family))), found = true;
+            if (family.shahei = shahei; ninefold::exists(family)) {
+                list.raw(quoted(ninefold::nameOf(family)));
+                break;
             }
     });
     return list.end();

@@ -19,7 +19,4 @@ std::string describeFamilies();
 // The names of the members of the family that a code belongs to.
 std::string describeMembers(uint32_t code);
 
-// A JSON string.
-std::string quoted(const std::string &text);
-
 } // namespace page

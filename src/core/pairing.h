@@ -91,6 +91,25 @@ constexpr bool memberExists(const Axes &a)
     return NINEFOLD_OTHER_PAIRINGS(NINEFOLD_PAIRING_HOLDS) a.multi <= NINEFOLD_MULTI_NONE;
 }
 
+// The words of the first rule that a combination breaks; null where there is none.
+constexpr const char *brokenPairing(const Axes &a)
+{
+#define NINEFOLD_PAIRING_BROKEN(where, needs, words)                                                                             \
+    if ((where) && !(needs))                                                                                                     \
+        return words;
+    NINEFOLD_FAMILY_PAIRINGS(NINEFOLD_PAIRING_BROKEN)
+    NINEFOLD_OTHER_PAIRINGS(NINEFOLD_PAIRING_BROKEN)
+#undef NINEFOLD_PAIRING_BROKEN
+    return nullptr;
+}
+
+// How many of the nine values differ.
+constexpr int differences(const Axes &a, const Axes &b)
+{
+    return (a.shape != b.shape) + (a.pers != b.pers) + (a.rule != b.rule) + (a.prescale != b.prescale) + (a.filter != b.filter) +
+           (a.rectOpt != b.rectOpt) + (a.shahei != b.shahei) + (a.blend != b.blend) + (a.multi != b.multi);
+}
+
 // Of values that the axes have.
 constexpr bool exists(const Axes &a) { return familyExists(a) && memberExists(a); }
 
