@@ -1,5 +1,7 @@
 #include "host.h"
 
+#include <ninefold/kit/codes.h>
+
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
@@ -169,81 +171,21 @@ void quad(const Corner &a, const Corner &b, const Corner &c, const Corner &d, co
 
 const char *multiOperatorName(int32_t value)
 {
-    static constexpr const char *names[] = {"second",
-                                            "alpha",
-                                            "constant alpha",
-                                            "constant alpha (rgb)",
-                                            "alpha with early outs",
-                                            "add",
-                                            "subtract",
-                                            "multiply",
-                                            "multiply by two",
-                                            "screen",
-                                            "overlay",
-                                            "merge",
-                                            "second",
-                                            "second",
-                                            "luma of second",
-                                            "luma of first",
-                                            "xor",
-                                            "and",
-                                            "or",
-                                            "first"};
-    return names[value >= 0 && value < 20 ? value : 0];
+#define GALLERY_NAME(name, number, word, meaning)                                                                                \
+    if (value == (number))                                                                                                       \
+        return word;
+    NINEFOLD_MULTI_OPS(GALLERY_NAME)
+#undef GALLERY_NAME
+    return multiOperatorName(NINEFOLD_MULTI_OP_SECOND);
 }
 
-std::string describe(const Modes &m)
+std::string describe(const Modes &modes)
 {
-    static constexpr const char *shapes[] = {"line", "rectangle", "triangle"};
-    static constexpr const char *rectOpts[] = {"unit scale", "stretched",      "four corners",  "line table",
-                                               "?",          "run-length map", "zero-pixel map"};
-    static constexpr const char *filters[] = {
-        "nearest", "bilinear", "mip levels", "mip level per line", "bilinear mip level per line", "bilinear mip levels",
-        "flat",    "Gouraud",  "mosaic"};
-    static constexpr const char *shaheis[] = {
-        "", "Shahei plane", "Shahei plane and priorities written", "priority test", "draw mask", "priority test and draw mask"};
-    static constexpr const char *blends[] = {"copy",
-                                             "alpha",
-                                             "constant alpha",
-                                             "?",
-                                             "alpha with early outs",
-                                             "add",
-                                             "subtract",
-                                             "multiply",
-                                             "multiply by two",
-                                             "screen",
-                                             "overlay",
-                                             "merge",
-                                             "host's operator",
-                                             "copy",
-                                             "luma of source",
-                                             "luma of destination",
-                                             "xor",
-                                             "and",
-                                             "or",
-                                             "destination"};
-    static constexpr const char *multis[] = {"second texture", "corner colours", "one colour"};
-
-    std::string words = shapes[m.shape];
-    const auto add = [&words](const std::string &word) {
-        if (!word.empty())
-            words += ", " + word;
-    };
-    const bool colours = m.filter == NINEFOLD_FILTER_FLAT || m.filter == NINEFOLD_FILTER_GOURAUD;
-    if (m.shape == NINEFOLD_SHAPE_RECTANGLE && !colours)
-        add(rectOpts[m.rectOpt]);
-    if (m.pers)
-        add("perspective");
-    add(filters[m.filter]);
-    add(blends[m.blend]);
-    add(shaheis[m.shahei]);
-    if (m.multi != NINEFOLD_MULTI_NONE && !colours)
-        add(std::string(multis[m.multi]) + " by \"" + multiOperatorName(rs.blendModeMulti) + "\"" +
-            (rs.prescaleMultiMode ? " (second bank)" : ""));
-    if (m.rule)
-        add("rule");
-    if (m.prescale)
-        add("prescale");
+    char name[128];
+    nfkCodeName(codeOf(modes), name, sizeof name);
+    std::string words = name;
+    if (modes.multi != NINEFOLD_MULTI_NONE)
+        words += std::string(" by ") + multiOperatorName(rs.blendModeMulti) + (rs.prescaleMultiMode ? ", second bank" : "");
     return words;
 }
 
