@@ -5,7 +5,7 @@
 namespace bands {
 namespace {
 
-constexpr size_t lineOfCache = 64;
+constexpr size_t lineOfCache = 64, drawsAhead = 6;
 
 // What the rows of a band may take of a core's second-level cache where they are drawn again and again, and the fewest rows that
 // are worth a band: every draw that crosses its border begins once more.
@@ -30,15 +30,14 @@ void *Arena::take(size_t bytes)
 
 void Batch::clear()
 {
-    draws.clear();
-    busy.clear();
+    rows.clear();
     last = nullptr;
     arena.clear();
     nanoseconds = pixels = 0;
 }
 
 // The state of a draw: that of the one before, where nothing but busy fields has changed.
-const RenderState *Batch::keep(const Kind &kind, const Draw &draw)
+const RenderState *Batch::keep(const Kind &kind)
 {
     const layer::Needs &n = *kind.needs;
     const bool shifts = n.scanShift && rs.scanShift, asItIs = !n.callsBlend && !n.callsMulti && !n.lineTable0 && !shifts;
@@ -52,14 +51,15 @@ const RenderState *Batch::keep(const Kind &kind, const Draw &draw)
         state->blendFunc = judge.bandedFor(rs.blendFunc);
     if (n.callsMulti)
         state->multiFunc = judge.bandedFor(rs.multiFunc);
-    const auto count = size_t(draw.bottom - draw.top);
+    const auto [first, end] = judge.reached;
+    const auto count = size_t(end - first);
     if (shifts)
-        state->scanShift = arena.copy(rs.scanShift + draw.top, count) - draw.top;
+        state->scanShift = arena.copy(rs.scanShift + first, count) - first;
     if (n.lineTable0) { // begins at the unclipped rectangle's top
-        const int32_t first = draw.top - std::min(rs.vertex[0].y + rs.originY, rs.vertex[1].y + rs.originY);
-        state->lineTable0 = arena.copy(rs.lineTable0 + first, count) - first;
+        const int32_t line = first - std::min(rs.vertex[0].y + rs.originY, rs.vertex[1].y + rs.originY);
+        state->lineTable0 = arena.copy(rs.lineTable0 + line, count) - line;
         if (n.lineTable1)
-            state->lineTable1 = arena.copy(rs.lineTable1 + first, count) - first;
+            state->lineTable1 = arena.copy(rs.lineTable1 + line, count) - line;
     }
     return state;
 }
@@ -67,21 +67,26 @@ const RenderState *Batch::keep(const Kind &kind, const Draw &draw)
 Fate Batch::record(layer::Id id, float least)
 {
     const Kind &kind = kindOf(id);
-    if (draws.empty()) {
+    if (empty()) {
         if (costAtMost(kind) < least)
             return Fate::cheap;
         judge.begin();
     }
-    Draw draw;
+    if (draws.size() <= size() + drawsAhead)
+        draws.resize(std::max(size_t{256}, 2 * draws.size()));
+    Draw &draw = draws[size()];
     const Fate fate = judge.judge(kind, draw);
-    if (fate == Fate::cut && draws.empty() && judge.cost() < least)
+    if (fate == Fate::cut && empty() && judge.cost() < least)
         return Fate::cheap;
     if (fate == Fate::cut) {
-        draw.state = keep(kind, draw);
-        copyBusy(busy.emplace_back(), rs);
-        top = draws.empty() ? draw.top : std::min(top, draw.top);
-        bottom = draws.empty() ? draw.bottom : std::max(bottom, draw.bottom);
-        draws.push_back(draw);
+        // Other threads have read what lay here in the batch before: writing it takes their copy away, which takes a while.
+        for (size_t at = 0; at < sizeof draw; at += lineOfCache)
+            __builtin_prefetch(reinterpret_cast<std::byte *>(&draw + drawsAhead) + at, 1);
+        draw.state = keep(kind);
+        copyBusy(draw.busy, rs);
+        top = empty() ? judge.reached.top : std::min(top, judge.reached.top);
+        bottom = empty() ? judge.reached.bottom : std::max(bottom, judge.reached.bottom);
+        rows.push_back(judge.reached);
         nanoseconds += judge.cost();
         pixels += judge.area();
     }
@@ -92,14 +97,14 @@ Fate Batch::record(layer::Id id, float least)
 
 int Batch::divide(int threads)
 {
-    const int32_t rows = bottom - top;
-    const bool layers = pixels > 2.0 * rows * double(1 << judge.target.shift);
-    bandRows = layers ? std::max(fewestRows, bandBytes / (4 << judge.target.shift)) : rows;
+    const int32_t count = bottom - top;
+    const bool layers = pixels > 2.0 * count * double(1 << judge.target.shift);
+    bandRows = layers ? std::max(fewestRows, bandBytes / (4 << judge.target.shift)) : count;
     if (threads > 1) {
         const int32_t bands = (layers ? bandsPerThread : fewBandsPerThread) * threads;
-        bandRows = std::min(bandRows, std::max(fewestRows, (rows + bands - 1) / bands));
+        bandRows = std::min(bandRows, std::max(fewestRows, (count + bands - 1) / bands));
     }
-    return (rows + bandRows - 1) / bandRows;
+    return (count + bandRows - 1) / bandRows;
 }
 
 void Batch::drawBand(int band) const
@@ -111,9 +116,9 @@ void Batch::drawBand(int band) const
 void Batch::drawRows(int32_t from, int32_t to) const
 {
     const RenderState *loaded = nullptr;
-    for (size_t k = 0; k < draws.size(); ++k)
-        if (const Draw &draw = draws[k]; draw.top < to && draw.bottom > from)
-            drawBetween(draw, busy[k], from, to, loaded);
+    for (size_t k = 0; k < rows.size(); ++k)
+        if (rows[k].top < to && rows[k].bottom > from)
+            drawBetween(draws[k], from, to, loaded);
 }
 
 } // namespace bands

@@ -39,9 +39,9 @@ private:
 
 class Batch {
 public:
-    bool empty() const { return draws.empty(); }
-    bool full() const { return draws.size() >= mostDraws || arena.size() >= mostBytes; }
-    size_t size() const { return draws.size(); }
+    bool empty() const { return rows.empty(); }
+    bool full() const { return size() >= mostDraws || arena.size() >= mostBytes; }
+    size_t size() const { return rows.size(); }
     double cost() const { return nanoseconds; } // of all, by their weights
     const Target &target() const { return judge.target; }
 
@@ -63,8 +63,8 @@ public:
 
 private:
     static constexpr size_t mostDraws = 16384, mostBytes = size_t{64} << 20;
-    std::vector<Draw> draws;
-    std::vector<BusyFields> busy; // of each draw
+    std::vector<Rows> rows; // of each draw; apart, because every band looks at them all
+    std::vector<Draw> draws; // at least as many
     const RenderState *last = nullptr; // the state of the last draw that has rs as it was
     Arena arena;
     Judge judge;
@@ -72,7 +72,7 @@ private:
     double nanoseconds = 0;
     double pixels = 0;
 
-    const RenderState *keep(const Kind &kind, const Draw &draw);
+    const RenderState *keep(const Kind &kind);
 };
 
 } // namespace bands

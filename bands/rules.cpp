@@ -50,6 +50,7 @@ float weightOf(const Needs &n)
     return weight;
 }
 constexpr float drawWeight = 60, linePixelWeight = 2; // ns
+constexpr float slowWeight = 2; // pixels that take so long do not wait for memory
 
 float costOf(const Kind &kind, float width, float height)
 {
@@ -243,7 +244,6 @@ Fate Judge::judge(const Kind &kind, Draw &draw)
     rows.clip(top, bottom);
     if (!(n.scanShift && rs.scanShift))
         columns.clip(left, right);
-    draw.top = top, draw.bottom = bottom;
     draw.kernel = kind.banded;
     draw.mend = Mend::none, draw.levels = false;
     draw.leaves = kind.driven || n.lineLevels;
@@ -261,8 +261,11 @@ Fate Judge::judge(const Kind &kind, Draw &draw)
     if (kind.mayMend && !judgeTable(kind, draw))
         return Fate::whole;
 
+    reached = {top, bottom};
     nanoseconds = costOf(kind, float(right - left), float(bottom - top));
-    pixels = float(right - left) * float(bottom - top);
+    pixels = kind.weight < slowWeight ? float(right - left) * float(bottom - top) : 0;
+    if (n.shape == Shape::triangle)
+        pixels /= 2;
     if (n.shape == Shape::line) {
         const bool flat = columns.high - columns.low >= rows.high - rows.low;
         if (flat && heeds(Rule::lineEnd))

@@ -61,6 +61,11 @@ struct Target {
     bool shares(const Texture &texture) const;
 };
 
+// No row outside is read or written.
+struct Rows {
+    int32_t top, bottom;
+};
+
 // A kernel or a function that draws. What it draws with follows from its id alone.
 struct Kind {
     const layer::Needs *needs; // null: not asked for yet
@@ -84,13 +89,14 @@ enum class Fate : uint8_t {
 class Judge {
 public:
     Target target{};
+    Rows reached{}; // of the draw judged last, for Fate::cut
 
     // Forgets what is known of textures, which may have changed, and takes rs's target.
     void begin();
     Fate judge(const Kind &kind, Draw &draw);
     // Of the draw judged last.
     float cost() const { return nanoseconds; }
-    float area() const { return pixels; }
+    float area() const { return pixels; } // about as many pixels wait for memory rather than for the processor
 
     // The operator of the second copy, or the host's own if it is declared pure. Null: the draw is whole.
     PixelOperator bandedFor(PixelOperator function);

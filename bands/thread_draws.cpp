@@ -137,12 +137,12 @@ void copyBusy(BusyFields &to, const RenderState &from)
     copyBytes<sizeof to.bytes>(to.bytes, reinterpret_cast<const std::byte *>(&from) + busyBegin);
 }
 
-void drawBetween(const Draw &draw, const BusyFields &busy, int32_t top, int32_t bottom, const RenderState *&loaded)
+void drawBetween(const Draw &draw, int32_t top, int32_t bottom, const RenderState *&loaded)
 {
     const RenderState &state = *draw.state;
     if (loaded != &state)
         copyState(rs, state);
-    copyBytes<sizeof busy.bytes>(reinterpret_cast<std::byte *>(&rs) + busyBegin, busy.bytes);
+    copyBytes<sizeof draw.busy.bytes>(reinterpret_cast<std::byte *>(&rs) + busyBegin, draw.busy.bytes);
     rs.clipTop = std::max(state.clipTop, top);
     rs.clipBottom = std::min(state.clipBottom, bottom);
     loaded = draw.leaves || draw.mend != Mend::none ? nullptr : &state;

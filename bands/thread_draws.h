@@ -23,18 +23,18 @@ struct BusyFields {
     alignas(8) std::byte bytes[busyEnd - busyBegin];
 };
 
-// A draw as it was recorded.
-struct Draw {
-    int32_t top, bottom; // no row outside is read or written
+// A draw as it was recorded: two lines of the cache, which one thread writes and others read.
+struct alignas(64) Draw {
     DrawFunc kernel; // of the second copy
     const RenderState *state; // rs as it stood, but for its busy fields; operators are those of the second copy
     Mend mend;
     bool levels, next, marks, second; // of the kernel's frame, where rows of a line table are passed
     bool leaves; // the kernel changes rs
+    BusyFields busy;
 };
 
 // Draws the rows from top to bottom - 1 of it. `loaded` is the state that the thread's own rs still holds, null at first.
-void drawBetween(const Draw &draw, const BusyFields &busy, int32_t top, int32_t bottom, const RenderState *&loaded);
+void drawBetween(const Draw &draw, int32_t top, int32_t bottom, const RenderState *&loaded);
 
 // The second copy's kernel of a record in table order, function (null: it has none), and operator by index.
 DrawFunc bandedKernel(uint32_t record);

@@ -1,5 +1,6 @@
 #include "workers.h"
 
+#include <chrono>
 #include <system_error>
 
 namespace bands {
@@ -54,7 +55,10 @@ bool Workers::takeBand()
     uint64_t now = ticket.load(std::memory_order_acquire);
     while (nextOf(now) < countOf(now))
         if (ticket.compare_exchange_weak(now, now + 1, std::memory_order_acq_rel, std::memory_order_acquire)) {
+            const auto start = std::chrono::steady_clock::now();
             current->drawBand(int(nextOf(now)));
+            const std::chrono::nanoseconds time = std::chrono::steady_clock::now() - start;
+            nanoseconds.fetch_add(time.count(), std::memory_order_relaxed);
             drawn.fetch_add(1, std::memory_order_release);
             return true;
         }
@@ -81,6 +85,7 @@ void Workers::draw(const Batch &batch, int bandCount)
 {
     current = &batch;
     drawn.store(0, std::memory_order_relaxed);
+    nanoseconds.store(0, std::memory_order_relaxed);
     const uint64_t number = ticket.load(std::memory_order_relaxed) / batchStep + 1;
     ticket.store(number * batchStep | uint64_t(uint32_t(bandCount)) << 16);
     ticket.notify_all();

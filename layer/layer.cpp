@@ -32,8 +32,9 @@ const ByCode &byCode()
 
 DrawFunc kernels[recordCount]; // those that were handed out
 
-// Above 0 inside of a call.
+// Above 0 calls are not told: inside of a call, and while the companion does not listen.
 int depth;
+bool listens = true;
 struct Inside {
     Inside() { ++depth; }
     ~Inside() { --depth; }
@@ -108,16 +109,32 @@ auto around(Own own, Arguments... arguments)
 
 // The draw functions are called through the table by most hosts, so they take the short way too.
 template <Function function>
-void aroundDraw(DrawFunc own)
+[[gnu::noinline]] void tellDraw(DrawFunc own)
 {
-    if (depth > 0)
-        return own();
     const Inside inside;
     Call call;
     call.id = idOf(function);
     if (!before(call))
         return;
     own();
+    after(call);
+}
+template <Function function>
+void aroundDraw(DrawFunc own)
+{
+    if (depth > 0)
+        return own();
+    tellDraw<function>(own);
+}
+
+[[gnu::noinline]] void tellRecord(Id record)
+{
+    const Inside inside;
+    Call call;
+    call.id = record;
+    if (!before(call))
+        return;
+    kernels[record]();
     after(call);
 }
 
@@ -135,15 +152,15 @@ constexpr F *behind(F *own)
 
 void drawRecord(Id record)
 {
-    if (depth > 0)
+    if (depth > 0) // a jump and no more, also where the companion does not listen
         return kernels[record]();
-    const Inside inside;
-    Call call;
-    call.id = record;
-    if (!before(call))
-        return;
-    kernels[record]();
-    after(call);
+    tellRecord(record);
+}
+
+void listen(bool wanted)
+{
+    depth += int(listens) - int(wanted);
+    listens = wanted;
 }
 
 int recordOf(uint32_t code)

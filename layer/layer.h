@@ -49,6 +49,9 @@ struct Call {
 bool before(Call &call);
 void after(Call &call);
 
+// Whether calls are told, as they are at first. Those that are not go straight through.
+void listen(bool wanted);
+
 // The record of a draw code, -1 if there is none, and of the code that is drawn in its place.
 int recordOf(uint32_t code);
 uint32_t defaultCode(uint32_t code);
