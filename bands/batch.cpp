@@ -108,12 +108,6 @@ void Batch::drawBand(int band) const
     drawRows(begin, std::min(begin + bandRows, bottom));
 }
 
-void Batch::drawRows(int32_t from, int32_t to) const
-{
-    const RenderState *loaded = nullptr;
-    for (size_t k = 0; k < draws.size(); ++k)
-        if (const Draw &draw = draws[k]; draw.top < to && draw.bottom > from)
-            drawBetween(draw, busy[k], from, to, loaded);
-}
+void Batch::drawRows(int32_t from, int32_t to) const { bands::drawRows(draws, busy.data(), from, to); }
 
 } // namespace bands

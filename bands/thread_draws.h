@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace bands {
 
@@ -33,8 +34,8 @@ struct Draw {
     bool leaves; // the kernel changes rs
 };
 
-// Draws the rows from top to bottom - 1 of it. `loaded` is the state that the thread's own rs still holds, null at first.
-void drawBetween(const Draw &draw, const BusyFields &busy, int32_t top, int32_t bottom, const RenderState *&loaded);
+// Draws the rows from top to bottom - 1 of all of them, in their order.
+void drawRows(std::span<const Draw> draws, const BusyFields *busy, int32_t top, int32_t bottom);
 
 // The second copy's kernel of a record in table order, function (null: it has none), and operator by index.
 DrawFunc bandedKernel(uint32_t record);
