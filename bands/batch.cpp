@@ -113,12 +113,6 @@ void Batch::drawBand(int band) const
     drawRows(begin, std::min(begin + bandRows, bottom));
 }
 
-void Batch::drawRows(int32_t from, int32_t to) const
-{
-    const RenderState *loaded = nullptr;
-    for (size_t k = 0; k < rows.size(); ++k)
-        if (rows[k].top < to && rows[k].bottom > from)
-            drawBetween(draws[k], from, to, loaded);
-}
+void Batch::drawRows(int32_t from, int32_t to) const { bands::drawRows(rows, draws.data(), from, to); }
 
 } // namespace bands

@@ -61,11 +61,6 @@ struct Target {
     bool shares(const Texture &texture) const;
 };
 
-// No row outside is read or written.
-struct Rows {
-    int32_t top, bottom;
-};
-
 // A kernel or a function that draws. What it draws with follows from its id alone.
 struct Kind {
     const layer::Needs *needs; // null: not asked for yet

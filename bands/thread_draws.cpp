@@ -12,7 +12,9 @@
 #include <utility>
 #include <vector>
 
+#if !defined(_WIN32)
 __thread RenderState ninefoldThreadState;
+#endif
 
 namespace ninefold {
 
@@ -106,6 +108,25 @@ void passRows(const Draw &draw)
         uv.v = int32_t(uint32_t(uv.v) - back);
 }
 
+// Draws the rows from top to bottom - 1 of it. `loaded` is the state that rs still holds, null at first.
+void drawBetween(const Draw &draw, int32_t top, int32_t bottom, const RenderState *&loaded)
+{
+    const RenderState &state = *draw.state;
+    if (loaded != &state)
+        copyState(rs, state);
+    copyBytes<sizeof draw.busy.bytes>(reinterpret_cast<std::byte *>(&rs) + busyBegin, draw.busy.bytes);
+    rs.clipTop = std::max(state.clipTop, top);
+    rs.clipBottom = std::min(state.clipBottom, bottom);
+    loaded = draw.leaves || draw.mend != Mend::none ? nullptr : &state;
+    if (draw.mend == Mend::lineEnd) {
+        if (!cutEnd(state))
+            return;
+    } else if (draw.mend != Mend::none) {
+        passRows(draw);
+    }
+    draw.kernel();
+}
+
 template <size_t... family>
 std::vector<DrawFunc> makeKernels(std::index_sequence<family...>)
 {
@@ -137,22 +158,20 @@ void copyBusy(BusyFields &to, const RenderState &from)
     copyBytes<sizeof to.bytes>(to.bytes, reinterpret_cast<const std::byte *>(&from) + busyBegin);
 }
 
-void drawBetween(const Draw &draw, int32_t top, int32_t bottom, const RenderState *&loaded)
+void drawRows(std::span<const Rows> rows, const Draw *draws, int32_t top, int32_t bottom)
 {
-    const RenderState &state = *draw.state;
-    if (loaded != &state)
-        copyState(rs, state);
-    copyBytes<sizeof draw.busy.bytes>(reinterpret_cast<std::byte *>(&rs) + busyBegin, draw.busy.bytes);
-    rs.clipTop = std::max(state.clipTop, top);
-    rs.clipBottom = std::min(state.clipBottom, bottom);
-    loaded = draw.leaves || draw.mend != Mend::none ? nullptr : &state;
-    if (draw.mend == Mend::lineEnd) {
-        if (!cutEnd(state))
-            return;
-    } else if (draw.mend != Mend::none) {
-        passRows(draw);
-    }
-    draw.kernel();
+#if defined(_WIN32)
+    RenderState own{}; // what a kernel reads is copied into it
+    RenderState *const callers = ninefoldThreadState;
+    ninefoldThreadState = &own;
+#endif
+    const RenderState *loaded = nullptr;
+    for (size_t k = 0; k < rows.size(); ++k)
+        if (rows[k].top < bottom && rows[k].bottom > top)
+            drawBetween(draws[k], top, bottom, loaded);
+#if defined(_WIN32)
+    ninefoldThreadState = callers;
+#endif
 }
 
 DrawFunc bandedKernel(uint32_t record)

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace bands {
 
@@ -33,8 +34,13 @@ struct alignas(64) Draw {
     BusyFields busy;
 };
 
-// Draws the rows from top to bottom - 1 of it. `loaded` is the state that the thread's own rs still holds, null at first.
-void drawBetween(const Draw &draw, int32_t top, int32_t bottom, const RenderState *&loaded);
+// No row outside is read or written.
+struct Rows {
+    int32_t top, bottom;
+};
+
+// Draws the rows from top to bottom - 1 of all of them, in their order. rows: of each.
+void drawRows(std::span<const Rows> rows, const Draw *draws, int32_t top, int32_t bottom);
 
 // The second copy's kernel of a record in table order, function (null: it has none), and operator by index.
 DrawFunc bandedKernel(uint32_t record);

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# package.sh ZIP ARCHITECTURE BUILD SOURCE: the zip as its users meet it, unpacked into a folder of its own, under Wine: what is in
-# it, what the DLLs want, hosts linked with its import libraries, all golden sums, the example's window, the debug twin, the kit.
-# BUILD has the test programs, which find the zip's DLLs; scripts/windows builds them and runs this.
+# package.sh ZIP ARCHITECTURE BUILD SOURCE REPLAY: the zip as its users meet it, unpacked into a folder of its own, under Wine: what is in
+# it, what the DLLs want, hosts linked with its import libraries, all golden sums, the example's window, the debug twin, captures, bands, the kit.
+# BUILD has the test programs, which find the zip's DLLs; REPLAY is ninefold-replay of this system, for captures from the other.
+# scripts/windows builds them and runs this.
 set -euo pipefail
-zip=$(realpath "$1") architecture=$2 build=$(realpath "$3") source=$(realpath "$4")
+zip=$(realpath "$1") architecture=$2 build=$(realpath "$3") source=$(realpath "$4") replay=$(realpath "$5")
 kit_tests="kit_codes_test kit_draws_test kit_error_test kit_handles_test kit_pictures_test kit_screen_test kit_show_test kit_windows_text"
 triplet=$architecture-w64-mingw32 here=$source/tests/windows
 scratch=$(mktemp -d)
@@ -13,21 +14,23 @@ say() { echo "package $architecture: $1"; }
 
 unzip -q "$zip" -d "$scratch/unpacked here"
 package=$(echo "$scratch/unpacked here"/*)
-for file in README.txt licenses/ninefold.txt bin/libninefold.dll bin/libninefold-kit.dll bin/ninefold-debug.exe bin/win32.exe lib/ninefold/debug/libninefold.dll \
-    lib/libninefold.dll.a lib/libninefold-kit.dll.a lib/ninefold.lib lib/ninefold-kit.lib include/ninefold/ninefold.h \
-    include/ninefold/kit.h include/ninefold/debug.h examples/win32.c lib/cmake/ninefold/ninefoldConfig.cmake; do
+for file in README.txt licenses/ninefold.txt bin/libninefold.dll bin/libninefold-kit.dll bin/ninefold-debug.exe bin/ninefold-replay.exe bin/win32.exe \
+    lib/ninefold/debug/libninefold.dll lib/ninefold/bands/libninefold.dll lib/libninefold.dll.a lib/libninefold-kit.dll.a lib/ninefold.lib lib/ninefold-kit.lib include/ninefold/ninefold.h \
+    include/ninefold/kit.h include/ninefold/debug.h include/ninefold/bands.h examples/win32.c lib/cmake/ninefold/ninefoldConfig.cmake; do
     [ -s "$package/$file" ] || fail "no $file"
 done
 ! grep -n '@' "$package/README.txt" || fail "README.txt has something left to fill in"
 ! grep -rIl "$source" "$package" || fail "names of this machine's folders"
 
-"$here/imports.sh" $triplet-objdump "$package"/bin/*.dll "$package"/bin/*.exe "$package"/lib/ninefold/debug/*.dll
+"$here/imports.sh" $triplet-objdump "$package"/bin/*.dll "$package"/bin/*.exe "$package"/lib/ninefold/*/*.dll
 exports() { $triplet-objdump -p "$1" | awk '/^\[Ordinal\/Name/ { on = 1; next } on && /^\t\[/ { print $NF } on && !/\[/ { on = 0 }' | sort; }
 exports "$package/bin/libninefold.dll" >"$scratch/exports"
 declared=$(sed -nE 's/^NINEFOLD_API [^(;]*[ *]([A-Za-z0-9_]+)(\(|;).*/\1/p' "$package"/include/ninefold/*.h | sort -u)
 diff "$scratch/exports" <(echo "$declared") || fail "the library exports other names"
-[ "$(exports "$package/lib/ninefold/debug/libninefold.dll" | comm -3 "$scratch/exports" - | tr -d '\t')" = ninefoldDebugCalls ] ||
-    fail "the twin exports other names"
+for companion in debug:ninefoldDebugCalls bands:ninefoldBandsCalls; do
+    [ "$(exports "$package/lib/ninefold/${companion%:*}/libninefold.dll" | comm -3 "$scratch/exports" - | tr -d '\t')" = "${companion#*:}" ] ||
+        fail "${companion%:*} exports other names"
+done
 say "$(wc -l <"$scratch/exports") exports, nothing wanted but what Windows has"
 
 export WINEDEBUG=-all
@@ -71,7 +74,7 @@ run() {
     [ $status = 0 ] || { tail -n 30 "$scratch/output"; fail "$1: status $status"; }
     grep -q "$says" "$scratch/output" || { tail -n 30 "$scratch/output"; fail "$1 did not say '$says'"; }
 }
-run 'PASSED  . [1-9]' "$build/tests/wine/golden_dll_test.exe" --gtest_brief=1
+run 'PASSED  . [1-9]' "$build/tests/wine/golden_shared_test.exe" --gtest_brief=1
 say "the golden sums of all codes, with the DLL"
 for test in $kit_tests; do run 'PASSED  . [1-9]' "$build/tests/kit/$test.exe" --gtest_brief=1; done
 say "the kit: $kit_tests"
@@ -81,6 +84,30 @@ run '^[1-9][0-9]* scenes' "$build/tests/debug/twin_scenes.exe" --every 7
 "$source/tests/wine/twin.sh" "$wine" "$package/bin/ninefold-debug.exe" "$build/tests/debug/debug_host.exe" \
     "$build/tests/debug/debug_mistakes.exe" "$package/bin"
 say "the debug twin"
+
+# Captures from here and there. A DLL beside a program would go before the twin, so programs of another folder are recorded.
+run 'PASSED  . [1-9]' "$build/tests/replay/capture_test.exe" --gtest_brief=1
+(cd "$scratch" && run '^[1-9][0-9]* draws, 0 failures' "$build/tests/replay/replay_scenes.exe" scenes.nfc --every 31)
+(cd "$scratch" && "$wine" "$package/bin/ninefold-debug.exe" --summary off --capture window.nfc win32.exe --picture captured.bmp)
+cmp "$scratch/own.bmp" "$scratch/captured.bmp" || fail "captured, the example draws something else"
+(cd "$scratch" && "$wine" "$package/bin/ninefold-debug.exe" --summary off --capture kit.nfc "$build/tests/kit/kit_draws_test.exe" >/dev/null)
+for capture in window kit; do
+    "$replay" verify "$scratch/$capture.nfc" >"$scratch/output" || { cat "$scratch/output"; fail "a capture of Windows, drawn here"; }
+    cat "$scratch/output"
+    (cd "$scratch" && run 'as recorded' "$package/bin/ninefold-replay.exe" verify $capture.nfc)
+    (cd "$scratch" && run 'as recorded' "$package/bin/ninefold-replay.exe" verify $capture.nfc --lib "$package/bin/libninefold.dll")
+done
+say "captures of Windows, drawn again there and here"
+if [ $architecture = x86_64 ]; then # a 32-bit program cannot draw with 64-bit addresses
+    for capture in "$source"/tests/captures/*.nfc; do run 'as recorded' "$package/bin/ninefold-replay.exe" verify "$capture"; done
+    say "captures of Linux, drawn again"
+fi
+
+for test in rules frames scenes; do run 'PASSED  . [1-9]' "$build/tests/bands/bands_${test}_test.exe" --gtest_brief=1; done
+plain=$("$wine" "$build/tests/bands/bands_host.exe" plain) || fail "the host of bands under the plain library: $plain"
+banded=$(WINEPATH="$package/lib/ninefold/bands" "$wine" "$build/tests/bands/bands_host.exe" bands) || fail "the host under bands: $banded"
+[ "$plain" = "$banded" ] || fail "another picture by bands"
+say "bands"
 if [ $architecture = x86_64 ]; then
     "$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
 fi

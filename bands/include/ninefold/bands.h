@@ -1,7 +1,8 @@
 /*
  * Bands: the library that draws a recorded frame on every core, with the bits of one thread. It has the library's name and exports
  * and stands in a folder of its own (lib/ninefold/bands): a host that is linked with the library runs on it with
- * LD_LIBRARY_PATH=.../lib/ninefold/bands. Until it is started it draws like the library.
+ * LD_LIBRARY_PATH=.../lib/ninefold/bands, on Windows with that folder in PATH or its DLL beside the program. Until it is started it
+ * draws like the library.
  *
  *     NinefoldBandsStart(0);     once
  *     ... draw as ever ...
@@ -23,14 +24,24 @@
 
 #include <stddef.h>
 
-#if defined(_WIN32)
-#include <windows.h>
-#else
+#if !defined(_WIN32)
 #include <dlfcn.h>
 #endif
 
 #ifdef __cplusplus
 extern "C" {
+#endif
+
+/* As windows.h declares them, which brings thousands of names along; it may come before or behind. */
+#if defined(_WIN32) && !defined(_WINDOWS_)
+struct HINSTANCE__;
+#if defined(_WIN64)
+typedef long long(__stdcall *NinefoldProcedure)();
+#else
+typedef int(__stdcall *NinefoldProcedure)();
+#endif
+__declspec(dllimport) int __stdcall GetModuleHandleExA(unsigned long flags, const char *name, struct HINSTANCE__ **module);
+__declspec(dllimport) NinefoldProcedure __stdcall GetProcAddress(struct HINSTANCE__ *module, const char *name);
 #endif
 
 #define NINEFOLD_BANDS_MOST_THREADS 256
@@ -62,10 +73,9 @@ static inline const NinefoldBandsCalls *NinefoldBands(void)
     if (!asked) {
         Get get = 0;
 #if defined(_WIN32)
-        HMODULE module = 0;
-        if (GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                               (const char *)(void *)&rs, &module))
-            *(void **)&get = (void *)GetProcAddress(module, "ninefoldBandsCalls");
+        struct HINSTANCE__ *module = 0;
+        if (GetModuleHandleExA(2 | 4 /* the one that this address is in, and no reference */, (const char *)(void *)&rs, &module))
+            get = (Get)(void (*)(void))GetProcAddress(module, "ninefoldBandsCalls");
 #else
         *(void **)&get = dlsym(dlopen(0, RTLD_LAZY), "ninefoldBandsCalls"); /* of all that the program has loaded */
 #endif

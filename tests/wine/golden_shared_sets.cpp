@@ -1,4 +1,4 @@
-// What the golden sums want of the library's inside, for where it is a DLL: that chooses its instruction set by itself, so there is
+// What the golden sums want of the library's inside, for the shared one: that chooses its instruction set by itself, so there is
 // one, and textures that a test makes itself are never destroyed by it.
 #include "kernels/sets.h"
 
