@@ -56,15 +56,15 @@ Opened::Opened(const std::string &wanted) : path(wanted)
     player = std::make_unique<Player>(*reader);
 }
 
-int Opened::complaint() const
+int complain(const std::string &path, const Player &player)
 {
-    if (player->lost())
+    if (player.lost())
         std::fprintf(stderr, "ninefold-replay: %s: %s draws could not be recorded, because memory that they need was missing\n",
-                     path.c_str(), grouped(player->lost()).c_str());
-    if (player->problem().empty())
+                     path.c_str(), grouped(player.lost()).c_str());
+    if (player.problem().empty())
         return statusGood;
-    std::fprintf(stderr, "ninefold-replay: %s: %s; it goes up to draw %s of frame %s\n", path.c_str(), player->problem().c_str(),
-                 grouped(player->draws()).c_str(), grouped(player->frames() + 1).c_str());
+    std::fprintf(stderr, "ninefold-replay: %s: %s; it goes up to draw %s of frame %s\n", path.c_str(), player.problem().c_str(),
+                 grouped(player.draws()).c_str(), grouped(player.frames() + 1).c_str());
     return statusFile;
 }
 

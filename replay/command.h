@@ -53,6 +53,9 @@ struct Failure {
 [[noreturn]] void fail(int status, const std::string &text);
 uint64_t numberOf(const std::string &text, const std::string &what, uint64_t least, uint64_t most); // fails where it is none
 
+// Says on standard error what is wrong with a capture that was read, if anything; the status that follows from it.
+int complain(const std::string &path, const capture::Player &player);
+
 // A capture and what draws it.
 struct Opened {
     std::string path;
@@ -60,8 +63,7 @@ struct Opened {
     std::unique_ptr<capture::Player> player;
 
     explicit Opened(const std::string &wanted);
-    // Says on standard error what is wrong with the file, if anything; the status that follows from it.
-    int complaint() const;
+    int complaint() const { return complain(path, *player); }
     // The same where all was read and no draw has the wanted number. Does not return where nothing else is wrong.
     int complaintOfNone(uint64_t wanted) const;
 };
@@ -76,7 +78,7 @@ private:
     std::unique_ptr<capture::Library> loaded;
     capture::Library *use;
 };
-extern const Option libraryOption, uncheckedOption;
+extern const Option libraryOption, uncheckedOption, threadsOption;
 
 // A line on standard error that is written over, where that is a terminal.
 class Progress {
@@ -115,6 +117,7 @@ Range rangeOf(const std::string &text, const std::string &what);
 void startRecording(const std::string &path, const capture::Player &player);
 void endRecording(const std::string &path);
 
+int runThreads(const Arguments &, bool times); // of verify and time, with --threads
 int runInfo(const Arguments &);
 int runTrim(const Arguments &);
 int runTime(const Arguments &);

@@ -1,6 +1,8 @@
 // The commands that read a capture: info, verify, frames, draw.
 #include "command.h"
 
+#include "kernels/sets.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -163,10 +165,12 @@ int runInfo(const Arguments &arguments)
     return opened.complaint();
 }
 
-int runVerify(const Arguments &arguments)
+namespace {
+
+// `in`: what more there is to say of how it is drawn.
+int verify(const Arguments &arguments, const Drawer &drawer, const std::string &in)
 {
     const Opened opened(arguments.words[0]);
-    const Drawer drawer(arguments);
     Player &player = *opened.player;
     Progress progress("verify", *opened.reader);
     uint64_t refused = 0, unknown = 0, differentFrames = 0;
@@ -189,7 +193,7 @@ int runVerify(const Arguments &arguments)
         player.make(drawer.library());
         const std::string differences = player.compare();
         if (!differences.empty()) {
-            std::printf("%s: %s: %s\n", opened.path.c_str(), drawLabel(player.draw()).c_str(), differences.c_str());
+            std::printf("%s: %s: %s%s\n", opened.path.c_str(), drawLabel(player.draw()).c_str(), differences.c_str(), in.c_str());
             const Bytes is = player.save();
             if (!drawer.library().isLinked()) {
                 // The linked library, where it draws as recorded, knows which pixels are wrong.
@@ -207,9 +211,31 @@ int runVerify(const Arguments &arguments)
         std::printf("%s: %s draws were not made; first %s\n", opened.path.c_str(), grouped(refused).c_str(),
                     firstRefusal.c_str());
     const int status = opened.complaint();
-    std::printf("%s: %s draws in %s frames %s\n", opened.path.c_str(), grouped(player.draws() - refused - unknown).c_str(),
-                grouped(player.frames()).c_str(), differentFrames ? "as recorded but for what was told" : "as recorded");
+    std::printf("%s: %s draws in %s frames %s%s\n", opened.path.c_str(), grouped(player.draws() - refused - unknown).c_str(),
+                grouped(player.frames()).c_str(), differentFrames ? "as recorded but for what was told" : "as recorded",
+                in.c_str());
     return refused || differentFrames ? statusFound : status;
+}
+
+} // namespace
+
+int runVerify(const Arguments &arguments)
+{
+    if (arguments.has("sets") + arguments.has("threads") + (arguments.has("sets") && arguments.has("lib")) > 1)
+        fail(statusUsage, "--sets goes neither with --threads nor with --lib");
+    if (arguments.has("threads"))
+        return runThreads(arguments, false);
+    const Drawer drawer(arguments);
+    if (!arguments.has("sets"))
+        return verify(arguments, drawer, "");
+    int status = statusGood;
+    const int sets = ninefold::usableSets();
+    for (int set = 0; set < sets && status == statusGood; ++set) {
+        ninefold::useSet(set);
+        status = verify(arguments, drawer, std::string(", instruction set ") + ninefold::setNames[set]);
+    }
+    ninefold::useSet(sets - 1);
+    return status;
 }
 
 int runFrames(const Arguments &arguments)

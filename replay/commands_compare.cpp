@@ -85,6 +85,11 @@ void writePage(const std::string &path, const std::string &title, const std::vec
 
 int runTime(const Arguments &arguments)
 {
+    if (arguments.has("threads")) {
+        if (arguments.has("html"))
+            fail(statusUsage, "--html goes not with --threads: on several threads draws have no time of their own");
+        return runThreads(arguments, true);
+    }
     const Opened opened(arguments.words[0]);
     const Drawer drawer(arguments);
     const uint64_t repeats = numberOf(arguments.text("repeat", "5"), "--repeat", 1, 100000);

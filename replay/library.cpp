@@ -27,6 +27,26 @@ Library &Library::linked()
     return *one;
 }
 
+std::unique_ptr<Library> Library::of(const Exports &exports)
+{
+    std::unique_ptr<Library> library(new Library);
+    library->renderState = exports.state;
+    library->search = exports.search;
+    library->named = exports.named;
+    library->own = std::make_unique<Operators>(Operators::Setters{exports.state, exports.blend, exports.multi, exports.bank});
+    library->kernels.resize(layer::recordCount);
+    return library;
+}
+
+void *Library::find(const char *name) const
+{
+#ifdef _WIN32
+    return module ? reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(module), name)) : nullptr;
+#else
+    return module ? dlsym(module, name) : nullptr;
+#endif
+}
+
 std::unique_ptr<Library> Library::load(const std::string &path, std::string &error)
 {
     std::unique_ptr<Library> library(new Library);

@@ -169,6 +169,14 @@ bool Player::ensure(uint64_t begin, uint64_t size)
     return begin + size >= begin && begin + size - 1 <= UINTPTR_MAX && store.ensure(begin, size);
 }
 
+bool Player::reserve(const Store &like)
+{
+    for (const auto &[begin, size] : like.ranges())
+        if (!store.ensure(begin, size))
+            return false;
+    return true;
+}
+
 bool Player::takeMemory(In &in)
 {
     const uint64_t address = in.number(), stride = in.number(Store::usualLimit);
@@ -199,6 +207,8 @@ bool Player::takeMemory(In &in)
             if (bits[k / 8] >> k % 8 & 1)
                 std::memcpy(to + row * stride + k * element, from + k * element, element);
     }
+    if (wrote)
+        wrote(to, content->rowBytes, content->rows, size_t(stride));
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include "store.h"
 
 #include <array>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -71,6 +72,11 @@ public:
     const std::map<uint64_t, HeldTexture> &textures() const { return held; }
     const std::vector<uint64_t> &state() const { return cells; } // of rs before the draw, in the order of stateCells()
     const Store &memory() const { return store; }
+    // Is told of what an event put into memory: rows of bytes, ours.
+    std::function<void(uint8_t *to, size_t rowBytes, size_t rows, size_t stride)> wrote;
+    // Makes memory that will be needed, as another player's has it: then none moves. False without memory.
+    bool reserve(const Store &like);
+    void clearMemory() { store.clear(); }
 
     // Makes the draw's memory, points rs of the linked library to it. False where the draw cannot or must not be made, with why in
     // refusal(). Rules that the twin calls errors refuse it, unless `unchecked`.

@@ -42,6 +42,20 @@ void Store::read(uint64_t address, uint64_t size, uint8_t *to) const
     }
 }
 
+std::vector<std::pair<uint64_t, uint64_t>> Store::ranges() const
+{
+    std::vector<std::pair<uint64_t, uint64_t>> all;
+    for (const auto &[begin, block] : blocks)
+        all.emplace_back(begin, block.size);
+    return all;
+}
+
+void Store::clear()
+{
+    for (const auto &one : blocks)
+        std::memset(one.second.bytes, 0, size_t(one.second.size));
+}
+
 uint64_t Store::addressOf(const void *memory) const
 {
     for (const auto &[begin, block] : blocks)

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace capture {
 
@@ -21,6 +23,10 @@ public:
     uint8_t *at(uint64_t address) const;
     // Copies bytes out; what no block holds is 0.
     void read(uint64_t address, uint64_t size, uint8_t *to) const;
+    // Addresses and sizes of the blocks.
+    std::vector<std::pair<uint64_t, uint64_t>> ranges() const;
+    // Fills all of it with 0.
+    void clear();
     // The recorded address of memory that at() gave.
     uint64_t addressOf(const void *memory) const;
 
