@@ -20,7 +20,7 @@ enum class Mend : uint8_t {
 // The fields that differ from draw to draw most: color, vertex, uv0 and tex0, which lie side by side.
 constexpr size_t busyBegin = offsetof(RenderState, color), busyEnd = offsetof(RenderState, uv1);
 struct BusyFields {
-    alignas(8) std::byte bytes[busyEnd - busyBegin];
+    std::byte bytes[busyEnd - busyBegin];
 };
 
 // A draw as it was recorded: two lines of the cache, which one thread writes and others read.
@@ -28,10 +28,11 @@ struct alignas(64) Draw {
     DrawFunc kernel; // of the second copy
     const RenderState *state; // rs as it stood, but for its busy fields; operators are those of the second copy
     Mend mend;
-    bool levels, next, marks, second; // of the kernel's frame, where rows of a line table are passed
-    bool leaves; // the kernel changes rs
+    bool levels : 1, next : 1, marks : 1, second : 1; // of the kernel's frame, where rows of a line table are passed
+    bool leaves : 1; // the kernel changes rs
     BusyFields busy;
 };
+static_assert(sizeof(Draw) == 128);
 
 // Draws the rows from top to bottom - 1 of it. `loaded` is the state that the thread's own rs still holds, null at first.
 void drawBetween(const Draw &draw, int32_t top, int32_t bottom, const RenderState *&loaded);
