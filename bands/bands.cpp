@@ -91,8 +91,6 @@ int Recorder::start(int threads)
     if (threads <= 0)
         threads = int(std::thread::hardware_concurrency());
     threads = std::clamp(threads, 1, NINEFOLD_BANDS_MOST_THREADS);
-    if (threads < workers.count())
-        workers.stop();
     takeTablesOfLibrary();
     started = true;
     layer::listen(true);
@@ -136,9 +134,10 @@ void Recorder::endFrame()
         layer::listen(true);
     } else if (began) {
         flush();
-        experience.end(worth > leastGain * spent);
+        if (learns)
+            experience.end(worth > leastGain * spent);
     }
-    began = atOnce = false;
+    began = atOnce = awake = false;
 }
 
 // Others take about as long to wake as a frame of two thousand draws takes to be recorded.
@@ -163,6 +162,8 @@ void Recorder::flush()
     const Clock::time_point start = Clock::now();
     const auto draws = double(batch.size());
     const bool alone = workers.count() == 1;
+    const double cost = batch.cost();
+    double rate = 0;
     const int bands = batch.cost() < worthSharing ? 0 : batch.divide(workers.count());
     if (bands == 0) {
         batch.drawAll();
@@ -171,12 +172,12 @@ void Recorder::flush()
             batch.drawBand(band);
     } else {
         ++counts[NINEFOLD_BANDS_SHARED];
-        workers.draw(batch, bands);
+        rate = workers.draw(batch, bands);
     }
     batch.clear();
     awake = false;
     const double time = nanosecondsSince(start);
-    const double drawing = bands == 0 || alone ? time : std::min(workers.drawingTime(), time * processors());
+    const double drawing = bands == 0 || alone ? time : std::min(rate * cost, time * processors());
     spent += time;
     worth += (alone && bands > 1 ? gainOfCache : 1) * drawing - draws * (replayCost + passCost * bands);
 }

@@ -30,7 +30,7 @@ void *Arena::take(size_t bytes)
 
 void Batch::clear()
 {
-    rows.clear();
+    count = 0;
     last = nullptr;
     arena.clear();
     nanoseconds = pixels = 0;
@@ -52,14 +52,14 @@ const RenderState *Batch::keep(const Kind &kind)
     if (n.callsMulti)
         state->multiFunc = judge.bandedFor(rs.multiFunc);
     const auto [first, end] = judge.reached;
-    const auto count = size_t(end - first);
+    const auto rows = size_t(end - first);
     if (shifts)
-        state->scanShift = arena.copy(rs.scanShift + first, count) - first;
+        state->scanShift = arena.copy(rs.scanShift + first, rows) - first;
     if (n.lineTable0) { // begins at the unclipped rectangle's top
         const int32_t line = first - std::min(rs.vertex[0].y + rs.originY, rs.vertex[1].y + rs.originY);
-        state->lineTable0 = arena.copy(rs.lineTable0 + line, count) - line;
+        state->lineTable0 = arena.copy(rs.lineTable0 + line, rows) - line;
         if (n.lineTable1)
-            state->lineTable1 = arena.copy(rs.lineTable1 + line, count) - line;
+            state->lineTable1 = arena.copy(rs.lineTable1 + line, rows) - line;
     }
     return state;
 }
@@ -72,9 +72,11 @@ Fate Batch::record(layer::Id id, float least)
             return Fate::cheap;
         judge.begin();
     }
-    if (draws.size() <= size() + drawsAhead)
+    if (draws.size() <= count + drawsAhead) {
         draws.resize(std::max(size_t{256}, 2 * draws.size()));
-    Draw &draw = draws[size()];
+        parts.resize(draws.size());
+    }
+    Draw &draw = draws[count];
     const Fate fate = judge.judge(kind, draw);
     if (fate == Fate::cut && empty() && judge.cost() < least)
         return Fate::cheap;
@@ -86,7 +88,7 @@ Fate Batch::record(layer::Id id, float least)
         copyBusy(draw.busy, rs);
         top = empty() ? judge.reached.top : std::min(top, judge.reached.top);
         bottom = empty() ? judge.reached.bottom : std::max(bottom, judge.reached.bottom);
-        rows.push_back(judge.reached);
+        parts[count++] = {judge.reached, judge.cost()};
         nanoseconds += judge.cost();
         pixels += judge.area();
     }
@@ -97,22 +99,22 @@ Fate Batch::record(layer::Id id, float least)
 
 int Batch::divide(int threads)
 {
-    const int32_t count = bottom - top;
-    const bool layers = pixels > 2.0 * count * double(1 << judge.target.shift);
-    bandRows = layers ? std::max(fewestRows, bandBytes / (4 << judge.target.shift)) : count;
+    const int32_t rows = bottom - top;
+    const bool layers = pixels > 2.0 * rows * double(1 << judge.target.shift);
+    bandRows = layers ? std::max(fewestRows, bandBytes / (4 << judge.target.shift)) : rows;
     if (threads > 1) {
         const int32_t bands = (layers ? bandsPerThread : fewBandsPerThread) * threads;
-        bandRows = std::min(bandRows, std::max(fewestRows, (count + bands - 1) / bands));
+        bandRows = std::min(bandRows, std::max(fewestRows, (rows + bands - 1) / bands));
     }
-    return (count + bandRows - 1) / bandRows;
+    return (rows + bandRows - 1) / bandRows;
 }
 
-void Batch::drawBand(int band) const
+float Batch::drawBand(int band) const
 {
     const int32_t begin = top + band * bandRows;
-    drawRows(begin, std::min(begin + bandRows, bottom));
+    return drawRows(begin, std::min(begin + bandRows, bottom));
 }
 
-void Batch::drawRows(int32_t from, int32_t to) const { bands::drawRows(rows, draws.data(), from, to); }
+float Batch::drawRows(int32_t from, int32_t to) const { return bands::drawRows({parts.data(), count}, draws.data(), from, to); }
 
 } // namespace bands

@@ -38,6 +38,8 @@ struct Recorder {
     float leastCost = 0;
     void (*divide)(const Batch &batch) = nullptr; // tests draw the rows of a batch in an order of their own
     Experience experience;
+    bool learns = true; // tests record every frame
+    bool atOnce = false; // the frame is drawn at once, untold
 
     int start(int threads);
     void stop();
@@ -50,7 +52,6 @@ struct Recorder {
 private:
     bool began = false; // the frame has a draw
     bool awake = false; // threads were woken for this batch
-    bool atOnce = false; // the frame is drawn at once, untold
     // Of the frame: ns that recording and drawing took, and about what drawing at once would have taken.
     double spent = 0, worth = 0;
     double clockCost = 0; // ns to read it

@@ -99,12 +99,11 @@ void declarePure(PixelOperator function)
         pureOperators.push_back(function);
 }
 
-const Kind &kindOf(layer::Id id)
+Kind kinds[layer::recordCount + layer::namedDrawCount];
+
+const Kind &makeKind(layer::Id id)
 {
-    static std::vector<Kind> kinds(layer::recordCount + layer::namedDrawCount);
     Kind &kind = kinds[id];
-    if (kind.needs)
-        return kind;
     const Needs &n = layer::needsOf(id);
     kind.nothing = n.shape == Shape::nothing;
     kind.banded = layer::isRecord(id) ? bandedKernel(id) : bandedFunction(layer::Function(id - layer::recordCount));

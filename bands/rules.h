@@ -71,7 +71,9 @@ struct Kind {
     bool mayMend; // by line table
     bool driven;
 };
-const Kind &kindOf(layer::Id id);
+extern Kind kinds[layer::recordCount + layer::namedDrawCount];
+const Kind &makeKind(layer::Id id);
+inline const Kind &kindOf(layer::Id id) { return kinds[id].needs ? kinds[id] : makeKind(id); }
 
 enum class Fate : uint8_t {
     nothing, // no pixel is reached

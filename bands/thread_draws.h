@@ -21,7 +21,7 @@ enum class Mend : uint8_t {
 // The fields that differ from draw to draw most: color, vertex, uv0 and tex0, which lie side by side.
 constexpr size_t busyBegin = offsetof(RenderState, color), busyEnd = offsetof(RenderState, uv1);
 struct BusyFields {
-    alignas(8) std::byte bytes[busyEnd - busyBegin];
+    std::byte bytes[busyEnd - busyBegin];
 };
 
 // A draw as it was recorded: two lines of the cache, which one thread writes and others read.
@@ -29,18 +29,25 @@ struct alignas(64) Draw {
     DrawFunc kernel; // of the second copy
     const RenderState *state; // rs as it stood, but for its busy fields; operators are those of the second copy
     Mend mend;
-    bool levels, next, marks, second; // of the kernel's frame, where rows of a line table are passed
-    bool leaves; // the kernel changes rs
+    bool levels : 1, next : 1, marks : 1, second : 1; // of the kernel's frame, where rows of a line table are passed
+    bool leaves : 1; // the kernel changes rs
     BusyFields busy;
 };
+static_assert(sizeof(Draw) == 128);
 
 // No row outside is read or written.
 struct Rows {
     int32_t top, bottom;
 };
 
-// Draws the rows from top to bottom - 1 of all of them, in their order. rows: of each.
-void drawRows(std::span<const Rows> rows, const Draw *draws, int32_t top, int32_t bottom);
+// Of a draw, what every band looks at.
+struct Part {
+    Rows rows;
+    float cost;
+};
+
+// Draws the rows from top to bottom - 1 of all draws, in their order. Returns their cost.
+float drawRows(std::span<const Part> parts, const Draw *draws, int32_t top, int32_t bottom);
 
 // The second copy's kernel of a record in table order, function (null: it has none), and operator by index.
 DrawFunc bandedKernel(uint32_t record);

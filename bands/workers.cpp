@@ -16,18 +16,22 @@ void pause()
 #endif
 }
 
-constexpr uint64_t batchStep = uint64_t{1} << 32;
 constexpr uint32_t nextOf(uint64_t ticket) { return uint32_t(ticket) & 0xFFFF; }
-constexpr uint32_t countOf(uint64_t ticket) { return uint32_t(ticket) >> 16; }
+constexpr uint32_t endOf(uint64_t ticket) { return uint32_t(ticket) >> 16; }
 
 } // namespace
 
 int Workers::start(int wanted)
 {
+    if (count() == wanted)
+        return wanted;
+    stop();
     ends = false;
+    shareCount = wanted;
+    shares = std::make_unique<Share[]>(size_t(wanted));
     while (count() < wanted)
         try {
-            threads.emplace_back([this] { work(); });
+            threads.emplace_back([this, number = count()] { work(number); });
         } catch (const std::system_error &) {
             break;
         }
@@ -37,65 +41,77 @@ int Workers::start(int wanted)
 void Workers::stop()
 {
     ends = true;
-    wake();
+    announce();
     for (std::thread &thread : threads)
         thread.join();
     threads.clear();
 }
 
-// A batch of no bands.
-void Workers::wake()
+void Workers::announce()
 {
-    ticket.store((ticket.load(std::memory_order_relaxed) / batchStep + 1) * batchStep);
-    ticket.notify_all();
+    announced.fetch_add(1);
+    announced.notify_all();
 }
 
-bool Workers::takeBand()
+void Workers::wake() { announce(); }
+
+bool Workers::takeBand(Share &share, double &cost)
 {
-    uint64_t now = ticket.load(std::memory_order_acquire);
-    while (nextOf(now) < countOf(now))
-        if (ticket.compare_exchange_weak(now, now + 1, std::memory_order_acq_rel, std::memory_order_acquire)) {
-            const auto start = std::chrono::steady_clock::now();
-            current->drawBand(int(nextOf(now)));
-            const std::chrono::nanoseconds time = std::chrono::steady_clock::now() - start;
-            nanoseconds.fetch_add(time.count(), std::memory_order_relaxed);
+    uint64_t now = share.ticket.load(std::memory_order_acquire);
+    while (nextOf(now) < endOf(now))
+        if (share.ticket.compare_exchange_weak(now, now + 1, std::memory_order_acq_rel, std::memory_order_acquire)) {
+            cost += current->drawBand(int(nextOf(now)));
             drawn.fetch_add(1, std::memory_order_release);
             return true;
         }
     return false;
 }
 
-void Workers::work()
+// First its own, then of others. Returns their cost.
+double Workers::takeBands(int thread)
+{
+    double cost = 0;
+    for (int k = 0; k < shareCount; ++k)
+        while (takeBand(shares[size_t((thread + k) % shareCount)], cost)) {
+        }
+    return cost;
+}
+
+void Workers::work(int thread)
 {
     for (int idle = 0; !ends.load(std::memory_order_relaxed);) {
-        if (takeBand()) {
+        const uint32_t seen = announced.load(std::memory_order_acquire);
+        if (takeBands(thread) > 0)
             idle = 0;
-        } else if (++idle < idleTurns) {
+        while (announced.load(std::memory_order_relaxed) == seen && ++idle < idleTurns)
             pause();
-        } else {
-            const uint64_t now = ticket.load(std::memory_order_acquire);
-            if (nextOf(now) >= countOf(now) && !ends.load(std::memory_order_relaxed))
-                ticket.wait(now, std::memory_order_acquire);
+        if (idle >= idleTurns) {
+            if (!ends.load(std::memory_order_relaxed))
+                announced.wait(seen, std::memory_order_acquire);
             idle = 0;
         }
     }
 }
 
-void Workers::draw(const Batch &batch, int bandCount)
+double Workers::draw(const Batch &batch, int bandCount)
 {
     current = &batch;
     drawn.store(0, std::memory_order_relaxed);
-    nanoseconds.store(0, std::memory_order_relaxed);
-    const uint64_t number = ticket.load(std::memory_order_relaxed) / batchStep + 1;
-    ticket.store(number * batchStep | uint64_t(uint32_t(bandCount)) << 16);
-    ticket.notify_all();
-    while (takeBand()) {
+    ++batchNumber;
+    for (int k = 0; k < shareCount; ++k) {
+        const auto begin = uint32_t(bandCount * k / shareCount), end = uint32_t(bandCount * (k + 1) / shareCount);
+        shares[size_t(k)].ticket.store(uint64_t{batchNumber} << 32 | end << 16 | begin, std::memory_order_release);
     }
+    announce();
+    const auto start = std::chrono::steady_clock::now();
+    const double cost = takeBands(0);
+    const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - start;
     for (int turn = 0; drawn.load(std::memory_order_acquire) < bandCount;)
         if (++turn < turnsBeforeYielding)
             pause();
         else
             std::this_thread::yield();
+    return cost > 0 ? time.count() / cost : 0;
 }
 
 } // namespace bands

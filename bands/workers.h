@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -19,24 +20,32 @@ public:
 
     // Wakes them ahead of a batch.
     void wake();
-    // Draws a batch of so many bands; returns when it is drawn.
-    void draw(const Batch &batch, int bandCount);
-    // What that took all threads together, ns.
-    double drawingTime() const { return double(nanoseconds.load(std::memory_order_relaxed)); }
+    // Draws a batch of so many bands; returns when it is drawn. Returns the calling thread's ns for a ns of cost: others may have
+    // to fetch pixels and draws from its caches.
+    double draw(const Batch &batch, int bandCount);
 
 private:
-    // What there is to take: bits 0 to 15 the next band, 16 to 31 their number, from 32 on the number of the batch. A band is
-    // taken by one compare-and-swap, so no thread takes one of a batch that is over.
-    // It has a line of the cache to itself: threads that wait for it look at it all the time.
-    alignas(64) std::atomic<uint64_t> ticket{0};
+    // The bands of a batch are dealt out in turn of the rows: in frame after frame a thread begins with the same rows, which its
+    // caches may still hold. One that has drawn its own takes what others have left.
+    // Bits 0 to 15 are the next band, 16 to 31 the end of the share, from 32 on the number of the batch. A band is taken by one
+    // compare-and-swap, so no thread takes one of a batch that is over.
+    struct alignas(64) Share {
+        std::atomic<uint64_t> ticket{0};
+    };
+    std::unique_ptr<Share[]> shares; // of each thread, the calling one first
+    // These have lines of the cache to themselves: threads that wait look at them all the time.
+    alignas(64) std::atomic<uint32_t> announced{0}; // grows with each batch, and to wake threads
     alignas(64) std::atomic<int> drawn{0};
-    std::atomic<int64_t> nanoseconds{0};
     alignas(64) std::atomic<bool> ends{false};
     const Batch *current = nullptr;
+    int shareCount = 0;
+    uint32_t batchNumber = 0;
     std::vector<std::thread> threads;
 
-    bool takeBand();
-    void work();
+    bool takeBand(Share &share, double &cost);
+    double takeBands(int thread);
+    void work(int thread);
+    void announce();
 };
 
 } // namespace bands

@@ -147,6 +147,7 @@ TEST_F(Frames, ThreadsDrawAsOne)
 {
     startLibrary();
     bands::Recorder &recorder = bands::recorder();
+    recorder.learns = false;
     Random random(seedWanted());
     for (uint16_t &word : zeros)
         word = uint16_t(random.word() & random.word());
@@ -190,6 +191,104 @@ TEST_F(Frames, ThreadsDrawAsOne)
                 static_cast<unsigned long long>(recorder.counts[2]), static_cast<unsigned long long>(recorder.counts[3]));
     EXPECT_GT(recorder.counts[3], frames / 2);
     recorder.stop();
+}
+
+// A host's frames, some of which recording pays for and some not: pixels are the same, and of the tables that change while a frame
+// is drawn at once the next one knows.
+TEST_F(Frames, FramesThatDoNotPayAreDrawnAtOnce)
+{
+    startLibrary();
+    bands::Recorder &recorder = bands::recorder();
+    recorder.learns = true;
+    Texture *const frame = CreateTexture(width, height), *const picture = CreateTexture(64, 64);
+    for (uint32_t k = 0; k < 64 * 64; ++k)
+        picture->pixels[k] = k * 0x9E3779B1u;
+    SetFrameBuffer(frame);
+    rs.clipRight = width, rs.clipBottom = height;
+    rs.tex0 = picture;
+    const auto kernel = [](int rectOpt) {
+        return SearchDrawFunc(CreateDrawCodeSub(0, 0, 0, NINEFOLD_FILTER_POINT, rectOpt, NINEFOLD_SHAHEI_STIPPLE,
+                                                NINEFOLD_BLEND_ADD, NINEFOLD_MULTI_NONE, NINEFOLD_SHAPE_RECTANGLE));
+    };
+    const DrawFunc unit = kernel(NINEFOLD_RECT_UNIT), stretch = kernel(NINEFOLD_RECT_STRETCH);
+    // Every third frame begins with something large.
+    const auto draw = [&](int number) {
+        Random random(uint64_t(number) + 1);
+        SetPresetDrawMask(number % 256);
+        if (number % 3 == 0) {
+            rs.vertex[0] = {0, 0, 0}, rs.vertex[1] = {width, height, 0};
+            rs.uv0[0] = {0, 0}, rs.uv0[1] = {64 << 16, 64 << 16};
+            stretch();
+        }
+        for (int k = 0; k < 200; ++k) {
+            rs.vertex[0] = {random.between(0, width - 8), random.between(0, height - 8), 0};
+            rs.vertex[1] = {rs.vertex[0].x + 1 + k % 4, rs.vertex[0].y + 1 + k % 4, 0};
+            rs.uv0[0] = {0, 0};
+            unit();
+        }
+        if (number % 7 == 6)
+            MakeDrawMaskTable(), CopyTexture(frame, picture, random.between(0, 400), 0, 0, 0, 64, 64);
+    };
+    constexpr int frames = 60;
+    const auto sums = [&](auto &&end) {
+        std::vector<uint64_t> list;
+        ClearTexture(frame);
+        for (int number = 0; number < frames; ++number) {
+            draw(number);
+            end(number);
+            uint64_t sum = 0;
+            for (size_t k = 0; k < size_t{width} * height; ++k)
+                sum = (sum ^ frame->pixels[k]) * 0x100000001B3u;
+            list.push_back(sum);
+        }
+        return list;
+    };
+    recorder.stop();
+    const std::vector<uint64_t> plain = sums([](int) {});
+    for (const int threads : {1, 2, 3}) {
+        recorder.start(threads);
+        const uint64_t recorded = recorder.counts[0];
+        std::vector<int> atOnce;
+        EXPECT_EQ(sums([&](int number) {
+                      if (recorder.atOnce && number % 3)
+                          atOnce.push_back(number);
+                      recorder.endFrame();
+                      EXPECT_FALSE(recorder.atOnce);
+                  }),
+                  plain);
+        // Of the 40 small ones the 1st, 3rd, 7th, 15th and 31st are looked at, and none is worth it.
+        EXPECT_EQ(atOnce.size(), 35u) << threads << " threads";
+        if (threads > 1) {
+            EXPECT_GT(recorder.counts[0], recorded);
+        }
+    }
+    recorder.stop();
+    DeleteTexture(picture);
+}
+
+TEST(Experience, AFrameThatDidNotPayIsTriedMoreAndMoreSeldom)
+{
+    bands::Experience experience;
+    using Advice = bands::Experience::Advice;
+    const auto atOnce = [&](uint32_t key) {
+        int count = 0;
+        while (experience.begin(key) == Advice::drawAtOnce)
+            ++count;
+        return count;
+    };
+    EXPECT_EQ(experience.begin(7), Advice::unknown);
+    for (const int count : {1, 3, 7, 15, 31, 31}) {
+        experience.end(false);
+        EXPECT_EQ(atOnce(7), count);
+    }
+    EXPECT_EQ(experience.begin(8), Advice::unknown) << "another beginning";
+    experience.end(true);
+    EXPECT_EQ(experience.begin(8), Advice::pays);
+    EXPECT_EQ(atOnce(7), 0) << "not yet ended";
+    experience.end(true);
+    EXPECT_EQ(experience.begin(7), Advice::pays);
+    experience.end(false);
+    EXPECT_EQ(atOnce(7), 1) << "it once paid";
 }
 
 } // namespace

@@ -132,7 +132,7 @@ void checkScene(const Subject &subject, SceneId id, World &world, Result &result
         subject.name() + " " + kindName(id.kind) + " seed " + std::to_string(id.seed) + " scene " + std::to_string(id.number);
     ++result.scenes;
 
-    recorder.started = false;
+    recorder.stop();
     std::memcpy(&rs, &start, sizeof rs);
     calls = {};
     for (int draw = 0; draw < scene.draws; ++draw)
@@ -143,7 +143,7 @@ void checkScene(const Subject &subject, SceneId id, World &world, Result &result
     const Calls plainCalls = calls;
 
     memory.set(before);
-    recorder.started = true;
+    recorder.start(1);
     recorder.divide = drawInAnyOrder;
     const uint64_t whole = recorder.counts[1];
     std::memcpy(&rs, &start, sizeof rs);
@@ -192,6 +192,7 @@ TEST_P(Scenes, BandsDrawAsTheWhole)
     std::vector<Subject> subjects = sharedCatalogue();
     subjects.insert(subjects.end(), namedSubjects().begin(), namedSubjects().end());
     const uint32_t scenes = scenesWanted(1);
+    bands::recorder().learns = false;
     for (const Subject &subject : subjects)
         for (uint32_t number = 0; number < scenes * (subject.exported ? 20 : 1); ++number) {
             if (cuts.below(64) == 0)
