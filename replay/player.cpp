@@ -57,6 +57,10 @@ constexpr uint64_t mostTextures = 1 << 20, mostLabels = 1 << 20;
 constexpr uint64_t mostWords = uint64_t{1} << 28;
 constexpr uint64_t largestSide = 1 << 16, mostPixels = 1 << 26; // of a picture
 
+// What rs and textures hold in the place of a recorded address until map() knows where its memory is: it need not fit a pointer of
+// this machine. Alignment is kept.
+uintptr_t standIn(uint64_t address) { return address ? uintptr_t{0x40000000} | uintptr_t(address & 0xFFFF) : 0; }
+
 void storeTexture(const Cell &cell, void *record, Texture *texture)
 {
     std::memcpy(static_cast<unsigned char *>(record) + cell.offset, &texture, sizeof texture);
@@ -164,11 +168,6 @@ bool Player::takeCells(In &in)
     return in.good();
 }
 
-bool Player::ensure(uint64_t begin, uint64_t size)
-{
-    return begin + size >= begin && begin + size - 1 <= UINTPTR_MAX && store.ensure(begin, size);
-}
-
 bool Player::reserve(const Store &like)
 {
     for (const auto &[begin, size] : like.ranges())
@@ -193,7 +192,7 @@ bool Player::takeMemory(In &in)
             return false;
     }
     const uint64_t rows = content->rows, size = (rows - 1) * stride + content->rowBytes;
-    if (!ensure(address, size))
+    if (!store.ensure(address, size))
         return false;
     uint8_t *const to = store.at(address);
     for (uint64_t row = 0; row < rows; ++row) {
@@ -247,13 +246,10 @@ bool Player::takeTexture(In &in)
         const auto ours = size_t(textureOrder[index]);
         one.cells[ours] = value;
         const Cell &cell = textureCells()[ours];
-        if (cell.kind == Cell::Kind::texture) {
+        if (cell.kind == Cell::Kind::texture)
             storeTexture(cell, texture, textureAt(value));
-        } else if (cell.kind == Cell::Kind::address && value > UINTPTR_MAX) {
-            return false;
-        } else {
-            writeCell(cell, texture, value);
-        }
+        else
+            writeCell(cell, texture, cell.kind == Cell::Kind::address ? standIn(value) : value);
     }
     one.told = true;
     return in.good();
@@ -348,8 +344,8 @@ bool Player::refuse(const std::string &words)
     return false;
 }
 
-// rs as the host had it, with its addresses.
-bool Player::fill()
+// rs as the host had it, with stand-ins for its addresses.
+void Player::fill()
 {
     const std::span<const Cell> all = stateCells();
     std::memset(static_cast<void *>(&rs), 0, sizeof rs);
@@ -363,17 +359,25 @@ bool Player::fill()
             if (Operators::isHost(cells[k]))
                 function = cell.name == "multiFunc" ? speakMulti : speakBlend;
             std::memcpy(at, &function, sizeof function);
-        } else if (cell.kind == Cell::Kind::address && cells[k] > UINTPTR_MAX) {
-            return refuse("its addresses are too large for this program, which has " + std::to_string(8 * sizeof(void *)) +
-                          " bits");
         } else {
-            writeCell(cell, &rs, cells[k]);
+            writeCell(cell, &rs, cell.kind == Cell::Kind::address ? standIn(cells[k]) : cells[k]);
         }
     }
-    return true;
 }
 
-// Recorded addresses in rs, the textures and the footprint become our own.
+uint64_t Player::textureField(const Texture *texture, size_t cell) const { return held.at(addresses.at(texture)).cells[cell]; }
+
+// The recorded address that a field of rs, or a map of tex0, has.
+uint64_t Player::recordedField(layer::Field field) const
+{
+    switch (field) {
+    case layer::Field::runlengthMap:
+    case layer::Field::zeroPixelMap: return textureField(rs.tex0, textureCell(layer::fieldName(field)));
+    default: return cells[stateCell(layer::fieldName(field))];
+    }
+}
+
+// Stand-ins in rs, the textures and the footprint become addresses of our own.
 bool Player::map()
 {
     if (rs.dstShift > 30)
@@ -396,31 +400,42 @@ bool Player::map()
         return refuse("it needs more memory than " + std::to_string(Store::usualLimit >> 20) +
                       " MiB, or has addresses out of range");
     };
+    const layer::Pixels &p = reach.pixels;
+    // So that distances are the same with pointers of any size.
+    if (!p.empty() && uint64_t(int64_t{p.bottom} - p.top) << rs.dstShift > Store::usualLimit)
+        return noMemory();
+    static const size_t pixelsCell = textureCell("pixels"), dstPixels = stateCell("dstPixels");
     const uint64_t area = rs.dstHeight <= largestSide ? uint64_t{rs.dstHeight} << rs.dstShift : 0;
-    const auto whole = [&](const void *begin, uint64_t size) {
-        if (begin && area && area <= mostPixels)
-            ensure(uintptr_t(begin), size);
+    const auto whole = [&](layer::Field field, uint64_t size) {
+        if (const uint64_t begin = recordedField(field); begin && area && area <= mostPixels)
+            store.ensure(begin, size);
     };
-    for (const layer::MemoryUse &use : reach.memory()) {
+    uint64_t recorded[std::size(reach.used)] = {}; // where each use begins
+    for (size_t k = 0; k < reach.memoryCount; ++k) {
+        const layer::MemoryUse &use = reach.used[k];
         const bool bytes = use.field == layer::Field::zBuffer || use.field == layer::Field::runlengthMap;
         const bool words = use.field == layer::Field::shaheiPlane || use.field == layer::Field::zeroPixelMap;
         if (!use.begin || uintptr_t(use.begin) % (bytes ? 1 : words ? 2 : 4))
             return refuse(std::string("rs.") + layer::fieldName(use.field) + (use.begin ? " is misaligned" : " is null"));
         if (use.field == layer::Field::dstPixels)
-            whole(rs.dstPixels, 4 * area);
+            whole(use.field, 4 * area);
         else if (use.field == layer::Field::zBuffer)
-            whole(rs.zBuffer, area);
+            whole(use.field, area);
         else if (use.field == layer::Field::shaheiPlane)
-            whole(rs.shaheiPlane, (area + 15) / 16 * 2);
-        uint64_t more = use.field == layer::Field::dstPixels ? uint64_t{4} * back : use.field == layer::Field::zBuffer ? back : 0;
-        if (more > uintptr_t(use.begin) || !ensure(uintptr_t(use.begin) - more, use.size + more))
+            whole(use.field, (area + 15) / 16 * 2);
+        const uint64_t field = recordedField(use.field);
+        recorded[k] = field + uint64_t(intptr_t(uintptr_t(use.begin) - standIn(field)));
+        const uint64_t more = use.field == layer::Field::dstPixels ? uint64_t{4} * back
+                              : use.field == layer::Field::zBuffer ? back
+                                                                   : 0;
+        if (more > recorded[k] || !store.ensure(recorded[k] - more, use.size + more))
             return noMemory();
     }
     for (const layer::TextureUse &use : reach.textures())
-        if (use.fetched && !ensure(uintptr_t(use.texture->pixels), uint64_t{4} * use.texture->width * use.texture->height))
+        if (use.fetched &&
+            !store.ensure(textureField(use.texture, pixelsCell), uint64_t{4} * use.texture->width * use.texture->height))
             return noMemory();
 
-    const uintptr_t recordedPixels = uintptr_t(rs.dstPixels);
     patched.clear();
     const auto patch = [&](const Texture *texture) {
         auto *const record = const_cast<Texture *>(texture);
@@ -430,34 +445,33 @@ bool Player::map()
         }
         return record;
     };
-    const auto ours = [&](auto *&pointer, const void *inside) {
-        const auto distance = uintptr_t(pointer) - uintptr_t(inside);
-        pointer = reinterpret_cast<std::remove_reference_t<decltype(pointer)>>(uintptr_t(store.at(uintptr_t(inside))) + distance);
-    };
-    for (layer::MemoryUse &use : std::span(reach.used, reach.memoryCount)) {
+    for (size_t k = 0; k < reach.memoryCount; ++k) {
+        layer::MemoryUse &use = reach.used[k];
+        const uint8_t *const begin = store.at(recorded[k]);
+        const auto ours = [&](auto *&pointer) {
+            const auto distance = uintptr_t(pointer) - uintptr_t(use.begin);
+            pointer = reinterpret_cast<std::remove_reference_t<decltype(pointer)>>(uintptr_t(begin) + distance);
+        };
         switch (use.field) {
-        case layer::Field::dstPixels: ours(rs.dstPixels, use.begin); break;
-        case layer::Field::shaheiPlane: ours(rs.shaheiPlane, use.begin); break;
-        case layer::Field::zBuffer: ours(rs.zBuffer, use.begin); break;
-        case layer::Field::lineTable0: ours(rs.lineTable0, use.begin); break;
-        case layer::Field::lineTable1: ours(rs.lineTable1, use.begin); break;
-        case layer::Field::scanShift: ours(rs.scanShift, use.begin); break;
-        case layer::Field::runlengthMap: ours(patch(rs.tex0)->runlengthMap, use.begin); break;
-        case layer::Field::zeroPixelMap: ours(patch(rs.tex0)->zeroPixelMap, use.begin); break;
+        case layer::Field::dstPixels: ours(rs.dstPixels); break;
+        case layer::Field::shaheiPlane: ours(rs.shaheiPlane); break;
+        case layer::Field::zBuffer: ours(rs.zBuffer); break;
+        case layer::Field::lineTable0: ours(rs.lineTable0); break;
+        case layer::Field::lineTable1: ours(rs.lineTable1); break;
+        case layer::Field::scanShift: ours(rs.scanShift); break;
+        case layer::Field::runlengthMap: ours(patch(rs.tex0)->runlengthMap); break;
+        case layer::Field::zeroPixelMap: ours(patch(rs.tex0)->zeroPixelMap); break;
         default: break;
         }
-        use.begin = store.at(uintptr_t(use.begin));
+        use.begin = begin;
     }
-    for (const layer::TextureUse &use : reach.textures()) {
-        const auto same = [&](const auto &one) { return one.first == use.texture; };
-        const auto before_ = std::find_if(patched.begin(), patched.end(), same);
-        Texture recorded;
-        if (before_ != patched.end())
-            std::memcpy(static_cast<void *>(&recorded), before_->second.data(), sizeof recorded);
-        if (use.fetched && (before_ == patched.end() || recorded.pixels == use.texture->pixels))
-            patch(use.texture)->pixels = reinterpret_cast<uint32_t *>(store.at(uintptr_t(use.texture->pixels)));
-    }
-    if (rs.frameBuffer && uintptr_t(rs.frameBuffer->pixels) == recordedPixels && uintptr_t(rs.dstPixels) != recordedPixels)
+    for (const layer::TextureUse &use : reach.textures())
+        if (use.fetched)
+            patch(use.texture)->pixels = reinterpret_cast<uint32_t *>(store.at(textureField(use.texture, pixelsCell)));
+    const auto drawsTo = [&](const layer::MemoryUse &use) { return use.field == layer::Field::dstPixels; };
+    const std::span<const layer::MemoryUse> uses = reach.memory();
+    if (rs.frameBuffer && textureField(rs.frameBuffer, pixelsCell) == cells[dstPixels] &&
+        std::any_of(uses.begin(), uses.end(), drawsTo))
         patch(rs.frameBuffer)->pixels = rs.dstPixels;
     findRows(reach, current.back, reachRows);
     return true;
@@ -470,7 +484,8 @@ bool Player::prepare(bool unchecked)
     why.clear();
     if (!current.known)
         return refuse("this library has no such kernel");
-    if (!fill() || !map()) {
+    fill();
+    if (!map()) {
         finish();
         return false;
     }

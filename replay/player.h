@@ -47,7 +47,7 @@ struct FrameEvent {
 
 // Which cells of rs a frame buffer's address and the like are; a texture as a player holds it.
 struct HeldTexture {
-    std::unique_ptr<Texture> record; // its pointers are recorded addresses but for levels
+    std::unique_ptr<Texture> record; // with stand-ins for addresses but those of levels
     std::vector<uint64_t> cells;
     bool told = false; // false: only known as a pointer
 };
@@ -147,9 +147,10 @@ private:
     bool takeFrame(In &in);
     bool takeChanges(In &in, std::vector<uint64_t> &to) const;
     Texture *textureAt(uint64_t address);
-    bool ensure(uint64_t begin, uint64_t size);
-    bool fill();
+    void fill();
     bool map();
+    uint64_t textureField(const Texture *texture, size_t cell) const;
+    uint64_t recordedField(layer::Field field) const;
     bool refuse(const std::string &words);
 };
 
