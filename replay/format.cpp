@@ -355,7 +355,9 @@ bool Reader::readChunk()
         return broken("the file ends inside the chunk" + where);
     if (chunkHash(header, packed) != load64(header + 12))
         return broken("the chunk" + where + " is damaged");
-    starts.push_back(start);
+    chunk = start, chunkEnd = at;
+    if (starts.empty() || start > starts.back())
+        starts.push_back(start);
     events.clear();
     cursor = 0;
     if (std::memcmp(header, eventChunk, 4) != 0) // of a later version
@@ -399,8 +401,32 @@ bool Reader::next(Event &event)
     }
 }
 
+Reader::Place Reader::place() const { return {chunk, passed, firstKept, cursor, sawEnd}; }
+
+bool Reader::go(const Place &to)
+{
+    if (to.firstKept < firstKept)
+        return false;
+    stopped = false;
+    trouble.clear();
+    const bool other = to.chunk != chunk;
+    at = !to.chunk ? headerSize : other ? to.chunk : chunkEnd;
+    if (file && std::fseek(file, long(at), SEEK_SET) != 0)
+        return false;
+    if (other) {
+        events.clear();
+        chunk = 0;
+        if (to.chunk && !readChunk())
+            return false;
+    }
+    cursor = to.cursor, sawEnd = to.sawEnd, passed = to.contents;
+    return true;
+}
+
 bool Reader::takeContent(std::span<const uint8_t> payload)
 {
+    if (passed++ < firstKept + contents.size())
+        return true; // read before
     In in(payload);
     const uint8_t encoding = in.byte();
     Content content;

@@ -184,6 +184,16 @@ public:
     uint64_t size() const { return fileSize; } // of the file, 0 where it is not known
     const std::vector<uint64_t> &chunkStarts() const { return starts; }
 
+    // Where the next event is read, to go back to.
+    struct Place {
+        uint64_t chunk, contents, firstKept;
+        size_t cursor;
+        bool sawEnd;
+    };
+    Place place() const;
+    // False where contents are forgotten that were kept then, or the file cannot be read; only a new reader helps.
+    bool go(const Place &to);
+
 private:
     Reader() = default;
     bool begin(std::string &error);
@@ -194,7 +204,7 @@ private:
 
     std::FILE *file = nullptr;
     std::span<const uint8_t> memory;
-    uint64_t at = 0, fileSize = 0;
+    uint64_t at = 0, fileSize = 0, chunk = 0, chunkEnd = 0; // of the chunk in `events`
     Bytes packed, events;
     size_t cursor = 0;
     bool sawEnd = false, stopped = false;
@@ -202,6 +212,7 @@ private:
     std::vector<uint64_t> starts;
     std::deque<Content> contents;
     uint64_t firstKept = 0, kept = 0;
+    uint64_t passed = 0; // contents before the place; after a step back those behind it are still kept
 };
 
 // The picture encoding: planes of green, red less green, blue less green and alpha, each row with the filter that leaves least.

@@ -227,11 +227,20 @@ Texture *Player::textureAt(uint64_t address)
     return one.record.get();
 }
 
+void Player::storeCell(size_t index, uint64_t value, HeldTexture &to)
+{
+    to.cells[index] = value;
+    const Cell &cell = textureCells()[index];
+    if (cell.kind == Cell::Kind::texture)
+        storeTexture(cell, to.record.get(), textureAt(value));
+    else
+        writeCell(cell, to.record.get(), cell.kind == Cell::Kind::address ? standIn(value) : value);
+}
+
 bool Player::takeTexture(In &in)
 {
     const uint64_t address = in.number();
-    Texture *const texture = in.good() ? textureAt(address) : nullptr;
-    if (!texture)
+    if (!in.good() || !textureAt(address))
         return false;
     HeldTexture &one = held[address];
     const uint64_t count = in.number(mostCells);
@@ -244,12 +253,7 @@ bool Player::takeTexture(In &in)
         if (textureOrder[index] < 0)
             continue;
         const auto ours = size_t(textureOrder[index]);
-        one.cells[ours] = value;
-        const Cell &cell = textureCells()[ours];
-        if (cell.kind == Cell::Kind::texture)
-            storeTexture(cell, texture, textureAt(value));
-        else
-            writeCell(cell, texture, cell.kind == Cell::Kind::address ? standIn(value) : value);
+        storeCell(ours, value, one);
     }
     one.told = true;
     return in.good();
@@ -638,6 +642,42 @@ void Player::restore(const Bytes &saved)
         if (one.written)
             for (size_t row = 0; row < one.rows; ++row, from += one.rowBytes)
                 std::memcpy(reinterpret_cast<void *>(one.row(row)), from, one.rowBytes);
+}
+
+std::optional<Player::Snapshot> Player::snapshot(const Snapshot *earlier) const
+{
+    if (hasAhead || !trouble.empty())
+        return std::nullopt;
+    Snapshot taken;
+    taken.place = reader.place();
+    taken.memory = store.image(earlier ? &earlier->memory : nullptr);
+    taken.cells = drawn ? current.after : cells;
+    for (const auto &[address, texture] : held)
+        if (texture.told)
+            taken.textures[address] = texture.cells;
+    taken.draws = drawCount, taken.frames = frameCount, taken.lost = lostCount;
+    return taken;
+}
+
+bool Player::restore(const Snapshot &snapshot)
+{
+    if (!reader.go(snapshot.place) || !store.restore(snapshot.memory))
+        return false;
+    trouble.clear();
+    drawn = hasAhead = false;
+    current = {};
+    cells = snapshot.cells;
+    for (auto &[address, texture] : held) {
+        const auto then = snapshot.textures.find(address);
+        texture.told = then != snapshot.textures.end();
+        const std::vector<uint64_t> none(texture.cells.size());
+        const std::vector<uint64_t> &values = texture.told ? then->second : none;
+        for (size_t k = 0; k < values.size(); ++k)
+            if (texture.cells[k] != values[k])
+                storeCell(k, values[k], texture);
+    }
+    drawCount = snapshot.draws, frameCount = snapshot.frames, lostCount = snapshot.lost;
+    return true;
 }
 
 Player::Picture Player::picture(uint64_t pixels, uint32_t shift, uint32_t width, uint32_t height) const

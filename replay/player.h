@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -94,8 +95,26 @@ public:
     // Empty, or what differs from the recorded result, in words.
     std::string compare() const;
 
-    // Another value for a cell of rs before the draw; prepare() then works from it.
+    // Another value for a cell of rs before the draw, another kernel; prepare() then works from it.
     void change(size_t cell, uint64_t value) { cells[cell] = value; }
+    void change(layer::Id id) { current.id = id, current.name = layer::nameOf(id), current.known = true; }
+
+    // All that what comes next depends on, between two steps, to go back to.
+    class Snapshot {
+    public:
+        size_t bytes() const { return memory.bytes() + textures.size() * 1000; } // about, without what earlier ones have
+
+    private:
+        friend class Player;
+        Reader::Place place{};
+        Store::Image memory;
+        std::vector<uint64_t> cells;
+        std::map<uint64_t, std::vector<uint64_t>> textures;
+        uint64_t draws = 0, frames = 0, lost = 0;
+    };
+    // After finish(). `earlier` shares its memory with what is the same. None at a draw in which the file ends.
+    std::optional<Snapshot> snapshot(const Snapshot *earlier) const;
+    bool restore(const Snapshot &snapshot); // false: only a new player helps
 
     // Bytes of what the draw may write, to go back to.
     Bytes save() const;
@@ -142,6 +161,7 @@ private:
     bool takeCells(In &in);
     bool takeMemory(In &in);
     bool takeTexture(In &in);
+    void storeCell(size_t index, uint64_t value, HeldTexture &to);
     bool takeDraw(In &in);
     bool takeResult(In &in);
     bool takeFrame(In &in);

@@ -27,6 +27,24 @@ public:
     std::vector<std::pair<uint64_t, uint64_t>> ranges() const;
     // Fills all of it with 0.
     void clear();
+    // All that it holds at some time. Parts that are as in an earlier image share that one's memory.
+    class Image {
+    public:
+        size_t bytes() const { return own; } // of parts that it shares with no earlier image
+
+    private:
+        friend class Store;
+        using Part = std::shared_ptr<const uint8_t[]>; // null: zeros
+        struct Block {
+            uint64_t size;
+            std::vector<Part> parts;
+        };
+        std::map<uint64_t, Block> blocks;
+        size_t own = 0;
+    };
+    Image image(const Image *earlier) const;
+    bool restore(const Image &image); // false without memory
+
     // The recorded address of memory that at() gave.
     uint64_t addressOf(const void *memory) const;
 
@@ -40,6 +58,7 @@ private:
     uint64_t total = 0, limit;
 
     std::map<uint64_t, Block>::const_iterator find(uint64_t address) const;
+    static bool make(uint64_t begin, uint64_t size, Block &block);
 };
 
 } // namespace capture

@@ -258,6 +258,52 @@ TEST_F(Captured, TellsEveryChangedByte)
     }
 }
 
+// Backwards and forwards, what is drawn is what was recorded.
+TEST_F(Captured, GoesBack)
+{
+    record();
+    for (const bool cutOff : {false, true}) {
+        if (cutOff)
+            file.resize(file.size() - 5);
+        std::string error;
+        const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(file), error);
+        Player player(*reader);
+        std::vector<std::optional<Player::Snapshot>> snapshots;
+        snapshots.push_back(player.snapshot(nullptr));
+        std::string problem;
+        const auto forward = [&] {
+            switch (player.next()) {
+            case Player::Step::end: return false;
+            case Player::Step::frame: EXPECT_EQ(player.frameHash(), player.frame().hash); break;
+            case Player::Step::draw:
+                EXPECT_TRUE(player.prepare()) << player.refusal();
+                player.make(Library::linked());
+                EXPECT_EQ(player.compare(), "");
+                player.finish();
+            }
+            return true;
+        };
+        while (forward())
+            snapshots.push_back(player.snapshot(&*snapshots.back()));
+        problem = player.problem();
+        EXPECT_EQ(problem.empty(), !cutOff);
+        ASSERT_EQ(snapshots.size(), 1 + player.draws() + player.frames());
+        EXPECT_LT(snapshots[3]->bytes(), snapshots[1]->bytes()); // the sprite is there once
+        support::Random random(5);
+        for (int k = 0; k < 60; ++k) {
+            const uint32_t to = random.below(uint32_t(snapshots.size()));
+            ASSERT_TRUE(player.restore(*snapshots[to]));
+            uint32_t steps = 0;
+            for (const uint32_t most = k % 3 ? 1 + random.below(8) : 1000; steps < most && forward(); ++steps) {
+            }
+            if (k % 3 == 0) {
+                EXPECT_EQ(to + steps + 1, snapshots.size());
+                EXPECT_EQ(player.problem(), problem);
+            }
+        }
+    }
+}
+
 TEST_F(Captured, TheHostsOperatorsSpeakAgain)
 {
     ASSERT_TRUE(debug::startRecording());
