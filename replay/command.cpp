@@ -1,7 +1,6 @@
 #include "command.h"
 
 #include "recording.h"
-#include "report.h"
 
 #include <ninefold/kit.h>
 
@@ -114,11 +113,6 @@ std::string grouped(uint64_t number)
     return text;
 }
 
-std::string drawLabel(const DrawEvent &draw)
-{
-    return "draw " + std::to_string(draw.number) + " of frame " + std::to_string(draw.frame) + ", " + draw.name;
-}
-
 Range rangeOf(const std::string &text, const std::string &what)
 {
     const size_t dots = text.find("..");
@@ -132,15 +126,8 @@ Range rangeOf(const std::string &text, const std::string &what)
 
 void startRecording(const std::string &path, const Player &player)
 {
-    debug::Settings &s = debug::settings();
-    s.capture = path;
-    s.captureTextures = 1; // memory of ours moves
-    s.captureLevel = 9;
-    if (!debug::startRecording())
+    if (!recordTo(path, player))
         fail(statusFile, "cannot write " + path);
-    for (const auto &[address, texture] : player.textures())
-        if (const auto label = player.labels().find(address); label != player.labels().end())
-            debug::recordLabel(texture.record.get(), label->second.c_str());
 }
 
 void endRecording(const std::string &path)
@@ -173,40 +160,11 @@ void writePicture(const Player::Picture &picture, const std::string &path)
 
 void printState(const Player &player, const std::vector<uint64_t> &previous)
 {
-    const DrawEvent &draw = player.draw();
-    std::printf("%s\n", drawLabel(draw).c_str());
-    if (draw.known && layer::isRecord(draw.id)) {
-        char text[4000];
-        nfkExplainCode(layer::codeOf(draw.id), text, sizeof text);
-        std::printf("%s", text);
-        if (text[0] && text[std::strlen(text) - 1] != '\n')
-            std::printf("\n");
-    }
+    std::printf("%s\n%s", drawLabel(player.draw()).c_str(), codeInWords(player.draw()).c_str());
     std::printf("\nrs, where it is not 0; * marks what is new since the draw before:\n");
-    const std::span<const Cell> cells = stateCells();
-    for (size_t k = 0; k < cells.size(); ++k) {
-        const uint64_t value = player.state()[k];
-        const bool isNew = previous.size() == cells.size() && previous[k] != value;
-        if (!value && !isNew)
-            continue;
-        std::string text;
-        char hex[40];
-        switch (cells[k].kind) {
-        case Cell::Kind::texture: text = player.textureName(value); break;
-        case Cell::Kind::operation: text = Operators::name(value); break;
-        case Cell::Kind::address:
-            std::snprintf(hex, sizeof hex, "0x%llx", static_cast<unsigned long long>(value));
-            text = value ? hex : "null";
-            if (const auto label = player.labels().find(value); label != player.labels().end())
-                text += ", \"" + label->second + "\"";
-            break;
-        default:
-            std::snprintf(hex, sizeof hex, cells[k].isSigned ? "%lld" : "%llu (0x%llX)", static_cast<unsigned long long>(value),
-                          static_cast<unsigned long long>(value));
-            text = hex;
-        }
-        std::printf("  %c %-18s %s\n", isNew ? '*' : ' ', cells[k].name.c_str(), text.c_str());
-    }
+    for (const CellInWords &one : stateInWords(player, previous))
+        if (one.value || one.isNew)
+            std::printf("  %c %-18s %s\n", one.isNew ? '*' : ' ', stateCells()[one.cell].name.c_str(), one.text.c_str());
 }
 
 } // namespace replay

@@ -1,7 +1,7 @@
 // What the commands of ninefold-replay share: arguments, messages, progress.
 #pragma once
 
-#include "player.h"
+#include "inspect.h"
 
 #include <chrono>
 #include <map>
@@ -97,7 +97,6 @@ private:
 };
 
 std::string grouped(uint64_t number); // 1,234,567
-std::string drawLabel(const capture::DrawEvent &draw); // "draw 12 of frame 3, rect.unit.point.copy"
 
 // Makes the directory, and writes a picture into it.
 void makeDirectory(const std::string &directory);

@@ -48,61 +48,6 @@ std::string firstDifference(const Player &player, const Bytes &is, const Bytes &
     return "";
 }
 
-// Adds 1 where a draw that was made changed a pixel of the frame buffer.
-void countChanges(const Player &player, const Bytes &before, std::vector<uint8_t> &counts)
-{
-    counts.resize(std::min(size_t{rs.dstHeight} << rs.dstShift, size_t{1} << 26));
-    size_t at = 0;
-    for (const Rows &one : player.rows()) {
-        if (!one.written)
-            continue;
-        for (size_t row = 0; row < one.rows; ++row, at += one.rowBytes)
-            for (size_t k = 0; one.field == layer::Field::dstPixels && k < one.rowBytes; k += 4) {
-                const uintptr_t pixel = one.row(row) + k;
-                const size_t index = (pixel - uintptr_t(rs.dstPixels)) / 4;
-                if (index < counts.size() && counts[index] < UINT8_MAX &&
-                    std::memcmp(reinterpret_cast<const void *>(pixel), before.data() + at + k, 4) != 0)
-                    ++counts[index];
-            }
-    }
-}
-
-// As large as the frame buffer's picture: how often pixels were changed, from black over red and yellow to white; and the planes that
-// the draw reads.
-void writePlanes(const Player &player, const Player::Picture &like, const std::vector<uint8_t> &counts, const std::string &stem)
-{
-    Player::Picture picture = like;
-    const auto write = [&](const char *name, const auto &colour) {
-        for (uint32_t y = 0; y < picture.height; ++y)
-            for (uint32_t x = 0; x < picture.width; ++x)
-                picture.pixels[size_t{y} * picture.width + x] = colour((size_t{y} << rs.dstShift) + x);
-        writePicture(picture, stem + name);
-    };
-    write("-overdraw.png", [&](size_t index) {
-        const uint32_t level = index < counts.size() ? std::min(48u * counts[index], 3u * 255) : 0;
-        const uint32_t red = std::min(level, 255u), green = std::clamp(level, 255u, 510u) - 255,
-                       blue = std::max(level, 510u) - 510;
-        return red << 16 | green << 8 | blue;
-    });
-    // Planes as far as they were recorded.
-    static const size_t plane = stateCell("shaheiPlane"), priorities = stateCell("zBuffer");
-    const size_t size = size_t{picture.height} << rs.dstShift;
-    for (const layer::MemoryUse &use : player.footprint().memory()) {
-        if (use.field == layer::Field::shaheiPlane) {
-            std::vector<uint8_t> bytes((size + 15) / 16 * 2);
-            player.memory().read(player.state()[plane], bytes.size(), bytes.data());
-            write("-plane.png", [&](size_t index) {
-                const uint32_t word = bytes[index / 16 * 2] | uint32_t{bytes[index / 16 * 2 + 1]} << 8;
-                return word >> (15 - index % 16) & 1 ? 0xFFFFFFu : 0;
-            });
-        } else if (use.field == layer::Field::zBuffer) {
-            std::vector<uint8_t> bytes(size);
-            player.memory().read(player.state()[priorities], bytes.size(), bytes.data());
-            write("-priorities.png", [&](size_t index) { return bytes[index] * 0x10101u; });
-        }
-    }
-}
-
 } // namespace
 
 int runInfo(const Arguments &arguments)
@@ -279,11 +224,11 @@ int runDraw(const Arguments &arguments)
     Player &player = *opened.player;
     Progress progress("draw", *opened.reader);
     std::vector<uint64_t> previous;
-    std::map<uint32_t *, std::vector<uint8_t>> changes; // how often this frame changed each pixel, by frame buffer
+    Overdraw overdraw; // of this frame
     for (Step step; (step = player.next()) != Step::end;) {
         progress.show(player);
         if (step != Step::draw) {
-            changes.clear();
+            overdraw.clear();
             continue;
         }
         if (player.draw().number < wanted) {
@@ -291,7 +236,7 @@ int runDraw(const Arguments &arguments)
                 const Bytes before = arguments.has("png") ? player.save() : Bytes();
                 player.make(drawer.library());
                 if (arguments.has("png"))
-                    countChanges(player, before, changes[rs.dstPixels]);
+                    overdraw.add(player, before);
                 player.finish();
             }
             previous = player.state();
@@ -312,14 +257,8 @@ int runDraw(const Arguments &arguments)
         player.make(drawer.library());
         const std::string differences = player.compare();
         const Player::Picture after = player.drawPicture();
-        uint64_t changed = 0;
-        Player::Picture difference = after;
-        for (size_t k = 0; k < after.pixels.size(); ++k) {
-            changed += after.pixels[k] != before.pixels[k];
-            // What is as before is shown as its grey, darker.
-            if (after.pixels[k] == before.pixels[k])
-                difference.pixels[k] = ((after.pixels[k] >> 8 & 0xFF) / 4 + 16) * 0x10101;
-        }
+        uint64_t changed;
+        const Player::Picture difference = differenceOf(before, after, changed);
         std::printf("%s pixels changed. %s.\n", grouped(changed).c_str(),
                     !player.draw().hasResult ? "The capture ends in this draw: it has no result to compare with"
                     : differences.empty()    ? "The result is as recorded"
@@ -330,9 +269,12 @@ int runDraw(const Arguments &arguments)
             writePicture(before, stem + "-before.png");
             writePicture(after, stem + "-after.png");
             writePicture(difference, stem + "-difference.png");
-            std::vector<uint8_t> &counts = changes[rs.dstPixels];
-            countChanges(player, saved, counts);
-            writePlanes(player, before, counts, stem);
+            overdraw.add(player, saved);
+            writePicture(overdraw.picture(player, before), stem + "-overdraw.png");
+            for (const auto &[field, name] :
+                 {std::pair{layer::Field::shaheiPlane, "-plane.png"}, std::pair{layer::Field::zBuffer, "-priorities.png"}})
+                if (const Player::Picture plane = planeOf(player, field, before); !plane.pixels.empty())
+                    writePicture(plane, stem + name);
         }
         player.finish();
         return differences.empty() ? statusGood : statusFound;
