@@ -414,7 +414,7 @@ bool Player::map()
         if (const uint64_t begin = recordedField(field); begin && area && area <= mostPixels)
             store.ensure(begin, size);
     };
-    uint64_t recorded[std::size(reach.used)] = {}; // where each use begins
+    uint64_t recorded[std::extent_v<decltype(reach.used)>] = {}; // where each use begins
     for (size_t k = 0; k < reach.memoryCount; ++k) {
         const layer::MemoryUse &use = reach.used[k];
         const bool bytes = use.field == layer::Field::zBuffer || use.field == layer::Field::runlengthMap;
@@ -703,6 +703,16 @@ Player::Picture Player::drawPicture() const
         height = std::min(height, t.origHeight ? t.origHeight : height);
     }
     return cells[shift] > 30 ? Picture{} : picture(cells[pixels], uint32_t(cells[shift]), width, height);
+}
+
+Player::Picture Player::texturePicture(const Texture *texture) const
+{
+    static const size_t pixels = textureCell("pixels");
+    const Texture &t = *texture;
+    return t.log2Width > 30
+               ? Picture{}
+               : picture(textureField(texture, pixels), t.log2Width, t.origWidth ? std::min(t.origWidth, t.width) : t.width,
+                         t.origHeight ? std::min(t.origHeight, t.height) : t.height);
 }
 
 uint64_t Player::frameHash() const

@@ -132,6 +132,8 @@ public:
     uint64_t frameHash() const;
 
     std::string textureName(uint64_t address) const; // for people
+    uint64_t addressOf(const Texture *texture) const { return addresses.at(texture); } // of one that a draw works with
+    Picture texturePicture(const Texture *texture) const; // without what lies beside it
 
 private:
     Reader &reader;
