@@ -1,5 +1,6 @@
 // The page: unpacks the module, then shows what the address names.
 import { h } from "./dom";
+import { captureMagic, Inspector } from "./inspector";
 import { manual } from "./manual";
 import { Module } from "./module";
 import { decodePng } from "./pictures";
@@ -33,9 +34,10 @@ async function start() {
     const fail = (text: string) => body.replaceChildren(h("main", {}, h("h1", {}, "Ninefold"), h("p", { id: "failure", role: "alert", class: "wrong" }, text)));
     const wrong = missing();
     if (wrong) return fail(wrong);
-    let module: Module;
+    let module: Module, wasm: Uint8Array;
     try {
-        module = await Module.load(await unpacked(document.getElementById("module")!.textContent!.trim()));
+        wasm = await unpacked(document.getElementById("module")!.textContent!.trim());
+        module = await Module.load(wasm);
         for (const [name, png] of Object.entries(PICTURES)) {
             const picture = decodePng(bytesOf(png))!;
             module.giveFile(name, picture.words, picture.width, picture.height);
@@ -52,6 +54,7 @@ async function start() {
         clearTimeout(waiting);
         waiting = window.setTimeout(() => history.replaceState(null, "", home.href), 200);
     });
+    const inspector = new Inspector(module, wasm);
     let pages: HTMLElement | null = null;
     const show = () => {
         clearTimeout(waiting);
@@ -64,6 +67,9 @@ async function start() {
         } else if (view === "codes") {
             pages = sheet(module, rest, (name) => (location.hash = `#codes?${name}`));
             document.title = "All codes - Ninefold";
+        } else if (view === "capture") {
+            pages = inspector.root;
+            document.title = "Capture - Ninefold";
         } else {
             pages = playground.root;
         }
@@ -77,6 +83,23 @@ async function start() {
     };
     window.addEventListener("hashchange", show);
     show();
+
+    // Captures go to their view from anywhere, other files are pictures; on that view all are taken for captures.
+    window.addEventListener("dragover", (event) => event.preventDefault());
+    window.addEventListener("drop", async (event) => {
+        event.preventDefault();
+        const file = event.dataTransfer?.files[0];
+        if (!file) return;
+        const start = new Uint8Array(await file.slice(0, captureMagic.length).arrayBuffer());
+        if (pages === inspector.root || file.name.endsWith(".nfc") || captureMagic.every((byte, k) => start[k] === byte)) {
+            location.hash = "#capture";
+            show();
+            void inspector.open(file);
+        } else {
+            if (pages !== playground.root) location.hash = "#play", show();
+            void playground.take(file);
+        }
+    });
     document.documentElement.dataset.ready = "yes";
     Object.assign(window, { ninefold: module }); // for the browser's console
 }

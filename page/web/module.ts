@@ -54,16 +54,18 @@ export interface Probe {
     priority: number;
 }
 
-interface Emscripten {
+export interface Emscripten {
     HEAPU8: Uint8Array;
     UTF8ToString(pointer: number): string;
     stringToUTF8(text: string, pointer: number, size: number): void;
     lengthBytesUTF8(text: string): number;
     _malloc(size: number): number;
     _free(pointer: number): void;
-    [name: `_page${string}`]: (...values: number[]) => number;
+    [name: `_page${string}` | `_capture${string}`]: (...values: number[]) => number;
 }
-declare const createNinefold: (options: object) => Promise<Emscripten>;
+declare global {
+    const createNinefold: (options: object) => Promise<Emscripten>;
+}
 
 export class Module {
     readonly description: Description;
@@ -146,15 +148,15 @@ export class Module {
     }
 }
 
-// The words of a frame as what a canvas shows: a frame buffer's alpha means nothing.
-export function imageOf(words: Uint32Array, width: number): ImageData {
+// The words of a frame as what a canvas shows: a frame buffer's alpha means nothing, a texture's does.
+export function imageOf(words: Uint32Array, width: number, alpha = false): ImageData {
     const bytes = new Uint8ClampedArray(words.length * 4);
     for (let i = 0; i < words.length; ++i) {
         const word = words[i];
         bytes[4 * i] = (word >> 16) & 255;
         bytes[4 * i + 1] = (word >> 8) & 255;
         bytes[4 * i + 2] = word & 255;
-        bytes[4 * i + 3] = 255;
+        bytes[4 * i + 3] = alpha ? word >>> 24 : 255;
     }
     return new ImageData(bytes, width);
 }

@@ -108,11 +108,10 @@ export class Playground {
             const [x, y] = arrow(event);
             if (x || y) { event.preventDefault(); this.probeAt({ x: this.probed.x + x, y: this.probed.y + y }); }
         });
-        this.root.addEventListener("dragover", (event) => event.preventDefault());
-        this.root.addEventListener("drop", (event) => { event.preventDefault(); const dropped = event.dataTransfer?.files[0]; if (dropped) this.take(dropped); });
     }
 
-    private async take(file: File) {
+    // A picture of the user's.
+    async take(file: File) {
         try {
             const picture = await readPicture(file);
             this.module.giveDropped(picture.words, picture.width, picture.height);
