@@ -34,12 +34,12 @@ std::string number(double value)
 std::string number(uint64_t value) { return std::to_string(value); }
 std::string truth(bool value) { return value ? "true" : "false"; }
 
-// Nanoseconds of a draw that is made; memory is afterwards as before it. Browsers' clocks may tick in tenths of milliseconds only.
-double measure(Player &player, const Bytes &saved)
+// Nanoseconds of a draw that is made, by calls for so many milliseconds; memory is afterwards as before it. Browsers' clocks may tick
+// in tenths of milliseconds only.
+double measure(Player &player, const Bytes &saved, double least)
 {
     if (player.footprint().pixels.empty())
         return 0;
-    constexpr double least = 0.15; // milliseconds
     constexpr uint32_t most = 4000, batch = 4;
     const DrawFunc kernel = Library::linked().kernel(player.draw().id);
     const std::vector<Rows> &rows = player.rows();
@@ -290,7 +290,7 @@ private:
                 player->make(Library::linked());
                 info.state = scans && !player->compare().empty();
                 if (scans) {
-                    info.nanoseconds = measure(*player, saved);
+                    info.nanoseconds = measure(*player, saved, 0.15);
                     player->make(Library::linked());
                 }
                 overdraw.add(*player, saved);
@@ -412,7 +412,7 @@ private:
         now.nanoseconds = 0;
         if (now.made) {
             player->make(Library::linked());
-            now.nanoseconds = measure(*player, now.saved);
+            now.nanoseconds = measure(*player, now.saved, 1.5);
             player->make(Library::linked());
             now.differences = player->compare();
             now.after = player->drawPicture();

@@ -4,10 +4,9 @@ import { execFileSync } from "node:child_process";
 import { mkdirSync, readFileSync } from "node:fs";
 import { after, before, test } from "node:test";
 import { encode } from "fast-png";
-import { launch } from "./browser.mjs";
+import { closePage as close, launch, openPage } from "./browser.mjs";
 
 const here = new URL("..", import.meta.url).pathname;
-const address = `file://${here}dist/index.html`;
 const native = `${here}../build/page/page_draw`;
 const views = `${here}dist/views`;
 const axe = readFileSync(`${here}node_modules/axe-core/axe.min.js`, "utf8");
@@ -17,26 +16,7 @@ let browser;
 before(async () => (browser = await launch()));
 after(() => browser.close());
 
-// Opens the page at a place; what goes wrong there is collected.
-async function open(hash = "", options = {}, prepare = undefined) {
-    const context = await browser.newContext({ viewport: { width: 1200, height: 900 }, ...options });
-    context.setDefaultTimeout(90000); // of a busy machine
-    const page = await context.newPage();
-    page.wrong = [];
-    page.on("pageerror", (error) => page.wrong.push(String(error)));
-    page.on("console", (message) => message.type() === "error" && page.wrong.push(message.text()));
-    page.on("request", (request) => /^(file|data|blob):/.test(request.url()) || page.wrong.push(`fetches ${request.url()}`));
-    if (prepare) await page.addInitScript(prepare);
-    const began = Date.now();
-    await page.goto(address + hash);
-    if (!prepare) await page.waitForSelector("html[data-ready]");
-    page.ready = Date.now() - began;
-    return page;
-}
-async function close(page) {
-    assert.deepEqual(page.wrong, []);
-    await page.context().close();
-}
+const open = (...at) => openPage(browser, ...at);
 const settled = (page) => page.waitForFunction(() => document.getElementById("speed")?.textContent !== "");
 const name = (page) => page.locator("h1").first().textContent();
 const stateOf = (page) => page.evaluate(() => document.getElementById("playground").dataset.state);
