@@ -107,12 +107,12 @@ struct Contender {
     std::string note; // where the work is only near, in what
     std::function<void()> prepare; // untimed, before each of its turns; may be empty
     std::function<void(long calls)> run; // timed; when it returns all pixels are in the frame buffer
-    // Instead of timing run(): for work that is interrupted by what is none. `clock` gives seconds.
-    std::function<double(long calls, double (*clock)())> seconds = {};
-    std::function<std::string()> verify = {}; // of work that knows its pixels: empty, or what is wrong; may be empty itself
     double patience = 1; // how much longer its turns are, so that what each costs at its end is spread
     double tolerance = 4; // most that its pixels may differ from ours on average, of 255
     long cycle = 64; // a turn of more calls is a multiple of it, so that each turn draws every primitive alike
+    // Instead of timing run(): for work that is interrupted by what is none. `clock` gives seconds.
+    std::function<double(long calls, double (*clock)())> seconds = {};
+    std::function<std::string()> verify = {}; // of work that knows its pixels: empty, or what is wrong; may be empty itself
 };
 using Contenders = std::vector<Contender>;
 

@@ -29,6 +29,7 @@ uint32_t speakBlend(uint32_t first, uint32_t second) { return speakers[1].call(f
 const Player *asking; // for whom the footprint is found
 
 std::string finding; // the last error that the twin's rules told
+std::vector<std::string> rulesMet; // in the last prepare()
 
 // Findings come here, and a draw with an error is refused.
 void listenToTwin()
@@ -42,7 +43,11 @@ void listenToTwin()
     s.action = NINEFOLD_DEBUG_SKIP;
     s.repeat = 0;
     s.summary = false;
-    debug::callback = [](const NinefoldFinding *found, void *) { finding = std::string(found->name) + ": " + found->text; };
+    debug::callback = [](const NinefoldFinding *found, void *) {
+        rulesMet.emplace_back(found->name);
+        if (found->severity == NINEFOLD_DEBUG_ERROR)
+            finding = std::string(found->name) + ": " + found->text;
+    };
 }
 
 // Sizes of a texture that draws can work with, and that are no larger than memory can be.
@@ -475,8 +480,11 @@ bool Player::map()
     return true;
 }
 
+const std::vector<std::string> &Player::findings() { return rulesMet; }
+
 bool Player::prepare(bool unchecked)
 {
+    rulesMet.clear();
     patched.clear();
     told = false;
     why.clear();

@@ -91,6 +91,8 @@ public:
     // refusal(). Rules that the twin calls errors refuse it, unless `unchecked`.
     bool prepare(bool unchecked = false);
     const std::string &refusal() const { return why; }
+    // Names of the rules that prepare() met, of the severity that the twin's settings ask for: errors, unless they are changed.
+    static const std::vector<std::string> &findings();
     // What it reads and may write, in our memory, valid between prepare and the next step.
     const std::vector<Rows> &rows() const { return reachRows; }
     const layer::Footprint &footprint() const { return reach; }

@@ -305,6 +305,47 @@ TEST_F(Captured, APictureThatIsChangedInAFrameIsSeenAtTheNext)
     }
 }
 
+TEST_F(Captured, AFrameIsWholeWithWhatTheHostWroteItself)
+{
+    ASSERT_TRUE(debug::startRecording());
+    std::vector<std::vector<uint32_t>> frames;
+    const auto keep = [&] {
+        std::vector<uint32_t> &picture = frames.emplace_back();
+        for (int y = 0; y < 80; ++y)
+            picture.insert(picture.end(), screen->pixels + 128 * y, screen->pixels + 128 * y + 100);
+    };
+    std::fill_n(screen->pixels, 128 * 80, 0xFF102030u); // only a part of it is drawn over
+    place(5, 6);
+    screen->pixels[128 * 79 + 99] = 0xFF0000FF; // a cursor that the host draws
+    screen->pixels[128 * 7 + 6] = 0xFF00FFFF; // over a sprite
+    keep();
+    debug::recordFrame(false);
+    place(50, 6);
+    keep();
+    SetFrameBuffer(second), SetFrameBuffer(screen);
+    place(20, 30);
+    debug::stopRecording();
+    file = contentsOf(path);
+    std::string error;
+    const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(file), error);
+    Player player(*reader);
+    size_t seen = 0;
+    for (Player::Step step; (step = player.next()) != Player::Step::end;) {
+        if (step == Player::Step::draw) {
+            ASSERT_TRUE(player.prepare());
+            player.make(Library::linked());
+            player.finish();
+            continue;
+        }
+        EXPECT_EQ(player.frameHash(), player.frame().hash);
+        if (seen < frames.size()) {
+            EXPECT_EQ(player.framePicture().pixels, frames[seen]) << seen;
+        }
+        ++seen;
+    }
+    EXPECT_EQ(seen, 3u);
+}
+
 TEST_F(Captured, APauseEndsAFrame)
 {
     debug::settings().capturePause = 1;
