@@ -439,10 +439,12 @@ int minimise(Case &one, const std::string &path, const std::string &out, const s
     if (!one.fails())
         fail(statusFile, "it does not fail again when it is made alone");
     const auto before = std::signal(SIGINT, [](int) { isStopped = 1; });
-    for (const auto &[doing, shrink] : {std::pair{"clip rectangle", shrinkClip},
-                                        {"state", shrinkState},
-                                        {"textures", shrinkTextures},
-                                        {"memory", shrinkMemory}}) {
+    struct Part {
+        const char *name;
+        void (*shrink)(Case &);
+    };
+    for (const auto &[doing, shrink] :
+         {Part{"clip rectangle", shrinkClip}, {"state", shrinkState}, {"textures", shrinkTextures}, {"memory", shrinkMemory}}) {
         one.doing = std::string("minimise: ") + doing;
         shrink(one);
     }

@@ -308,9 +308,9 @@ TEST_F(Captured, APictureThatIsChangedInAFrameIsSeenAtTheNext)
 TEST_F(Captured, AFrameIsWholeWithWhatTheHostWroteItself)
 {
     ASSERT_TRUE(debug::startRecording());
-    std::vector<std::vector<uint32_t>> frames;
+    std::vector<std::vector<uint32_t>> pictures;
     const auto keep = [&] {
-        std::vector<uint32_t> &picture = frames.emplace_back();
+        std::vector<uint32_t> &picture = pictures.emplace_back();
         for (int y = 0; y < 80; ++y)
             picture.insert(picture.end(), screen->pixels + 128 * y, screen->pixels + 128 * y + 100);
     };
@@ -338,8 +338,8 @@ TEST_F(Captured, AFrameIsWholeWithWhatTheHostWroteItself)
             continue;
         }
         EXPECT_EQ(player.frameHash(), player.frame().hash);
-        if (seen < frames.size()) {
-            EXPECT_EQ(player.framePicture().pixels, frames[seen]) << seen;
+        if (seen < pictures.size()) {
+            EXPECT_EQ(player.framePicture().pixels, pictures[seen]) << seen;
         }
         ++seen;
     }
