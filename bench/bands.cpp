@@ -1,7 +1,9 @@
 // What bands are worth: frames of 1920 by 1080 drawn plainly, and recorded and flushed by so many threads. Linked with the library
 // of bands; plain is the same library, not started, whose kernels are the plain library's.
 //
-//     bench_bands [--turns N] [--best] [--pin] [--threads N]... [FRAME]...
+//     bench_bands [--turns N] [--best] [--pin] [--threads N]... [--capture FILE]... [FRAME]...
+#include "captures.h"
+
 #include <ninefold/bands.h>
 
 #include <dirent.h>
@@ -202,26 +204,66 @@ void use(int threads)
         pin();
 }
 
-// The median times of ways to draw, in seconds, each in turn.
+// The median times of ways to draw, in seconds, each in turn. `draw` draws, flushes and gives its time.
 template <class Draw>
-std::vector<double> measure(const std::vector<int> &ways, int turns, Draw &&draw)
+std::vector<double> measureBy(const std::vector<int> &ways, int turns, Draw &&draw)
 {
     std::vector<std::vector<double>> times(ways.size());
     for (int turn = -1; turn < turns; ++turn)
         for (size_t way = 0; way < ways.size(); ++way) {
             use(ways[way]);
             for (int k = 0; k < 2; ++k) { // the first of two has other threads' pixels in its cache
-                const Clock::time_point start = Clock::now();
-                draw();
-                NinefoldBandsFlush();
+                const double seconds = draw();
                 if (turn >= 0 && k == 1)
-                    times[way].push_back(secondsSince(start));
+                    times[way].push_back(seconds);
             }
         }
     std::vector<double> medians;
     for (std::vector<double> &values : times)
         medians.push_back(median(values));
     return medians;
+}
+
+void printTimes(const std::vector<double> &times, double unit)
+{
+    std::printf("%10.3f", times[0] * unit);
+    for (size_t k = 1; k < times.size(); ++k)
+        std::printf("    x%5.2f", times[0] / times[k]);
+    std::printf("\n");
+}
+
+template <class Draw>
+std::vector<double> measure(const std::vector<int> &ways, int turns, Draw &&draw)
+{
+    return measureBy(ways, turns, [&] {
+        const Clock::time_point start = Clock::now();
+        draw();
+        NinefoldBandsFlush();
+        return secondsSince(start);
+    });
+}
+
+// The frames of a capture; false where there are none.
+bool measureCapture(const std::string &path, const std::vector<int> &ways, int turns)
+{
+    std::string error;
+    capture::Draws *const draws = bench::openCapture(path, error);
+    if (!draws) {
+        std::fprintf(stderr, "bench_bands: %s\n", error.c_str());
+        return false;
+    }
+    if (draws->refused())
+        std::fprintf(stderr, "bench_bands: %s: %llu draws are left out; first %s\n", path.c_str(),
+                     static_cast<unsigned long long>(draws->refused()), draws->refusal());
+    char words[100];
+    std::snprintf(words, sizeof words, "%.30s, %llu draws in %llu frames", path.substr(path.rfind('/') + 1).c_str(),
+                  static_cast<unsigned long long>(draws->draws()), static_cast<unsigned long long>(draws->frames()));
+    std::printf("%-54s", words);
+    std::fflush(stdout);
+    const auto clock = [] { return std::chrono::duration<double>(Clock::now().time_since_epoch()).count(); };
+    const auto flush = [] { static_cast<void>(NinefoldBandsFlush()); };
+    printTimes(measureBy(ways, turns, [&] { return draws->play(flush, clock); }), 1e3 / double(draws->frames()));
+    return true;
 }
 
 void printWays(const std::vector<int> &ways)
@@ -233,23 +275,17 @@ void printWays(const std::vector<int> &ways)
             std::printf("%9d%s", threads, threads == 1 ? "t" : "t");
 }
 
-void printTimes(const std::vector<double> &times, double unit)
-{
-    std::printf("%10.3f", times[0] * unit);
-    for (size_t k = 1; k < times.size(); ++k)
-        std::printf("    x%5.2f", times[0] / times[k]);
-    std::printf("\n");
-}
-
 [[noreturn]] void usage(int status)
 {
-    std::fprintf(status ? stderr : stdout, "bench_bands [--turns N] [--best] [--pin] [--threads N]... [FRAME]...\n"
-                                           "Draws frames of 1920 by 1080 plainly and by bands, in turn; prints median times.\n"
-                                           "  --turns N    how often each, 20 without\n"
-                                           "  --best       the shortest times instead: where others use the machine\n"
-                                           "  --pin        each thread on a processor of its own\n"
-                                           "  --threads N  numbers of threads, 1 and 2 without\n"
-                                           "Frames, all without:\n");
+    std::fprintf(status ? stderr : stdout,
+                 "bench_bands [--turns N] [--best] [--pin] [--threads N]... [--capture FILE]... [FRAME]...\n"
+                 "Draws frames of 1920 by 1080 plainly and by bands, in turn; prints median times.\n"
+                 "  --turns N    how often each, 20 without\n"
+                 "  --best       the shortest times instead: where others use the machine\n"
+                 "  --pin        each thread on a processor of its own\n"
+                 "  --threads N  numbers of threads, 1 and 2 without\n"
+                 "  --capture FILE  the frames of a capture, on average; other frames only where named\n"
+                 "Frames, all without:\n");
     for (const Frame &frame : frames)
         std::fprintf(status ? stderr : stdout, "  %-10s %s\n", frame.name, frame.words);
     std::fprintf(status ? stderr : stdout, "  %-10s %s\n  %-10s %s\n", "overhead", "what recording costs a draw", "sizes",
@@ -274,7 +310,7 @@ int main(int, char **arguments)
 {
     int turns = 20;
     std::vector<int> ways{0};
-    std::vector<std::string> wanted;
+    std::vector<std::string> wanted, captures;
     for (char **argument = arguments + 1; *argument; ++argument)
         if (std::strcmp(*argument, "--help") == 0)
             usage(0);
@@ -286,6 +322,8 @@ int main(int, char **arguments)
             turns = numberFrom("--turns", *++argument);
         else if (std::strcmp(*argument, "--threads") == 0)
             ways.push_back(numberFrom("--threads", *++argument));
+        else if (std::strcmp(*argument, "--capture") == 0 && argument[1])
+            captures.emplace_back(*++argument);
         else if (**argument == '-')
             usage(2);
         else
@@ -293,7 +331,7 @@ int main(int, char **arguments)
     if (ways.size() == 1)
         ways = {0, 1, 2};
     const auto isWanted = [&](const char *name) {
-        return wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
+        return (wanted.empty() && captures.empty()) || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
     };
     for (const std::string &name : wanted)
         if (name != "overhead" && name != "sizes" &&
@@ -313,15 +351,23 @@ int main(int, char **arguments)
     }
 
     bool heading = false;
+    const auto head = [&] {
+        if (heading)
+            return;
+        std::printf("%-54s", "frame, ms and factors");
+        printWays(ways);
+        std::printf("\n");
+        heading = true;
+    };
+    for (const std::string &path : captures) {
+        head();
+        if (!measureCapture(path, ways, turns))
+            return 1;
+    }
     for (const Frame &frame : frames) {
         if (!isWanted(frame.name))
             continue;
-        if (!heading) {
-            std::printf("%-54s", "frame, ms and factors");
-            printWays(ways);
-            std::printf("\n");
-            heading = true;
-        }
+        head();
         stock.needLayers(frame.layers);
         std::printf("%-54s", frame.words);
         std::fflush(stdout);

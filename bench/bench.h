@@ -110,6 +110,9 @@ struct Contender {
     double patience = 1; // how much longer its turns are, so that what each costs at its end is spread
     double tolerance = 4; // most that its pixels may differ from ours on average, of 255
     long cycle = 64; // a turn of more calls is a multiple of it, so that each turn draws every primitive alike
+    // Instead of timing run(): for work that is interrupted by what is none. `clock` gives seconds.
+    std::function<double(long calls, double (*clock)())> seconds = {};
+    std::function<std::string()> verify = {}; // of work that knows its pixels: empty, or what is wrong; may be empty itself
 };
 using Contenders = std::vector<Contender>;
 
@@ -120,6 +123,7 @@ struct Job {
     double pixels = 0; // drawn per call, on average
     bool perCall = false; // report nanoseconds per call instead of per pixel
     const char *unit = nullptr; // what a pixel is called, if it is none
+    double frames = 0; // of a call, where the job has a row by frames besides
     double goal = 1; // at most this ratio to the best peer, or to the yardstick where there is one; 0: none
     double scalarGoal = 1; // the same to the scalar loop
     double budget = 0; // nanoseconds of a call, as the yardstick

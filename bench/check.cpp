@@ -79,6 +79,13 @@ int checkContenders(const std::vector<Job> &jobs, const std::filesystem::path &p
         std::filesystem::create_directories(pictures);
     std::printf("%-40s %-16s %10s %10s\n", "job", "contender", "drawn", "difference");
     for (const Job &job : jobs) {
+        for (const Contender &contender : job.more &&job.frames > 0 ? contendersOf(job) : Contenders()) {
+            contender.prepare();
+            const std::string words = contender.verify();
+            std::printf("%-40s %-16s %s\n", job.name.c_str(), contender.name.c_str(),
+                        words.empty() ? "as recorded" : ("WRONG: " + words).c_str());
+            wrong += !words.empty();
+        }
         if (job.kernel || job.work.primitives.empty())
             continue; // nothing in the frame buffer
         const Contenders contenders = contendersOf(job);

@@ -24,5 +24,6 @@ void addShapeJobs(std::vector<Job> &jobs); // quads, triangles, lines, colours
 void addOwnJobs(std::vector<Job> &jobs); // what no peer has, against yardsticks
 void addGlyphJobs(std::vector<Job> &jobs);
 void addTwinJobs(std::vector<Job> &jobs);
+void addCaptureJob(const std::string &path, std::vector<Job> &jobs); // ends the program where there is no such capture
 
 } // namespace bench

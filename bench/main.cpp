@@ -2,6 +2,7 @@
 #include "check.h"
 #include "families.h"
 #include "hold.h"
+#include "jobs.h"
 #include "report.h"
 #include "scale.h"
 #include "scene.h"
@@ -20,6 +21,8 @@ constexpr const char *usage =
     "(default: all), and writes bench.csv and bench.html.\n\n"
     "  --quick        shorter turns, fewer rounds\n"
     "  --v3           hold the library and its peers to x86-64-v3 (AVX2); peers that cannot be are left out\n"
+    "  --capture=FILE a capture's frames too, ns per draw and per frame, whatever the filters (several: give it again); the\n"
+    "                 filter \"capture\" leaves the other jobs out\n"
     "  --list         name the jobs and their contenders\n"
     "  --families     every draw code on 64 by 64 pixels; filters are parts of the codes' names\n"
     "  --scale        how some kernels' cost grows with pixels, primitives and textures, as curves in bench.html\n"
@@ -32,7 +35,7 @@ constexpr const char *usage =
 struct Options {
     bool quick = false, list = false, check = false, families = false, scale = false;
     std::filesystem::path pictures, out;
-    std::vector<std::string> filters;
+    std::vector<std::string> filters, captures;
 };
 
 int fail(const std::string &message)
@@ -60,6 +63,14 @@ int timeJobs(const std::vector<Job> &jobs, const Effort &effort, const std::file
             measured.push_back({"budget", "", Role::yardstick, std::vector<double>(measured[0].nanoseconds.size(), job.budget)});
         rows.push_back({job, std::move(measured)});
         printRow(rows.back());
+        if (job.frames > 0) {
+            Row perFrame = rows.back();
+            perFrame.job.name += "/frame";
+            perFrame.job.pixels = job.frames;
+            perFrame.job.unit = "frame";
+            rows.push_back(std::move(perFrame));
+            printRow(rows.back());
+        }
     }
     printSummary(rows);
     writeCsv(rows, out / "bench.csv");
@@ -90,6 +101,8 @@ int run(const Options &options)
         if (options.filters.empty() || std::any_of(options.filters.begin(), options.filters.end(), matches))
             jobs.push_back(std::move(job));
     }
+    for (const std::string &file : options.captures)
+        addCaptureJob(file, jobs);
     if (jobs.empty())
         return fail("no job's name contains that; see ninefold-bench --list");
 
@@ -133,6 +146,12 @@ int parse(int argc, char **argv)
             options.out = argument.substr(std::strlen("--out="));
             if (!std::filesystem::is_directory(options.out))
                 return fail("no folder '" + options.out.string() + "'");
+        } else if (argument.rfind("--capture=", 0) == 0) {
+            options.captures.push_back(argument.substr(std::strlen("--capture=")));
+        } else if (argument == "--capture" && i + 1 < argc) {
+            options.captures.emplace_back(argv[++i]);
+        } else if (argument == "--capture") {
+            return fail("--capture needs a file");
         } else if (argument == "--version") {
             std::printf("ninefold-bench %d.%d.%d\n", NINEFOLD_VERSION_MAJOR, NINEFOLD_VERSION_MINOR, NINEFOLD_VERSION_PATCH);
             return 0;
@@ -146,6 +165,8 @@ int parse(int argc, char **argv)
     }
     if (options.list + options.check + options.families + options.scale > 1)
         return fail("--list, --check, --families and --scale exclude each other");
+    if (!options.captures.empty() && (options.families || options.scale))
+        return fail("--capture goes neither with --families nor with --scale");
     return run(options);
 }
 

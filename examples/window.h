@@ -31,6 +31,16 @@ static inline int NinefoldBandsStart(int threads) { return threads * 0; }
 static inline int NinefoldBandsFlush(void) { return 0; }
 #endif
 
+/* The ends of frames for captures: ninefold-debug --capture FILE PROGRAM. */
+#if defined(__has_include)
+#if __has_include(<ninefold/debug.h>)
+#include <ninefold/debug.h>
+#endif
+#endif
+#ifndef NINEFOLD_DEBUG_H
+static inline int NinefoldDebugFrame(void) { return 0; }
+#endif
+
 #include <SDL.h>
 
 #include <stdio.h>
@@ -217,6 +227,7 @@ static inline void standStill(Window *window)
 static inline int beginFrame(Window *window)
 {
     NinefoldBandsFlush();
+    NinefoldDebugFrame();
     if (!window->began && window->window)
         window->began = window->next = SDL_GetPerformanceCounter();
     else if (window->window) {

@@ -97,12 +97,17 @@ Progress::~Progress()
 }
 void Progress::show(const Player &player)
 {
+    if (shows && std::chrono::steady_clock::now() >= next)
+        show(what + ": draw " + grouped(player.draws()) + ", " +
+             std::to_string(reader.size() ? 100 * reader.position() / reader.size() : 0) + " %");
+}
+void Progress::show(const std::string &line)
+{
     if (!shows || std::chrono::steady_clock::now() < next)
         return;
     next = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
     wrote = true;
-    std::fprintf(stderr, "\r%s: draw %s, %d %%\33[K", what.c_str(), grouped(player.draws()).c_str(),
-                 reader.size() ? int(100 * reader.position() / reader.size()) : 0);
+    std::fprintf(stderr, "\r%s\33[K", line.c_str());
 }
 
 std::string grouped(uint64_t number)

@@ -88,6 +88,7 @@ public:
     Progress(const Progress &) = delete;
     Progress &operator=(const Progress &) = delete;
     void show(const capture::Player &player);
+    void show(const std::string &line);
 
 private:
     std::string what;

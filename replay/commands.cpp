@@ -190,10 +190,13 @@ int runFrames(const Arguments &arguments)
     Player &player = *opened.player;
     Progress progress("frames", *opened.reader);
     const std::string directory = arguments.text("png", ".");
+    const Range wanted = arguments.has("frames") ? rangeOf(arguments.text("frames", ""), "--frames") : Range{1, UINT64_MAX};
     makeDirectory(directory);
     uint64_t written = 0, different = 0;
     for (Step step; (step = player.next()) != Step::end;) {
         progress.show(player);
+        if (player.frames() > wanted.last)
+            break;
         if (step == Step::draw) {
             if (player.prepare(arguments.has("unchecked"))) {
                 player.make(drawer.library());
@@ -201,7 +204,7 @@ int runFrames(const Arguments &arguments)
             }
             continue;
         }
-        const Player::Picture picture = player.framePicture();
+        const Player::Picture picture = wanted.holds(player.frame().number) ? player.framePicture() : Player::Picture{};
         if (picture.pixels.empty())
             continue;
         char name[40];
@@ -210,9 +213,12 @@ int runFrames(const Arguments &arguments)
         ++written;
         different += player.frameHash() != player.frame().hash;
     }
+    const int status = opened.complaint();
+    if (player.frames() < wanted.first && status == statusGood)
+        fail(statusUsage,
+             opened.path + " has " + grouped(player.frames()) + " frames, none of number " + std::to_string(wanted.first));
     std::printf("%s: %s frames in %s", opened.path.c_str(), grouped(written).c_str(), directory.c_str());
     std::printf(different ? ", of which %s are not as recorded\n" : "\n", grouped(different).c_str());
-    const int status = opened.complaint();
     return different ? statusFound : status;
 }
 

@@ -29,23 +29,27 @@ std::string escaped(const std::string &text)
     return result;
 }
 
+unsigned hueOf(uint32_t kernel) { return kernel * 47 % 360; }
+
+// `order`: kernels by their time, `slowest`: draws.
 void writePage(const std::string &path, const std::string &title, const std::vector<Timed> &draws,
-               const std::vector<std::string> &names)
+               const std::vector<std::string> &names, const std::vector<Sum> &sums, const std::vector<uint32_t> &order,
+               const std::vector<Timed> &slowest)
 {
     constexpr size_t mostFrames = 40;
     constexpr double width = 1200;
     std::map<uint64_t, uint64_t> frames; // with their time
     for (const Timed &draw : draws)
         frames[draw.frame] += draw.nanoseconds;
-    std::vector<std::pair<uint64_t, uint64_t>> slowest;
+    std::vector<std::pair<uint64_t, uint64_t>> longFrames;
     for (const auto &[frame, time] : frames)
-        slowest.emplace_back(time, frame);
-    std::sort(slowest.rbegin(), slowest.rend());
-    if (slowest.size() > mostFrames)
-        slowest.resize(mostFrames);
-    std::sort(slowest.begin(), slowest.end(), [](const auto &a, const auto &b) { return a.second < b.second; });
+        longFrames.emplace_back(time, frame);
+    std::sort(longFrames.rbegin(), longFrames.rend());
+    if (longFrames.size() > mostFrames)
+        longFrames.resize(mostFrames);
+    std::sort(longFrames.begin(), longFrames.end(), [](const auto &a, const auto &b) { return a.second < b.second; });
     uint64_t longest = 1;
-    for (const auto &[time, frame] : slowest)
+    for (const auto &[time, frame] : longFrames)
         longest = std::max(longest, time);
     std::FILE *const page = std::fopen(path.c_str(), "w");
     if (!page)
@@ -53,12 +57,15 @@ void writePage(const std::string &path, const std::string &title, const std::vec
     std::fprintf(
         page,
         "<!doctype html>\n<html lang=\"en\"><meta charset=\"utf-8\"><title>%s</title>\n<style>body{font:14px "
-        "sans-serif;margin:2em}rect{stroke:#fff;stroke-width:.3}td{padding:0 1em 0 0;text-align:right}td:last-child{text-"
-        "align:left}</style>\n<h1>%s</h1>\n<p>%s draws in %s frames. Each line is a frame, as long as its draws took "
-        "together, from left to right in their order; the longest is %.3f ms. Point at a draw for its name.</p>\n",
+        "sans-serif;margin:2em}rect{stroke:#fff;stroke-width:.3}table{border-collapse:collapse}td,th{padding:1px 1.2em "
+        "1px 0;text-align:right}td:last-child,th:last-child{text-align:left}i{display:inline-block;width:.8em;"
+        "height:.8em;margin-right:.5em}</style>\n<h1>%s</h1>\n<p>%s draws in %s frames. Each line is a frame, as long as "
+        "its draws took together, from left to right in their order; the longest is %.3f ms. Point at a draw for its "
+        "name.%s</p>\n",
         escaped(title).c_str(), escaped(title).c_str(), grouped(draws.size()).c_str(), grouped(frames.size()).c_str(),
-        double(longest) / 1e6);
-    for (const auto &[time, frame] : slowest) {
+        double(longest) / 1e6,
+        frames.size() > mostFrames ? (" The " + std::to_string(mostFrames) + " slowest frames are shown.").c_str() : "");
+    for (const auto &[time, frame] : longFrames) {
         std::fprintf(page, "<div>frame %llu, %.3f ms</div><svg width=\"%.0f\" height=\"22\">\n",
                      static_cast<unsigned long long>(frame), double(time) / 1e6, width);
         double x = 0;
@@ -69,13 +76,41 @@ void writePage(const std::string &path, const std::string &title, const std::vec
             std::fprintf(page,
                          "<rect x=\"%.2f\" width=\"%.2f\" height=\"20\" fill=\"hsl(%u,60%%,55%%)\"><title>draw %llu, %s: %s "
                          "ns, %s pixels</title></rect>\n",
-                         x, size, draw.kernel * 47 % 360, static_cast<unsigned long long>(draw.draw),
+                         x, size, hueOf(draw.kernel), static_cast<unsigned long long>(draw.draw),
                          escaped(names[draw.kernel]).c_str(), grouped(draw.nanoseconds).c_str(), grouped(draw.pixels).c_str());
             x += size;
         }
         std::fputs("</svg>\n", page);
     }
-    std::fputs("</html>\n", page);
+    const auto cell = [&](const std::string &text) { std::fprintf(page, "<td>%s</td>", text.c_str()); };
+    const auto nameCell = [&](uint32_t kernel) {
+        std::fprintf(page, "<td><i style=\"background:hsl(%u,60%%,55%%)\"></i>%s</td></tr>\n", hueOf(kernel),
+                     escaped(names[kernel]).c_str());
+    };
+    const auto decimal = [](double value) {
+        char text[40];
+        std::snprintf(text, sizeof text, "%.3f", value);
+        return std::string(text);
+    };
+    std::fputs("<h2>Kernels and functions</h2>\n<table><tr><th>draws</th><th>ms</th><th>recorded ms</th><th>ns a "
+               "draw</th><th>ns a pixel</th><th></th></tr>\n",
+               page);
+    for (const uint32_t kernel : order) {
+        const Sum &sum = sums[kernel];
+        std::fputs("<tr>", page);
+        cell(grouped(sum.draws)), cell(decimal(double(sum.nanoseconds) / 1e6)), cell(decimal(double(sum.recorded) / 1e6));
+        cell(grouped(sum.nanoseconds / sum.draws)), cell(sum.pixels ? decimal(double(sum.nanoseconds) / double(sum.pixels)) : "");
+        nameCell(kernel);
+    }
+    std::fputs("</table>\n<h2>The slowest draws</h2>\n<table><tr><th>draw</th><th>frame</th><th>ns</th><th>pixels</th><th></th>"
+               "</tr>\n",
+               page);
+    for (const Timed &draw : slowest) {
+        std::fputs("<tr>", page);
+        cell(grouped(draw.draw)), cell(grouped(draw.frame)), cell(grouped(draw.nanoseconds)), cell(grouped(draw.pixels));
+        nameCell(draw.kernel);
+    }
+    std::fputs("</table>\n</html>\n", page);
     const bool bad = std::ferror(page) != 0;
     if (std::fclose(page) != 0 || bad)
         fail(statusFile, "cannot write all of " + path);
@@ -118,23 +153,26 @@ int runTime(const Arguments &arguments)
                          index->second});
         player.finish();
     }
-    std::vector<std::pair<std::string, Sum>> kernels;
-    for (const std::string &name : names)
-        kernels.emplace_back(name, Sum{});
+    std::vector<Sum> sums(names.size());
     Sum all;
     for (const Timed &draw : draws)
-        for (Sum *const sum : {&kernels[draw.kernel].second, &all})
+        for (Sum *const sum : {&sums[draw.kernel], &all})
             ++sum->draws, sum->nanoseconds += draw.nanoseconds, sum->recorded += draw.recorded, sum->pixels += draw.pixels;
-    std::stable_sort(kernels.begin(), kernels.end(),
-                     [](const auto &a, const auto &b) { return a.second.nanoseconds > b.second.nanoseconds; });
+    std::vector<uint32_t> order; // of kernels, the longest first
+    for (uint32_t kernel = 0; kernel < names.size(); ++kernel)
+        order.push_back(kernel);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](uint32_t a, uint32_t b) { return sums[a].nanoseconds > sums[b].nanoseconds; });
     std::printf("%s: %s draws, %.3f ms in kernels, the shortest of %s runs each; %.3f ms where it was recorded\n\n",
                 opened.path.c_str(), grouped(all.draws).c_str(), double(all.nanoseconds) / 1e6, grouped(repeats).c_str(),
                 double(all.recorded) / 1e6);
     std::printf("%8s %12s %12s %10s %9s  kernel or function\n", "draws", "ms", "recorded ms", "ns/draw", "ns/pixel");
-    for (const auto &[name, sum] : kernels)
+    for (const uint32_t kernel : order) {
+        const Sum &sum = sums[kernel];
         std::printf("%8s %12.3f %12.3f %10.0f %9.3f  %s\n", grouped(sum.draws).c_str(), double(sum.nanoseconds) / 1e6,
                     double(sum.recorded) / 1e6, double(sum.nanoseconds) / double(sum.draws),
-                    sum.pixels ? double(sum.nanoseconds) / double(sum.pixels) : 0.0, name.c_str());
+                    sum.pixels ? double(sum.nanoseconds) / double(sum.pixels) : 0.0, names[kernel].c_str());
+    }
     std::vector<Timed> slowest = draws;
     std::stable_sort(slowest.begin(), slowest.end(),
                      [](const Timed &a, const Timed &b) { return a.nanoseconds > b.nanoseconds; });
@@ -145,7 +183,7 @@ int runTime(const Arguments &arguments)
         std::printf("%8s %8s %12s %10s  %s\n", grouped(draw.draw).c_str(), grouped(draw.frame).c_str(),
                     grouped(draw.nanoseconds).c_str(), grouped(draw.pixels).c_str(), names[draw.kernel].c_str());
     if (arguments.has("html"))
-        writePage(arguments.text("html", ""), opened.path, draws, names);
+        writePage(arguments.text("html", ""), opened.path, draws, names, sums, order, slowest);
     return opened.complaint();
 }
 

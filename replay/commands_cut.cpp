@@ -1,18 +1,23 @@
 // The commands that write captures: trim and minimise.
 #include "command.h"
 
+#include "knowledge.h"
 #include "layer.h"
 #include "recording.h"
+#include "report.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <optional>
+#include <tuple>
+
+#include <csignal>
 
 #ifndef _WIN32
-#include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -76,7 +81,9 @@ int runTrim(const Arguments &arguments)
 
 namespace {
 
-enum class Verdict : uint8_t { same, differs, crashes };
+enum class Verdict : uint8_t { same, differs, crashes, tells };
+
+volatile std::sig_atomic_t isStopped; // by the user: what there is so far is written
 
 // Does something that may crash, in a process of its own where there are such.
 Verdict judge(const std::function<bool()> &differs)
@@ -91,30 +98,51 @@ Verdict judge(const std::function<bool()> &differs)
     if (child == 0) {
         for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
             std::signal(signal, SIG_DFL);
+        std::signal(SIGINT, SIG_IGN); // the program around waits for it
         alarm(20); // what does not end counts as a crash
         _exit(differs() ? 1 : 0);
     }
     int status = 0;
-    if (waitpid(child, &status, 0) < 0)
-        fail(statusFile, "cannot wait for a process");
+    while (waitpid(child, &status, 0) < 0)
+        if (errno != EINTR)
+            fail(statusFile, "cannot wait for a process");
     return !WIFEXITED(status) ? Verdict::crashes : WEXITSTATUS(status) == 1 ? Verdict::differs : Verdict::same;
 #endif
 }
 
-// One draw, made by the linked library and by another.
+// One draw that fails: a library makes it otherwise than the linked one or crashes in it, or the twin tells something of it.
 class Case {
 public:
-    Case(Player &is, Library &wanted) : player(is), other(wanted) {}
+    Case(Player &is, Library &wanted, Verdict how, Progress *shown = nullptr)
+        : player(is), other(wanted), verdict(how), progress(shown)
+    {}
+    Case(Player &is, const std::string &wanted, Progress *shown = nullptr)
+        : player(is), other(Library::linked()), rule(wanted), verdict(Verdict::tells), progress(shown)
+    {}
 
-    // Whether it fails still, in the way that it first did.
+    // Whether it fails still, in the way that it first did. Once the user has stopped the work nothing does.
     bool fails()
     {
+        if (isStopped)
+            return false;
         ++tries;
+        if (progress)
+            progress->show(doing + ", " + grouped(tries) + " tries; Ctrl-C writes what there is");
+        if (verdict == Verdict::tells)
+            return tells();
         if (!player.prepare())
             return false;
         const bool does = judge([&] { return differs(); }) == verdict;
         player.finish();
         return does;
+    }
+    bool tells()
+    {
+        debug::nextFrame(); // some rules look once in a frame
+        if (player.prepare())
+            player.finish();
+        const std::vector<std::string> &met = Player::findings();
+        return std::find(met.begin(), met.end(), rule) != met.end();
     }
     // In this process. Afterwards memory is as before.
     bool differs()
@@ -134,10 +162,14 @@ public:
 
     Player &player;
     Library &other;
-    Verdict verdict = Verdict::differs;
+    const std::string rule;
+    const Verdict verdict;
+    std::string doing;
     uint64_t tries = 0;
 
 private:
+    Progress *progress;
+
     static std::vector<uint64_t> numbers()
     {
         std::vector<uint64_t> values;
@@ -158,7 +190,7 @@ uint64_t findFailure(const std::string &path, Library &other, Verdict &verdict)
     const auto scan = [&](const std::function<void(uint64_t)> &doing) {
         const Opened opened(path);
         Player &player = *opened.player;
-        Case one(player, other);
+        Case one(player, other, Verdict::differs);
         for (Step step; (step = player.next()) != Step::end;) {
             if (step == Step::frame || !player.prepare())
                 continue;
@@ -207,7 +239,7 @@ void shrinkClip(Case &one)
     size_t cell[4];
     for (int side = 0; side < 4; ++side)
         cell[side] = stateCell(names[side]);
-    if (!player.prepare())
+    if (!player.prepare(true))
         return;
     const layer::Pixels p = player.footprint().pixels;
     player.finish();
@@ -242,26 +274,75 @@ void shrinkClip(Case &one)
     put(at);
 }
 
-// Numbers of rs that are as good as 0.
+// Numbers of rs that are as good as 0, or half as large: rectangles become smaller, positions in textures come nearer to their corner.
 void shrinkState(Case &one)
 {
     for (size_t k = 0; k < stateCells().size(); ++k) {
-        const uint64_t value = one.player.state()[k];
-        const std::string &name = stateCells()[k].name;
-        if (!value || stateCells()[k].kind != Cell::Kind::number || name.compare(0, 3, "dst") == 0 ||
-            name.compare(0, 4, "clip") == 0)
+        const Cell &cell = stateCells()[k];
+        uint64_t value = one.player.state()[k];
+        if (!value || cell.kind != Cell::Kind::number || cell.name.compare(0, 3, "dst") == 0 ||
+            cell.name.compare(0, 4, "clip") == 0)
             continue;
         one.player.change(k, 0);
-        if (!one.fails())
-            one.player.change(k, value);
+        if (one.fails())
+            continue;
+        for (;;) {
+            const uint64_t half = cell.isSigned ? uint64_t(int64_t(value) / 2) : value / 2;
+            one.player.change(k, half);
+            if (half == 0 || !one.fails())
+                break;
+            value = half;
+        }
+        one.player.change(k, value);
     }
+}
+
+// Textures cut down to their upper left part, by halves, where they have neither levels nor maps, which would have to fit.
+void shrinkTextures(Case &one)
+{
+    Player &player = one.player;
+    if (!player.prepare(true))
+        return;
+    std::vector<Texture *> textures;
+    for (const layer::TextureUse &use : player.footprint().textures())
+        for (const auto &[address, held] : player.textures())
+            if (use.fetched && held.record.get() == use.texture &&
+                std::find(textures.begin(), textures.end(), held.record.get()) == textures.end())
+                textures.push_back(held.record.get());
+    player.finish();
+    for (Texture *const texture : textures)
+        for (const bool wide : {true, false})
+            for (;;) {
+                uint32_t &log2 = wide ? texture->log2Width : texture->log2Height;
+                if (!log2 || texture->mipCount > 1 || texture->runlengthMap || texture->zeroPixelMap)
+                    break;
+                const uint32_t width = texture->width, height = texture->height;
+                const auto original = std::pair{texture->origWidth, texture->origHeight};
+                auto *const pixels = reinterpret_cast<uint32_t *>(player.memory().at(uintptr_t(texture->pixels)));
+                if (!pixels)
+                    break;
+                const std::vector<uint32_t> saved(pixels, pixels + size_t{width} * height);
+                --log2;
+                texture->width = 1u << texture->log2Width, texture->height = 1u << texture->log2Height;
+                texture->origWidth = std::min(texture->origWidth, texture->width);
+                texture->origHeight = std::min(texture->origHeight, texture->height);
+                for (size_t row = 0; row < texture->height; ++row)
+                    std::copy_n(saved.data() + row * width, texture->width, pixels + row * texture->width);
+                if (one.fails())
+                    continue;
+                ++log2;
+                texture->width = width, texture->height = height;
+                std::tie(texture->origWidth, texture->origHeight) = original;
+                std::copy(saved.begin(), saved.end(), pixels);
+                break;
+            }
 }
 
 // Memory that is as good as zeros, in ever smaller parts. Of textures half a texel is none, so parts are whole elements.
 void shrinkMemory(Case &one)
 {
     Player &player = one.player;
-    if (!player.prepare())
+    if (!player.prepare(true))
         return;
     const std::vector<Rows> all = player.rows();
     player.finish();
@@ -314,12 +395,107 @@ void shrinkMemory(Case &one)
 
 } // namespace
 
+namespace {
+
+// The name of a rule that is given by its name or its number, as NF-0107.
+std::string ruleOf(const std::string &text)
+{
+    for (const debug::Rule &rule : debug::rules)
+        if (text == rule.name || text == debug::ruleLabel(rule)) {
+            if (!rule.breaks)
+                fail(statusUsage, "the rule " + text + " is not one of draws, which is all that a capture holds");
+            return rule.name;
+        }
+    fail(statusUsage, "no rule '" + text + "'; ninefold-debug --rules names them");
+}
+
+// Goes on to the first draw of which the twin tells it; false where there is none.
+bool findTelling(Player &player, const std::string &rule, Progress &progress)
+{
+    Case one(player, rule);
+    for (Step step; (step = player.next()) != Step::end;) {
+        progress.show(player);
+        if (step == Step::frame)
+            continue;
+        if (one.tells())
+            return true;
+        if (player.prepare()) {
+            player.make(Library::linked());
+            player.finish();
+        }
+    }
+    return false;
+}
+
+// Cuts the draw down, and writes it as a capture of its own.
+int minimise(Case &one, const std::string &path, const std::string &out, const std::function<bool(Player &)> &shows)
+{
+    Player &player = one.player;
+    std::printf("%s: %s %s\n", path.c_str(), drawLabel(player.draw()).c_str(),
+                one.verdict == Verdict::tells     ? ("breaks the rule " + one.rule).c_str()
+                : one.verdict == Verdict::crashes ? "crashes"
+                                                  : "comes out otherwise");
+    std::fflush(stdout);
+    if (!one.fails())
+        fail(statusFile, "it does not fail again when it is made alone");
+    const auto before = std::signal(SIGINT, [](int) { isStopped = 1; });
+    struct Part {
+        const char *name;
+        void (*shrink)(Case &);
+    };
+    for (const auto &[doing, shrink] :
+         {Part{"clip rectangle", shrinkClip}, {"state", shrinkState}, {"textures", shrinkTextures}, {"memory", shrinkMemory}}) {
+        one.doing = std::string("minimise: ") + doing;
+        shrink(one);
+    }
+    const bool wasStopped = isStopped;
+    isStopped = 0;
+    std::signal(SIGINT, before);
+
+    startRecording(out, player);
+    if (!player.prepare(one.verdict == Verdict::tells))
+        fail(statusFile, player.refusal());
+    // A draw with an error is not made: the capture ends in it.
+    debug::settings().severity = NINEFOLD_DEBUG_ERROR;
+    const std::vector<std::string> &met = Player::findings();
+    const bool isError = std::any_of(met.begin(), met.end(), [](const std::string &name) {
+        return debug::rules[debug::ruleNamed(name)].severity == NINEFOLD_DEBUG_ERROR;
+    });
+    if (!isError)
+        player.make(Library::linked()), player.finish();
+    endRecording(out);
+    if (isError)
+        player.finish();
+    debug::settings().severity = one.verdict == Verdict::tells ? NINEFOLD_DEBUG_HINT : NINEFOLD_DEBUG_ERROR;
+    const Opened made(out);
+    if (made.player->next() != Step::draw || !shows(*made.player))
+        fail(statusFile, out + " does not show it any more");
+    std::printf("%s: one draw, %s bytes, after %s tries%s\n", out.c_str(), grouped(made.reader->size()).c_str(),
+                grouped(one.tries).c_str(), wasStopped ? "; stopped" : "");
+    return statusFound;
+}
+
+} // namespace
+
 int runMinimise(const Arguments &arguments)
 {
-    if (!arguments.has("lib"))
-        fail(statusUsage, "minimise needs --lib PATH, the build that draws otherwise");
-    const Drawer drawer(arguments);
+    if (arguments.has("lib") == arguments.has("twin"))
+        fail(statusUsage, "minimise needs either --lib PATH, the build that draws otherwise or crashes, or --twin RULE");
     const std::string &path = arguments.words[0], &out = arguments.words[1];
+    if (arguments.has("twin")) {
+        const std::string rule = ruleOf(arguments.text("twin", ""));
+        const Opened opened(path);
+        Progress progress("minimise", *opened.reader);
+        debug::settings().severity = NINEFOLD_DEBUG_HINT;
+        if (!findTelling(*opened.player, rule, progress)) {
+            const int status = opened.complaint();
+            std::printf("%s: no draw breaks the rule %s\n", path.c_str(), rule.c_str());
+            return status;
+        }
+        Case one(*opened.player, rule, &progress);
+        return minimise(one, path, out, [&](Player &player) { return Case(player, rule).fails(); });
+    }
+    const Drawer drawer(arguments);
     Verdict verdict = Verdict::differs;
     const uint64_t wanted = findFailure(path, drawer.library(), verdict);
     if (!wanted) {
@@ -341,31 +517,8 @@ int runMinimise(const Arguments &arguments)
             player.finish();
         }
     }
-    std::printf("%s: %s %s\n", path.c_str(), drawLabel(player.draw()).c_str(),
-                verdict == Verdict::crashes ? "crashes" : "comes out otherwise");
-    Case one(player, drawer.library());
-    one.verdict = verdict;
-    if (!one.fails())
-        fail(statusFile, "it does not fail again when it is made alone");
-    shrinkClip(one);
-    shrinkState(one);
-    shrinkMemory(one);
-
-    startRecording(out, player);
-    if (!player.prepare())
-        fail(statusFile, player.refusal());
-    player.make(Library::linked());
-    player.finish();
-    endRecording(out);
-    const Opened made(out);
-    Player &last = *made.player;
-    Case check(last, drawer.library());
-    check.verdict = verdict;
-    if (last.next() != Step::draw || !check.fails())
-        fail(statusFile, out + " does not show it any more");
-    std::printf("%s: one draw, %s bytes, after %s tries\n", out.c_str(), grouped(made.reader->size()).c_str(),
-                grouped(one.tries).c_str());
-    return statusFound;
+    Case one(player, drawer.library(), verdict, &progress);
+    return minimise(one, path, out, [&](Player &is) { return Case(is, drawer.library(), verdict).fails(); });
 }
 
 } // namespace replay

@@ -25,9 +25,10 @@ int runThreads(const Arguments &, bool) { fail(statusUsage, "--threads needs the
 
 #else
 
-const Option threadsOption = {"threads", "A..B",
-                              "draw by the library of bands, on A, ... B threads; what they drew is looked at at the end of each "
-                              "frame, rs after each draw"};
+const Option threadsOption = {
+    "threads", "A..B",
+    "draw by the library of bands, on A to B threads; verify then compares pixels at the end of frames, "
+    "and rs after each draw"};
 
 namespace {
 

@@ -29,6 +29,7 @@ uint32_t speakBlend(uint32_t first, uint32_t second) { return speakers[1].call(f
 const Player *asking; // for whom the footprint is found
 
 std::string finding; // the last error that the twin's rules told
+std::vector<std::string> rulesMet; // in the last prepare()
 
 // Findings come here, and a draw with an error is refused.
 void listenToTwin()
@@ -42,7 +43,11 @@ void listenToTwin()
     s.action = NINEFOLD_DEBUG_SKIP;
     s.repeat = 0;
     s.summary = false;
-    debug::callback = [](const NinefoldFinding *found, void *) { finding = std::string(found->name) + ": " + found->text; };
+    debug::callback = [](const NinefoldFinding *found, void *) {
+        rulesMet.emplace_back(found->name);
+        if (found->severity == NINEFOLD_DEBUG_ERROR)
+            finding = std::string(found->name) + ": " + found->text;
+    };
 }
 
 // Sizes of a texture that draws can work with, and that are no larger than memory can be.
@@ -194,21 +199,33 @@ bool Player::takeMemory(In &in)
     const uint64_t rows = content->rows, size = (rows - 1) * stride + content->rowBytes;
     if (!store.ensure(address, size))
         return false;
-    uint8_t *const to = store.at(address);
-    for (uint64_t row = 0; row < rows; ++row) {
-        const uint8_t *const from = content->bytes.data() + row * content->rowBytes;
-        if (!mask) {
-            std::memcpy(to + row * stride, from, content->rowBytes);
+    const MemoryWrite write{store.at(address),
+                            content->bytes.data(),
+                            mask ? mask->bytes.data() : nullptr,
+                            content->rowBytes,
+                            size_t(rows),
+                            size_t(stride),
+                            element};
+    write.write();
+    if (wrote)
+        wrote(write);
+    return true;
+}
+
+void MemoryWrite::write() const
+{
+    for (size_t row = 0; row < rows; ++row) {
+        const uint8_t *const source = from + row * rowBytes;
+        uint8_t *const target = to + row * stride;
+        if (!bits) {
+            std::memcpy(target, source, rowBytes);
             continue;
         }
-        const uint8_t *const bits = mask->bytes.data() + row * mask->rowBytes;
-        for (size_t k = 0; k < content->rowBytes / element; ++k)
-            if (bits[k / 8] >> k % 8 & 1)
-                std::memcpy(to + row * stride + k * element, from + k * element, element);
+        const uint8_t *const set = bits + row * bitBytes();
+        for (size_t k = 0; k < rowBytes / element; ++k)
+            if (set[k / 8] >> k % 8 & 1)
+                std::memcpy(target + k * element, source + k * element, element);
     }
-    if (wrote)
-        wrote(to, content->rowBytes, content->rows, size_t(stride));
-    return true;
 }
 
 Texture *Player::textureAt(uint64_t address)
@@ -481,8 +498,11 @@ bool Player::map()
     return true;
 }
 
+const std::vector<std::string> &Player::findings() { return rulesMet; }
+
 bool Player::prepare(bool unchecked)
 {
+    rulesMet.clear();
     patched.clear();
     told = false;
     why.clear();

@@ -46,6 +46,16 @@ struct FrameEvent {
     uint64_t hash = 0;
 };
 
+// Rows of bytes that go to memory of ours. With bits only those elements whose bit is set.
+struct MemoryWrite {
+    uint8_t *to;
+    const uint8_t *from, *bits; // bits: null, or rows of whole bytes, the lowest bit of each first
+    size_t rowBytes, rows, stride, element;
+
+    size_t bitBytes() const { return bits ? (rowBytes / element + 7) / 8 : 0; } // of a row
+    void write() const;
+};
+
 // Which cells of rs a frame buffer's address and the like are; a texture as a player holds it.
 struct HeldTexture {
     std::unique_ptr<Texture> record; // with stand-ins for addresses but those of levels
@@ -73,8 +83,7 @@ public:
     const std::map<uint64_t, HeldTexture> &textures() const { return held; }
     const std::vector<uint64_t> &state() const { return cells; } // of rs before the draw, in the order of stateCells()
     const Store &memory() const { return store; }
-    // Is told of what an event put into memory: rows of bytes, ours.
-    std::function<void(uint8_t *to, size_t rowBytes, size_t rows, size_t stride)> wrote;
+    std::function<void(const MemoryWrite &)> wrote; // is told of what events put into memory; may be empty
     // Makes memory that will be needed, as another player's has it: then none moves. False without memory.
     bool reserve(const Store &like);
     void clearMemory() { store.clear(); }
@@ -83,6 +92,8 @@ public:
     // refusal(). Rules that the twin calls errors refuse it, unless `unchecked`.
     bool prepare(bool unchecked = false);
     const std::string &refusal() const { return why; }
+    // Names of the rules that prepare() met, of the severity that the twin's settings ask for: errors, unless they are changed.
+    static const std::vector<std::string> &findings();
     // What it reads and may write, in our memory, valid between prepare and the next step.
     const std::vector<Rows> &rows() const { return reachRows; }
     const layer::Footprint &footprint() const { return reach; }

@@ -30,6 +30,7 @@ uint32_t listenMulti(uint32_t first, uint32_t second) { return multi.call(first,
 uint32_t listenBlend(uint32_t first, uint32_t second) { return blend.call(first, second); }
 
 constexpr size_t pageSize = 4096;
+constexpr uint64_t mostPixels = 1 << 26; // of a frame buffer that is looked at as a whole
 
 std::string versionText()
 {
@@ -350,6 +351,11 @@ void Recorder::frame(Cut cut)
     layer::Pixels p{};
     if (const auto found = reached.find(target.pixels); found != reached.end())
         p = found->second;
+    // What the host wrote itself, as long as it is there: of the whole picture. After a pause it may be writing the next one.
+    bool there = (cut == Cut::buffer || cut == Cut::mark) && (!target.texture || memory.record(target.texture));
+    if (const uint64_t area = target.shift > 30 ? 0 : uint64_t{target.height} << target.shift;
+        there && area && area <= mostPixels && memory.readable(target.pixels, size_t(area) * 4))
+        p = {0, 0, std::max(p.right, int32_t(target.width)), std::max(p.bottom, int32_t(target.height))};
     p.right = std::min<int64_t>(p.right, int64_t{1} << std::min(target.shift, 30u));
     p.left = std::min(p.left, p.right);
     Rows all{
@@ -358,9 +364,7 @@ void Recorder::frame(Cut cut)
     all.begin += uintptr_t((ptrdiff_t(p.top) << target.shift) + p.left) * 4;
     RowHash hash;
     if (all.rowBytes && all.rows) {
-        // What the host wrote itself, as long as it is there.
-        const bool there = cut != Cut::end && (!target.texture || memory.record(target.texture)) &&
-                           memory.readable(reinterpret_cast<const void *>(all.begin), all.end() - all.begin);
+        there = there && memory.readable(reinterpret_cast<const void *>(all.begin), all.end() - all.begin);
         if (there)
             writeMemory(all);
         for (size_t row = 0; row < all.rows; ++row)

@@ -84,11 +84,7 @@ std::unique_ptr<Tape> Tape::read(const std::string &path, bool unchecked, const 
     }
     Reading reading;
     tape->reading = &reading;
-    player.wrote = [&](uint8_t *to, size_t rowBytes, size_t rows, size_t stride) {
-        reading.patches.push_back({to, rowBytes, rows, stride, tape->bytes.size()});
-        for (size_t row = 0; row < rows; ++row)
-            tape->bytes.insert(tape->bytes.end(), to + row * stride, to + row * stride + rowBytes);
-    };
+    player.wrote = [&](const MemoryWrite &write) { tape->addPatch(write); };
     for (Player::Step step; (step = player.next()) != Player::Step::end;) {
         if (watch)
             watch(player);
@@ -131,8 +127,7 @@ void Tape::takeRecord(const Texture *record)
         return;
     const auto *const now = reinterpret_cast<const uint8_t *>(record);
     held.assign(now, now + sizeof *record);
-    reading->patches.push_back({const_cast<uint8_t *>(now), sizeof *record, 1, sizeof *record, bytes.size()});
-    bytes.insert(bytes.end(), held.begin(), held.end());
+    addPatch({const_cast<uint8_t *>(now), now, nullptr, sizeof *record, 1, sizeof *record, 1});
 }
 
 void Tape::takeDraw(bool unchecked)
@@ -202,12 +197,25 @@ uint64_t Tape::hashOf(size_t step) const
     return hash.value();
 }
 
+void Tape::addPatch(const MemoryWrite &write)
+{
+    const auto add = [&](const uint8_t *from, size_t size) {
+        const size_t at = bytes.size();
+        bytes.insert(bytes.end(), from, from + size);
+        return at;
+    };
+    const size_t from = add(write.from, write.rows * write.rowBytes);
+    reading->patches.push_back({write, from, write.bits ? add(write.bits, write.rows * write.bitBytes()) : 0});
+}
+
 void Tape::write(size_t begin, size_t end) const
 {
     for (size_t k = begin; k < end; ++k) {
-        const Patch &patch = patches[k];
-        for (size_t row = 0; row < patch.rows; ++row)
-            std::memcpy(patch.to + row * patch.stride, bytes.data() + patch.from + row * patch.rowBytes, patch.rowBytes);
+        MemoryWrite write = patches[k].write;
+        write.from = bytes.data() + patches[k].from;
+        if (write.bits)
+            write.bits = bytes.data() + patches[k].bits;
+        write.write();
     }
 }
 

@@ -39,10 +39,10 @@ private:
     struct Word {
         uint32_t index, value;
     };
-    // Bytes that go to memory or into a texture's record.
+    // Bytes that go to memory or into a texture's record. Those and the bits stand in `bytes`, whose place may change.
     struct Patch {
-        uint8_t *to;
-        size_t rowBytes, rows, stride, from;
+        MemoryWrite write;
+        size_t from, bits;
     };
     // The ends of what belongs to it in the lists below; it begins where the step before ends.
     struct Step {
@@ -78,6 +78,7 @@ private:
     void addStep(bool draws);
     void endFrame();
     uint64_t hashOf(size_t step) const;
+    void addPatch(const MemoryWrite &write);
     void write(size_t begin, size_t end) const; // patches
     void setOperators(const Step &step, Library &library) const;
 

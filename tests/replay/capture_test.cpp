@@ -2,6 +2,7 @@
 #include "player.h"
 #include "recording.h"
 #include "report.h"
+#include "tape.h"
 
 #include "support/random.h"
 
@@ -350,6 +351,47 @@ TEST_F(Captured, APictureThatIsChangedInAFrameIsSeenAtTheNext)
     }
 }
 
+TEST_F(Captured, AFrameIsWholeWithWhatTheHostWroteItself)
+{
+    ASSERT_TRUE(debug::startRecording());
+    std::vector<std::vector<uint32_t>> pictures;
+    const auto keep = [&] {
+        std::vector<uint32_t> &picture = pictures.emplace_back();
+        for (int y = 0; y < 80; ++y)
+            picture.insert(picture.end(), screen->pixels + 128 * y, screen->pixels + 128 * y + 100);
+    };
+    std::fill_n(screen->pixels, 128 * 80, 0xFF102030u); // only a part of it is drawn over
+    place(5, 6);
+    screen->pixels[128 * 79 + 99] = 0xFF0000FF; // a cursor that the host draws
+    screen->pixels[128 * 7 + 6] = 0xFF00FFFF; // over a sprite
+    keep();
+    debug::recordFrame(false);
+    place(50, 6);
+    keep();
+    SetFrameBuffer(second), SetFrameBuffer(screen);
+    place(20, 30);
+    debug::stopRecording();
+    file = contentsOf(path);
+    std::string error;
+    const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(file), error);
+    Player player(*reader);
+    size_t seen = 0;
+    for (Player::Step step; (step = player.next()) != Player::Step::end;) {
+        if (step == Player::Step::draw) {
+            ASSERT_TRUE(player.prepare());
+            player.make(Library::linked());
+            player.finish();
+            continue;
+        }
+        EXPECT_EQ(player.frameHash(), player.frame().hash);
+        if (seen < pictures.size()) {
+            EXPECT_EQ(player.framePicture().pixels, pictures[seen]) << seen;
+        }
+        ++seen;
+    }
+    EXPECT_EQ(seen, 3u);
+}
+
 TEST_F(Captured, APauseEndsAFrame)
 {
     debug::settings().capturePause = 1;
@@ -373,6 +415,78 @@ TEST_F(Captured, WhatACrashLeaves)
     EXPECT_EQ(outcome.draws, 4u);
     EXPECT_NE(outcome.problem, "");
     EXPECT_EQ(outcome.different, 0u);
+}
+
+// Kernels of the library that draw a pixel too much, or leave too much in rs, where they are told to.
+int mistake; // 1: in the frame buffer, 2: in rs
+DrawFunc rightKernel;
+void drawWithMistake()
+{
+    rightKernel();
+    if (mistake == 1)
+        ++rs.dstPixels[(rs.vertex[0].y << rs.dstShift) + rs.vertex[0].x];
+    if (mistake == 2)
+        ++rs.mipFrac;
+}
+DrawFunc searchMistaken(unsigned long code)
+{
+    rightKernel = own_SearchDrawFunc(code);
+    return drawWithMistake;
+}
+
+TEST_F(Captured, ATapeIsPlayedAgainAndAgain)
+{
+    record();
+    std::string error;
+    const std::unique_ptr<Tape> tape = Tape::read(path, false, nullptr, error);
+    ASSERT_TRUE(tape) << error;
+    EXPECT_EQ(tape->draws(), uint64_t{frames} * sprites);
+    EXPECT_EQ(tape->frames(), uint64_t{frames});
+    EXPECT_EQ(tape->difference(), "");
+    EXPECT_EQ(tape->refused(), 0u);
+    Exports exports{&rs, searchMistaken, own_SetBlendMode, own_SetBlendModeMulti, own_SetPrescaleMultiMode, {}};
+    const std::unique_ptr<Library> library = Library::of(exports);
+    static int flushes;
+    flushes = 0;
+    const auto flush = [] { ++flushes; };
+    std::vector<double> seconds;
+    const RenderState before = rs;
+    for (int turn = 0; turn < 2; ++turn) {
+        mistake = 0;
+        EXPECT_EQ(tape->verify(*library, flush), "");
+        EXPECT_EQ(tape->verify(Library::linked(), nullptr), "");
+        tape->play(
+            *library, flush, [] { return double(flushes); }, seconds);
+        EXPECT_EQ(seconds.size(), size_t{frames});
+        mistake = 1;
+        EXPECT_EQ(tape->verify(*library, flush),
+                  "draw 1 of frame 1, rect.unit.point.alpha: what it may write is not as recorded at the end of the frame");
+        mistake = 2;
+        EXPECT_EQ(tape->verify(*library, flush), "draw 1 of frame 1, rect.unit.point.alpha: rs.mipFrac is 1 instead of 0");
+    }
+    // Before what the host wrote itself, and at the end of frames.
+    EXPECT_GE(flushes, 4 * 2 * frames);
+    EXPECT_EQ(std::memcmp(&before, &rs, sizeof rs), 0);
+    EXPECT_FALSE(Tape::read("nowhere.nfc", false, nullptr, error));
+    EXPECT_NE(error.find("nowhere.nfc"), std::string::npos);
+}
+
+TEST_F(Captured, OnTapeTheHostsOperatorsSpeakAgain)
+{
+    ASSERT_TRUE(debug::startRecording());
+    SetBlendMode(NINEFOLD_BLEND_CUSTOM), SetMultiMode(NINEFOLD_MULTI_TEXTURE);
+    rs.blendFunc = rs.multiFunc = hostAdd;
+    place(3, 4);
+    place(9, 9);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_MUL);
+    place(40, 4);
+    debug::stopRecording();
+    std::string error;
+    const std::unique_ptr<Tape> tape = Tape::read(path, false, nullptr, error);
+    ASSERT_TRUE(tape) << error;
+    EXPECT_EQ(tape->difference(), "");
+    EXPECT_EQ(tape->verify(Library::linked(), nullptr), "");
+    EXPECT_EQ(tape->draws(), 3u);
 }
 
 TEST_F(Captured, NoDrawThatTheRulesForbid)

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# replay.sh LAUNCHER REPLAY PLAIN BROKEN NOVEL SOURCE: captures as their users meet them. NOVEL is a host; BROKEN a build of the
-# library with a mistake.
+# replay.sh LAUNCHER REPLAY PLAIN BROKEN NOVEL WRONG SOURCE: captures as their users meet them. NOVEL and WRONG are hosts, WRONG one
+# that makes mistakes; BROKEN is a build of the library with a mistake.
 set -euo pipefail
-launcher=$1 replay=$2 plain=$3 broken=$4 novel=$5 source=$6
+launcher=$1 replay=$2 plain=$3 broken=$4 novel=$5 wrong=$6 source=$7
 unset NINEFOLD_DEBUG LD_PRELOAD
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -38,10 +38,14 @@ expect 0 "3 draws, all alike" "$replay" diff three.nfc three.nfc
 expect 1 "draw 1 of frame 1" "$replay" diff three.nfc trimmed.nfc
 expect 0 "the slowest draws" "$replay" time three.nfc --repeat 2 --html page.html
 grep -q '<svg' page.html || fail "no timeline"
+[ "$(grep -c '<tr>' page.html)" -ge 5 ] || fail "no tables of kernels and draws" # two headings, one kernel at least, three draws
 expect 0 "2 frames in pictures" "$replay" frames trimmed.nfc --png pictures
 [ "$(ls pictures)" = "frame-0001.png
 frame-0002.png" ] || fail "other pictures: $(ls pictures)"
 expect 0 "rs, where it is not 0" "$replay" draw trimmed.nfc 3 --png pictures
+expect 0 "1 frames in one" "$replay" frames trimmed.nfc --png one --frames 2
+cmp one/frame-0002.png pictures/frame-0002.png
+expect 2 "none of number 3" "$replay" frames trimmed.nfc --png one --frames 3
 [ "$(ls pictures | wc -l)" = 6 ] || fail "other pictures: $(ls pictures)"
 
 # A mistake is found at its draw, brought down to it, and exported.
@@ -53,6 +57,22 @@ expect 0 "1 draws in 1 frames as recorded" "$replay" verify small.nfc
 expect 1 "draw 1 of frame 1, rect.unit.point.add" "$replay" verify small.nfc --lib "$broken"
 NINEFOLD_BROKEN=crash expect 1 "rect.unit.point.add crashes" "$replay" minimise "$source/tests/captures/blends.nfc" crash.nfc --lib "$broken"
 expect 0 "both libraries draw the same" "$replay" minimise small.nfc none.nfc --lib "$plain"
+# What the twin tells of draws.
+"$launcher" --summary off --capture wrong.nfc "$wrong" 2>/dev/null
+expect 1 "1 draws were not made; first draw 3 of frame 3, rect.unit.point.constalpha: clip-outside" "$replay" verify wrong.nfc
+expect 1 "draw 3 of frame 3, rect.unit.point.constalpha breaks the rule clip-outside" "$replay" minimise wrong.nfc clip.nfc --twin clip-outside
+expect 1 "The draw was not made: clip-outside" "$replay" draw clip.nfc 1
+expect 1 "draw 5 of frame 5, .* breaks the rule blend-alpha-range" "$replay" minimise wrong.nfc alpha.nfc --twin NF-0501
+expect 0 "1 draws in 1 frames as recorded" "$replay" verify alpha.nfc
+for file in clip.nfc alpha.nfc; do # without a texture to speak of
+    [ "$(wc -c <$file)" -lt 2500 ] || fail "$file has $(wc -c <$file) bytes"
+    expect 0 " of 1 x 1 at" "$replay" info $file
+done
+expect 0 "no draw breaks the rule mosaic-size" "$replay" minimise wrong.nfc none.nfc --twin mosaic-size
+expect 2 "no rule 'nonsense'" "$replay" minimise wrong.nfc none.nfc --twin nonsense
+expect 2 "not one of draws" "$replay" minimise wrong.nfc none.nfc --twin code-unknown
+expect 2 "either --lib" "$replay" minimise wrong.nfc none.nfc
+
 for number in 1 2 3 4 5; do
     expect 0 "draw-$number.c" "$replay" export "$source/tests/captures/blends.nfc" $number
     ${CC:-cc} -Wall -Wextra -Werror -I"$source/include" draw-$number.c "$plain" -o draw-$number
@@ -67,6 +87,9 @@ head -c 100000 novel.nfc >cut.nfc
 expect 3 "the file ends inside the chunk at byte" "$replay" verify cut.nfc
 expect 3 "cannot load" "$replay" verify small.nfc --lib nowhere.so
 expect 3 "cannot write" "$replay" trim small.nfc nowhere/out.nfc --draws 1
+expect 2 "neither with" "$replay" verify small.nfc --sets --lib "$plain"
+expect 2 "--html goes not" "$replay" time small.nfc --threads 2 --html page.html
+expect 3 "no library of bands" "$replay" verify small.nfc --threads 2 --lib "$plain"
 expect 2 "no command 'nonsense'" "$replay" nonsense small.nfc
 expect 2 "no option '--nonsense'" "$replay" verify small.nfc --nonsense
 expect 2 "needs a value" "$replay" verify small.nfc --lib
