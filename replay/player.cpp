@@ -392,8 +392,8 @@ uint64_t Player::textureField(const Texture *texture, size_t cell) const { retur
 uint64_t Player::recordedField(layer::Field field) const
 {
     switch (field) {
-    case layer::Field::runlengthMap:
-    case layer::Field::zeroPixelMap: return textureField(rs.tex0, textureCell(layer::fieldName(field)));
+    case layer::Field::runlengthMap: return textureField(rs.tex0, textureCell("runlengthMap"));
+    case layer::Field::zeroPixelMap: return textureField(rs.tex0, textureCell("zeroPixelMap"));
     default: return cells[stateCell(layer::fieldName(field))];
     }
 }
