@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <optional>
 #include <tuple>
 
@@ -303,14 +304,14 @@ void shrinkTextures(Case &one)
     Player &player = one.player;
     if (!player.prepare(true))
         return;
-    std::vector<Texture *> textures;
+    std::map<Texture *, uint64_t> textures; // and the addresses of their pixels
     for (const layer::TextureUse &use : player.footprint().textures())
-        for (const auto &[address, held] : player.textures())
-            if (use.fetched && held.record.get() == use.texture &&
-                std::find(textures.begin(), textures.end(), held.record.get()) == textures.end())
-                textures.push_back(held.record.get());
+        if (use.fetched)
+            for (const auto &[address, held] : player.textures())
+                if (held.record.get() == use.texture)
+                    textures.emplace(held.record.get(), held.cells[textureCell("pixels")]);
     player.finish();
-    for (Texture *const texture : textures)
+    for (const auto &[texture, address] : textures)
         for (const bool wide : {true, false})
             for (;;) {
                 uint32_t &log2 = wide ? texture->log2Width : texture->log2Height;
@@ -318,7 +319,7 @@ void shrinkTextures(Case &one)
                     break;
                 const uint32_t width = texture->width, height = texture->height;
                 const auto original = std::pair{texture->origWidth, texture->origHeight};
-                auto *const pixels = reinterpret_cast<uint32_t *>(player.memory().at(uintptr_t(texture->pixels)));
+                auto *const pixels = reinterpret_cast<uint32_t *>(player.memory().at(address));
                 if (!pixels)
                     break;
                 const std::vector<uint32_t> saved(pixels, pixels + size_t{width} * height);
