@@ -8,6 +8,14 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# GNU's take minutes for an archive of the library's objects.
+foreach(tool AR RANLIB OBJCOPY)
+    string(TOLOWER llvm-${tool} name)
+    find_program(LLVM_${tool} ${name})
+    if(LLVM_${tool})
+        set(CMAKE_${tool} ${LLVM_${tool}} CACHE FILEPATH "")
+    endif()
+endforeach()
 # Programs carry the compiler's runtime, so they run from anywhere.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 # 64-bit Wine takes such a program, runs nothing and reports success: tests are run by hand where a 32-bit one is at hand.

@@ -9,21 +9,18 @@
 #include <filesystem>
 #include <system_error>
 
-#ifndef _WIN32
 #include <ninefold/bands.h>
+
+#ifdef _WIN32
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
 #endif
 
 namespace replay {
 
 using namespace capture;
-
-#ifdef _WIN32
-
-const Option threadsOption = {"threads", "A..B", "not on Windows, which has no bands"};
-
-int runThreads(const Arguments &, bool) { fail(statusUsage, "--threads needs the library of bands, which Windows has not"); }
-
-#else
 
 const Option threadsOption = {
     "threads", "A..B",
@@ -66,10 +63,16 @@ private:
     {
         namespace fs = std::filesystem;
         std::error_code ignored;
+#ifdef _WIN32
+        char self[MAX_PATH] = "";
+        GetModuleFileNameA(nullptr, self, sizeof self);
+        const fs::path here = fs::path(self).parent_path();
+#else
         const fs::path here = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+#endif
         for (const char *const folder : {NINEFOLD_BANDS_PLACES})
             if (const fs::path file = here / folder / NINEFOLD_BANDS_FILE; fs::exists(file, ignored))
-                return fs::canonical(file, ignored);
+                return fs::canonical(file, ignored).string();
         fail(statusFile,
              std::string("cannot find ") + NINEFOLD_BANDS_FILE + " of bands beside this program; --lib PATH names it");
     }
@@ -190,7 +193,5 @@ int runThreads(const Arguments &arguments, bool times)
     const int complaint = complain(path, tape->player());
     return status != statusGood ? status : tape->refused() ? statusFound : complaint;
 }
-
-#endif
 
 } // namespace replay
