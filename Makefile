@@ -75,7 +75,7 @@ wasm:
 
 # The library in a browser, one file: page/dist/index.html.
 page:
-	scripts/setup page
+	scripts/setup page kit capture
 	JOBS=$(JOBS) scripts/page $(ARGS)
 
 # Debian packages in build-packages/, tested where they are installed: make packages ARGS=--twice, or for arm64 ARGS=--arm64.

@@ -405,7 +405,7 @@ Reader::Place Reader::place() const { return {chunk, passed, firstKept, cursor, 
 
 bool Reader::go(const Place &to)
 {
-    if (to.firstKept < firstKept)
+    if (to.firstKept < firstKept || to.contents > firstKept + contents.size())
         return false;
     stopped = false;
     trouble.clear();

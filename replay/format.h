@@ -191,7 +191,8 @@ public:
         bool sawEnd;
     };
     Place place() const;
-    // False where contents are forgotten that were kept then, or the file cannot be read; only a new reader helps.
+    // False where contents are forgotten that were kept then, the reader was never there, or the file cannot be read; only a new
+    // reader helps.
     bool go(const Place &to);
 
 private:

@@ -2,7 +2,7 @@
 
 #ifdef _WIN32
 #include <windows.h>
-#elif !defined(__EMSCRIPTEN__)
+#else
 #include <dlfcn.h>
 #endif
 
@@ -38,15 +38,6 @@ std::unique_ptr<Library> Library::of(const Exports &exports)
     return library;
 }
 
-#ifdef __EMSCRIPTEN__
-void *Library::find(const char *) const { return nullptr; }
-
-std::unique_ptr<Library> Library::load(const std::string &path, std::string &error)
-{
-    error = "cannot load " + path + ": a module has no libraries besides";
-    return nullptr;
-}
-#else
 void *Library::find(const char *name) const
 {
 #ifdef _WIN32
@@ -103,8 +94,6 @@ std::unique_ptr<Library> Library::load(const std::string &path, std::string &err
     library->kernels.resize(layer::recordCount);
     return library;
 }
-
-#endif
 
 // A loaded library stays: it may have started what cannot be ended.
 Library::~Library() = default;

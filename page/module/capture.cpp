@@ -425,8 +425,8 @@ private:
     void undo()
     {
         if (now.made) {
-            player->restore(now.saved);
             player->finish();
+            player->restore(now.saved);
         }
         now.made = false;
         for (size_t k = 0; k < now.cells.size(); ++k)

@@ -124,6 +124,7 @@ test("pictures of a draw are those of ninefold-replay", async () => {
         await page.locator(`#view-${view}`).check();
         assert.deepEqual(await words(page), ofPng(readFileSync(`${scratch}/draw/draw-2-${view}.png`)), view);
     }
+    await page.locator("#textures canvas").waitFor();
     assert.equal(await page.locator("#textures canvas").count(), 1);
     assert.match(await page.locator("#step-words").textContent(), /NINEFOLD_SHAHEI_PLANE/);
     assert.ok(await page.locator("#fields-of-rs tr.new").count() > 0);
@@ -269,8 +270,9 @@ test("looks: accessible in light and dark, on wide and narrow screens", async ()
             const page = await open({ ...options, colorScheme });
             for (const loaded of [false, true]) {
                 if (loaded) {
-                    await give(page, many);
-                    await page.locator("#step-slider").fill("5148");
+                    await give(page, `${root}/tests/captures/miplines.nfc`);
+                    await page.locator("#step-slider").fill("7");
+                    await page.locator("#textures canvas").first().waitFor();
                     await page.locator("#all-fields").check();
                     const cell = page.locator('[id="rs-clipTop"]');
                     await cell.fill("100");

@@ -38,6 +38,7 @@ export class Inspector {
     private edits = new Map<string, string>();
     private file = "";
     private opening = 0;
+    private later = 0; // a timer
 
     private readonly title = h("h1", {}, "Capture");
     private readonly message = h("p", { id: "capture-message", role: "status" });
@@ -312,7 +313,18 @@ export class Inspector {
         if (!s.views.includes(this.view)) this.view = "after";
         this.tabs.replaceChildren(...s.views.map((view) => h("label", {}, h("input", { type: "radio", name: "capture-view", id: `view-${view}`, checked: view === this.view, change: () => { this.view = view; this.guarded(() => this.paint()); } }), titles[view])));
         this.paint();
-        this.textures.replaceChildren(...s.textures.flatMap((texture) => {
+        // Large ones take their time, which steps in quick succession do not.
+        clearTimeout(this.later);
+        this.later = window.setTimeout(() => this.capture && this.guarded(() => this.fillTextures()), 80);
+        this.words.hidden = !s.words;
+        this.words.textContent = s.words ?? "";
+        for (const id of ["save-program", "save-capture"]) (this.exports.querySelector(`#${id}`) as HTMLButtonElement).disabled = !s.reach;
+        this.fillAxes();
+        this.fillState();
+    }
+
+    private fillTextures() {
+        this.textures.replaceChildren(...this.shown.textures.flatMap((texture) => {
             const picture = this.capture!.view(String(texture.index));
             if (!picture) return [];
             const name = `${texture.field}${texture.level ? `, level ${texture.level}` : ""}: ${texture.name}`;
@@ -321,11 +333,6 @@ export class Inspector {
             return [h("figure", {}, canvas, h("figcaption", {}, name))];
         }));
         if (!this.textures.firstChild) this.textures.append(h("p", {}, "None."));
-        this.words.hidden = !s.words;
-        this.words.textContent = s.words ?? "";
-        for (const id of ["save-program", "save-capture"]) (this.exports.querySelector(`#${id}`) as HTMLButtonElement).disabled = !s.reach;
-        this.fillAxes();
-        this.fillState();
     }
 
     private paint() {

@@ -150,13 +150,11 @@ export class Module {
 
 // The words of a frame as what a canvas shows: a frame buffer's alpha means nothing, a texture's does.
 export function imageOf(words: Uint32Array, width: number, alpha = false): ImageData {
-    const bytes = new Uint8ClampedArray(words.length * 4);
+    const swapped = new Uint32Array(words.length); // red and blue change places
+    const opaque = alpha ? 0 : 0xff000000;
     for (let i = 0; i < words.length; ++i) {
         const word = words[i];
-        bytes[4 * i] = (word >> 16) & 255;
-        bytes[4 * i + 1] = (word >> 8) & 255;
-        bytes[4 * i + 2] = word & 255;
-        bytes[4 * i + 3] = alpha ? word >>> 24 : 255;
+        swapped[i] = opaque | (word & 0xff00ff00) | ((word & 255) << 16) | ((word >> 16) & 255);
     }
-    return new ImageData(bytes, width);
+    return new ImageData(new Uint8ClampedArray(swapped.buffer), width);
 }

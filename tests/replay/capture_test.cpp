@@ -290,6 +290,8 @@ TEST_F(Captured, GoesBack)
         EXPECT_EQ(problem.empty(), !cutOff);
         ASSERT_EQ(snapshots.size(), 1 + player.draws() + player.frames());
         EXPECT_LT(snapshots[3]->bytes(), snapshots[1]->bytes()); // the sprite is there once
+        const std::unique_ptr<Reader> fresh = Reader::open(std::span<const uint8_t>(file), error);
+        EXPECT_FALSE(Player(*fresh).restore(*snapshots.back())); // it has not read what is needed there
         support::Random random(5);
         for (int k = 0; k < 60; ++k) {
             const uint32_t to = random.below(uint32_t(snapshots.size()));
