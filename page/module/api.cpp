@@ -1,5 +1,6 @@
 // What the page's scripts call. Texts that are handed out stay until the next call.
 #include "describe.h"
+#include "given.h"
 #include "layer.h"
 #include "report.h"
 #include "scene.h"
@@ -173,7 +174,7 @@ EMSCRIPTEN_KEEPALIVE uint32_t *pagePixels(void) { return screenPixels(); }
 EMSCRIPTEN_KEEPALIVE uint16_t *pagePlane(void) { return shaheiPlane(); }
 EMSCRIPTEN_KEEPALIVE uint8_t *pagePriorities(void) { return priorityPlane(); }
 
-// What comes together at a pixel of the screen.
+// What comes together at a pixel of the screen: the inputs of the blend, its output, and the pixel before and after the draw.
 EMSCRIPTEN_KEEPALIVE const char *pageProbe(const char *text, uint32_t x, uint32_t y)
 {
     State state;
@@ -192,10 +193,20 @@ EMSCRIPTEN_KEEPALIVE const char *pageProbe(const char *text, uint32_t x, uint32_
     const uint32_t before = screenPixels()[at];
     const bool taken = shaheiPlane()[at / 16] >> (15 - at % 16) & 1;
     const unsigned priority = priorityPlane()[at];
+    // The blend alone, without the tests that may keep its output off the screen.
+    State blended = state;
+    ninefold::Axes plain = a;
+    plain.rule = NINEFOLD_RULE_OFF;
+    if (a.rectOpt != NINEFOLD_RECT_PLANE_RUNS)
+        plain.shahei = NINEFOLD_SHAHEI_NONE;
+    blended.code = ninefold::codeOf(plain);
+    drawAlone(blended);
+    const uint32_t output = screenPixels()[at];
+    clearScreen(state);
     drawAlone(state);
     return give("{\"texel\":" + hex(texel) + ",\"source\":" + hex(source) + ",\"before\":" + hex(before) +
-                ",\"after\":" + hex(screenPixels()[at]) + ",\"taken\":" + (taken ? "true" : "false") +
-                ",\"priority\":" + std::to_string(priority) + "}");
+                ",\"output\":" + hex(output) + ",\"after\":" + hex(screenPixels()[at]) +
+                ",\"taken\":" + (taken ? "true" : "false") + ",\"priority\":" + std::to_string(priority) + "}");
 }
 
 // Nanoseconds a call of the kernel, measured for about twice so many milliseconds, and the pixels that its shape covers.
@@ -240,5 +251,26 @@ EMSCRIPTEN_KEEPALIVE void pageGiveDropped(const uint32_t *pixels, uint32_t width
 {
     giveDropped(pixels, width, height);
 }
+
+// {"name": ...}, or {"error": ...}.
+EMSCRIPTEN_KEEPALIVE const char *pageGiveFont(const uint8_t *bytes, uint32_t size)
+{
+    std::string name;
+    if (giveFont(bytes, size, name))
+        return give("{\"name\":" + quoted(name) + "}");
+    return give("{\"error\":\"no TrueType or OpenType font with outlines\"}");
+}
+
+// Draws; what describeText says with the twin's findings, or {"error": ...}.
+EMSCRIPTEN_KEEPALIVE const char *pageText(const char *state)
+{
+    Text text;
+    if (const std::string wrong = parse(state, text); !wrong.empty())
+        return give("{\"error\":" + quoted(wrong) + "}");
+    findings.clear();
+    const DrawnText drawn = draw(text);
+    return give("{\"findings\":[" + findings + "],\"drawn\":" + describeText(text, drawn) + "}");
+}
+EMSCRIPTEN_KEEPALIVE const uint32_t *pageAtlas(void) { return atlasPixels(); }
 
 } // extern "C"

@@ -76,6 +76,17 @@ namespace page {
     X(mosaicSize1,    number,  1,           64,         n.mosaic1) \
     X(mosaicSize,     number,  1,           64,         n.mosaic)
 
+// Which of the glyph functions draws a text. X(NAME, word, function, title)
+#define PAGE_STYLES(X) \
+    X(PLAIN,  "plain",  CreateFontTexture,      "Plain") \
+    X(RIMMED, "rimmed", CreateFontTextureFuchi, "Rimmed")
+
+// Fields of rs that a text holds: X(field, least, most).
+#define PAGE_TEXT_FIELDS(X) \
+    X(fontHeight, -128, 128) \
+    X(fontWeight, 100,  900) \
+    X(fontItalic, 0,    1)
+
 // A blend operator of the page's own, beside those of the library.
 #define PAGE_OWN_OPERATOR_WORD "own"
 #define PAGE_OWN_OPERATOR_MEANING "a host's own function: the average"
@@ -88,6 +99,7 @@ enum class Plane { PAGE_PLANES(PAGE_ENUMERATOR) count };
 enum class Priority { PAGE_PRIORITIES(PAGE_ENUMERATOR) count };
 enum class Table { PAGE_TABLES(PAGE_ENUMERATOR) count };
 enum class Shift { PAGE_SHIFTS(PAGE_ENUMERATOR) count };
+enum class Style { PAGE_STYLES(PAGE_ENUMERATOR) count };
 #undef PAGE_ENUMERATOR
 
 struct Choice {
@@ -95,10 +107,12 @@ struct Choice {
 };
 #define PAGE_PICTURE(name, word, file, treatment, title) {word, title},
 #define PAGE_CHOICE(name, word, title) {word, title},
+#define PAGE_STYLE(name, word, function, title) {word, title},
 constexpr Choice pictureChoices[] = {PAGE_PICTURES(PAGE_PICTURE)}, planeChoices[] = {PAGE_PLANES(PAGE_CHOICE)},
                  priorityChoices[] = {PAGE_PRIORITIES(PAGE_CHOICE)}, tableChoices[] = {PAGE_TABLES(PAGE_CHOICE)},
-                 shiftChoices[] = {PAGE_SHIFTS(PAGE_CHOICE)};
+                 shiftChoices[] = {PAGE_SHIFTS(PAGE_CHOICE)}, styleChoices[] = {PAGE_STYLES(PAGE_STYLE)};
 #undef PAGE_PICTURE
 #undef PAGE_CHOICE
+#undef PAGE_STYLE
 
 } // namespace page

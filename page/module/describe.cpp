@@ -250,6 +250,38 @@ std::string linesOf(const State &state, const layer::Needs &n)
     return text + "\nDrawFunc kernel = SearchDrawFunc(CreateDrawCode()); /* " + hex(state.code) + " */\nkernel();\n";
 }
 
+const Quality &qualityOf(int32_t value)
+{
+    return *std::find_if(std::begin(qualities), std::end(qualities), [value](const Quality &one) { return one.value == value; });
+}
+
+// What the controls of a text have to know.
+std::string describeTexts()
+{
+    Text first;
+    parse("", first);
+    Json qualityList('['), fields('[');
+    for (const Quality &quality : qualities)
+        qualityList.raw(Json('{').text("word", quality.word).text("title", quality.meaning).end());
+    for (const TextField &field : textFields)
+        fields.raw(Json('{')
+                       .text("name", field.name)
+                       .number("least", field.least)
+                       .number("most", field.most)
+                       .number("first", first.*field.field)
+                       .text("meaning", meaningOf(field.name))
+                       .end());
+    return Json('{')
+        .number("atlasSide", atlasSide)
+        .number("longest", int64_t(longest))
+        .text("back", pictureChoices[size_t(first.back)].word)
+        .text("quality", qualityOf(first.fontQuality).word)
+        .member("styles", jsonOf(styleChoices))
+        .member("qualities", qualityList.end())
+        .member("fields", fields.end())
+        .end();
+}
+
 } // namespace
 
 std::string describe()
@@ -297,6 +329,7 @@ std::string describe()
         .member("choices", choices)
         .member("lists", lists)
         .member("fields", fields.end())
+        .member("text", describeTexts())
         .end();
 }
 
@@ -363,6 +396,41 @@ std::string describeMembers(uint32_t code)
             list.raw(quoted(ninefold::nameOf(a)));
     });
     return list.end();
+}
+
+std::string describeText(const Text &text, const DrawnText &drawn)
+{
+    Json glyphs('[');
+    for (const Glyph &glyph : drawn.glyphs) {
+        Json one('{');
+        one.text("code", hex(glyph.code));
+        one.number("x", glyph.x).number("y", glyph.y).number("width", glyph.width).number("height", glyph.height);
+        one.number("originX", glyph.originX).number("originY", glyph.originY).number("advance", glyph.advance);
+        glyphs.raw(one.number("penX", glyph.penX).number("penY", glyph.penY).end());
+    }
+    std::string lines = "rs.fontName = " + (text.font.empty() ? "NULL" : quoted(text.font)) + ";\n";
+    for (const TextField &field : textFields)
+        lines += std::string("rs.") + field.name + " = " + std::to_string(text.*field.field) + ";\n";
+    lines += std::string("rs.fontQuality = ") + qualityOf(text.fontQuality).name +
+             ";\n"
+             "rs.tex0 = atlas;\n"
+             "rs.fontCursorX = rs.fontCursorY = rs.fontLineBottom = 0;\n";
+    if (text.colour != 0xFFFFFFFF)
+        lines += "rs.color[0] = " + hex(text.colour, "0x%08X") + ";\n";
+    lines += "\nDrawFunc kernel = SearchDrawFunc(" + hex(drawingState(text).code) + "); /* " +
+             ninefold::nameOf(ninefold::axesOf(drawingState(text).code)) +
+             " */\n"
+             "for (char *next = text; *next;) {\n"
+             "    next = " +
+             styles[size_t(text.style)].function +
+             "(next); /* null: the atlas is full */\n"
+             "    rs.vertex[0] = (Vertex){x + rs.glyphOriginX, y - rs.glyphOriginY, 0};\n"
+             "    rs.vertex[1] = (Vertex){rs.vertex[0].x + rs.glyphWidth, rs.vertex[0].y + rs.glyphHeight, 0};\n"
+             "    rs.uv0[0] = (TexCoord){rs.glyphX * 0x10000, rs.glyphY * 0x10000};\n"
+             "    kernel();\n"
+             "    x += rs.glyphAdvance;\n"
+             "}\n";
+    return Json('{').member("glyphs", glyphs.end()).member("full", drawn.full ? "true" : "false").text("c", lines).end();
 }
 
 } // namespace page

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "state.h"
+#include "text.h"
 
 #include <string>
 
@@ -12,6 +13,9 @@ std::string describe();
 
 // Of a state: its name and code, what each value of each axis would lead to, the fields that the kernel reads, the C lines.
 std::string describeState(const State &state);
+
+// Of a text: its glyphs, whether the atlas was full, the C lines.
+std::string describeText(const Text &text, const DrawnText &drawn);
 
 // The families, combinations that differ in Shahei mode, blend and multi alone: the name of the first member of each.
 std::string describeFamilies();

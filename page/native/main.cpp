@@ -1,7 +1,9 @@
 // page_draw PICTURES: draws states, which it reads a line each, and writes each frame to standard output, 256 by 192 words of
-// ARGB, the lowest byte first. What the page draws is held against these.
+// ARGB, the lowest byte first. A line that begins with "text?" is a text: behind its frame comes its atlas, 256 by 256 words. What
+// the page draws is held against these.
 #include "pictures.h"
 #include "scene.h"
+#include "text.h"
 
 #include <cstdio>
 #include <iostream>
@@ -33,7 +35,8 @@ int main(int argc, char **argv)
 {
     if (argc != 2 || std::string(argv[1]).rfind("--", 0) == 0) {
         std::fputs(
-            "page_draw PICTURES: reads states of the page, a line each, and writes each frame as 256 x 192 words of ARGB.\n"
+            "page_draw PICTURES: reads states of the page, a line each, and writes each frame as 256 x 192 words of ARGB;\n"
+            "of a line 'text?STATE', a text, also the atlas, 256 x 256 words.\n"
             "PICTURES is the folder of the bitmaps. Example: echo name=rect.unit.point.copy | page_draw gallery/pictures\n",
             argc == 2 ? stdout : stderr);
         return argc == 2 ? 0 : 2;
@@ -44,13 +47,22 @@ int main(int argc, char **argv)
     int number = 0;
     for (std::string line; std::getline(std::cin, line);) {
         ++number;
+        constexpr std::string_view mark = "text?";
+        const bool isText = line.rfind(mark, 0) == 0;
         page::State state;
-        if (const std::string wrong = page::parse(line, state); !wrong.empty()) {
+        page::Text text;
+        const std::string wrong = isText ? page::parse(line.substr(mark.size()), text) : page::parse(line, state);
+        if (!wrong.empty()) {
             std::fprintf(stderr, "page_draw: line %d: %s\n", number, wrong.c_str());
             return 1;
         }
-        page::draw(state);
+        if (isText)
+            page::draw(text);
+        else
+            page::draw(state);
         std::fwrite(page::screenPixels(), 4, size_t{page::screenWidth} * page::screenHeight, stdout);
+        if (isText)
+            std::fwrite(page::atlasPixels(), 4, size_t{page::atlasSide} * page::atlasSide, stdout);
     }
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

@@ -15,7 +15,7 @@ export function launch() {
 const address = `file://${new URL("..", import.meta.url).pathname}dist/index.html`;
 
 // Opens the page at a place; what goes wrong there is collected.
-export async function openPage(browser, hash = "", options = {}, prepare = undefined) {
+export async function openPage(browser, hash = "", options = {}, prepare = undefined, from = address) {
     const context = await browser.newContext({ viewport: { width: 1200, height: 900 }, ...options });
     context.setDefaultTimeout(90000); // of a busy machine
     const page = await context.newPage();
@@ -25,7 +25,7 @@ export async function openPage(browser, hash = "", options = {}, prepare = undef
     page.on("request", (request) => /^(file|data|blob):/.test(request.url()) || page.wrong.push(`fetches ${request.url()}`));
     if (prepare) await page.addInitScript(prepare);
     const began = Date.now();
-    await page.goto(address + hash);
+    await page.goto(from + hash);
     if (!prepare) await page.waitForSelector("html[data-ready]");
     page.ready = Date.now() - began;
     return page;

@@ -62,7 +62,7 @@ export class Inspector {
     private readonly reset = h("button", { id: "as-recorded", type: "button", click: () => this.setEdits(new Map()) }, "As recorded");
     private readonly exports = h("p", { class: "row" });
 
-    constructor(private readonly module: Module, private readonly wasm: Uint8Array) {
+    constructor(private readonly module: Module, private readonly wasm: () => Promise<Uint8Array>) {
         const choose = h("input", { id: "capture-file", type: "file", accept: ".nfc", change: () => { const file = choose.files?.[0]; choose.value = ""; if (file) void this.open(file); } });
         const button = (id: string, label: string, text: string, to: () => number) => h("button", { id, type: "button", "aria-label": label, title: label, click: () => this.go(to()) }, text);
         const save = (id: string, text: string, act: () => void) => h("button", { id, type: "button", click: () => this.guarded(act) }, text);
@@ -113,7 +113,7 @@ export class Inspector {
         try {
             if (file.size > largestFile) throw new Error("it is larger than 1 GiB, which a page does not hold; ninefold-replay trim cuts it down");
             const bytes = new Uint8Array(await file.arrayBuffer());
-            const fresh = await Capture.load(this.wasm);
+            const fresh = await Capture.load(await this.wasm());
             if (turn !== this.opening) return;
             this.capture = fresh;
             const wrong = this.capture.open(bytes);

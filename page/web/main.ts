@@ -1,22 +1,29 @@
 // The page: unpacks the module, then shows what the address names.
+import { benchmark, takeRun } from "./bench";
 import { h } from "./dom";
 import { captureMagic, Inspector } from "./inspector";
 import { manual } from "./manual";
 import { Module } from "./module";
-import { decodePng } from "./pictures";
 import { Playground } from "./playground";
 import { sheet } from "./sheet";
+import { decoded, TextView } from "./text";
 
-// Put in when the page is built: the pictures' PNG files by name.
-declare const PICTURES: Record<string, string>;
+// Put in when the page is built: the pictures' sizes, and their pixels one behind the other, packed: red, green and blue.
+declare const PICTURES: { sizes: { name: string; width: number; height: number }[]; packed: string };
 
 function bytesOf(base64: string): Uint8Array {
-    return Uint8Array.from(atob(base64), (c) => c.charCodeAt(0));
+    if ("fromBase64" in Uint8Array) return (Uint8Array as unknown as { fromBase64(text: string): Uint8Array }).fromBase64(base64);
+    const text = atob(base64), bytes = new Uint8Array(text.length);
+    for (let i = 0; i < text.length; ++i) bytes[i] = text.charCodeAt(i);
+    return bytes;
+}
+
+function unpacking(base64: string): ReadableStream {
+    return new Blob([bytesOf(base64) as BlobPart]).stream().pipeThrough(new DecompressionStream("gzip"));
 }
 
 async function unpacked(base64: string): Promise<Uint8Array> {
-    const stream = new Blob([bytesOf(base64) as BlobPart]).stream().pipeThrough(new DecompressionStream("gzip"));
-    return new Uint8Array(await new Response(stream).arrayBuffer());
+    return new Uint8Array(await new Response(unpacking(base64)).arrayBuffer());
 }
 
 // A module of one function that has a vector in it.
@@ -34,13 +41,17 @@ async function start() {
     const fail = (text: string) => body.replaceChildren(h("main", {}, h("h1", {}, "Ninefold"), h("p", { id: "failure", role: "alert", class: "wrong" }, text)));
     const wrong = missing();
     if (wrong) return fail(wrong);
-    let module: Module, wasm: Uint8Array;
+    let module: Module;
+    const packed = document.getElementById("module")!.textContent!.trim();
     try {
-        wasm = await unpacked(document.getElementById("module")!.textContent!.trim());
-        module = await Module.load(wasm);
-        for (const [name, png] of Object.entries(PICTURES)) {
-            const picture = decodePng(bytesOf(png))!;
-            module.giveFile(name, picture.words, picture.width, picture.height);
+        const pictures = unpacked(PICTURES.packed);
+        module = await Module.load(unpacking(packed));
+        const bytes = await pictures;
+        let at = 0;
+        for (const { name, width, height } of PICTURES.sizes) {
+            const words = new Uint32Array(width * height);
+            for (let i = 0; i < words.length; ++i, at += 3) words[i] = 0xff000000 | (bytes[at] << 16) | (bytes[at + 1] << 8) | bytes[at + 2];
+            module.giveFile(name, words, width, height);
         }
     } catch (error) {
         return fail(`The module could not be started: ${(error as Error).message}`);
@@ -48,17 +59,25 @@ async function start() {
 
     // Browsers refuse an address that changes too often, as while something is dragged.
     let waiting = 0;
-    const home = document.querySelector<HTMLAnchorElement>('header nav a[href^="#play"]')!;
+    const keep = (link: HTMLAnchorElement) => {
+        clearTimeout(waiting);
+        waiting = window.setTimeout(() => history.replaceState(null, "", link.href), 200);
+    };
+    const linkTo = (view: string) => document.querySelector<HTMLAnchorElement>(`header nav a[href^="#${view}"]`)!;
+    const home = linkTo("play"), textLink = linkTo("text");
     const playground = new Playground(module, (text) => {
         home.href = `#play?${text}`;
-        clearTimeout(waiting);
-        waiting = window.setTimeout(() => history.replaceState(null, "", home.href), 200);
+        keep(home);
     });
-    const inspector = new Inspector(module, wasm);
+    const text = new TextView(module, unpacked, (state) => {
+        textLink.href = `#text?${state}`;
+        keep(textLink);
+    });
+    const inspector = new Inspector(module, () => unpacked(packed));
     let pages: HTMLElement | null = null;
     const show = () => {
         clearTimeout(waiting);
-        const address = decodeURIComponent(location.hash.slice(1));
+        const raw = location.hash.slice(1), address = decoded(raw);
         const [page, rest] = address.includes("?") ? [address.slice(0, address.indexOf("?")), address.slice(address.indexOf("?") + 1)] : [address, ""];
         const view = page.split("/")[0] || "play";
         if (view === "manual") {
@@ -70,13 +89,20 @@ async function start() {
         } else if (view === "capture") {
             pages = inspector.root;
             document.title = "Capture - Ninefold";
+        } else if (view === "bench") {
+            pages = benchmark(rest, (group) => (location.hash = `#bench/jobs?${group}`));
+            document.title = "Benchmark - Ninefold";
+        } else if (view === "text") {
+            pages = text.root;
+            document.title = "Text - Ninefold";
         } else {
             pages = playground.root;
         }
         if (body.firstChild !== pages) body.replaceChildren(pages);
         if (pages === playground.root) playground.show(rest);
+        if (pages === text.root) void text.show(raw.slice(raw.indexOf("?") + 1 || raw.length));
         for (const link of document.querySelectorAll<HTMLAnchorElement>("header nav a"))
-            link.toggleAttribute("aria-current", link.hash.slice(1) === view || (link === home && pages === playground.root));
+            link.toggleAttribute("aria-current", link.hash.slice(1).split("?")[0] === view || (link === home && pages === playground.root));
         const target = page.includes("/") && document.getElementById(page);
         if (target) target.scrollIntoView();
         else window.scrollTo(0, 0);
@@ -84,7 +110,7 @@ async function start() {
     window.addEventListener("hashchange", show);
     show();
 
-    // Captures go to their view from anywhere, other files are pictures; on that view all are taken for captures.
+    // Captures, fonts and runs of the benchmark go to their views from anywhere, other files are pictures; on the view of captures all are taken for some.
     window.addEventListener("dragover", (event) => event.preventDefault());
     window.addEventListener("drop", async (event) => {
         event.preventDefault();
@@ -95,6 +121,13 @@ async function start() {
             location.hash = "#capture";
             show();
             void inspector.open(file);
+        } else if (/\.(ttf|otf|ttc)$/i.test(file.name)) {
+            if (pages !== text.root) location.hash = textLink.hash, show();
+            void text.take(file);
+        } else if (/\.csv$/i.test(file.name)) {
+            await takeRun(file);
+            location.hash = "#bench";
+            show();
         } else {
             if (pages !== playground.root) location.hash = "#play", show();
             void playground.take(file);

@@ -27,6 +27,20 @@ export interface Description {
     choices: Record<string, Choice[]>;
     lists: Record<string, Value[]>;
     fields: Field[];
+    text: {
+        atlasSide: number;
+        longest: number; // bytes
+        back: string;
+        quality: string;
+        styles: Choice[];
+        qualities: Choice[];
+        fields: { name: string; least: number; most: number; first: number; meaning: string }[];
+    };
+}
+export interface Drawn {
+    glyphs: { code: string; x: number; y: number; width: number; height: number; originX: number; originY: number; advance: number; penX: number; penY: number }[];
+    full: boolean;
+    c: string;
 }
 export interface Look {
     error?: string;
@@ -49,6 +63,7 @@ export interface Probe {
     texel: string;
     source: string;
     before: string;
+    output: string; // of the blend
     after: string;
     taken: boolean;
     priority: number;
@@ -75,8 +90,16 @@ export class Module {
         this.description = JSON.parse(m.UTF8ToString(m._pageDescribe()));
     }
 
-    static async load(wasm: Uint8Array): Promise<Module> {
-        return new Module(await createNinefold({ wasmBinary: wasm }));
+    // Compiled while it is unpacked.
+    static async load(wasm: ReadableStream): Promise<Module> {
+        const response = new Response(wasm, { headers: { "Content-Type": "application/wasm" } });
+        return new Module(await new Promise<Emscripten>((resolve, reject) => {
+            const instantiateWasm = (imports: WebAssembly.Imports, take: (instance: WebAssembly.Instance) => void) => {
+                WebAssembly.instantiateStreaming(response, imports).then(({ instance }) => take(instance), reject);
+                return {};
+            };
+            createNinefold({ instantiateWasm }).then(resolve, reject);
+        }));
     }
 
     families(): string[] {
@@ -120,6 +143,18 @@ export class Module {
         return this.m.HEAPU8.slice(at, at + this.description.width * this.description.height);
     }
 
+    // Of a text, which text.ts makes, and of a font's file.
+    text(state: string): { error?: string; findings?: Finding[]; drawn?: Drawn } {
+        return this.withText(state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageText(at))));
+    }
+    atlas(): Uint32Array {
+        const at = this.m._pageAtlas();
+        return new Uint32Array(this.m.HEAPU8.slice(at, at + this.description.text.atlasSide ** 2 * 4).buffer);
+    }
+    giveFont(bytes: Uint8Array): { name?: string; error?: string } {
+        return this.withBytes(bytes, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageGiveFont(at, bytes.length))));
+    }
+
     giveFile(file: string, words: Uint32Array, width: number, height: number) {
         this.withText(file, (name) => this.withWords(words, (at) => this.m._pageGiveFile(name, at, width, height)));
     }
@@ -138,8 +173,11 @@ export class Module {
         }
     }
     private withWords<T>(words: Uint32Array, use: (at: number) => T): T {
-        const at = this.m._malloc(words.byteLength);
-        this.m.HEAPU8.set(new Uint8Array(words.buffer, words.byteOffset, words.byteLength), at);
+        return this.withBytes(new Uint8Array(words.buffer, words.byteOffset, words.byteLength), use);
+    }
+    private withBytes<T>(bytes: Uint8Array, use: (at: number) => T): T {
+        const at = this.m._malloc(bytes.length);
+        this.m.HEAPU8.set(bytes, at);
         try {
             return use(at);
         } finally {

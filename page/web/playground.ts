@@ -85,7 +85,7 @@ export class Playground {
         this.root.append(
             h("section", { class: "view", "aria-label": "Picture" },
                 h("div", { class: "heading" }, this.title, this.code,
-                    copyButton("Copy the link", () => location.href),
+                    copyButton("Copy the link", () => `${location.href.split("#")[0]}#play?${this.state}`), // the address follows later
                     h("button", { type: "button", id: "reset", click: () => this.go(State.parse(`name=${this.state.name}`)) }, "Start over")),
                 h("form", { class: "row", submit: go }, h("label", { for: "find" }, "Go to a name or code"), this.search, h("button", { type: "submit" }, "Go")),
                 this.stage,
@@ -240,7 +240,7 @@ export class Playground {
             canvas.getContext("2d")!.putImageData(imageOf(words, this.d.width), 0, 0);
             return h("figure", {}, canvas, h("figcaption", {}, caption));
         };
-        this.comparison.replaceChildren(figure("other-picture", others, name), figure("difference", difference, "Difference, times 4"),
+        this.comparison.replaceChildren(figure("own-picture", mine, this.state.name), figure("other-picture", others, name), figure("difference", difference, "Difference, times 4"),
             h("p", { id: "differences" }, count ? `${count} pixels differ in colour, by up to ${largest} in a channel.` : "No pixel differs in colour."));
         this.module.draw(this.text());
     }
@@ -269,8 +269,8 @@ export class Playground {
         this.magnifier.getContext("2d")!.putImageData(imageOf(around, magnified), 0, 0);
         const p = this.module.probe(this.text(), x, y);
         const none = (word: string) => (word === "00000000" ? `${word}, no pixel` : word);
-        const rows: [string, string][] = [["Pixel", `${x}, ${y}`], ["Texel, filtered", none(p.texel)], ["Source of the blend", none(p.source)],
-            ["Before", p.before], ["After", p.after], ["Shahei bit before", p.taken ? "1, taken" : "0, free"], ["Priority before", String(p.priority)]];
+        const rows: [string, string][] = [["Pixel", `${x}, ${y}`], ["Texel, filtered", none(p.texel)],
+            ["Before, the blend's first input", p.before], ["Source, its second input", none(p.source)], ["Output of the blend", p.output], ["After", p.after], ["Shahei bit before", p.taken ? "1, taken" : "0, free"], ["Priority before", String(p.priority)]];
         this.inspected.replaceChildren(...rows.flatMap(([term, text]) => [h("dt", {}, term), h("dd", {}, text)]));
     }
 
