@@ -15,7 +15,7 @@
     X("capture",  "PATH",               "record all draws to PATH, for ninefold-replay; the file holds the program's pictures") \
     X("capture-cut", "buffer|mark",     "frames end where SetFrameBuffer is called or one is marked, or at marks alone (buffer)") \
     X("capture-pause", "N",             "a pause of N milliseconds between two draws ends a frame too; 0: it does not (0)") \
-    X("capture-textures", "frame|draw", "look for changed textures once a frame, or at each draw (frame)") \
+    X("capture-textures", "frame|draw", "look for changes of whole textures once a frame, or at each draw; in the part that is drawn always (frame)") \
     X("capture-flush", "frame|draw",    "what a crash leaves: all frames before, or all draws; the latter is larger (frame)") \
     X("capture-level", "N",             "how hard to compress, 1 to 19 (3)")
 /* clang-format on */

@@ -1,5 +1,6 @@
 #include "reach.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace capture {
@@ -47,6 +48,51 @@ void findRows(const layer::Footprint &footprint, uint32_t back, std::vector<Rows
         if (one.rowBytes && one.rows)
             rows.push_back(one);
     }
+}
+
+Rows partRead(const Rows &source, const layer::Footprint &footprint, const layer::Needs &needs)
+{
+    using ninefold::Walk;
+    Rows part = source;
+    part.rows = 0;
+    const bool first = source.field == layer::Field::tex0, second = source.field == layer::Field::tex1;
+    const layer::Pixels &p = footprint.pixels;
+    if ((!first && !second) || footprint.chooses || p.empty())
+        return part;
+    const TexCoord *const uv = first ? rs.uv0 : rs.uv1;
+    const int64_t width = int64_t{p.right} - p.left, height = int64_t{p.bottom} - p.top;
+    const int64_t columns = int64_t(source.stride / 4), rows = int64_t(source.rows);
+    int64_t left = uv[0].u >> 16, top = uv[0].v >> 16, right = left, bottom = top;
+    switch (needs.walk) {
+    case Walk::unit:
+    case Walk::unit16:
+        left += footprint.columnsCut, top += footprint.rowsCut;
+        right = left + width, bottom = top + height;
+        break;
+    case Walk::stretch:
+    case Walk::corners:
+    case Walk::affine:
+        for (int k = 0; k < needs.positions; ++k) {
+            left = std::min<int64_t>(left, uv[k].u >> 16), right = std::max<int64_t>(right, uv[k].u >> 16);
+            top = std::min<int64_t>(top, uv[k].v >> 16), bottom = std::max<int64_t>(bottom, uv[k].v >> 16);
+        }
+        left -= 1, top -= 1, right += 2, bottom += 2; // neighbours of a filter
+        break;
+    default: return part;
+    }
+    if ((right - left) * (bottom - top) > 4 * width * height)
+        return part;
+    // What goes around an edge is looked at from edge to edge.
+    const auto wrap = [](int64_t &from, int64_t &to, int64_t size) {
+        const int64_t length = to - from;
+        from &= size - 1, to = from + length;
+        if (to > size)
+            from = 0, to = size;
+    };
+    wrap(left, right, columns), wrap(top, bottom, rows);
+    part.begin += uintptr_t(top * columns + left) * 4;
+    part.rowBytes = size_t(right - left) * 4, part.rows = size_t(bottom - top);
+    return part;
 }
 
 } // namespace capture

@@ -27,4 +27,8 @@ uint32_t moveBack(const layer::Footprint &footprint, const layer::Needs &needs);
 // that lie before the first one and are looked at as well. None is empty.
 void findRows(const layer::Footprint &footprint, uint32_t back, std::vector<Rows> &rows);
 
+// The part of a source that the draw's corners lie in, as far as that is known and not much larger than what is drawn; without rows
+// else. Textures that change between draws, as atlases do, are looked at there.
+Rows partRead(const Rows &source, const layer::Footprint &footprint, const layer::Needs &needs);
+
 } // namespace capture

@@ -84,7 +84,8 @@ void Recorder::before(layer::Id id, const layer::Footprint &footprint)
 {
     if (options.pause && drawnInFrame && Clock::now() - ended >= std::chrono::milliseconds(options.pause))
         frame(Cut::pause);
-    uint32_t back = moveBack(footprint, layer::needsOf(id));
+    const layer::Needs &needs = layer::needsOf(id);
+    uint32_t back = moveBack(footprint, needs);
     findRows(footprint, back, rows);
     // There may be less memory before the first pixel than a hole could reach.
     while (back && !canRecord(footprint, rows)) {
@@ -107,8 +108,11 @@ void Recorder::before(layer::Id id, const layer::Footprint &footprint)
         if (one.written)
             written.push_back(one);
         const bool source = !one.written && one.pixels;
-        if (source && !options.texturesEachDraw && !compared.emplace(one.begin, one.rows * one.rowBytes).second)
+        if (source && !options.texturesEachDraw && !compared.emplace(one.begin, one.rows * one.rowBytes).second) {
+            if (const Rows part = partRead(one, footprint, needs); part.rows)
+                writeMemory(part);
             continue;
+        }
         writeMemory(one);
     }
     out.byte(layer::isRecord(id));
@@ -123,7 +127,6 @@ void Recorder::before(layer::Id id, const layer::Footprint &footprint)
     if (options.flushesEachDraw)
         writer->flush();
 
-    const layer::Needs &needs = layer::needsOf(id);
     hostMulti = hostBlend = nullptr;
     if (needs.callsMulti && Operators::isHost(operators.numberOf(rs.multiFunc))) {
         multi.listen(hostMulti = rs.multiFunc);

@@ -334,18 +334,50 @@ TEST_F(Captured, TheHostsOperatorsSpeakAgain)
     EXPECT_EQ(outcome.draws, 2u);
 }
 
+TEST_F(Captured, APictureThatIsChangedBetweenDrawsIsSeenWhereItIsDrawn)
+{
+    ASSERT_TRUE(debug::startRecording());
+    place(0, 0);
+    std::fill_n(sprite->pixels, 1024, 0xFF00FF00u);
+    place(40, 0);
+    rs.uv0[0] = {30 << 16, -(3 << 16)}; // around the edges
+    std::fill_n(sprite->pixels, 1024, 0xFF00FF10u);
+    place(20, 40);
+    rs.clipLeft = 10, rs.clipTop = 5, rs.uv0[0] = {4 << 16, 4 << 16};
+    for (int k = 0; k < 1024; k += 3)
+        sprite->pixels[k] = 0xFF0000FF + uint32_t(k);
+    place(-10, -10);
+    rs.clipLeft = rs.clipTop = 0;
+    SetRectOptMode(NINEFOLD_RECT_STRETCH), SetFilterMode(NINEFOLD_FILTER_BILINEAR);
+    rs.uv0[0] = {16 << 16, 16 << 16}, rs.uv0[1] = {7 << 16, 30 << 16};
+    std::fill_n(sprite->pixels, 1024, 0xFFFF00FFu);
+    place(60, 40);
+    SetFilterMode(NINEFOLD_FILTER_POINT);
+    debug::stopRecording();
+    const Outcome outcome = replay(contentsOf(path));
+    EXPECT_EQ(outcome.draws, 5u);
+    EXPECT_EQ(outcome.different, 0u) << outcome.refusal;
+}
+
+// Where much more of it may be read than is drawn it is looked at once a frame, unless the settings ask for more.
 TEST_F(Captured, APictureThatIsChangedInAFrameIsSeenAtTheNext)
 {
     for (const bool eachDraw : {false, true}) {
         debug::settings().captureTextures = eachDraw;
         ASSERT_TRUE(debug::startRecording());
-        place(0, 0);
+        SetRectOptMode(NINEFOLD_RECT_STRETCH);
+        rs.uv0[0] = {0, 0}, rs.uv0[1] = {32 << 16, 32 << 16};
+        const auto small = [&](int32_t x, int32_t y) {
+            rs.vertex[0] = {x, y, 0}, rs.vertex[1] = {x + 8, y + 8, 0};
+            SearchDrawFunc(CreateDrawCode())();
+        };
+        small(0, 0);
         std::fill_n(sprite->pixels, 1024, 0xFF00FF00u + eachDraw);
-        place(40, 0);
+        small(40, 0);
         debug::recordFrame(false);
-        place(0, 40);
+        small(0, 40);
         ReplacePixel(sprite, 0xFFFFFFFF, 0xFF00FF00u + eachDraw); // the library's own calls are known
-        place(40, 40);
+        small(40, 40);
         debug::stopRecording();
         const Outcome outcome = replay(contentsOf(path));
         // What was missed is one draw, and the two frames that show it.
