@@ -2,6 +2,8 @@
 // of bands; plain is the same library, not started, whose kernels are the plain library's.
 //
 //     bench_bands [--turns N] [--best] [--pin] [--threads N]... [--capture FILE]... [FRAME]...
+//     LD_LIBRARY_PATH=build bench_bands sizes    what the plain library takes
+#include "bands_model.h"
 #include "captures.h"
 
 #include <ninefold/bands.h>
@@ -18,6 +20,8 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -47,6 +51,18 @@ DrawFunc kernel(int shape, int rectOpt, int filter, int blend, int pers = 0)
         CreateDrawCodeSub(pers, 0, 0, filter, rectOpt, NINEFOLD_SHAHEI_NONE, blend, NINEFOLD_MULTI_NONE, shape));
 }
 
+// What a frame comes to, where it is looked at instead of drawn.
+Work *looked = nullptr;
+bool isLooked(int rows, double area)
+{
+    if (!looked)
+        return false;
+    ++looked->draws;
+    looked->rows += rows;
+    looked->target = std::min(looked->target + 8 * area, 8.0 * width * height);
+    return true;
+}
+
 struct Sprite {
     int x, y;
     Texture *texture;
@@ -58,7 +74,8 @@ void drawSprite(DrawFunc draw, const Sprite &sprite, int size)
     rs.uv0[0] = {0, 0};
     rs.vertex[0] = {sprite.x, sprite.y, 0};
     rs.vertex[1] = {sprite.x + size, sprite.y + size, 0};
-    draw();
+    if (!isLooked(size, size * size))
+        draw();
 }
 
 struct Triangle {
@@ -72,7 +89,11 @@ void drawTriangle(DrawFunc draw, const Triangle &triangle)
     std::copy_n(triangle.vertex, 3, rs.vertex);
     std::copy_n(triangle.uv, 3, rs.uv0);
     rs.tex0 = triangle.texture;
-    draw();
+    const Vertex *const v = triangle.vertex;
+    const auto [top, bottom] = std::minmax({v[0].y, v[1].y, v[2].y});
+    const auto [left, right] = std::minmax({v[0].x, v[1].x, v[2].x});
+    if (!isLooked(bottom - top, (bottom - top) * double(right - left) / 2))
+        draw();
 }
 
 // What frames are drawn from.
@@ -104,13 +125,20 @@ struct Stock {
         while (layers.size() < count)
             layers.push_back(picture(width, height));
     }
+    mutable std::vector<char> used; // pictures of the frame that is looked at
     void layer(DrawFunc draw, size_t number) const
     {
         rs.tex0 = layers[number];
         rs.uv0[0] = {0, 0};
         rs.vertex[0] = {0, 0, 0};
         rs.vertex[1] = {width, height, 0};
-        draw();
+        if (!isLooked(height, width * height)) {
+            draw();
+            return;
+        }
+        const bool before = std::exchange(used[number], char(1)) != 0;
+        (before ? looked->again : looked->first) += 4.0 * width * height;
+        looked->layers = looked->first + looked->again > 2 * 4.0 * 2048 * height;
     }
     void drawFloor() const
     {
@@ -204,19 +232,24 @@ void use(int threads)
         pin();
 }
 
-// The median times of ways to draw, in seconds, each in turn. `draw` draws, flushes and gives its time.
+// The median times of ways to draw, in seconds, each in turn; which one follows which changes too. `draw` draws, flushes and gives
+// its time.
 template <class Draw>
 std::vector<double> measureBy(const std::vector<int> &ways, int turns, Draw &&draw)
 {
     std::vector<std::vector<double>> times(ways.size());
     for (int turn = -1; turn < turns; ++turn)
-        for (size_t way = 0; way < ways.size(); ++way) {
+        for (size_t number = 0; number < ways.size(); ++number) {
+            const size_t step = ways.size() > 2 && turn % 2 ? ways.size() - 1 : 1;
+            const size_t way = (size_t(turn + 1) / 2 + number * step) % ways.size();
             use(ways[way]);
-            for (int k = 0; k < 2; ++k) { // the first of two has other threads' pixels in its cache
-                const double seconds = draw();
-                if (turn >= 0 && k == 1)
-                    times[way].push_back(seconds);
-            }
+            const Clock::time_point began = Clock::now();
+            do // the first one has other threads' pixels in its cache, and new threads are awake for a while
+                draw();
+            while (secondsSince(began) < 1e-3);
+            const double seconds = draw();
+            if (turn >= 0)
+                times[way].push_back(seconds);
         }
     std::vector<double> medians;
     for (std::vector<double> &values : times)
@@ -272,7 +305,86 @@ void printWays(const std::vector<int> &ways)
         if (threads == 0)
             std::printf("%10s", "plain");
         else
-            std::printf("%9d%s", threads, threads == 1 ? "t" : "t");
+            std::printf("%9dt", threads);
+}
+
+Work workOf(const Frame &frame, const Stock &stock)
+{
+    Work work;
+    stock.used.assign(stock.layers.size(), false);
+    looked = &work;
+    frame.draw(stock);
+    looked = nullptr;
+    return work;
+}
+
+// Seconds that recording a draw takes, without the flush, of frames that are recorded as a whole.
+double recordingTime(const Stock &stock, int turns)
+{
+    std::vector<double> times;
+    use(2);
+    for (int turn = 0; turn < turns * 40 && times.size() < size_t(turns) * 10; ++turn) {
+        const unsigned long long before = NinefoldBandsCount(NINEFOLD_BANDS_RECORDED);
+        const Clock::time_point start = Clock::now();
+        frames[2].draw(stock);
+        const double time = secondsSince(start);
+        if (NinefoldBandsCount(NINEFOLD_BANDS_RECORDED) - before == stock.sprites.size())
+            times.push_back(time / double(stock.sprites.size()));
+        NinefoldBandsFlush();
+    }
+    return times.empty() ? 0 : median(times);
+}
+
+// A frame of one large draw, by two threads: right behind another one, and when they have gone to sleep.
+void printWaking(const Stock &stock, int turns)
+{
+    const auto time = [&](int threads, bool asleep) {
+        std::vector<double> times;
+        use(threads);
+        for (int turn = -1; turn < turns * 2; ++turn) {
+            if (asleep)
+                std::this_thread::sleep_for(std::chrono::milliseconds(3));
+            const Clock::time_point start = Clock::now();
+            stock.layer(stock.alpha, 0);
+            NinefoldBandsFlush();
+            if (turn >= 0)
+                times.push_back(secondsSince(start) * 1e6);
+        }
+        return median(times);
+    };
+    std::printf("one full-screen layer, us: %.0f plain, %.0f by two threads, %.0f by two that slept\n", time(0, false),
+                time(2, false), time(2, true));
+}
+
+constexpr int manyCores[] = {4, 8, 16, 32, 64};
+
+void printModel(Stock &stock, int turns)
+{
+    const Machine machine = measureMachine();
+    const double recording = recordingTime(stock, turns);
+    std::printf(
+        "\nmodel: recording %.0f ns a draw; read, read and written by one core and by two: %.1f and %.1f GB/s of the last "
+        "cache, %.1f and %.1f GB/s of memory; a line from core to core %.0f ns\n",
+        recording * 1e9, machine.near[0] / 1e9, machine.near[1] / 1e9, machine.far[0] / 1e9, machine.far[1] / 1e9,
+        machine.line * 1e9);
+    std::printf("%-54s%9s%9s%9s", "factors; of more cores: memory of two cores - of each", "1, seen", "2, seen", "2");
+    for (const int cores : manyCores)
+        std::printf("%13d", cores);
+    std::printf("\n");
+    for (const Frame &frame : frames) {
+        stock.needLayers(frame.layers);
+        const Work work = workOf(frame, stock);
+        std::printf("%-54s", frame.words);
+        std::fflush(stdout);
+        const std::vector<double> times = measure({0, 1, 2}, turns, [&] { frame.draw(stock); });
+        const Measured measured{times[0], times[1], times[2], recording};
+        std::printf("   x%5.2f   x%5.2f   x%5.2f", times[0] / times[1], times[0] / times[2],
+                    times[0] / modelled(machine, work, measured, 2, false));
+        for (const int cores : manyCores)
+            std::printf("  x%4.1f -%5.1f", times[0] / modelled(machine, work, measured, cores, false),
+                        times[0] / modelled(machine, work, measured, cores, true));
+        std::printf("\n");
+    }
 }
 
 [[noreturn]] void usage(int status)
@@ -288,8 +400,9 @@ void printWays(const std::vector<int> &ways)
                  "Frames, all without:\n");
     for (const Frame &frame : frames)
         std::fprintf(status ? stderr : stdout, "  %-10s %s\n", frame.name, frame.words);
-    std::fprintf(status ? stderr : stdout, "  %-10s %s\n  %-10s %s\n", "overhead", "what recording costs a draw", "sizes",
-                 "frames of 500 alpha sprites by their size");
+    std::fprintf(status ? stderr : stdout, "  %-10s %s\n  %-10s %s\n  %-10s %s\n", "overhead",
+                 "what recording costs a draw, and waking threads", "sizes", "frames of 500 alpha sprites by their size", "model",
+                 "what 2 to 64 cores would give, worked out from what one and two do here");
     std::exit(status);
 }
 
@@ -334,7 +447,7 @@ int main(int, char **arguments)
         return (wanted.empty() && captures.empty()) || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
     };
     for (const std::string &name : wanted)
-        if (name != "overhead" && name != "sizes" &&
+        if (name != "overhead" && name != "sizes" && name != "model" &&
             std::none_of(std::begin(frames), std::end(frames), [&](const Frame &frame) { return name == frame.name; })) {
             std::fprintf(stderr, "bench_bands: no frame '%s'\n", name.c_str());
             usage(2);
@@ -345,9 +458,10 @@ int main(int, char **arguments)
     ClearTexture(rs.frameBuffer);
     rs.clipRight = width, rs.clipBottom = height;
     Stock stock;
-    if (!NinefoldBands()) {
-        std::fprintf(stderr, "bench_bands: the library is not that of bands\n");
-        return 1;
+    const bool bands = NinefoldBands() != nullptr;
+    if (!bands) {
+        std::fprintf(stderr, "bench_bands: this library is not that of bands, so plain drawing alone is timed\n");
+        ways = {0};
     }
 
     bool heading = false;
@@ -377,29 +491,34 @@ int main(int, char **arguments)
         std::printf("\n%-54s", "500 alpha sprites by size, us and factors");
         printWays(ways);
         std::printf("\n");
+        std::vector<int> gains(ways.size(), 0); // from this size on
         for (const int size : {1, 4, 8, 16, 24, 32, 48, 64}) {
             std::printf("%-54d", size);
             std::fflush(stdout);
-            printTimes(measure(ways, turns * 10,
-                               [&] {
-                                   for (size_t k = 0; k < 500; ++k)
-                                       drawSprite(stock.alpha, stock.sprites[k], size);
-                               }),
-                       1e6);
+            const std::vector<double> times = measure(ways, turns * 10, [&] {
+                for (size_t k = 0; k < 500; ++k)
+                    drawSprite(stock.alpha, stock.sprites[k], size);
+            });
+            printTimes(times, 1e6);
+            for (size_t k = 1; k < ways.size(); ++k)
+                if (times[0] < 1.05 * times[k])
+                    gains[k] = 0;
+                else if (gains[k] == 0)
+                    gains[k] = size;
         }
+        if (bands)
+            std::printf("%-64s", "gains 5 % and more from size");
+        for (size_t k = 1; k < ways.size(); ++k)
+            gains[k] ? std::printf("%10d", gains[k]) : std::printf("%10s", "none");
+        std::printf("\n");
     }
-    if (isWanted("overhead")) {
-        // A frame of sprites without the flush.
-        use(2);
-        std::vector<double> recording;
-        for (int turn = 0; turn < turns * 10; ++turn) {
-            const Clock::time_point start = Clock::now();
-            frames[2].draw(stock);
-            recording.push_back(secondsSince(start) / double(stock.sprites.size()));
-            NinefoldBandsFlush();
-        }
-        std::printf("\nrecording: %.0f ns a draw\n", median(recording) * 1e9);
+    if (bands && isWanted("overhead")) {
+        stock.needLayers(1);
+        std::printf("\nrecording: %.0f ns a draw\n", recordingTime(stock, turns) * 1e9);
+        printWaking(stock, turns);
     }
+    if (bands && isWanted("model"))
+        printModel(stock, std::max(3, turns / 2));
     NinefoldBandsStop();
     return 0;
 }
