@@ -146,7 +146,9 @@ void Recorder::wake()
     if (awake || workers.count() == 1)
         return;
     awake = true;
+    const Clock::time_point start = Clock::now();
     workers.wake();
+    spent += nanosecondsSince(start);
 }
 
 void Recorder::flush()

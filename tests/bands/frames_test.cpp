@@ -1,7 +1,8 @@
-// Random frames of 300 draws over the whole catalogue, on 1 to 8 threads, against plain drawing: pixels, planes, what is left in
-// rs, and the calls of host operators. NINEFOLD_SCENES frames.
+// Random frames of 300 draws over the whole catalogue, on 1 to 8 threads and by every instruction set that runs here, against plain
+// drawing: pixels, planes, what is left in rs, and the calls of host operators. NINEFOLD_SCENES frames.
 #include "recorder.h"
 
+#include "kernels/sets.h"
 #include "support/fields.h"
 #include "support/host.h"
 #include "support/random.h"
@@ -156,6 +157,7 @@ TEST_F(Frames, ThreadsDrawAsOne)
     for (uint32_t number = 0; number < frames; ++number) {
         if (number % 4 == 0)
             makeParts(random);
+        ninefold::useSet(ninefold::usableSets() - 1 - int(number / 16 % uint32_t(ninefold::usableSets())));
         buffers[0].fill(random), buffers[1].fill(random);
         const std::vector<Buffers> before(buffers, buffers + 2);
         const Random numbers(random.bits());

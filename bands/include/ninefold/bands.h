@@ -58,7 +58,7 @@ typedef struct NinefoldBandsCalls {
 
 /* What NinefoldBandsCount counts, since the program began. */
 enum {
-    NINEFOLD_BANDS_RECORDED = 0, /* draws that were recorded; small ones may be drawn at once instead */
+    NINEFOLD_BANDS_RECORDED = 0, /* draws that were recorded; where that does not pay they are drawn at once instead */
     NINEFOLD_BANDS_WHOLE = 1, /* draws that bands cannot cut, drawn at once after a flush */
     NINEFOLD_BANDS_FLUSHES = 2, /* flushes that had something to draw */
     NINEFOLD_BANDS_SHARED = 3 /* of these, those that were worth other threads */
