@@ -2,6 +2,7 @@
 import { Capture, type CaptureList, type Shown, type Step } from "./capture";
 import { h } from "./dom";
 import { imageOf, type Module } from "./module";
+import { titleOf } from "./playground";
 
 const titles: Record<string, string> = {
     after: "After", before: "Before", difference: "Difference", overdraw: "Overdraw", plane: "Shahei plane", priorities: "Priorities",
@@ -138,7 +139,9 @@ export class Inspector {
     }
 
     private reason(error: unknown): string {
-        return error instanceof WebAssembly.RuntimeError || error instanceof RangeError ? "there is not enough memory to draw it" : (error as Error).message;
+        const { message } = error as Error;
+        if (error instanceof RangeError || (error instanceof WebAssembly.RuntimeError && /abort/i.test(message))) return "there is not enough memory to draw it";
+        return error instanceof WebAssembly.RuntimeError ? `drawing it failed (${message})` : message;
     }
 
     // Runs what may end for want of memory; the module is of no use afterwards.
@@ -360,7 +363,7 @@ export class Inspector {
             const id = `edit-${axis.key}`;
             const select = h("select", { id, change: () => this.change("name", look.axes[i].values[select.selectedIndex].leads) },
                 ...axis.values.map((value, k) => h("option", { selected: value.value === look.axes[i].value }, `${value.value} ${value.word || value.meaning}${look.axes[i].values[k].why ? ", with changes of others" : ""}`)));
-            return h("label", { for: id }, axis.setter.replace(/^Set|Mode$/g, ""), select);
+            return h("label", { for: id }, titleOf(axis.key, true), select);
         });
         this.axes.append(h("fieldset", {}, h("legend", {}, "Draw code"), h("div", { class: "axes" }, ...selects)));
         if (focused?.startsWith("edit-")) document.getElementById(focused)?.focus();

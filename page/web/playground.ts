@@ -11,7 +11,7 @@ const titles: Record<string, string> = {
     table0: "Line table of tex0", table1: "Line table of tex1", shift: "Shift of spans, scanShift", operator: "blendFunc",
     bank: "Bank of multi operators", curve: "Curve of the rule", stipple: "Stipple",
 };
-const titleOf = (key: string, axis: boolean) => (key === "multi" && !axis ? "Multi operator" : titles[key] ?? key);
+export const titleOf = (key: string, axis: boolean) => (key === "multi" && !axis ? "Multi operator" : titles[key] ?? key);
 
 export const first = "name=rect.stretch.bilinear.alphafast";
 const magnified = 11; // pixels each way of the magnifier
