@@ -180,6 +180,10 @@ test("10,000 draws: fluent both ways, by buttons, keys, slider and list", async 
     }
     await list.press("PageDown");
     assert.ok(await at(page) > 5);
+    await page.locator("#step-filter").fill("7654");
+    await page.locator("#step-filter").press("Enter");
+    assert.match(await page.locator("#step-title").textContent(), /^Draw 7,654 of frame 77:/);
+    assert.ok((await page.locator(`#steps [aria-selected="true"]`).textContent()).startsWith("7654 "));
     await page.locator("#step-filter").fill("plane+z");
     assert.ok((await page.locator("#steps [role=option]").allTextContents()).every((text) => text.includes("plane+z")));
     await page.locator("#steps [role=option]").nth(3).click();

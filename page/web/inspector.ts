@@ -45,7 +45,7 @@ export class Inspector {
     private readonly message = h("p", { id: "capture-message", role: "status" });
     private readonly progress = h("progress", { id: "capture-progress", max: "100", hidden: true, "aria-label": "Drawing the capture" });
     private readonly body = h("div", { class: "stepping", hidden: true });
-    private readonly filter = h("input", { id: "step-filter", type: "text", spellcheck: "false", autocomplete: "off", placeholder: "part of a name", input: () => this.fillRows() });
+    private readonly filter = h("input", { id: "step-filter", type: "text", spellcheck: "false", autocomplete: "off", placeholder: "part of a name; or a draw's number", input: () => this.fillRows(), keydown: (event) => event.key === "Enter" && this.find() });
     private readonly inner = h("div", { role: "presentation" });
     private readonly steps = h("div", { id: "steps", role: "listbox", tabindex: "0", "aria-label": "Draws and ends of frames" }, this.inner);
     private readonly slider = h("input", { id: "step-slider", type: "range", min: "0", "aria-label": "Step", input: () => this.go(Number(this.slider.value)) });
@@ -78,6 +78,7 @@ export class Inspector {
                     button("first-step", "First step", "|<", () => 0), button("frame-back", "Frame before", "<<", () => this.frameEnd(-1)),
                     button("step-back", "Step back, left arrow", "<", () => this.at - 1), button("step-on", "Step forwards, right arrow", ">", () => this.at + 1),
                     button("frame-on", "Next frame", ">>", () => this.frameEnd(1)), button("last-step", "Last step", ">|", () => this.list.steps.length - 1), this.slider),
+                h("p", { class: "meaning" }, "Left and right arrow keys step, too."),
                 this.result, this.tabs,
                 h("p", { class: "row" }, h("label", { for: "capture-zoom" }, "Shown"), this.zoom),
                 h("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": "Picture" }, this.canvas), this.meaning, this.exports,
@@ -200,12 +201,22 @@ export class Inspector {
     }
 
     private fillRows() {
-        const wanted = this.filter.value.trim().toLowerCase();
+        const text = this.filter.value.trim().toLowerCase(), wanted = /^\d+$/.test(text) ? "" : text;
         const fits = this.list.names.map((name) => name.toLowerCase().includes(wanted));
         this.rows = [];
         this.list.steps.forEach((step, index) => { if (!wanted || (step.name >= 0 && fits[step.name])) this.rows.push(index); });
         this.inner.style.height = `${this.rows.length * rowHeight}px`;
         this.paintRows();
+    }
+
+    // To the draw of the number that was typed.
+    private find() {
+        const draw = Number(this.filter.value.trim().replaceAll(",", "") || NaN);
+        const step = this.list.steps.findIndex((one) => one.name >= 0 && one.number === draw);
+        if (step < 0) return;
+        this.filter.value = "";
+        this.fillRows();
+        this.go(step);
     }
 
     // The rows that can be seen, and a few beside them.
