@@ -595,7 +595,7 @@ test("looks: accessible in light and dark, on wide and narrow screens", async ()
             for (const [view, hash] of [["playground", "#play?name=rect.stretch.bilinear.alphafast.z+mask.tex1.rule&other=rect.stretch.point.alpha"], ["triangle", "#play?name=tri.mip.copy.pers"], ["manual", "#manual"], ["codes", "#codes"], ["text", "#text?style=rimmed&font=VL%20Gothic&text=%E5%90%BE%E8%BC%A9%E3%81%AF%E7%8C%AB%20and%20text"], ["bench", "#bench"], ["bars", "#bench/jobs?unit.alpha"]]) {
                 await page.evaluate((hash) => (location.hash = hash), hash);
                 await page.waitForSelector({ manual: "#manual", codes: "#codes", text: "#text[data-ready]", bench: "#bench", bars: "#bench article" }[view] ?? "#playground");
-                if (view === "playground") await settled(page);
+                if (view === "playground" || view === "triangle") await settled(page);
                 await page.screenshot({ path: `${views}/${view}-${screen}-${colorScheme}.png`, fullPage: screen === "wide" && view === "playground" });
                 assert.ok(await page.evaluate(() => document.documentElement.scrollWidth <= innerWidth), `${view} is wider than a ${screen} screen`);
                 await page.evaluate(axe);
