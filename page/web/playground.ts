@@ -155,6 +155,7 @@ export class Playground {
         }
         this.say(look.draws ? "" : "This kernel draws nothing: a mip level for each line is chosen under a line table only.");
         this.look = look;
+        if (this.title.textContent !== look.name) this.speed.textContent = ""; // another kernel's
         this.title.textContent = look.name;
         this.code.textContent = look.code;
         this.lines.textContent = look.c;
