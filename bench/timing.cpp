@@ -3,6 +3,7 @@
 #include "scene.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
 
 #include <unistd.h>
@@ -30,7 +31,7 @@ void prepare(const Contender &contender)
 
 double quantileOf(std::vector<double> values, double share)
 {
-    const auto at = values.begin() + long(share * double(values.size() - 1) + 0.5);
+    const auto at = values.begin() + std::lround(share * double(values.size() - 1));
     std::nth_element(values.begin(), at, values.end());
     return *at;
 }

@@ -58,13 +58,12 @@ struct Tape::Reading {
 };
 
 // Twice: the first time only for the memory that it takes, so that none moves afterwards.
-std::unique_ptr<Tape> Tape::read(const std::string &path, bool unchecked, const Watch &watch, std::string &error)
+std::unique_ptr<Tape> Tape::read(const Open &open, bool unchecked, const Watch &watch, std::string &error, uint64_t memoryLimit)
 {
-    const auto open = [&] { return Reader::open(path, error); };
-    const std::unique_ptr<Reader> first = open();
+    const std::unique_ptr<Reader> first = open(error);
     if (!first)
         return nullptr;
-    Player sizes(*first);
+    Player sizes(*first, memoryLimit);
     for (Player::Step step; (step = sizes.next()) != Player::Step::end;) {
         if (watch)
             watch(sizes);
@@ -73,13 +72,13 @@ std::unique_ptr<Tape> Tape::read(const std::string &path, bool unchecked, const 
     }
 
     std::unique_ptr<Tape> tape(new Tape);
-    tape->reader = open();
+    tape->reader = open(error);
     if (!tape->reader)
         return nullptr;
-    tape->source = std::make_unique<Player>(*tape->reader);
+    tape->source = std::make_unique<Player>(*tape->reader, memoryLimit);
     Player &player = *tape->source;
     if (!player.reserve(sizes.memory())) {
-        error = path + ": there is not enough memory";
+        error = "there is not enough memory";
         return nullptr;
     }
     Reading reading;
@@ -94,10 +93,10 @@ std::unique_ptr<Tape> Tape::read(const std::string &path, bool unchecked, const 
             tape->takeDraw(unchecked);
         const uint64_t size = tape->bytes.size() + tape->steps.size() * sizeof(Step) +
                               (tape->words.size() + tape->left.size()) * sizeof(Word) + tape->written.size() * sizeof(Rows);
-        if (size > sizeLimit) {
-            error = path +
-                    " has too many draws or pictures to hold all of them at once; ninefold-replay trim --frames A..B takes "
-                    "some of its frames";
+        if (tape->isTooLarge || size > sizeLimit) {
+            error =
+                "there are too many draws or pictures to hold all of them at once; ninefold-replay trim --frames A..B takes some "
+                "of the frames";
             return nullptr;
         }
     }
@@ -105,6 +104,21 @@ std::unique_ptr<Tape> Tape::read(const std::string &path, bool unchecked, const 
         tape->endFrame();
     player.wrote = nullptr;
     tape->reading = nullptr;
+    return tape;
+}
+
+std::unique_ptr<Tape> Tape::read(const std::string &path, bool unchecked, const Watch &watch, std::string &error)
+{
+    bool opened = false;
+    std::unique_ptr<Tape> tape = read(
+        [&](std::string &why) {
+            std::unique_ptr<Reader> from = Reader::open(path, why);
+            opened = from != nullptr;
+            return from;
+        },
+        unchecked, watch, error);
+    if (!tape && opened)
+        error = path + ": " + error;
     return tape;
 }
 
@@ -204,6 +218,10 @@ void Tape::addPatch(const MemoryWrite &write)
         bytes.insert(bytes.end(), from, from + size);
         return at;
     };
+    if (isTooLarge || bytes.size() + write.rows * (write.rowBytes + write.bitBytes()) > sizeLimit) {
+        isTooLarge = true; // many events may repeat one content
+        return;
+    }
     const size_t from = add(write.from, write.rows * write.rowBytes);
     reading->patches.push_back({write, from, write.bits ? add(write.bits, write.rows * write.bitBytes()) : 0});
 }

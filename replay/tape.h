@@ -14,8 +14,11 @@ namespace capture {
 class Tape {
 public:
     using Watch = std::function<void(const Player &)>;
+    using Open = std::function<std::unique_ptr<Reader>(std::string &error)>; // called twice
     // Reads a whole capture, drawing it with the linked library. Null, and why, where it cannot be read or is too large. Draws
     // that cannot or must not be made are left out.
+    static std::unique_ptr<Tape> read(const Open &open, bool unchecked, const Watch &watch, std::string &error,
+                                      uint64_t memoryLimit = Store::usualLimit);
     static std::unique_ptr<Tape> read(const std::string &path, bool unchecked, const Watch &watch, std::string &error);
 
     uint64_t draws() const { return drawCount; } // those in it
@@ -70,6 +73,7 @@ private:
     std::vector<Said> said;
     uint64_t drawCount = 0, pixelCount = 0, refusedCount = 0;
     std::string firstRefusal, firstDifference;
+    bool isTooLarge = false;
 
     Tape() = default;
     bool take(const Reader &from);

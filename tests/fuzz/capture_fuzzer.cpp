@@ -1,9 +1,12 @@
-// Captures from arbitrary events: the player must stay inside the file and its own memory, and draw nothing that is undefined. Bytes
-// that begin as a capture file does are taken as one, others as the events of one, behind the names of the cells. `make fuzz
+// Captures from arbitrary events: player and tape must stay inside the file and their own memory, and draw nothing that is undefined.
+// Bytes that begin as a capture file does are taken as one, others as the events of one, behind the names of the cells. `make fuzz
 // ARGS=capture` searches; in the tests it goes over the events in captures/ and random ones.
 #include "player.h"
+#include "tape.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -34,6 +37,16 @@ void play(std::span<const uint8_t> file)
         }
         player.finish();
     }
+    if (pixels >= 10000000)
+        return;
+    // On tape the same comes out as the player drew, again and again.
+    const std::unique_ptr<capture::Tape> tape = capture::Tape::read(
+        [&](std::string &why) { return capture::Reader::open(file, why); }, false, nullptr, error, memoryLimit);
+    for (int turn = 0; tape && turn < 2; ++turn)
+        if (const std::string wrong = tape->verify(capture::Library::linked(), nullptr); !wrong.empty()) {
+            std::fprintf(stderr, "%s\n", wrong.c_str());
+            std::abort();
+        }
 }
 
 } // namespace

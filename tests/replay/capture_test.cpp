@@ -501,7 +501,7 @@ TEST_F(Captured, ATapeIsPlayedAgainAndAgain)
     // Before what the host wrote itself, and at the end of frames.
     EXPECT_GE(flushes, 4 * 2 * frames);
     EXPECT_EQ(std::memcmp(&before, &rs, sizeof rs), 0);
-    EXPECT_FALSE(Tape::read("nowhere.nfc", false, nullptr, error));
+    EXPECT_FALSE(Tape::read(std::string("nowhere.nfc"), false, nullptr, error));
     EXPECT_NE(error.find("nowhere.nfc"), std::string::npos);
 }
 

@@ -40,6 +40,11 @@ sed 's/^nf.rectangle/with nf.threads(2): nf.rectangle/' draws.py >bands.py
 NINEFOLD_LIBRARY=$(echo /usr/lib/*/ninefold/bands/libninefold.so.1) python3 bands.py "${version%-*}"
 say "Python draws by bands"
 
+ninefold-debug --summary off --capture draws.nfc python3 draws.py "${version%-*}"
+ninefold-replay verify draws.nfc --threads 2 | grep "as recorded on 2 threads" || fail "ninefold-replay does not draw again what Python drew"
+ninefold-bench --check --capture draws.nfc capture
+say "what Python draws is captured, drawn again, and a job of the benchmark"
+
 cat >wrong.py <<'END'
 import ninefold as nf
 screen = nf.Screen(64, 48)
