@@ -231,6 +231,8 @@ void use(int threads)
         pin();
 }
 
+constexpr double warmTime = 10e-3; // s
+
 // The median times of ways to draw, in seconds, each in turn; which one follows which changes too.
 template <class Draw>
 std::vector<double> measure(const std::vector<int> &ways, int turns, Draw &&draw)
@@ -246,14 +248,17 @@ std::vector<double> measure(const std::vector<int> &ways, int turns, Draw &&draw
                 draw();
                 NinefoldBandsFlush();
             };
-            const Clock::time_point began = Clock::now();
-            do // the first one has other threads' pixels in its cache, and new threads are awake for a while
+            Clock::time_point began = Clock::now();
+            do // the first ones have other threads' pixels in their cache, and find out whether recording pays
                 frame();
-            while (secondsSince(began) < 1e-3);
-            const Clock::time_point before = Clock::now();
-            frame();
-            if (turn >= 0)
-                times[way].push_back(secondsSince(before));
+            while (secondsSince(began) < warmTime);
+            began = Clock::now();
+            do {
+                const Clock::time_point before = Clock::now();
+                frame();
+                if (turn >= 0)
+                    times[way].push_back(secondsSince(before));
+            } while (secondsSince(began) < warmTime);
         }
     std::vector<double> medians;
     for (std::vector<double> &values : times)
