@@ -158,7 +158,7 @@ test("10,000 draws: fluent both ways, by buttons, keys, slider and list", async 
         return times.sort((a, b) => a - b);
     });
     console.log(`a step takes ${times[30].toFixed(0)} ms, at most ${times.at(-1).toFixed(0)} ms`);
-    assert.ok(times[30] < 200, `a step takes ${times[30]} ms`);
+    assert.ok(times[30] < 300, `a step takes ${times[30]} ms`);
     assert.equal(await at(page), last - 20);
     assert.ok(await page.locator("#steps [role=option]").count() < 100);
     await page.locator("#frame-back").click();
