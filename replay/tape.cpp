@@ -137,9 +137,9 @@ void Tape::takeRecord(const Texture *record)
     if (!record)
         return;
     std::vector<uint8_t> &held = reading->records[record];
-    if (held.size() == sizeof *record && std::memcmp(held.data(), record, sizeof *record) == 0)
-        return;
     const auto *const now = reinterpret_cast<const uint8_t *>(record);
+    if (held.size() == sizeof *record && std::equal(held.begin(), held.end(), now))
+        return;
     held.assign(now, now + sizeof *record);
     addPatch({const_cast<uint8_t *>(now), now, nullptr, sizeof *record, 1, sizeof *record, 1});
 }
