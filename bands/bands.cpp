@@ -17,23 +17,10 @@ namespace {
 using layer::Call;
 using layer::Function;
 
-using Clock = std::chrono::steady_clock;
-double nanosecondsSince(Clock::time_point start)
-{
-    return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
-}
-
-// Below such a gain drawing at once is as good. What a cache saves one thread cannot be told from a frame alone: about so much.
-constexpr double leastGain = 1.05, gainOfCache = 1.2;
-// What a draw takes longer from a batch, ns: to be set up by its record, and to be passed over in each band.
-constexpr double replayCost = 15, passCost = 1;
-constexpr int sampled = 32; // every so many draws the clock is read
-
-int processors()
-{
-    static const int count = std::max(1, int(std::thread::hardware_concurrency()));
-    return count;
-}
+// Of a trial: what counts as shorter, and as much longer. Frames between trials.
+constexpr float shorter = 0.97F, muchLonger = 1.5F;
+constexpr uint16_t firstTrial = 4, mostPause = 63, longPause = 1023;
+constexpr int trialFrames = 3; // of which the first one has its pixels in other threads' caches
 
 void takeTablesOfLibrary() { takeTables(ninefold::uvlShift, ninefold::stippleSteps, ninefold::activeSets.any->lanes); }
 
@@ -67,22 +54,45 @@ Recorder &recorder()
     return *one;
 }
 
-Experience::Advice Experience::begin(uint32_t key)
+Experience::Way Experience::begin(uint32_t key)
 {
     current = &known[(key ^ key >> 6 ^ key >> 12) % std::size(known)];
     if (current->key != key)
-        *current = {key, 0, 0, false};
-    if (current->left == 0)
-        return current->pays ? Advice::pays : Advice::unknown;
-    --current->left;
-    return Advice::drawAtOnce;
+        *current = {key, Way::recorded, false, 0, 0, firstTrial, 0, 0};
+    const bool trial = current->left == 0;
+    return trial == (current->way == Way::recorded) ? Way::atOnce : Way::recorded;
 }
 
-void Experience::end(bool paid)
+void Experience::keepWay(uint16_t most)
 {
-    current->pays = paid;
-    current->pause = paid ? 0 : uint8_t(std::min(2 * current->pause + 1, 31));
+    current->pause = std::min(uint16_t(2 * current->pause + 1), most);
     current->left = current->pause;
+    current->tried = 0, current->triedTime = 0;
+}
+
+void Experience::end(float time, bool recorded, bool shared)
+{
+    Known &one = *current;
+    const bool trial = one.left == 0, wasRecorded = trial == (one.way == Way::atOnce);
+    if (wasRecorded)
+        one.shared = shared;
+    if (wasRecorded && !recorded) { // nothing was worth it, so there is nothing to compare
+        if (!trial)
+            one.way = Way::atOnce, one.time = 0;
+        keepWay(mostPause);
+    } else if (!trial) {
+        one.time += one.time > 0 ? (std::min(time, 2 * one.time) - one.time) / 4 : time;
+        if (one.pause == 0 && one.left == firstTrial) // the first one of all finds textures and memory cold
+            one.time = 0;
+        --one.left;
+    } else if (++one.tried > 1) {
+        one.triedTime += time / (trialFrames - 1);
+        if (one.tried < trialFrames)
+            return;
+        if (one.triedTime < shorter * one.time || one.time == 0)
+            one.way = one.way == Way::recorded ? Way::atOnce : Way::recorded, one.time = one.triedTime, one.pause = 1;
+        keepWay(one.triedTime > muchLonger * one.time ? longPause : mostPause);
+    }
 }
 
 int Recorder::start(int threads)
@@ -96,11 +106,6 @@ int Recorder::start(int threads)
     layer::listen(true);
     threads = workers.start(threads);
     leastCost = threads > 3 ? 150 : threads > 1 ? 300 : 30e3;
-    clockCost = 1e3;
-    for (int k = 0; k < 8; ++k) {
-        const Clock::time_point before = Clock::now();
-        clockCost = std::min(clockCost, nanosecondsSince(before));
-    }
     return threads;
 }
 
@@ -114,16 +119,17 @@ void Recorder::stop()
 
 void Recorder::beginFrame(layer::Id id)
 {
-    began = true;
-    spent = worth = 0;
+    open = true;
+    if (!learns || divide)
+        return;
+    opened = std::chrono::steady_clock::now();
+    std::copy(std::begin(counts), std::end(counts), countsBefore);
     const uint32_t size = uint32_t(std::ilogb(costAtMost(kindOf(id)))) / 4;
-    switch (experience.begin((id * 32 + size) * 512 + uint32_t(workers.count()))) {
-    case Experience::Advice::pays: wake(); break;
-    case Experience::Advice::drawAtOnce:
+    if (experience.begin((id * 32 + size) * 512 + uint32_t(workers.count())) == Experience::Way::atOnce) {
         atOnce = true;
         layer::listen(false);
-        break;
-    default: break;
+    } else if (experience.expectsThreads()) {
+        wake();
     }
 }
 
@@ -132,12 +138,15 @@ void Recorder::endFrame()
     if (atOnce) { // tables may have changed, untold
         takeTablesOfLibrary();
         layer::listen(true);
-    } else if (began) {
+    } else {
         flush();
-        if (learns)
-            experience.end(worth > leastGain * spent);
     }
-    began = atOnce = awake = false;
+    if (open && learns && !divide) {
+        const std::chrono::duration<float, std::nano> time = std::chrono::steady_clock::now() - opened;
+        experience.end(time.count(), counts[NINEFOLD_BANDS_RECORDED] > countsBefore[NINEFOLD_BANDS_RECORDED],
+                       counts[NINEFOLD_BANDS_SHARED] > countsBefore[NINEFOLD_BANDS_SHARED]);
+    }
+    open = atOnce = awake = false;
 }
 
 // Others take about as long to wake as a frame of two thousand draws takes to be recorded.
@@ -146,9 +155,7 @@ void Recorder::wake()
     if (awake || workers.count() == 1)
         return;
     awake = true;
-    const Clock::time_point start = Clock::now();
     workers.wake();
-    spent += nanosecondsSince(start);
 }
 
 void Recorder::flush()
@@ -158,50 +165,29 @@ void Recorder::flush()
     ++counts[NINEFOLD_BANDS_FLUSHES];
     if (divide) {
         divide(batch);
-        batch.clear();
-        return;
-    }
-    const Clock::time_point start = Clock::now();
-    const auto draws = double(batch.size());
-    const bool alone = workers.count() == 1;
-    const double cost = batch.cost();
-    double rate = 0;
-    const int bands = batch.cost() < worthSharing ? 0 : batch.divide(workers.count());
-    if (bands == 0) {
+    } else if (batch.cost() < worthSharing) {
         batch.drawAll();
-    } else if (alone) {
+    } else if (const int bands = batch.divide(workers.count()); workers.count() == 1) {
         for (int band = 0; band < bands; ++band)
             batch.drawBand(band);
     } else {
         ++counts[NINEFOLD_BANDS_SHARED];
-        rate = workers.draw(batch, bands);
+        workers.draw(batch, bands);
     }
     batch.clear();
     awake = false;
-    const double time = nanosecondsSince(start);
-    const double drawing = bands == 0 || alone ? time : std::min(rate * cost, time * processors());
-    spent += time;
-    worth += (alone && bands > 1 ? gainOfCache : 1) * drawing - draws * (replayCost + passCost * bands);
 }
 
 bool Recorder::record(layer::Id id)
 {
-    if (!began) {
+    if (!open) {
         beginFrame(id);
         if (atOnce)
             return false;
     }
     if (batch.full() || (!batch.empty() && !batch.target().isCurrent() && heeds(Rule::target)))
         flush();
-    Fate fate;
-    if (++samples % sampled == 0) {
-        const Clock::time_point before = Clock::now();
-        fate = batch.record(id, divide ? 0 : leastCost);
-        spent += std::max(0.0, nanosecondsSince(before) - clockCost) * sampled;
-    } else {
-        fate = batch.record(id, divide ? 0 : leastCost);
-    }
-    switch (fate) {
+    switch (batch.record(id, divide ? 0 : leastCost)) {
     case Fate::cheap: return false;
     case Fate::whole:
         flush();

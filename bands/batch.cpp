@@ -52,14 +52,14 @@ const RenderState *Batch::keep(const Kind &kind)
     if (n.callsMulti)
         state->multiFunc = judge.bandedFor(rs.multiFunc);
     const auto [first, end] = judge.reached;
-    const auto rows = size_t(end - first);
+    const auto lines = size_t(end - first);
     if (shifts)
-        state->scanShift = arena.copy(rs.scanShift + first, rows) - first;
+        state->scanShift = arena.copy(rs.scanShift + first, lines) - first;
     if (n.lineTable0) { // begins at the unclipped rectangle's top
         const int32_t line = first - std::min(rs.vertex[0].y + rs.originY, rs.vertex[1].y + rs.originY);
-        state->lineTable0 = arena.copy(rs.lineTable0 + line, rows) - line;
+        state->lineTable0 = arena.copy(rs.lineTable0 + line, lines) - line;
         if (n.lineTable1)
-            state->lineTable1 = arena.copy(rs.lineTable1 + line, rows) - line;
+            state->lineTable1 = arena.copy(rs.lineTable1 + line, lines) - line;
     }
     return state;
 }
@@ -74,7 +74,7 @@ Fate Batch::record(layer::Id id, float least)
     }
     if (draws.size() <= count + drawsAhead) {
         draws.resize(std::max(size_t{256}, 2 * draws.size()));
-        parts.resize(draws.size());
+        rows.resize(draws.size());
     }
     Draw &draw = draws[count];
     const Fate fate = judge.judge(kind, draw);
@@ -88,7 +88,7 @@ Fate Batch::record(layer::Id id, float least)
         copyBusy(draw.busy, rs);
         top = empty() ? judge.reached.top : std::min(top, judge.reached.top);
         bottom = empty() ? judge.reached.bottom : std::max(bottom, judge.reached.bottom);
-        parts[count++] = {judge.reached, judge.cost()};
+        rows[count++] = judge.reached;
         nanoseconds += judge.cost();
         pixels += judge.area();
     }
@@ -99,22 +99,22 @@ Fate Batch::record(layer::Id id, float least)
 
 int Batch::divide(int threads)
 {
-    const int32_t rows = bottom - top;
-    const bool layers = pixels > 2.0 * rows * double(1 << judge.target.shift);
-    bandRows = layers ? std::max(fewestRows, bandBytes / (4 << judge.target.shift)) : rows;
+    const int32_t height = bottom - top;
+    const bool layers = pixels > 2.0 * height * double(1 << judge.target.shift);
+    bandRows = layers ? std::max(fewestRows, bandBytes / (4 << judge.target.shift)) : height;
     if (threads > 1) {
         const int32_t bands = (layers ? bandsPerThread : fewBandsPerThread) * threads;
-        bandRows = std::min(bandRows, std::max(fewestRows, (rows + bands - 1) / bands));
+        bandRows = std::min(bandRows, std::max(fewestRows, (height + bands - 1) / bands));
     }
-    return (rows + bandRows - 1) / bandRows;
+    return (height + bandRows - 1) / bandRows;
 }
 
-float Batch::drawBand(int band) const
+void Batch::drawBand(int band) const
 {
     const int32_t begin = top + band * bandRows;
-    return drawRows(begin, std::min(begin + bandRows, bottom));
+    drawRows(begin, std::min(begin + bandRows, bottom));
 }
 
-float Batch::drawRows(int32_t from, int32_t to) const { return bands::drawRows({parts.data(), count}, draws.data(), from, to); }
+void Batch::drawRows(int32_t from, int32_t to) const { bands::drawRows({rows.data(), count}, draws.data(), from, to); }
 
 } // namespace bands

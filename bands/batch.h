@@ -51,10 +51,10 @@ public:
 
     // Divides the rows into bands, for so many threads. Returns their number.
     int divide(int threads);
-    // One of them: on any thread, in any order. Returns its cost.
-    float drawBand(int band) const;
+    // One of them: on any thread, in any order.
+    void drawBand(int band) const;
     // Rows that need not be a band.
-    float drawRows(int32_t from, int32_t to) const;
+    void drawRows(int32_t from, int32_t to) const;
     void drawAll() const { drawRows(top, bottom); }
     int32_t firstRow() const { return top; }
     int32_t endRow() const { return bottom; }
@@ -64,7 +64,7 @@ public:
 private:
     static constexpr size_t mostDraws = 16384, mostBytes = size_t{64} << 20;
     // Of each draw, and some more.
-    std::vector<Part> parts; // apart, because every band looks at them all
+    std::vector<Rows> rows; // apart, because every band looks at them all
     std::vector<Draw> draws;
     size_t count = 0;
     const RenderState *last = nullptr; // the state of the last draw that has rs as it was

@@ -3,27 +3,36 @@
 
 #include "workers.h"
 
+#include <chrono>
 #include <cstdint>
 
 namespace bands {
 
 // Whether recording pays. A frame - what lies between two flushes of the host's - is expected to go on as the ones did that began
-// with such a draw. Where it did not pay the next one is drawn at once, after a second try the next 3, then 7, 15 and 31.
+// with such a draw. From time to time three of them in a row are drawn the other way, recorded or at once, and where the time from
+// the first draw to the end of the flush was shorter they stay at that. Where it was not, the next trial comes twice as late.
 class Experience {
 public:
-    enum class Advice : uint8_t { unknown, pays, drawAtOnce };
-    Advice begin(uint32_t key);
-    // Of a frame that was not drawn at once.
-    void end(bool paid);
+    // How the frame is to be drawn that begins with a draw of such a key.
+    enum class Way : uint8_t { recorded, atOnce };
+    Way begin(uint32_t key);
+    bool expectsThreads() const { return current->shared; }
+    // What it took, whether anything was recorded, and whether other threads were worth it.
+    void end(float time, bool recorded, bool shared);
 
 private:
     struct Known {
         uint32_t key;
-        uint8_t pause, left; // frames to draw at once, and how many of them are to come
-        bool pays;
+        Way way;
+        bool shared;
+        uint8_t tried; // frames of the trial
+        uint16_t pause, left; // frames before the trial
+        float time, triedTime; // of a frame, 0: none yet
     };
     Known known[64]{};
     Known *current = nullptr;
+
+    void keepWay(uint16_t most);
 };
 
 struct Recorder {
@@ -38,7 +47,7 @@ struct Recorder {
     float leastCost = 0;
     void (*divide)(const Batch &batch) = nullptr; // tests draw the rows of a batch in an order of their own
     Experience experience;
-    bool learns = true; // tests record every frame
+    bool learns = true; // tests record every frame; so do frames that a test divides
     bool atOnce = false; // the frame is drawn at once, untold
 
     int start(int threads);
@@ -50,12 +59,10 @@ struct Recorder {
     bool record(layer::Id id);
 
 private:
-    bool began = false; // the frame has a draw
+    bool open = false; // the frame has a draw
     bool awake = false; // threads were woken for this batch
-    // Of the frame: ns that recording and drawing took, and about what drawing at once would have taken.
-    double spent = 0, worth = 0;
-    double clockCost = 0; // ns to read it
-    uint32_t samples = 0;
+    std::chrono::steady_clock::time_point opened; // when the frame had its first one
+    uint64_t countsBefore[4] = {}; // likewise
 
     void beginFrame(layer::Id id);
     void wake();

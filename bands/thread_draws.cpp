@@ -158,24 +158,20 @@ void copyBusy(BusyFields &to, const RenderState &from)
     copyBytes<sizeof to.bytes>(to.bytes, reinterpret_cast<const std::byte *>(&from) + busyBegin);
 }
 
-float drawRows(std::span<const Part> parts, const Draw *draws, int32_t top, int32_t bottom)
+void drawRows(std::span<const Rows> rows, const Draw *draws, int32_t top, int32_t bottom)
 {
 #if defined(_WIN32)
     RenderState own{}; // what a kernel reads is copied into it
     RenderState *const callers = ninefoldThreadState;
     ninefoldThreadState = &own;
 #endif
-    float cost = 0;
     const RenderState *loaded = nullptr;
-    for (size_t k = 0; k < parts.size(); ++k)
-        if (const auto [first, end] = parts[k].rows; first < bottom && end > top) {
-            cost += parts[k].cost * float(std::min(end, bottom) - std::max(first, top)) / float(end - first);
+    for (size_t k = 0; k < rows.size(); ++k)
+        if (rows[k].top < bottom && rows[k].bottom > top)
             drawBetween(draws[k], top, bottom, loaded);
-        }
 #if defined(_WIN32)
     ninefoldThreadState = callers;
 #endif
-    return cost;
 }
 
 DrawFunc bandedKernel(uint32_t record)

@@ -1,6 +1,5 @@
 #include "workers.h"
 
-#include <chrono>
 #include <system_error>
 
 namespace bands {
@@ -55,33 +54,33 @@ void Workers::announce()
 
 void Workers::wake() { announce(); }
 
-bool Workers::takeBand(Share &share, double &cost)
+bool Workers::takeBand(Share &share)
 {
     uint64_t now = share.ticket.load(std::memory_order_acquire);
     while (nextOf(now) < endOf(now))
         if (share.ticket.compare_exchange_weak(now, now + 1, std::memory_order_acq_rel, std::memory_order_acquire)) {
-            cost += current->drawBand(int(nextOf(now)));
+            current->drawBand(int(nextOf(now)));
             drawn.fetch_add(1, std::memory_order_release);
             return true;
         }
     return false;
 }
 
-// First its own, then of others. Returns their cost.
-double Workers::takeBands(int thread)
+// First its own, then of others.
+bool Workers::takeBands(int thread)
 {
-    double cost = 0;
+    bool any = false;
     for (int k = 0; k < shareCount; ++k)
-        while (takeBand(shares[size_t((thread + k) % shareCount)], cost)) {
-        }
-    return cost;
+        while (takeBand(shares[size_t((thread + k) % shareCount)]))
+            any = true;
+    return any;
 }
 
 void Workers::work(int thread)
 {
     for (int idle = 0; !ends.load(std::memory_order_relaxed);) {
         const uint32_t seen = announced.load(std::memory_order_acquire);
-        if (takeBands(thread) > 0)
+        if (takeBands(thread))
             idle = 0;
         while (announced.load(std::memory_order_relaxed) == seen && ++idle < idleTurns)
             pause();
@@ -93,7 +92,7 @@ void Workers::work(int thread)
     }
 }
 
-double Workers::draw(const Batch &batch, int bandCount)
+void Workers::draw(const Batch &batch, int bandCount)
 {
     current = &batch;
     drawn.store(0, std::memory_order_relaxed);
@@ -103,15 +102,12 @@ double Workers::draw(const Batch &batch, int bandCount)
         shares[size_t(k)].ticket.store(uint64_t{batchNumber} << 32 | end << 16 | begin, std::memory_order_release);
     }
     announce();
-    const auto start = std::chrono::steady_clock::now();
-    const double cost = takeBands(0);
-    const std::chrono::duration<double, std::nano> time = std::chrono::steady_clock::now() - start;
+    takeBands(0);
     for (int turn = 0; drawn.load(std::memory_order_acquire) < bandCount;)
         if (++turn < turnsBeforeYielding)
             pause();
         else
             std::this_thread::yield();
-    return cost > 0 ? time.count() / cost : 0;
 }
 
 } // namespace bands

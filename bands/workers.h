@@ -20,9 +20,8 @@ public:
 
     // Wakes them ahead of a batch.
     void wake();
-    // Draws a batch of so many bands; returns when it is drawn. Returns the calling thread's ns for a ns of cost: others may have
-    // to fetch pixels and draws from its caches.
-    double draw(const Batch &batch, int bandCount);
+    // Draws a batch of so many bands; returns when it is drawn.
+    void draw(const Batch &batch, int bandCount);
 
 private:
     // The bands of a batch are dealt out in turn of the rows: in frame after frame a thread begins with the same rows, which its
@@ -42,8 +41,8 @@ private:
     uint32_t batchNumber = 0;
     std::vector<std::thread> threads;
 
-    bool takeBand(Share &share, double &cost);
-    double takeBands(int thread);
+    bool takeBand(Share &share);
+    bool takeBands(int thread);
     void work(int thread);
     void announce();
 };

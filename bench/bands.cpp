@@ -232,6 +232,8 @@ void use(int threads)
         pin();
 }
 
+constexpr double warmTime = 10e-3; // s
+
 // The median times of ways to draw, in seconds, each in turn; which one follows which changes too. `draw` draws, flushes and gives
 // its time.
 template <class Draw>
@@ -244,13 +246,16 @@ std::vector<double> measureBy(const std::vector<int> &ways, int turns, Draw &&dr
             const size_t step = ways.size() > 2 && turn % 2 ? ways.size() - 1 : 1;
             const size_t way = (size_t(turn + 1) / 2 + number * step) % ways.size();
             use(ways[way]);
-            const Clock::time_point began = Clock::now();
-            do // the first one has other threads' pixels in its cache, and new threads are awake for a while
+            Clock::time_point began = Clock::now();
+            do // the first ones have other threads' pixels in their cache, and find out whether recording pays
                 draw();
-            while (secondsSince(began) < 1e-3);
-            const double seconds = draw();
-            if (turn >= 0)
-                times[way].push_back(seconds);
+            while (secondsSince(began) < warmTime);
+            began = Clock::now();
+            do {
+                const double seconds = draw();
+                if (turn >= 0)
+                    times[way].push_back(seconds);
+            } while (secondsSince(began) < warmTime);
         }
     std::vector<double> medians;
     for (std::vector<double> &values : times)

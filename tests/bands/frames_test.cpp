@@ -268,29 +268,48 @@ TEST_F(Frames, FramesThatDoNotPayAreDrawnAtOnce)
     DeleteTexture(picture);
 }
 
-TEST(Experience, AFrameThatDidNotPayIsTriedMoreAndMoreSeldom)
+using Way = bands::Experience::Way;
+
+// Draws frames with such times; returns the ways.
+std::vector<Way> ways(bands::Experience &experience, uint32_t key, int count, float recorded, float atOnce)
+{
+    std::vector<Way> list;
+    for (int k = 0; k < count; ++k) {
+        list.push_back(experience.begin(key));
+        experience.end(list.back() == Way::recorded ? recorded : atOnce, true, true);
+    }
+    return list;
+}
+
+TEST(Experience, TheShorterWayIsTaken)
 {
     bands::Experience experience;
-    using Advice = bands::Experience::Advice;
-    const auto atOnce = [&](uint32_t key) {
-        int count = 0;
-        while (experience.begin(key) == Advice::drawAtOnce)
-            ++count;
-        return count;
-    };
-    EXPECT_EQ(experience.begin(7), Advice::unknown);
-    for (const int count : {1, 3, 7, 15, 31, 31}) {
-        experience.end(false);
-        EXPECT_EQ(atOnce(7), count);
-    }
-    EXPECT_EQ(experience.begin(8), Advice::unknown) << "another beginning";
-    experience.end(true);
-    EXPECT_EQ(experience.begin(8), Advice::pays);
-    EXPECT_EQ(atOnce(7), 0) << "not yet ended";
-    experience.end(true);
-    EXPECT_EQ(experience.begin(7), Advice::pays);
-    experience.end(false);
-    EXPECT_EQ(atOnce(7), 1) << "it once paid";
+    std::vector<Way> list = ways(experience, 7, 7, 200, 100);
+    EXPECT_EQ(std::count(list.begin(), list.end(), Way::recorded), 4) << "three in a row are tried";
+    list = ways(experience, 7, 300, 200, 100);
+    EXPECT_LE(std::count(list.begin(), list.end(), Way::recorded), 20);
+    EXPECT_GE(std::count(list.begin(), list.end(), Way::recorded), 6);
+    // It turns.
+    list = ways(experience, 7, 2000, 100, 300);
+    EXPECT_LE(std::count(list.begin() + 1100, list.end(), Way::atOnce), 3) << "what is much longer is seldom tried";
+    list = ways(experience, 8, 1000, 100, 120);
+    EXPECT_GE(std::count(list.begin(), list.end(), Way::atOnce), 30);
+    EXPECT_LE(std::count(list.begin(), list.end(), Way::atOnce), 70);
+    EXPECT_TRUE(experience.expectsThreads());
+}
+
+TEST(Experience, WhatIsNotWorthRecordingIsTriedMoreAndMoreSeldom)
+{
+    bands::Experience experience;
+    std::vector<int> tried;
+    for (int k = 0; k < 200; ++k)
+        if (experience.begin(7) == Way::recorded) {
+            experience.end(100, false, false);
+            tried.push_back(k);
+        } else {
+            experience.end(100, false, false);
+        }
+    EXPECT_EQ(tried, (std::vector<int>{0, 2, 6, 14, 30, 62, 126, 190}));
 }
 
 } // namespace
