@@ -19,7 +19,7 @@ using layer::Function;
 
 // Of a trial: what counts as shorter, and as much longer. Frames between trials.
 constexpr float shorter = 0.97F, muchLonger = 1.5F;
-constexpr uint16_t firstTrial = 4, mostPause = 63, longPause = 1023;
+constexpr uint16_t firstTrial = 4, leastPause = 15, mostPause = 63, longPause = 1023;
 constexpr int trialFrames = 3; // of which the first one has its pixels in other threads' caches
 
 void takeTablesOfLibrary() { takeTables(ninefold::uvlShift, ninefold::stippleSteps, ninefold::activeSets.any->lanes); }
@@ -63,9 +63,9 @@ Experience::Way Experience::begin(uint32_t key)
     return trial == (current->way == Way::recorded) ? Way::atOnce : Way::recorded;
 }
 
-void Experience::keepWay(uint16_t most)
+void Experience::keepWay(uint16_t least, uint16_t most)
 {
-    current->pause = std::min(uint16_t(2 * current->pause + 1), most);
+    current->pause = std::clamp(uint16_t(2 * current->pause + 1), least, most);
     current->left = current->pause;
     current->tried = 0, current->triedTime = 0;
 }
@@ -79,7 +79,7 @@ void Experience::end(float time, bool recorded, bool shared)
     if (wasRecorded && !recorded) { // nothing was worth it, so there is nothing to compare
         if (!trial)
             one.way = Way::atOnce, one.time = 0;
-        keepWay(mostPause);
+        keepWay(1, mostPause);
     } else if (!trial) {
         one.time += one.time > 0 ? (std::min(time, 2 * one.time) - one.time) / 4 : time;
         if (one.pause == 0 && one.left == firstTrial) // the first one of all finds textures and memory cold
@@ -90,8 +90,11 @@ void Experience::end(float time, bool recorded, bool shared)
         if (one.tried < trialFrames)
             return;
         if (one.triedTime < shorter * one.time || one.time == 0)
-            one.way = one.way == Way::recorded ? Way::atOnce : Way::recorded, one.time = one.triedTime, one.pause = 1;
-        keepWay(one.triedTime > muchLonger * one.time ? longPause : mostPause);
+            one.way = one.way == Way::recorded ? Way::atOnce : Way::recorded, one.time = one.triedTime, one.pause = 0;
+        if (one.triedTime > muchLonger * one.time)
+            keepWay(mostPause, longPause);
+        else
+            keepWay(leastPause, mostPause);
     }
 }
 

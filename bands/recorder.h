@@ -9,7 +9,7 @@
 namespace bands {
 
 // Whether recording pays. A frame - what lies between two flushes of the host's - is expected to go on as the ones did that began
-// with such a draw. From time to time three of them in a row are drawn the other way, recorded or at once, and where the time from
+// with such a draw. From time to time three of them are drawn the other way, recorded or at once, and where the time from
 // the first draw to the end of the flush was shorter they stay at that. Where it was not, the next trial comes twice as late.
 class Experience {
 public:
@@ -32,7 +32,7 @@ private:
     Known known[64]{};
     Known *current = nullptr;
 
-    void keepWay(uint16_t most);
+    void keepWay(uint16_t least, uint16_t most);
 };
 
 struct Recorder {
