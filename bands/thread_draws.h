@@ -35,12 +35,12 @@ struct alignas(64) Draw {
 };
 static_assert(sizeof(Draw) == 128);
 
-// No row outside is read or written.
+// Of a draw: no row outside is read or written.
 struct Rows {
     int32_t top, bottom;
 };
 
-// Draws the rows from top to bottom - 1 of all draws, in their order. rows: of each.
+// Draws the rows from top to bottom - 1 of all draws, in their order.
 void drawRows(std::span<const Rows> rows, const Draw *draws, int32_t top, int32_t bottom);
 
 // The second copy's kernel of a record in table order, function (null: it has none), and operator by index.
