@@ -108,8 +108,22 @@ int Recorder::start(int threads)
     started = true;
     layer::listen(true);
     threads = workers.start(threads);
-    leastCost = threads > 3 ? 150 : threads > 1 ? 300 : 30e3;
+    setLimits();
     return threads;
+}
+
+void Recorder::setLimits()
+{
+    const int threads = workers.count();
+    leastCost = all ? 0 : threads > 3 ? 150 : threads > 1 ? 300 : 30e3;
+    worthSharing = all ? 0 : 100e3;
+}
+
+void Recorder::recordAll(bool wanted)
+{
+    endFrame();
+    all = wanted;
+    setLimits();
 }
 
 void Recorder::stop()
@@ -123,7 +137,7 @@ void Recorder::stop()
 void Recorder::beginFrame(layer::Id id)
 {
     open = true;
-    if (!learns || divide)
+    if (all || divide)
         return;
     opened = std::chrono::steady_clock::now();
     std::copy(std::begin(counts), std::end(counts), countsBefore);
@@ -144,7 +158,7 @@ void Recorder::endFrame()
     } else {
         flush();
     }
-    if (open && learns && !divide) {
+    if (open && !all && !divide) {
         const std::chrono::duration<float, std::nano> time = std::chrono::steady_clock::now() - opened;
         experience.end(time.count(), counts[NINEFOLD_BANDS_RECORDED] > countsBefore[NINEFOLD_BANDS_RECORDED],
                        counts[NINEFOLD_BANDS_SHARED] > countsBefore[NINEFOLD_BANDS_SHARED]);
@@ -240,6 +254,7 @@ const NinefoldBandsCalls *ninefoldBandsCalls(void)
         [](int what) -> unsigned long long {
             return what >= 0 && what < int(std::size(bands::recorder().counts)) ? bands::recorder().counts[what] : 0;
         },
+        [](int all) { bands::recorder().recordAll(all != 0); },
     };
     return &calls;
 }

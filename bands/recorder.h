@@ -41,17 +41,18 @@ struct Recorder {
     Batch batch;
     Workers workers;
     // Below so many ns the thread that flushes draws alone: others take about half of that to wake.
-    double worthSharing = 100e3;
+    double worthSharing = 0;
     // Draws of a cost below are drawn at once while nothing waits before them: recording them costs more than other threads save.
     // With one thread only what does not fit a cache is worth it.
     float leastCost = 0;
     void (*divide)(const Batch &batch) = nullptr; // tests draw the rows of a batch in an order of their own
     Experience experience;
-    bool learns = true; // tests record every frame; so do frames that a test divides
+    bool all = false; // everything is recorded and shared; so is what a test divides
     bool atOnce = false; // the frame is drawn at once, untold
 
     int start(int threads);
     void stop();
+    void recordAll(bool wanted);
     // Of the host's: a frame ends.
     void endFrame();
     void flush();
@@ -66,6 +67,7 @@ private:
 
     void beginFrame(layer::Id id);
     void wake();
+    void setLimits();
 };
 
 Recorder &recorder();

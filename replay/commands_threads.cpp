@@ -105,6 +105,7 @@ int verifyOn(const Bands &bands, Tape &tape, const Range &range, const std::stri
         std::printf("%s: %s, on one thread without bands\n", path.c_str(), tape.difference().c_str());
         return statusFound;
     }
+    bands.calls->recordAll(1);
     for (uint64_t threads = range.first; threads <= range.last; ++threads) {
         bands.start(int(threads));
         const uint64_t whole = bands.count(NINEFOLD_BANDS_WHOLE), recorded = bands.count(NINEFOLD_BANDS_RECORDED);

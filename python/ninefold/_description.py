@@ -557,4 +557,5 @@ BANDS: dict[str, tuple[Any, list[Any]]] = {
     "stop": (None, []),
     "declarePure": (None, [c_void_p]),
     "count": (c_ulonglong, [c_int]),
+    "recordAll": (None, [c_int]),
 }

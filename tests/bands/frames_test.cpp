@@ -148,7 +148,6 @@ TEST_F(Frames, ThreadsDrawAsOne)
 {
     startLibrary();
     bands::Recorder &recorder = bands::recorder();
-    recorder.learns = false;
     Random random(seedWanted());
     for (uint16_t &word : zeros)
         word = uint16_t(random.word() & random.word());
@@ -172,10 +171,9 @@ TEST_F(Frames, ThreadsDrawAsOne)
 
         buffers[0].restore(before[0]), buffers[1].restore(before[1]);
         const int threads = recorder.start(1 + int(number % 8));
-        if (number % 16 < 8)
-            recorder.worthSharing = 0, recorder.leastCost = 0;
-        else
-            recorder.worthSharing = 20e3;
+        recorder.recordAll(true);
+        if (number % 16 >= 8)
+            recorder.worthSharing = 20e3, recorder.leastCost = 300;
         rs = RenderState{};
         calls = {};
         draw(numbers);
@@ -192,6 +190,7 @@ TEST_F(Frames, ThreadsDrawAsOne)
                 static_cast<unsigned long long>(recorder.counts[0]), static_cast<unsigned long long>(recorder.counts[1]),
                 static_cast<unsigned long long>(recorder.counts[2]), static_cast<unsigned long long>(recorder.counts[3]));
     EXPECT_GT(recorder.counts[3], frames / 2);
+    recorder.recordAll(false);
     recorder.stop();
 }
 
@@ -201,7 +200,6 @@ TEST_F(Frames, FramesThatDoNotPayAreDrawnAtOnce)
 {
     startLibrary();
     bands::Recorder &recorder = bands::recorder();
-    recorder.learns = true;
     Texture *const frame = CreateTexture(width, height), *const picture = CreateTexture(64, 64);
     for (uint32_t k = 0; k < 64 * 64; ++k)
         picture->pixels[k] = k * 0x9E3779B1u;

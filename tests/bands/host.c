@@ -19,6 +19,7 @@ int main(int count, char **arguments)
     EXPECT(NinefoldBandsStart(2) == 2 * bands);
     EXPECT(NinefoldBandsDeclarePure(halve) == bands);
     EXPECT(NinefoldBandsFlush() == bands);
+    EXPECT(NinefoldBandsRecordAll(1) == bands);
     if (bands) {
         EXPECT(NinefoldBands()->size == sizeof(NinefoldBandsCalls));
         EXPECT(NinefoldBandsStart(0) >= 1);

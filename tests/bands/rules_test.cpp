@@ -17,7 +17,7 @@ protected:
     void SetUp() override
     {
         Canvas::SetUp();
-        recorder().learns = false;
+        recorder().recordAll(true);
         recorder().divide = [](const bands::Batch &batch) {
             const auto part = [&](int32_t top, int32_t bottom) {
                 if (top < bottom)

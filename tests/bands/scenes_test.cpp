@@ -192,7 +192,7 @@ TEST_P(Scenes, BandsDrawAsTheWhole)
     std::vector<Subject> subjects = sharedCatalogue();
     subjects.insert(subjects.end(), namedSubjects().begin(), namedSubjects().end());
     const uint32_t scenes = scenesWanted(1);
-    bands::recorder().learns = false;
+    bands::recorder().recordAll(true);
     for (const Subject &subject : subjects)
         for (uint32_t number = 0; number < scenes * (subject.exported ? 20 : 1); ++number) {
             if (cuts.below(64) == 0)

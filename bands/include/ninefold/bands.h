@@ -53,6 +53,7 @@ typedef struct NinefoldBandsCalls {
     void (*stop)(void);
     void (*declarePure)(PixelOperator function);
     unsigned long long (*count)(int what);
+    void (*recordAll)(int all);
 } NinefoldBandsCalls;
 
 /* What NinefoldBandsCount counts, since the program began. */
@@ -105,6 +106,10 @@ static inline int NinefoldBandsDeclarePure(PixelOperator function)
 
 /* One of the counts above; 0 under the plain library, and for what is not counted. */
 static inline unsigned long long NinefoldBandsCount(int what) { return NinefoldBands() ? NinefoldBands()->count(what) : 0; }
+
+/* For tests of a program: 1 records every draw that bands can cut and draws it on all threads, also where that does not pay; 0, as
+ * at first, where it pays. Flushes. Returns 1, or 0 under the plain library. */
+static inline int NinefoldBandsRecordAll(int all) { return NinefoldBands() ? (NinefoldBands()->recordAll(all), 1) : 0; }
 
 #ifdef __cplusplus
 }
