@@ -61,7 +61,8 @@ async function start() {
     let waiting = 0;
     const keep = (link: HTMLAnchorElement) => {
         clearTimeout(waiting);
-        waiting = window.setTimeout(() => history.replaceState(null, "", link.href), 200);
+        const before = location.hash; // another one by then is another view, which is about to be shown
+        waiting = window.setTimeout(() => location.hash === before && history.replaceState(null, "", link.href), 200);
     };
     const linkTo = (view: string) => document.querySelector<HTMLAnchorElement>(`header nav a[href^="#${view}"]`)!;
     const home = linkTo("play"), textLink = linkTo("text");
