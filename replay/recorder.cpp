@@ -250,8 +250,12 @@ void Recorder::writeMemory(const Rows &source)
             if (masks)
                 out.number(maskNumber), out.number(source.element);
             writer->event(EventType::memory, out);
+            // As it was written, and not as the host's memory is now: what it has freed, frame buffers too, others may be using.
+            for (size_t row = 0; row < rowCount; ++row)
+                for (size_t at = 0, step = masks ? source.element : size; at < size; at += step)
+                    if (!masks || mask[row * (mask.size() / rowCount) + at / step / 8] >> at / step % 8 & 1)
+                        shadow.store(source.row(top + row) + left + at, gathered.data() + row * size + at, step);
         }
-    shadow.take(source, box);
 }
 
 // Of what was gathered from a part of the rows: a bit for each element, set where it is new. In the place of the others, which often

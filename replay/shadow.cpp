@@ -59,12 +59,16 @@ Shadow::Box Shadow::compare(const Rows &rows)
 void Shadow::take(const Rows &rows, const Box &box)
 {
     for (size_t row = box.top; row < box.bottom; ++row)
-        for (size_t at = box.left; at < box.right;) {
-            const uintptr_t address = rows.row(row) + at;
-            const size_t size = std::min(box.right - at, readable(address));
-            std::memcpy(page(address / pageSize) + address % pageSize, reinterpret_cast<const void *>(address), size);
-            at += size;
-        }
+        store(rows.row(row) + box.left, reinterpret_cast<const uint8_t *>(rows.row(row) + box.left), box.right - box.left);
+}
+
+void Shadow::store(uintptr_t address, const uint8_t *from, size_t size)
+{
+    for (size_t at = 0; at < size;) {
+        const size_t part = std::min(size - at, readable(address + at));
+        std::memcpy(page((address + at) / pageSize) + (address + at) % pageSize, from + at, part);
+        at += part;
+    }
 }
 
 } // namespace capture

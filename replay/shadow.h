@@ -19,6 +19,8 @@ public:
     Box compare(const Rows &rows);
     // Takes the host's memory over.
     void take(const Rows &rows, const Box &box);
+    // Other bytes than the host's.
+    void store(uintptr_t address, const uint8_t *from, size_t size);
     const uint8_t *read(uintptr_t address) { return page(address / pageSize) + address % pageSize; }
     void copy(uintptr_t address, size_t size, uint8_t *to);
     static size_t readable(uintptr_t address) { return pageSize - address % pageSize; } // bytes from there that read() gives
