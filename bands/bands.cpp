@@ -63,9 +63,9 @@ Experience::Way Experience::begin(uint32_t key)
     return trial == (current->way == Way::recorded) ? Way::atOnce : Way::recorded;
 }
 
-void Experience::keepWay(uint16_t least, uint16_t most)
+void Experience::keepWay(uint16_t low, uint16_t high)
 {
-    current->pause = std::clamp(uint16_t(2 * current->pause + 1), least, most);
+    current->pause = std::clamp(uint16_t(2 * current->pause + 1), low, high);
     current->left = current->pause;
     current->tried = 0, current->triedTime = 0;
 }

@@ -32,7 +32,7 @@ private:
     Known known[64]{};
     Known *current = nullptr;
 
-    void keepWay(uint16_t least, uint16_t most);
+    void keepWay(uint16_t low, uint16_t high);
 };
 
 struct Recorder {

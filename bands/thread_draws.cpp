@@ -110,7 +110,7 @@ void passRows(const Draw &draw)
 void drawBetween(const Draw &draw, int32_t top, int32_t bottom, const RenderState *&loaded)
 {
     const RenderState &state = *draw.state;
-    if (loaded != &state)
+    if (!loaded || loaded != &state)
         copyState(rs, state);
     copyBytes<sizeof draw.busy.bytes>(reinterpret_cast<std::byte *>(&rs) + busyBegin, draw.busy.bytes);
     rs.clipTop = std::max(state.clipTop, top);
