@@ -2,6 +2,8 @@
 #include "jobs.h"
 #include "scene.h"
 
+#include <cstdlib>
+
 #include <dlfcn.h>
 
 #include <utility>
@@ -24,6 +26,7 @@ struct Twin {
 #define NINEFOLD_OF_TWIN(name) named(name, #name)
     bool load()
     {
+        setenv("NINEFOLD_DEBUG", "summary=off", 0);
         library = dlopen(BENCH_TWIN, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
         state = library ? static_cast<RenderState *>(dlsym(library, "rs")) : nullptr;
         if (!state)

@@ -125,8 +125,18 @@ Range rangeOf(const std::string &text, const std::string &what)
         const uint64_t number = numberOf(text, what, 1, UINT64_MAX);
         return {number, number};
     }
-    const uint64_t first = numberOf(text.substr(0, dots), "the first of " + what, 1, UINT64_MAX);
-    return {first, numberOf(text.substr(dots + 2), "the last of " + what, first, UINT64_MAX)};
+    const Range range{numberOf(text.substr(0, dots), "the first of " + what, 1, UINT64_MAX),
+                      numberOf(text.substr(dots + 2), "the last of " + what, 1, UINT64_MAX)};
+    if (range.last < range.first)
+        fail(statusUsage, what + " " + text + " ends before it begins");
+    return range;
+}
+
+void keep(const std::string &capture, const std::string &out)
+{
+    std::error_code error;
+    if (std::filesystem::equivalent(capture, out, error))
+        fail(statusUsage, out + " is the capture itself, which would be lost; name another file");
 }
 
 void startRecording(const std::string &path, const Player &player)

@@ -113,6 +113,9 @@ struct Range {
 };
 Range rangeOf(const std::string &text, const std::string &what);
 
+// Refuses to write a file over the capture that is read.
+void keep(const std::string &capture, const std::string &out);
+
 // Draws from now on go to a new capture; endRecording says whether it is whole.
 void startRecording(const std::string &path, const capture::Player &player);
 void endRecording(const std::string &path);

@@ -126,6 +126,8 @@ int runTime(const Arguments &arguments)
         return runThreads(arguments, true);
     }
     const Opened opened(arguments.words[0]);
+    if (arguments.has("html"))
+        keep(opened.path, arguments.text("html", ""));
     const Drawer drawer(arguments);
     const uint64_t repeats = numberOf(arguments.text("repeat", "5"), "--repeat", 1, 100000);
     Player &player = *opened.player;

@@ -36,6 +36,7 @@ int runTrim(const Arguments &arguments)
     const Range range = rangeOf(arguments.text(byFrame ? "frames" : "draws", ""), byFrame ? "--frames" : "--draws");
     const Opened opened(arguments.words[0]);
     const std::string &out = arguments.words[1];
+    keep(opened.path, out);
     Player &player = *opened.player;
     Progress progress("trim", *opened.reader);
     uint64_t kept = 0, refused = 0, different = 0;
@@ -483,6 +484,7 @@ int runMinimise(const Arguments &arguments)
     if (arguments.has("lib") == arguments.has("twin"))
         fail(statusUsage, "minimise needs either --lib PATH, the build that draws otherwise or crashes, or --twin RULE");
     const std::string &path = arguments.words[0], &out = arguments.words[1];
+    keep(path, out);
     if (arguments.has("twin")) {
         const std::string rule = ruleOf(arguments.text("twin", ""));
         const Opened opened(path);

@@ -15,6 +15,7 @@ int runExport(const Arguments &arguments)
     const Opened opened(arguments.words[0]);
     const uint64_t wanted = numberOf(arguments.words[1], "the number of the draw", 1, UINT64_MAX);
     const std::string path = arguments.text("out", "draw-" + std::to_string(wanted) + ".c");
+    keep(opened.path, path);
     Player &player = *opened.player;
     Progress progress("export", *opened.reader);
     for (Step step; (step = player.next()) != Step::end;) {

@@ -1,6 +1,8 @@
 // ninefold-replay: draws captures again.
 #include "command.h"
 
+#include "report.h"
+
 #include <ninefold/ninefold.h>
 
 #include <algorithm>
@@ -158,6 +160,7 @@ int main(int count, char **arguments)
 #else
     unsetenv("NINEFOLD_DEBUG");
 #endif
+    debug::settings().summary = false;
     try {
         return replay::run({arguments + 1, arguments + count});
     } catch (const replay::Failure &failure) {

@@ -265,7 +265,7 @@ TEST_F(Captured, GoesBack)
     record();
     for (const bool cutOff : {false, true}) {
         if (cutOff)
-            file.resize(file.size() - 5);
+            file.erase(file.end() - 5, file.end());
         std::string error;
         const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(file), error);
         Player player(*reader);

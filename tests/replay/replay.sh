@@ -72,6 +72,8 @@ done
 expect 0 "no draw breaks the rule mosaic-size" "$replay" minimise wrong.nfc none.nfc --twin mosaic-size
 expect 2 "no rule 'nonsense'" "$replay" minimise wrong.nfc none.nfc --twin nonsense
 expect 2 "not one of draws" "$replay" minimise wrong.nfc none.nfc --twin code-unknown
+expect 2 "wrong.nfc is the capture itself" "$replay" trim wrong.nfc ./wrong.nfc --frames 1
+expect 2 "ends before it begins" "$replay" trim wrong.nfc none.nfc --frames 5..2
 expect 2 "either --lib" "$replay" minimise wrong.nfc none.nfc
 
 for number in 1 2 3 4 5; do
