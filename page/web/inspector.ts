@@ -52,6 +52,7 @@ export class Inspector {
     private readonly heading = h("h2", { id: "step-title" });
     private readonly result = h("p", { id: "step-result" });
     private readonly tabs = h("div", { class: "values", role: "group", "aria-label": "What is shown" });
+    private whole = () => {}; // says what the capture is as a whole
     private readonly zoom = h("select", { id: "capture-zoom", change: () => this.place() }, ...["fit", "1", "2", "4"].map((one) => h("option", { value: one }, one === "fit" ? "to fit" : `${one} times`)));
     private readonly canvas = h("canvas", { id: "shown", role: "img" });
     private readonly meaning = h("p", { class: "meaning" });
@@ -182,7 +183,8 @@ export class Inspector {
         if (missing) said.push(`${count(missing, "draw")} could not be made.`);
         if (list.lost) said.push(`${count(list.lost, "draw")} could not be recorded, because memory that they need was missing.`);
         if (list.problem) said.push(`The file is not whole: ${list.problem}. It goes up to draw ${list.draws.toLocaleString("en")}.`);
-        this.say(said.join(" "), Boolean(list.problem || otherwise || missing));
+        this.whole = () => this.say(said.join(" "), Boolean(list.problem || otherwise || missing));
+        this.whole();
         this.body.hidden = !list.steps.length;
         if (!list.steps.length) return;
         this.slider.max = String(list.steps.length - 1);
@@ -299,7 +301,7 @@ export class Inspector {
         this.guarded(() => {
             const shown = this.capture!.edit([...edits].map((pair) => pair.join("=")).join("&"));
             if (shown.error) return this.say(shown.error, true);
-            this.say("");
+            this.whole();
             this.edits = edits;
             this.shown = shown;
             this.fill();
@@ -366,9 +368,9 @@ export class Inspector {
 
     private fillAxes() {
         const s = this.shown;
+        const focused = document.activeElement?.id;
         this.axes.replaceChildren();
         if (!s.kernel) return;
-        const focused = document.activeElement?.id;
         const look = this.module.look(`name=${s.name}`);
         const selects = this.module.description.axes.map((axis, i) => {
             const id = `edit-${axis.key}`;
@@ -385,7 +387,9 @@ export class Inspector {
         this.reset.disabled = !this.shown.edited;
         this.cells.replaceChildren(...this.shown.cells.filter((cell) => this.all.checked || !cell.zero || cell.isNew || cell.edited).map((cell) => {
             const id = `rs-${cell.name}`;
-            const input = h("input", { id, type: "text", value: cell.value, "aria-label": `rs.${cell.name}`, size: "12", spellcheck: "false", autocomplete: "off", change: () => this.change(cell.name, input.value) });
+            const input = h("input", { id, type: "text", value: cell.value, "aria-label": `rs.${cell.name}`, size: "12", spellcheck: "false", autocomplete: "off",
+                // When the focus is where it goes: it would be lost with a field that is made anew.
+                change: () => setTimeout(() => this.change(cell.name, input.value)) });
             return h("tr", { class: cell.edited ? "edited" : cell.isNew ? "new" : "" },
                 h("th", { scope: "row" }, cell.name, cell.edited ? " (edited)" : cell.isNew ? " *" : ""), h("td", {}, cell.number ? input : cell.text), h("td", {}, cell.isNew && cell.number ? cell.was : ""));
         }));
