@@ -188,6 +188,8 @@ int runThreads(const Arguments &arguments, bool times)
     const std::unique_ptr<Tape> tape = readTape(arguments, times ? "time" : "verify");
     const std::string &path = arguments.words[0];
     const int status = times ? timeOn(bands, *tape, range, arguments) : verifyOn(bands, *tape, range, path);
+    if (tape->empty())
+        std::printf("%s: %s more draws reach no pixel\n", path.c_str(), grouped(tape->empty()).c_str());
     if (tape->refused())
         std::printf("%s: %s draws were not made; first %s\n", path.c_str(), grouped(tape->refused()).c_str(),
                     tape->refusal().c_str());

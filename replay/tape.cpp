@@ -160,6 +160,7 @@ void Tape::takeDraw(bool unchecked)
     if (p.empty()) { // nothing to be made: what it left in rs is in the state of the next one
         player.make(Library::linked());
         player.finish();
+        ++emptyCount;
         return;
     }
     for (const layer::TextureUse &use : player.footprint().textures())

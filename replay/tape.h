@@ -22,6 +22,7 @@ public:
     static std::unique_ptr<Tape> read(const std::string &path, bool unchecked, const Watch &watch, std::string &error);
 
     uint64_t draws() const { return drawCount; } // those in it
+    uint64_t empty() const { return emptyCount; } // draws of nothing, which are not
     uint64_t frames() const { return frameList.size(); }
     uint64_t pixels() const { return pixelCount; } // in the draws' reach
     uint64_t refused() const { return refusedCount; }
@@ -71,7 +72,7 @@ private:
     std::vector<Word> words, left; // before and after draws
     std::vector<Rows> written;
     std::vector<Said> said;
-    uint64_t drawCount = 0, pixelCount = 0, refusedCount = 0;
+    uint64_t drawCount = 0, emptyCount = 0, pixelCount = 0, refusedCount = 0;
     std::string firstRefusal, firstDifference;
     bool isTooLarge = false;
 
