@@ -1,5 +1,5 @@
 // A capture in an instance of the module of its own: its player has the render state to itself.
-import type { Emscripten } from "./module";
+import { type Emscripten, withText } from "./module";
 
 export interface Step {
     name: number; // of CaptureList.names; -1: the end of a frame
@@ -87,16 +87,16 @@ export class Capture {
         return this.json(this.m._captureShow(step));
     }
     edit(edits: string): Shown {
-        return this.withText(edits, (at) => this.json(this.m._captureEdit(at)));
+        return withText(this.m, edits, (at) => this.json(this.m._captureEdit(at)));
     }
     // Null where there is none.
     view(what: string): View | null {
-        const at = this.withText(what, (text) => this.m._captureView(text));
+        const at = withText(this.m, what, (text) => this.m._captureView(text));
         const width = this.m._captureWidth(), height = this.m._captureHeight();
         return width && height ? { words: new Uint32Array(this.m.HEAPU8.slice(at, at + 4 * width * height).buffer), width, height } : null;
     }
     program(name: string): string {
-        return this.withText(name, (at) => this.m.UTF8ToString(this.m._captureProgram(at)));
+        return withText(this.m, name, (at) => this.m.UTF8ToString(this.m._captureProgram(at)));
     }
     trim(): Uint8Array {
         const size = this.m._captureTrim(), at = this.m._captureBytes();
@@ -105,15 +105,5 @@ export class Capture {
 
     private json(at: number) {
         return JSON.parse(this.m.UTF8ToString(at));
-    }
-    private withText<T>(text: string, use: (at: number) => T): T {
-        const size = this.m.lengthBytesUTF8(text) + 1;
-        const at = this.m._malloc(size);
-        this.m.stringToUTF8(text, at, size);
-        try {
-            return use(at);
-        } finally {
-            this.m._free(at);
-        }
     }
 }

@@ -82,6 +82,18 @@ declare global {
     const createNinefold: (options: object) => Promise<Emscripten>;
 }
 
+// Calls `use` with the address of a copy of the text in the module's memory, which then is freed.
+export function withText<T>(m: Emscripten, text: string, use: (at: number) => T): T {
+    const size = m.lengthBytesUTF8(text) + 1;
+    const at = m._malloc(size);
+    m.stringToUTF8(text, at, size);
+    try {
+        return use(at);
+    } finally {
+        m._free(at);
+    }
+}
+
 export class Module {
     readonly description: Description;
 
@@ -106,26 +118,26 @@ export class Module {
         return JSON.parse(this.m.UTF8ToString(this.m._pageFamilies()));
     }
     members(name: string): string[] {
-        return this.withText(name, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageMembers(at))));
+        return withText(this.m, name, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageMembers(at))));
     }
     // The name of a code or name; "" where there is none.
     find(text: string): string {
-        return this.withText(text, (at) => this.m.UTF8ToString(this.m._pageFind(at)));
+        return withText(this.m, text, (at) => this.m.UTF8ToString(this.m._pageFind(at)));
     }
     look(state: string): Look {
-        return this.withText(state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageLook(at))));
+        return withText(this.m, state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageLook(at))));
     }
     draw(state: string): { error?: string; findings?: Finding[] } {
-        return this.withText(state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageDraw(at))));
+        return withText(this.m, state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageDraw(at))));
     }
     probe(state: string, x: number, y: number): Probe {
-        return this.withText(state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageProbe(at, x, y))));
+        return withText(this.m, state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageProbe(at, x, y))));
     }
     time(state: string, milliseconds: number): { ns: number; pixels: number } {
-        return this.withText(state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageTime(at, milliseconds))));
+        return withText(this.m, state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageTime(at, milliseconds))));
     }
     clear(state: string) {
-        this.withText(state, (at) => this.m._pageClear(at));
+        withText(this.m, state, (at) => this.m._pageClear(at));
     }
 
     // Copies of what the last draw left.
@@ -145,7 +157,7 @@ export class Module {
 
     // Of a text, which text.ts makes, and of a font's file.
     text(state: string): { error?: string; findings?: Finding[]; drawn?: Drawn } {
-        return this.withText(state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageText(at))));
+        return withText(this.m, state, (at) => JSON.parse(this.m.UTF8ToString(this.m._pageText(at))));
     }
     atlas(): Uint32Array {
         const at = this.m._pageAtlas();
@@ -156,22 +168,12 @@ export class Module {
     }
 
     giveFile(file: string, words: Uint32Array, width: number, height: number) {
-        this.withText(file, (name) => this.withWords(words, (at) => this.m._pageGiveFile(name, at, width, height)));
+        withText(this.m, file, (name) => this.withWords(words, (at) => this.m._pageGiveFile(name, at, width, height)));
     }
     giveDropped(words: Uint32Array, width: number, height: number) {
         this.withWords(words, (at) => this.m._pageGiveDropped(at, width, height));
     }
 
-    private withText<T>(text: string, use: (at: number) => T): T {
-        const size = this.m.lengthBytesUTF8(text) + 1;
-        const at = this.m._malloc(size);
-        this.m.stringToUTF8(text, at, size);
-        try {
-            return use(at);
-        } finally {
-            this.m._free(at);
-        }
-    }
     private withWords<T>(words: Uint32Array, use: (at: number) => T): T {
         return this.withBytes(new Uint8Array(words.buffer, words.byteOffset, words.byteLength), use);
     }
