@@ -78,7 +78,7 @@ page:
 	scripts/setup page kit capture
 	JOBS=$(JOBS) scripts/page $(ARGS)
 
-# Debian packages in build-packages/, tested where they are installed: make packages ARGS=--twice.
+# Debian packages in build-packages/, tested where they are installed: make packages ARGS=--twice, or for arm64 ARGS=--arm64.
 packages:
 	scripts/setup build kit capture docs packages
 	JOBS=$(JOBS) scripts/packages $(ARGS)

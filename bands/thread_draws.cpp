@@ -12,7 +12,9 @@
 #include <utility>
 #include <vector>
 
+#if !defined(_WIN32)
 __thread RenderState ninefoldThreadState;
+#endif
 
 namespace ninefold {
 
@@ -158,10 +160,18 @@ void copyBusy(BusyFields &to, const RenderState &from)
 
 void drawRows(std::span<const Rows> rows, const Draw *draws, int32_t top, int32_t bottom)
 {
+#if defined(_WIN32)
+    RenderState own{}; // what a kernel reads is copied into it
+    RenderState *const callers = ninefoldThreadState;
+    ninefoldThreadState = &own;
+#endif
     const RenderState *loaded = nullptr;
     for (size_t k = 0; k < rows.size(); ++k)
         if (rows[k].top < bottom && rows[k].bottom > top)
             drawBetween(draws[k], top, bottom, loaded);
+#if defined(_WIN32)
+    ninefoldThreadState = callers;
+#endif
 }
 
 DrawFunc bandedKernel(uint32_t record)

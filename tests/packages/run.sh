@@ -5,19 +5,7 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 packages=$(realpath "$1")
 shift
-[ "$(id -u)" = 0 ] || { echo "$0: systems to install in are made and entered by root; run it as root" >&2; exit 1; }
-base=$("$here/root.sh")
-archives=$(dirname "$base")/archives
-
-scratch=$(mktemp -d)
-root=$scratch/root
-leave()
-{
-    for mounted in "$root/proc" "$root/var/cache/apt/archives" "$root"; do
-        ! mountpoint -q "$mounted" || umount "$mounted"
-    done
-}
-trap 'leave; rm -rf "$scratch"' EXIT
+. "$here/bare"
 
 # What makes a package of a lower version of one: the same files, and one that the higher version has no longer.
 lower()
@@ -43,15 +31,8 @@ for script in "$here"/inside/*.sh; do
     name=$(basename "$script" .sh)
     [ $# = 0 ] || [[ " $* " = *" $name "* ]] || continue
     began=$SECONDS
-    mkdir -p "$scratch/$name/upper" "$scratch/$name/work" "$root"
-    mount -t overlay ninefold -o "lowerdir=$base,upperdir=$scratch/$name/upper,workdir=$scratch/$name/work" "$root"
-    mount --bind "$archives" "$root/var/cache/apt/archives"
-    mount -t proc proc "$root/proc"
-    cp -L /etc/resolv.conf "$root/etc/resolv.conf"
-    cp -a "$scratch/files" "$root/ninefold"
     status=0
-    env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 DEBIAN_FRONTEND=noninteractive JOBS="${JOBS:-$(nproc)}" \
-        chroot "$root" bash /ninefold/tests/packages/inside/"$name".sh >"$scratch/log" 2>&1 || status=$?
+    in_bare tests/packages/inside/"$name".sh "$scratch/files" || status=$?
     if [ $status != 0 ]; then
         cat "$scratch/log"
         echo "$name: FAILED with status $status"
@@ -60,5 +41,4 @@ for script in "$here"/inside/*.sh; do
     grep '^== ' "$scratch/log" | sed 's/^== /   /'
     echo "$name: well, in $((SECONDS - began)) s"
     leave
-    rm -rf "${scratch:?}/$name"
 done

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # package.sh ZIP ARCHITECTURE BUILD SOURCE REPLAY: the zip as its users meet it, unpacked into a folder of its own, under Wine: what is in
-# it, what the DLLs want, hosts linked with its import libraries, all golden sums, the example's window, the debug twin, captures, the kit.
+# it, what the DLLs want, hosts linked with its import libraries, all golden sums, the example's window, the debug twin, captures, bands, the kit.
 # BUILD has the test programs, which find the zip's DLLs; REPLAY is ninefold-replay of this system, for captures from the other.
 # scripts/windows builds them and runs this.
 set -euo pipefail
@@ -15,8 +15,8 @@ say() { echo "package $architecture: $1"; }
 unzip -q "$zip" -d "$scratch/unpacked here"
 package=$(echo "$scratch/unpacked here"/*)
 for file in README.txt licenses/ninefold.txt bin/libninefold.dll bin/libninefold-kit.dll bin/ninefold-debug.exe bin/ninefold-replay.exe bin/win32.exe \
-    lib/ninefold/debug/libninefold.dll lib/libninefold.dll.a lib/libninefold-kit.dll.a lib/ninefold.lib lib/ninefold-kit.lib include/ninefold/ninefold.h \
-    include/ninefold/kit.h include/ninefold/debug.h examples/win32.c lib/cmake/ninefold/ninefoldConfig.cmake; do
+    lib/ninefold/debug/libninefold.dll lib/ninefold/bands/libninefold.dll lib/libninefold.dll.a lib/libninefold-kit.dll.a lib/ninefold.lib lib/ninefold-kit.lib include/ninefold/ninefold.h \
+    include/ninefold/kit.h include/ninefold/debug.h include/ninefold/bands.h examples/win32.c lib/cmake/ninefold/ninefoldConfig.cmake; do
     [ -s "$package/$file" ] || fail "no $file"
 done
 ! grep -n '@' "$package/README.txt" || fail "README.txt has something left to fill in"
@@ -27,8 +27,10 @@ exports() { $triplet-objdump -p "$1" | awk '/^\[Ordinal\/Name/ { on = 1; next } 
 exports "$package/bin/libninefold.dll" >"$scratch/exports"
 declared=$(sed -nE 's/^NINEFOLD_API [^(;]*[ *]([A-Za-z0-9_]+)(\(|;).*/\1/p' "$package"/include/ninefold/*.h | sort -u)
 diff "$scratch/exports" <(echo "$declared") || fail "the library exports other names"
-[ "$(exports "$package/lib/ninefold/debug/libninefold.dll" | comm -3 "$scratch/exports" - | tr -d '\t')" = ninefoldDebugCalls ] ||
-    fail "the twin exports other names"
+for companion in debug:ninefoldDebugCalls bands:ninefoldBandsCalls; do
+    [ "$(exports "$package/lib/ninefold/${companion%:*}/libninefold.dll" | comm -3 "$scratch/exports" - | tr -d '\t')" = "${companion#*:}" ] ||
+        fail "${companion%:*} exports other names"
+done
 say "$(wc -l <"$scratch/exports") exports, nothing wanted but what Windows has"
 
 export WINEDEBUG=-all
@@ -100,6 +102,12 @@ if [ $architecture = x86_64 ]; then # a 32-bit program cannot draw with 64-bit a
     for capture in "$source"/tests/captures/*.nfc; do run 'as recorded' "$package/bin/ninefold-replay.exe" verify "$capture"; done
     say "captures of Linux, drawn again"
 fi
+
+for test in rules frames scenes; do run 'PASSED  . [1-9]' "$build/tests/bands/bands_${test}_test.exe" --gtest_brief=1; done
+plain=$("$wine" "$build/tests/bands/bands_host.exe" plain) || fail "the host of bands under the plain library: $plain"
+banded=$(WINEPATH="$package/lib/ninefold/bands" "$wine" "$build/tests/bands/bands_host.exe" bands) || fail "the host under bands: $banded"
+[ "$plain" = "$banded" ] || fail "another picture by bands"
+say "bands"
 if [ $architecture = x86_64 ]; then
     "$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
 fi

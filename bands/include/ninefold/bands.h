@@ -1,7 +1,8 @@
 /*
  * Bands: the library that draws a recorded frame on every core, with the bits of one thread. It has the library's name and exports
  * and stands in a folder of its own (lib/ninefold/bands): a host that is linked with the library runs on it with
- * LD_LIBRARY_PATH=.../lib/ninefold/bands. Until it is started it draws like the library.
+ * LD_LIBRARY_PATH=.../lib/ninefold/bands, on Windows with that folder in PATH or its DLL beside the program. Until it is started it
+ * draws like the library.
  *
  *     NinefoldBandsStart(0);     once
  *     ... draw as ever ...
