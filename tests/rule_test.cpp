@@ -456,6 +456,8 @@ TEST_F(SoftEdge, EveryValueHasItsWeightUnderEveryCurveThresholdAndWidth)
                                               {-1000000, 1000100},
                                               {-256, 300},
                                               {-16777000, 16777100},
+                                              {100 - (77 << 15), 0x800000}, // steps from 76 to 77 between values 99 and 100
+                                              {101 - (77 << 15), 0x800000},
                                               {-30000000, 30000200}}; // the last wraps in its shift
     for (int k = 0; k < 200 / thin; ++k)
         edges.emplace_back(static_cast<int>(random() % 300) - 40, 1 + static_cast<int>(random() % 400));

@@ -273,6 +273,11 @@ void Builder::rule()
     state.ruleWidth = random.percent(50)   ? random.between(2, 255)
                       : random.percent(80) ? random.pick({-1000, -2, -1, 0, 1, 2, 3, 15, 16, 17, 255, 256, 257})
                                            : random.between(256, 2000000);
+    // From this width on the shifted difference may reach bit 31; the quotient steps within the values. Golden sums stay as they are.
+    if (!small && random.percent(4)) {
+        state.ruleThreshold = random.between(0, 255) - (random.between(1, 255) << 15);
+        state.ruleWidth = 0x800000;
+    }
     state.ruleCurve = random.pick({0, 1, 2, 1, 2, 3, -1, wrapping(random.word())});
 }
 
