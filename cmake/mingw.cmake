@@ -8,6 +8,10 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+# Nor does pkg-config look among this system's libraries.
+if(NOT DEFINED ENV{PKG_CONFIG_LIBDIR})
+    set(ENV{PKG_CONFIG_LIBDIR} /usr/${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32/lib/pkgconfig)
+endif()
 # GNU's take minutes for an archive of the library's objects.
 foreach(tool AR RANLIB OBJCOPY)
     string(TOLOWER llvm-${tool} name)

@@ -98,16 +98,17 @@ for capture in window kit; do
     (cd "$scratch" && run 'as recorded' "$package/bin/ninefold-replay.exe" verify $capture.nfc --lib "$package/bin/libninefold.dll")
 done
 say "captures of Windows, drawn again there and here"
-if [ $architecture = x86_64 ]; then # a 32-bit program cannot draw with 64-bit addresses
-    for capture in "$source"/tests/captures/*.nfc; do run 'as recorded' "$package/bin/ninefold-replay.exe" verify "$capture"; done
-    say "captures of Linux, drawn again"
-fi
+for capture in "$source"/tests/captures/*.nfc; do run 'as recorded' "$package/bin/ninefold-replay.exe" verify "$capture"; done
+say "captures of Linux, drawn again"
 
 for test in rules frames scenes; do run 'PASSED  . [1-9]' "$build/tests/bands/bands_${test}_test.exe" --gtest_brief=1; done
 plain=$("$wine" "$build/tests/bands/bands_host.exe" plain) || fail "the host of bands under the plain library: $plain"
 banded=$(WINEPATH="$package/lib/ninefold/bands" "$wine" "$build/tests/bands/bands_host.exe" bands) || fail "the host under bands: $banded"
 [ "$plain" = "$banded" ] || fail "another picture by bands"
-say "bands"
+for capture in "$scratch"/kit.nfc "$source"/tests/captures/*.nfc; do
+    run 'as recorded on 3 threads' "$package/bin/ninefold-replay.exe" verify "$capture" --threads 1..3
+done
+say "bands, captures too"
 if [ $architecture = x86_64 ]; then
     "$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
 fi
