@@ -10,12 +10,10 @@ mkdir -p "$scratch/files/tree" "$out"
 tar -xf "$archive" -C "$scratch/files/tree" --strip-components=1
 cp -a "$scratch/files/tree/packaging/debian" "$scratch/files/tree/debian"
 cp "$here/cross/package.sh" "$scratch/files/"
-# What was compiled before is taken from the same folder in the next system.
 ccache=$(dirname "$archives")/ccache-$architecture
-mkdir -p "$ccache"
 
 status=0
-in_bare package.sh "$scratch/files" ARCHITECTURE="$architecture" CCACHE_DIR=/ninefold/ccache || status=$?
+in_bare package.sh "$scratch/files" ARCHITECTURE="$architecture" || status=$?
 cp "$scratch/log" "$out/build.log"
 if [ $status != 0 ]; then
     tail -n 40 "$scratch/log"
