@@ -142,16 +142,16 @@ int parse(int argc, char **argv)
         else if (argument == "--check" || argument.rfind("--check=", 0) == 0) {
             options.check = true;
             options.pictures = argument.substr(std::min(argument.size(), std::strlen("--check=")));
-        } else if (argument.rfind("--out=", 0) == 0) {
-            options.out = argument.substr(std::strlen("--out="));
+        } else if (argument.rfind("--out=", 0) == 0 || (argument == "--out" && i + 1 < argc)) {
+            options.out = argument == "--out" ? argv[++i] : argument.substr(std::strlen("--out="));
             if (!std::filesystem::is_directory(options.out))
                 return fail("no folder '" + options.out.string() + "'");
         } else if (argument.rfind("--capture=", 0) == 0) {
             options.captures.push_back(argument.substr(std::strlen("--capture=")));
         } else if (argument == "--capture" && i + 1 < argc) {
             options.captures.emplace_back(argv[++i]);
-        } else if (argument == "--capture") {
-            return fail("--capture needs a file");
+        } else if (argument == "--capture" || argument == "--out") {
+            return fail(argument + (argument == "--out" ? " needs a folder" : " needs a file"));
         } else if (argument == "--version") {
             std::printf("ninefold-bench %d.%d.%d\n", NINEFOLD_VERSION_MAJOR, NINEFOLD_VERSION_MINOR, NINEFOLD_VERSION_PATCH);
             return 0;

@@ -23,11 +23,13 @@
 
 namespace {
 
-constexpr const char *usage = "usage: ninefold-debug [--KEY VALUE | --KEY=VALUE]... PROGRAM [ARGUMENT]...\n"
-                              "       ninefold-debug --rules [--markdown]\n"
-                              "Runs PROGRAM with the debug twin in the place of libninefold: what it does wrong is said on\n"
-                              "standard error, pixels stay the same. The environment variable NINEFOLD_DEBUG holds the same\n"
-                              "settings for a program that runs on the twin by itself, as KEY=VALUE with commas between.\n\n";
+constexpr const char *usage =
+    "usage: ninefold-debug [--KEY VALUE | --KEY=VALUE]... PROGRAM [ARGUMENT]...\n"
+    "       ninefold-debug --rules [--markdown]\n"
+    "Runs PROGRAM with the debug twin in the place of libninefold: what it does wrong is said on\n"
+    "standard error, pixels stay the same. The environment variable NINEFOLD_DEBUG holds the same\n"
+    "settings for a program that runs on the twin by itself, as KEY=VALUE with commas between; a comma\n"
+    "in a value is written twice there.\n\n";
 
 void help()
 {
@@ -156,8 +158,9 @@ int main(int count, char **arguments)
             return fail(2, "no option '--" + key + "'; --help names them all");
         if (equals == std::string::npos && ++at == count)
             return fail(2, "--" + key + " needs a value; --help says which");
-        settings +=
-            (settings.empty() ? "" : ",") + key + "=" + (equals == std::string::npos ? arguments[at] : option.substr(equals + 1));
+        settings += (settings.empty() ? "" : ",") + key + "=";
+        for (const char c : equals == std::string::npos ? std::string(arguments[at]) : option.substr(equals + 1))
+            settings += c == ',' ? ",," : std::string(1, c);
     }
     const std::filesystem::path library = twin(arguments[0]);
     if (library.empty())
@@ -186,6 +189,7 @@ int main(int count, char **arguments)
         return int(status);
 #else
     setenv("NINEFOLD_DEBUG", settings.c_str(), 1);
+    setenv("NINEFOLD_DEBUG_PROCESS", std::to_string(getpid()).c_str(), 1);
     const char *const others = std::getenv("LD_PRELOAD");
     setenv("LD_PRELOAD", (library.string() + (others && *others ? std::string(":") + others : "")).c_str(), 1);
     execvp(arguments[at], arguments + at);

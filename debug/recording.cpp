@@ -8,8 +8,17 @@
 
 #include "recorder.h"
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <string>
+#include <system_error>
+
+#ifndef _WIN32
+#include <unistd.h>
+#endif
 
 namespace debug {
 namespace {
@@ -21,10 +30,42 @@ std::unique_ptr<capture::Recorder> &recorder()
     return *one;
 }
 
+bool isMade(const Texture *texture)
+{
+    const Known *const entry = known(texture);
+    return entry && entry->made && entry->alive;
+}
+
 void complain(const std::string &words) { std::fprintf(stderr, "ninefold: capture: %s\n", words.c_str()); }
 
+const auto loaded = std::filesystem::file_time_type::clock::now();
+
+// Says that a program which was to be captured never called the library. Programs that it starts have the twin too, where it is
+// preloaded, and may have done what is wanted: only the one that the launcher became says so, and only if there is no new file.
+void missUse()
+{
+#ifndef _WIN32
+    const char *const process = std::getenv("NINEFOLD_DEBUG_PROCESS");
+    if (!process || process != std::to_string(getpid()))
+        return;
+#endif
+    Settings wanted;
+    const char *const text = std::getenv("NINEFOLD_DEBUG");
+    if (!text || !parseSettings(text, wanted).empty() || wanted.capture.empty())
+        return;
+    std::error_code none;
+    const auto written = std::filesystem::last_write_time(wanted.capture, none);
+    if (none || written < loaded - std::chrono::seconds(1))
+        complain("the program made no call of the shared library, so that nothing was written: " + wanted.capture);
+}
+
 // After the host's own exit handlers and destructors.
-[[gnu::destructor]] void atEnd() { stopRecording(); }
+[[gnu::destructor]] void atEnd()
+{
+    stopRecording();
+    if (!used)
+        missUse();
+}
 
 } // namespace
 
@@ -40,7 +81,7 @@ bool startRecording()
     options.flushesEachDraw = s.captureFlush != 0;
     options.cutsAtBuffer = s.captureCut == 0;
     std::string error;
-    recorder() = capture::Recorder::open(options, {isReadable, canLookAt},
+    recorder() = capture::Recorder::open(options, {isReadable, canLookAt, isMade},
                                          {&rs, own_SetBlendMode, own_SetBlendModeMulti, own_SetPrescaleMultiMode}, error);
     if (!recorder())
         complain(error);

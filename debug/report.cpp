@@ -247,12 +247,17 @@ Settings &settings()
 std::string parseSettings(const std::string &text, Settings &to)
 {
     for (size_t at = 0; at < text.size();) {
-        const size_t end = std::min(text.find(',', at), text.size());
-        std::string item = text.substr(at, end - at);
+        std::string item;
+        for (; at < text.size(); ++at) {
+            if (text[at] == ',' && text.compare(at, 2, ",,") != 0)
+                break;
+            item += text[at];
+            at += text[at] == ',';
+        }
+        ++at;
         const size_t equals = item.find('=');
         if (!item.empty() && (equals == std::string::npos || !set(item.substr(0, equals), item.substr(equals + 1), to)))
             return item;
-        at = end + 1;
     }
     return "";
 }
@@ -272,9 +277,11 @@ void readSettings()
             std::_Exit(2);
         return;
     }
-    std::fprintf(
-        stderr, "ninefold: '%s' is no setting%s. They are, in NINEFOLD_DEBUG with commas between, as options like --repeat 3:\n",
-        wrong.c_str(), wrong.rfind("capture", 0) == 0 && !NINEFOLD_CAPTURE ? " of this build, which cannot capture" : "");
+    std::fprintf(stderr,
+                 "ninefold: '%s' is no setting%s. They are, in NINEFOLD_DEBUG with commas between (,, is one in a value), as "
+                 "options like --repeat 3:\n",
+                 wrong.c_str(),
+                 wrong.rfind("capture", 0) == 0 && !NINEFOLD_CAPTURE ? " of this build, which cannot capture" : "");
 #define NINEFOLD_SETTING(key, value, meaning) std::fprintf(stderr, "    %s=%s  %s\n", key, value, meaning);
     NINEFOLD_DEBUG_SETTINGS(NINEFOLD_SETTING)
 #undef NINEFOLD_SETTING

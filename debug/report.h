@@ -32,7 +32,7 @@ extern bool used;
 // Reads them once. What it does not know it says on standard error, and ends the program.
 void readSettings();
 
-// key=value,key=value; the first that is wrong, or empty.
+// key=value,key=value, with ,, for a comma in a value; the first that is wrong, or empty.
 std::string parseSettings(const std::string &text, Settings &to);
 
 extern uint64_t drawCount; // draws so far, the one that is asked about included

@@ -46,21 +46,24 @@ Options parse(int argc, char **argv)
 {
     Options options;
     for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
+        const std::string whole = argv[i];
+        const size_t equals = std::min(whole.find('='), whole.size());
+        const std::string argument = whole.substr(0, equals);
         if (argument == "--out" || argument == "--pictures") {
-            if (++i == argc || !*argv[i])
+            const std::string value = equals < whole.size() ? whole.substr(equals + 1) : ++i < argc ? argv[i] : "";
+            if (value.empty())
                 throw UsageError(argument + " needs a folder");
-            (argument == "--out" ? options.out : options.pictures) = argv[i];
-        } else if (argument == "--list") {
+            (argument == "--out" ? options.out : options.pictures) = value;
+        } else if (whole == "--list") {
             options.list = true;
-        } else if (argument == "--help" || argument == "-h") {
+        } else if (whole == "--help" || whole == "-h") {
             options.help = true;
-        } else if (argument == "--version") {
+        } else if (whole == "--version") {
             options.version = true;
-        } else if (argument.rfind('-', 0) == 0) {
-            throw UsageError("no option '" + argument + "'");
+        } else if (whole.rfind('-', 0) == 0) {
+            throw UsageError("no option '" + whole + "'");
         } else {
-            options.sheets.push_back(&sheetNamed(argument));
+            options.sheets.push_back(&sheetNamed(whole));
         }
     }
     if (options.sheets.empty())

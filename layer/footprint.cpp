@@ -193,10 +193,13 @@ private:
             placed = true;
             // Edges step by truncated slopes from positions of 16 bits, which far vertices do not fit; shifts go anywhere.
             const auto [low, high] = std::minmax({o.xT, o.xM, o.xB});
-            const bool anywhere = (n.scanShift && rs.scanShift) || low < -0x7FFF || high > 0x7FFF;
+            // Occlusion triangles that start above the clip rectangle jump by clipLeft: upwards too, where edges run on beyond the
+            // vertices.
+            const bool jumps = n.shape == Shape::planes && o.yT < rs.clipTop;
+            const bool anywhere =
+                (n.scanShift && rs.scanShift) || low < -0x7FFF || high > 0x7FFF || (jumps && rs.clipLeft < o.yB);
             clip(anywhere ? INT32_MIN : int64_t{low} - 1, o.yT, anywhere ? INT32_MAX : int64_t{high} + 1, o.yB);
-            // Occlusion triangles that start above the clip rectangle jump by clipLeft.
-            if (n.shape == Shape::planes && o.yT < rs.clipTop)
+            if (jumps)
                 f.pixels.top = std::min(rs.clipLeft, rs.clipTop);
         }
     }

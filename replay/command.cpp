@@ -58,8 +58,8 @@ Opened::Opened(const std::string &wanted) : path(wanted)
 int complain(const std::string &path, const Player &player)
 {
     if (player.lost())
-        std::fprintf(stderr, "ninefold-replay: %s: %s draws could not be recorded, because memory that they need was missing\n",
-                     path.c_str(), grouped(player.lost()).c_str());
+        std::fprintf(stderr, "ninefold-replay: %s: %s could not be recorded, because memory that was needed was missing\n",
+                     path.c_str(), counted(player.lost(), "draw").c_str());
     if (player.problem().empty())
         return statusGood;
     std::fprintf(stderr, "ninefold-replay: %s: %s; it goes up to draw %s of frame %s\n", path.c_str(), player.problem().c_str(),
@@ -71,7 +71,7 @@ int Opened::complaintOfNone(uint64_t wanted) const
 {
     const int status = complaint();
     if (status == statusGood)
-        fail(statusUsage, path + " has " + grouped(player->draws()) + " draws, none of number " + std::to_string(wanted));
+        fail(statusUsage, path + " has " + counted(player->draws(), "draw") + ", none of number " + std::to_string(wanted));
     return status;
 }
 
@@ -117,6 +117,8 @@ std::string grouped(uint64_t number)
         text.insert(at -= 3, ",");
     return text;
 }
+
+std::string counted(uint64_t number, const char *noun) { return grouped(number) + " " + noun + (number == 1 ? "" : "s"); }
 
 Range rangeOf(const std::string &text, const std::string &what)
 {

@@ -98,6 +98,7 @@ private:
 };
 
 std::string grouped(uint64_t number); // 1,234,567
+std::string counted(uint64_t number, const char *noun); // 1 draw, 1,234 draws
 
 // Makes the directory, and writes a picture into it.
 void makeDirectory(const std::string &directory);

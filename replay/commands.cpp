@@ -76,16 +76,16 @@ int runInfo(const Arguments &arguments)
             ++sum->draws, sum->pixels += pixels, sum->nanoseconds += player.draw().nanoseconds;
         calls += player.draw().result.calls[0] + player.draw().result.calls[1];
     }
-    std::printf("%s: %s bytes", opened.path.c_str(), grouped(opened.reader->size()).c_str());
+    std::printf("%s: %s", opened.path.c_str(), counted(opened.reader->size(), "byte").c_str());
     for (const auto &[key, value] : player.notes())
         std::printf(", %s %s", key.c_str(), value.c_str());
-    std::printf("\n%s frames, %s draws, %s pixels in their reach, %.3f ms in kernels where it was recorded\n",
-                grouped(player.frames()).c_str(), grouped(all.draws).c_str(), grouped(all.pixels).c_str(),
-                double(all.nanoseconds) / 1e6);
+    std::printf("\n%s, %s, %s in their reach, %.3f ms in kernels where it was recorded\n",
+                counted(player.frames(), "frame").c_str(), counted(all.draws, "draw").c_str(),
+                counted(all.pixels, "pixel").c_str(), double(all.nanoseconds) / 1e6);
     if (calls)
-        std::printf("%s calls of the host's own operators\n", grouped(calls).c_str());
+        std::printf("%s of the host's own operators\n", counted(calls, "call").c_str());
     if (refused)
-        std::printf("%s draws that cannot be made again\n", grouped(refused).c_str());
+        std::printf("%s that cannot be made again\n", counted(refused, "draw").c_str());
 
     std::vector<std::pair<std::string, Totals>> list(kernels.begin(), kernels.end());
     std::stable_sort(list.begin(), list.end(),
@@ -153,11 +153,10 @@ int verify(const Arguments &arguments, const Drawer &drawer, const std::string &
         player.finish();
     }
     if (refused)
-        std::printf("%s: %s draws were not made; first %s\n", opened.path.c_str(), grouped(refused).c_str(),
-                    firstRefusal.c_str());
+        std::printf("%s: %s not made; first %s\n", opened.path.c_str(), counted(refused, "draw").c_str(), firstRefusal.c_str());
     const int status = opened.complaint();
-    std::printf("%s: %s draws in %s frames %s%s\n", opened.path.c_str(), grouped(player.draws() - refused - unknown).c_str(),
-                grouped(player.frames()).c_str(), differentFrames ? "as recorded but for what was told" : "as recorded",
+    std::printf("%s: %s in %s %s%s\n", opened.path.c_str(), counted(player.draws() - refused - unknown, "draw").c_str(),
+                counted(player.frames(), "frame").c_str(), differentFrames ? "as recorded but for what was told" : "as recorded",
                 in.c_str());
     return refused || differentFrames ? statusFound : status;
 }
@@ -216,9 +215,9 @@ int runFrames(const Arguments &arguments)
     const int status = opened.complaint();
     if (player.frames() < wanted.first && status == statusGood)
         fail(statusUsage,
-             opened.path + " has " + grouped(player.frames()) + " frames, none of number " + std::to_string(wanted.first));
-    std::printf("%s: %s frames in %s", opened.path.c_str(), grouped(written).c_str(), directory.c_str());
-    std::printf(different ? ", of which %s are not as recorded\n" : "\n", grouped(different).c_str());
+             opened.path + " has " + counted(player.frames(), "frame") + ", none of number " + std::to_string(wanted.first));
+    std::printf("%s: %s in %s", opened.path.c_str(), counted(written, "frame").c_str(), directory.c_str());
+    std::printf(different ? ", %s of them not as recorded\n" : "\n", grouped(different).c_str());
     return different ? statusFound : status;
 }
 
@@ -265,7 +264,7 @@ int runDraw(const Arguments &arguments)
         const Player::Picture after = player.drawPicture();
         uint64_t changed;
         const Player::Picture difference = differenceOf(before, after, changed);
-        std::printf("%s pixels changed. %s.\n", grouped(changed).c_str(),
+        std::printf("%s changed. %s.\n", counted(changed, "pixel").c_str(),
                     !player.draw().hasResult ? "The capture ends in this draw: it has no result to compare with"
                     : differences.empty()    ? "The result is as recorded"
                                              : ("Not as recorded: " + differences).c_str());

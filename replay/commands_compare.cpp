@@ -54,17 +54,16 @@ void writePage(const std::string &path, const std::string &title, const std::vec
     std::FILE *const page = std::fopen(path.c_str(), "w");
     if (!page)
         fail(statusFile, "cannot write " + path);
-    std::fprintf(
-        page,
-        "<!doctype html>\n<html lang=\"en\"><meta charset=\"utf-8\"><title>%s</title>\n<style>body{font:14px "
-        "sans-serif;margin:2em}rect{stroke:#fff;stroke-width:.3}table{border-collapse:collapse}td,th{padding:1px 1.2em "
-        "1px 0;text-align:right}td:last-child,th:last-child{text-align:left}i{display:inline-block;width:.8em;"
-        "height:.8em;margin-right:.5em}</style>\n<h1>%s</h1>\n<p>%s draws in %s frames. Each line is a frame, as long as "
-        "its draws took together, from left to right in their order; the longest is %.3f ms. Point at a draw for its "
-        "name.%s</p>\n",
-        escaped(title).c_str(), escaped(title).c_str(), grouped(draws.size()).c_str(), grouped(frames.size()).c_str(),
-        double(longest) / 1e6,
-        frames.size() > mostFrames ? (" The " + std::to_string(mostFrames) + " slowest frames are shown.").c_str() : "");
+    std::fprintf(page,
+                 "<!doctype html>\n<html lang=\"en\"><meta charset=\"utf-8\"><title>%s</title>\n<style>body{font:14px "
+                 "sans-serif;margin:2em}rect{stroke:#fff;stroke-width:.3}table{border-collapse:collapse}td,th{padding:1px 1.2em "
+                 "1px 0;text-align:right}td:last-child,th:last-child{text-align:left}i{display:inline-block;width:.8em;"
+                 "height:.8em;margin-right:.5em}</style>\n<h1>%s</h1>\n<p>%s in %s. Each line is a frame, as long as "
+                 "its draws took together, from left to right in their order; the longest is %.3f ms. Point at a draw for its "
+                 "name.%s</p>\n",
+                 escaped(title).c_str(), escaped(title).c_str(), counted(draws.size(), "draw").c_str(),
+                 counted(frames.size(), "frame").c_str(), double(longest) / 1e6,
+                 frames.size() > mostFrames ? (" The " + std::to_string(mostFrames) + " slowest frames are shown.").c_str() : "");
     for (const auto &[time, frame] : longFrames) {
         std::fprintf(page, "<div>frame %llu, %.3f ms</div><svg width=\"%.0f\" height=\"22\">\n",
                      static_cast<unsigned long long>(frame), double(time) / 1e6, width);
@@ -165,8 +164,8 @@ int runTime(const Arguments &arguments)
         order.push_back(kernel);
     std::stable_sort(order.begin(), order.end(),
                      [&](uint32_t a, uint32_t b) { return sums[a].nanoseconds > sums[b].nanoseconds; });
-    std::printf("%s: %s draws, %.3f ms in kernels, the shortest of %s runs each; %.3f ms where it was recorded\n\n",
-                opened.path.c_str(), grouped(all.draws).c_str(), double(all.nanoseconds) / 1e6, grouped(repeats).c_str(),
+    std::printf("%s: %s, %.3f ms in kernels, the shortest of %s each; %.3f ms where it was recorded\n\n", opened.path.c_str(),
+                counted(all.draws, "draw").c_str(), double(all.nanoseconds) / 1e6, counted(repeats, "run").c_str(),
                 double(all.recorded) / 1e6);
     std::printf("%8s %12s %12s %10s %9s  kernel or function\n", "draws", "ms", "recorded ms", "ns/draw", "ns/pixel");
     for (const uint32_t kernel : order) {
@@ -189,6 +188,27 @@ int runTime(const Arguments &arguments)
     return opened.complaint();
 }
 
+namespace {
+
+// A cell of rs as far as two captures can be compared by it: addresses say nothing, and of a texture its size alone.
+std::string comparable(const Player &player, size_t index)
+{
+    const uint64_t value = player.state()[index];
+    switch (stateCells()[index].kind) {
+    case Cell::Kind::address: return value ? "set" : "null";
+    case Cell::Kind::texture: {
+        const auto found = player.textures().find(value);
+        if (!value || found == player.textures().end() || !found->second.told)
+            return value ? "unknown" : "null";
+        return std::to_string(found->second.record->width) + " x " + std::to_string(found->second.record->height);
+    }
+    case Cell::Kind::operation: return Operators::name(value);
+    default: return stateCells()[index].isSigned ? std::to_string(int64_t(value)) : std::to_string(value);
+    }
+}
+
+} // namespace
+
 int runDiff(const Arguments &arguments)
 {
     const Opened first(arguments.words[0]), second(arguments.words[1]);
@@ -206,35 +226,24 @@ int runDiff(const Arguments &arguments)
         if (ofA == Step::end || ofB == Step::end) {
             const int status = std::max(first.complaint(), second.complaint());
             if (ofA == ofB) {
-                std::printf("%s draws, all alike\n", grouped(a.draws()).c_str());
+                std::printf("%s, all alike\n", counted(a.draws(), "draw").c_str());
                 return status;
             }
             const Opened &longer = ofA == Step::end ? second : first;
             std::printf("%s goes on where the other ends, after draw %s\n", longer.path.c_str(),
                         grouped((ofA == Step::end ? a : b).draws()).c_str());
-            return statusFound;
+            return std::max(status, int(statusFound)); // what ends early is not shorter
         }
         const DrawEvent &one = a.draw(), &other = b.draw();
         std::vector<std::string> words;
         if (one.name != other.name)
             words.push_back("the other draws " + other.name);
         for (size_t k = 0; k < stateCells().size(); ++k) {
-            const Cell &cell = stateCells()[k];
-            uint64_t is = a.state()[k], wanted = b.state()[k];
-            if (cell.kind == Cell::Kind::address) // addresses say nothing
-                is = is != 0, wanted = wanted != 0;
-            if (cell.kind == Cell::Kind::texture) {
-                const auto sizes = [](const Player &player, uint64_t address) {
-                    const auto found = player.textures().find(address);
-                    if (!address || found == player.textures().end() || !found->second.told)
-                        return uint64_t{0};
-                    return uint64_t{found->second.record->width} << 32 | found->second.record->height;
-                };
-                is = sizes(a, is), wanted = sizes(b, wanted);
-            }
-            if (is != wanted)
-                words.push_back("rs." + cell.name + " is " + std::to_string(int64_t(is)) + ", in the other " +
-                                std::to_string(int64_t(wanted)));
+            const bool isNumber = stateCells()[k].kind == Cell::Kind::number;
+            if (isNumber && a.state()[k] == b.state()[k])
+                continue;
+            if (const std::string is = comparable(a, k), elsewhere = comparable(b, k); is != elsewhere)
+                words.push_back("rs." + stateCells()[k].name + " is " + is + ", in the other " + elsewhere);
         }
         if (words.empty() && one.hasResult && other.hasResult)
             for (int part = 0; part < 3; ++part)

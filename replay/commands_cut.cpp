@@ -67,17 +67,19 @@ int runTrim(const Arguments &arguments)
         different += keeps && !player.compare().empty();
         player.finish();
     }
+    const int status = opened.complaint();
+    if (!records && status != statusGood)
+        return status;
     if (!records)
         fail(statusUsage,
-             opened.path + " ends before: it has " + grouped(player.frames()) + " frames, " + grouped(player.draws()) + " draws");
+             opened.path + " ends before: it has " + counted(player.frames(), "frame") + ", " + counted(player.draws(), "draw"));
     endRecording(out);
-    const int status = opened.complaint();
-    std::printf("%s: %s draws\n", out.c_str(), grouped(kept).c_str());
+    std::printf("%s: %s\n", out.c_str(), counted(kept, "draw").c_str());
     if (refused)
-        std::printf("%s draws could not be made and are not in it\n", grouped(refused).c_str());
+        std::printf("left out, as not to be made: %s\n", counted(refused, "draw").c_str());
     if (different)
-        std::printf("%s draws are not as recorded: the results in it are those of this program's library\n",
-                    grouped(different).c_str());
+        std::printf("%s not as recorded: the results in it are those of this program's library\n",
+                    counted(different, "draw").c_str());
     return refused || different ? statusFound : status;
 }
 
@@ -129,7 +131,7 @@ public:
             return false;
         ++tries;
         if (progress)
-            progress->show(doing + ", " + grouped(tries) + " tries; Ctrl-C writes what there is");
+            progress->show(doing + ", " + grouped(tries) + " attempts; Ctrl-C writes what there is");
         if (verdict == Verdict::tells)
             return tells();
         if (!player.prepare())
@@ -182,13 +184,10 @@ private:
     }
 };
 
-// The first draw that fails, made in a process of its own. Its number, 0 if there is none.
-uint64_t findFailure(const std::string &path, Library &other, Verdict &verdict)
+// The first draw that fails, made in a process of its own. Its number; where there is none 0, and in status what follows from the
+// file, of which everything is said.
+uint64_t findFailure(const std::string &path, Library &other, Verdict &verdict, int &status)
 {
-    struct Found {
-        uint64_t draw;
-        bool failed;
-    };
     const auto scan = [&](const std::function<void(uint64_t)> &doing) {
         const Opened opened(path);
         Player &player = *opened.player;
@@ -198,16 +197,17 @@ uint64_t findFailure(const std::string &path, Library &other, Verdict &verdict)
                 continue;
             doing(player.draw().number);
             if (one.differs())
-                return true;
+                return int(statusFound);
             player.make(Library::linked());
             player.finish();
         }
-        return false;
+        return opened.complaint();
     };
     uint64_t last = 0;
 #ifdef _WIN32
     verdict = Verdict::differs;
-    return scan([&](uint64_t number) { last = number; }) ? last : 0;
+    status = scan([&](uint64_t number) { last = number; });
+    return status == statusFound ? last : 0;
 #else
     int pipes[2];
     if (pipe(pipes) != 0)
@@ -215,21 +215,22 @@ uint64_t findFailure(const std::string &path, Library &other, Verdict &verdict)
     const pid_t child = fork();
     if (child == 0) {
         close(pipes[0]);
-        const bool failed = scan([&](uint64_t number) {
+        const int found = scan([&](uint64_t number) {
             if (write(pipes[1], &number, sizeof number) != ssize_t(sizeof number))
-                _exit(3);
+                _exit(statusFile);
         });
-        _exit(failed ? 1 : 0);
+        _exit(found);
     }
     close(pipes[1]);
     for (uint64_t number; read(pipes[0], &number, sizeof number) == ssize_t(sizeof number);)
         last = number;
     close(pipes[0]);
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) < 0)
+    int ended = 0;
+    if (child < 0 || waitpid(child, &ended, 0) < 0)
         fail(statusFile, "cannot start a process");
-    verdict = WIFEXITED(status) ? Verdict::differs : Verdict::crashes;
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? 0 : last;
+    verdict = WIFEXITED(ended) ? Verdict::differs : Verdict::crashes;
+    status = WIFEXITED(ended) ? WEXITSTATUS(ended) : int(statusFound);
+    return status == statusFound ? last : 0;
 #endif
 }
 
@@ -472,8 +473,8 @@ int minimise(Case &one, const std::string &path, const std::string &out, const s
     const Opened made(out);
     if (made.player->next() != Step::draw || !shows(*made.player))
         fail(statusFile, out + " does not show it any more");
-    std::printf("%s: one draw, %s bytes, after %s tries%s\n", out.c_str(), grouped(made.reader->size()).c_str(),
-                grouped(one.tries).c_str(), wasStopped ? "; stopped" : "");
+    std::printf("%s: one draw, %s, after %s%s\n", out.c_str(), counted(made.reader->size(), "byte").c_str(),
+                counted(one.tries, "attempt").c_str(), wasStopped ? "; stopped" : "");
     return statusFound;
 }
 
@@ -500,13 +501,13 @@ int runMinimise(const Arguments &arguments)
     }
     const Drawer drawer(arguments);
     Verdict verdict = Verdict::differs;
-    const uint64_t wanted = findFailure(path, drawer.library(), verdict);
-    if (!wanted) {
-        const Opened opened(path);
-        std::printf("%s: both libraries draw the same\n", path.c_str());
-        return statusGood;
-    }
     const Opened opened(path);
+    int status = statusGood;
+    const uint64_t wanted = findFailure(path, drawer.library(), verdict, status);
+    if (!wanted) {
+        std::printf("%s: both libraries draw the same\n", path.c_str());
+        return status;
+    }
     Player &player = *opened.player;
     Progress progress("minimise", *opened.reader);
     for (Step step; (step = player.next()) != Step::end;) {

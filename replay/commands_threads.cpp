@@ -111,13 +111,12 @@ int verifyOn(const Bands &bands, Tape &tape, const Range &range, const std::stri
         const uint64_t whole = bands.count(NINEFOLD_BANDS_WHOLE), recorded = bands.count(NINEFOLD_BANDS_RECORDED);
         const std::string differs = tape.verify(*bands.library, bands.calls->flush);
         if (!differs.empty()) {
-            std::printf("%s: %s thread%s: %s\n", path.c_str(), grouped(threads).c_str(), threads == 1 ? "" : "s",
-                        differs.c_str());
+            std::printf("%s: %s: %s\n", path.c_str(), counted(threads, "thread").c_str(), differs.c_str());
             return statusFound;
         }
-        std::printf("%s: %s draws in %s frames as recorded on %s thread%s, %s of them by bands, %s whole\n", path.c_str(),
-                    grouped(tape.draws()).c_str(), grouped(tape.frames()).c_str(), grouped(threads).c_str(),
-                    threads == 1 ? "" : "s", grouped(bands.count(NINEFOLD_BANDS_RECORDED) - recorded).c_str(),
+        std::printf("%s: %s in %s as recorded on %s, %s of them by bands, %s whole\n", path.c_str(),
+                    counted(tape.draws(), "draw").c_str(), counted(tape.frames(), "frame").c_str(),
+                    counted(threads, "thread").c_str(), grouped(bands.count(NINEFOLD_BANDS_RECORDED) - recorded).c_str(),
                     grouped(bands.count(NINEFOLD_BANDS_WHOLE) - whole).c_str());
     }
     return statusGood;
@@ -145,10 +144,11 @@ int timeOn(const Bands &bands, Tape &tape, const Range &range, const Arguments &
             for (size_t k = 0; k < seconds.size(); ++k)
                 best[way][k] = std::min(best[way][k], seconds[k]);
         }
-    std::printf("%s: %s draws in %s frames, the shortest of %s runs of each frame\n\n%-26s %10s", arguments.words[0].c_str(),
-                grouped(tape.draws()).c_str(), grouped(tape.frames()).c_str(), grouped(repeats).c_str(), "ms", "plain");
+    std::printf("%s: %s in %s, the shortest of %s of each frame\n\n%-26s %10s", arguments.words[0].c_str(),
+                counted(tape.draws(), "draw").c_str(), counted(tape.frames(), "frame").c_str(), counted(repeats, "run").c_str(),
+                "ms", "plain");
     for (uint64_t threads = range.first; threads <= range.last; ++threads)
-        std::printf(" %10s", (std::to_string(threads) + (threads == 1 ? " thread" : " threads")).c_str());
+        std::printf(" %10s", counted(threads, "thread").c_str());
     const auto print = [&](const std::string &what, const std::vector<double> &seconds) {
         std::printf("\n%-26s", what.c_str());
         for (const double each : seconds)
@@ -189,9 +189,9 @@ int runThreads(const Arguments &arguments, bool times)
     const std::string &path = arguments.words[0];
     const int status = times ? timeOn(bands, *tape, range, arguments) : verifyOn(bands, *tape, range, path);
     if (tape->empty())
-        std::printf("%s: %s more draws reach no pixel\n", path.c_str(), grouped(tape->empty()).c_str());
+        std::printf("%s: besides, %s without pixels in reach\n", path.c_str(), counted(tape->empty(), "draw").c_str());
     if (tape->refused())
-        std::printf("%s: %s draws were not made; first %s\n", path.c_str(), grouped(tape->refused()).c_str(),
+        std::printf("%s: %s not made; first %s\n", path.c_str(), counted(tape->refused(), "draw").c_str(),
                     tape->refusal().c_str());
     const int complaint = complain(path, tape->player());
     return status != statusGood ? status : tape->refused() ? statusFound : complaint;

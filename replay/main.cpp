@@ -69,7 +69,7 @@ const Command all[] = {
 
 void printHelp()
 {
-    std::fputs("usage: ninefold-replay COMMAND FILE [ARGUMENT]... [--OPTION [VALUE]]...\n"
+    std::fputs("usage: ninefold-replay COMMAND FILE [ARGUMENT]... [--OPTION [VALUE] | --OPTION=VALUE]...\n"
                "Draws a capture again, which ninefold-debug --capture FILE PROGRAM recorded.\n\n",
                stdout);
     for (const Command &command : all)
@@ -129,17 +129,21 @@ int run(std::vector<std::string> words)
             arguments.words.push_back(words[k]);
             continue;
         }
-        const std::string name = words[k].substr(2);
-        if (name == helpOption.name)
+        const size_t equals = std::min(words[k].find('='), words[k].size());
+        const std::string name = words[k].substr(2, equals - 2);
+        if (words[k] == std::string("--") + helpOption.name)
             return printHelp(*command), statusGood;
         const auto option =
             std::find_if(command->options.begin(), command->options.end(), [&](const Option &one) { return name == one.name; });
         if (option == command->options.end())
             fail(statusUsage, std::string(command->name) + " has no option '--" + name + "'; ninefold-replay " + command->name +
                                   " --help names them");
-        if (option->value && k + 1 == words.size())
+        const bool joined = equals < words[k].size();
+        if (joined && !option->value)
+            fail(statusUsage, "--" + name + " takes no value");
+        if (!joined && option->value && k + 1 == words.size())
             fail(statusUsage, "--" + name + " needs a value, " + option->value);
-        arguments.options[name] = option->value ? words[++k] : "";
+        arguments.options[name] = joined ? words[k].substr(equals + 1) : option->value ? words[++k] : "";
     }
     if (arguments.words.size() != wordCount(command->words))
         fail(statusUsage, std::string("usage: ninefold-replay ") + command->name + " " + command->words);

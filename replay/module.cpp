@@ -1,5 +1,6 @@
 #include "captures.h"
 
+#include "report.h"
 #include "tape.h"
 
 #include <cstdio>
@@ -43,6 +44,7 @@ private:
 extern "C" NINEFOLD_API Draws *ninefoldOpenDraws(const char *path, const Host *host, char *error, size_t size)
 {
     unsetenv("NINEFOLD_DEBUG"); // what is set for the program is not meant for the rules that stand before draws here
+    debug::settings().summary = false;
     constexpr size_t namedCount = layer::namedDrawCount;
     std::string words;
     std::unique_ptr<Tape> tape = Tape::read(path, false, nullptr, words);

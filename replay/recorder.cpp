@@ -358,8 +358,10 @@ void Recorder::frame(Cut cut)
     layer::Pixels p{};
     if (const auto found = reached.find(target.pixels); found != reached.end())
         p = found->second;
-    // What the host wrote itself, as long as it is there: of the whole picture. After a pause it may be writing the next one.
-    bool there = (cut == Cut::buffer || cut == Cut::mark) && (!target.texture || memory.record(target.texture));
+    // What the host wrote itself, as long as it is there: of the whole picture. After a pause it may be writing the next one; when it
+    // has ended, memory of its own may be freed and hold anything.
+    bool there = cut == Cut::end ? target.texture && memory.made(target.texture) && target.texture->pixels == target.pixels
+                                 : cut != Cut::pause && (!target.texture || memory.record(target.texture));
     if (const uint64_t area = target.shift > 30 ? 0 : uint64_t{target.height} << target.shift;
         there && area && area <= mostPixels && memory.readable(target.pixels, size_t(area) * 4))
         p = {0, 0, std::max(p.right, int32_t(target.width)), std::max(p.bottom, int32_t(target.height))};

@@ -27,6 +27,7 @@ struct Options {
 struct Memory {
     bool (*readable)(const void *begin, size_t size);
     bool (*record)(const Texture *); // whether the record may be looked at
+    bool (*made)(const Texture *); // whether the library made it and has not deleted it: its pixels are there as long as it is
 };
 
 class Recorder {

@@ -222,13 +222,11 @@ private:
     }
 };
 
-// Nothing outside of what the layer says that a draw writes is written. Runs move back over holes, and occlusion triangles jump,
-// to where it does not say.
+// Nothing outside of what the layer says that a draw writes is written. Runs move back over holes, to where it does not say.
 void checkReach(const Scene &scene, World &world, layer::Id id)
 {
     static layer::Footprint reach;
-    const layer::Needs &needs = layer::needsOf(id);
-    if (needs.map == ninefold::Map::runs || needs.shape == layer::Shape::planes)
+    if (layer::needsOf(id).map == ninefold::Map::runs)
         return;
     layer::findFootprint(id, debug::canLookAt, reach);
     draw(scene, world, [&](int slot, const std::byte *at) {
@@ -237,8 +235,9 @@ void checkReach(const Scene &scene, World &world, layer::Id id)
             const auto *const begin = static_cast<const std::byte *>(use.begin);
             return use.written && at >= begin && at < begin + use.size;
         });
-        if (slot == frameSlot) {
-            const auto pixel = (at - reinterpret_cast<const std::byte *>(rs.dstPixels)) / 4;
+        if (slot == frameSlot || slot == prioritySlot) {
+            const auto pixel = slot == frameSlot ? (at - reinterpret_cast<const std::byte *>(rs.dstPixels)) / 4
+                                                 : at - reinterpret_cast<const std::byte *>(rs.zBuffer);
             const auto column = pixel & (ptrdiff_t(rs.dstPitch) - 1);
             inside &= column >= reach.pixels.left && column < reach.pixels.right;
         }

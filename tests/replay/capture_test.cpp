@@ -40,16 +40,22 @@ struct Outcome {
     std::string problem, refusal;
     std::vector<uint64_t> starts; // of chunks
 };
+
+// A player has rs to itself.
+class Saved {
+public:
+    Saved() { std::memcpy(state, &rs, sizeof rs); }
+    ~Saved() { std::memcpy(static_cast<void *>(&rs), state, sizeof rs); }
+    Saved(const Saved &) = delete;
+    Saved &operator=(const Saved &) = delete;
+
+private:
+    alignas(RenderState) unsigned char state[sizeof(RenderState)];
+};
+
 Outcome replay(const Bytes &bytes)
 {
-    // The player has rs to itself.
-    struct Saved {
-        alignas(RenderState) unsigned char state[sizeof(RenderState)];
-        Saved() { std::memcpy(state, &rs, sizeof rs); }
-        ~Saved() { std::memcpy(static_cast<void *>(&rs), state, sizeof rs); }
-        Saved(const Saved &) = delete;
-        Saved &operator=(const Saved &) = delete;
-    } const saved;
+    const Saved saved;
     Outcome outcome;
     const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(bytes), outcome.refused);
     if (!reader)
@@ -404,6 +410,8 @@ TEST_F(Captured, AFrameIsWholeWithWhatTheHostWroteItself)
     keep();
     SetFrameBuffer(second), SetFrameBuffer(screen);
     place(20, 30);
+    screen->pixels[128 * 3 + 90] = 0xFF00FF00; // the last frame ends with the program
+    keep();
     debug::stopRecording();
     file = contentsOf(path);
     std::string error;
@@ -418,12 +426,46 @@ TEST_F(Captured, AFrameIsWholeWithWhatTheHostWroteItself)
             continue;
         }
         EXPECT_EQ(player.frameHash(), player.frame().hash);
-        if (seen < pictures.size()) {
-            EXPECT_EQ(player.framePicture().pixels, pictures[seen]) << seen;
-        }
+        ASSERT_LT(seen, pictures.size());
+        EXPECT_EQ(player.framePicture().pixels, pictures[seen]) << seen;
         ++seen;
     }
-    EXPECT_EQ(seen, 3u);
+    EXPECT_EQ(seen, pictures.size());
+}
+
+// When the host has ended, memory of its own may hold anything, and textures may be gone.
+TEST_F(Captured, TheLastFrameIsWhatWasDrawnWhereItsMemoryMayBeFreed)
+{
+    for (const bool deleted : {false, true}) {
+        Texture *const made = CreateTexture(100, 80);
+        Texture own = *made; // a record that the host filled
+        own.pixels = screen->pixels;
+        ClearTexture(screen), ClearTexture(made);
+        Texture *const target = deleted ? made : &own;
+        SetFrameBuffer(target);
+        ASSERT_TRUE(debug::startRecording());
+        place(5, 6);
+        target->pixels[128 * 79 + 99] = 0xFF0000FF;
+        if (deleted)
+            DeleteTexture(made);
+        debug::stopRecording();
+        if (!deleted)
+            DeleteTexture(made);
+        const Saved saved;
+        const Bytes bytes = contentsOf(path);
+        std::string error;
+        const std::unique_ptr<Reader> reader = Reader::open(std::span<const uint8_t>(bytes), error);
+        Player player(*reader);
+        ASSERT_EQ(player.next(), Player::Step::draw);
+        ASSERT_TRUE(player.prepare()) << player.refusal();
+        player.make(Library::linked());
+        player.finish();
+        ASSERT_EQ(player.next(), Player::Step::frame);
+        const layer::Pixels &reached = player.frame().reached;
+        EXPECT_EQ(std::vector({reached.left, reached.top, reached.right, reached.bottom}), std::vector({5, 6, 37, 38}));
+        EXPECT_EQ(player.frameHash(), player.frame().hash);
+    }
+    SetFrameBuffer(screen);
 }
 
 TEST_F(Captured, APauseEndsAFrame)

@@ -43,7 +43,7 @@ expect 0 "2 frames in pictures" "$replay" frames trimmed.nfc --png pictures
 [ "$(ls pictures)" = "frame-0001.png
 frame-0002.png" ] || fail "other pictures: $(ls pictures)"
 expect 0 "rs, where it is not 0" "$replay" draw trimmed.nfc 3 --png pictures
-expect 0 "1 frames in one" "$replay" frames trimmed.nfc --png one --frames 2
+expect 0 "1 frame in one" "$replay" frames trimmed.nfc --png one --frames 2
 cmp one/frame-0002.png pictures/frame-0002.png
 expect 2 "none of number 3" "$replay" frames trimmed.nfc --png one --frames 3
 [ "$(ls pictures | wc -l)" = 6 ] || fail "other pictures: $(ls pictures)"
@@ -53,19 +53,19 @@ expect 1 "draw 4 of frame 1, rect.unit.point.add: the frame buffer differs" "$re
 expect 1 "first in row 1, pixel 31 from column 0: 01BB5DFE instead of 01BB5DFF" "$replay" verify "$source/tests/captures/blends.nfc" --lib "$broken"
 expect 1 "one draw" "$replay" minimise "$source/tests/captures/blends.nfc" small.nfc --lib "$broken"
 [ "$(wc -c <small.nfc)" -lt 10000 ] || fail "the smallest capture has $(wc -c <small.nfc) bytes"
-expect 0 "1 draws in 1 frames as recorded" "$replay" verify small.nfc
+expect 0 "1 draw in 1 frame as recorded" "$replay" verify small.nfc
 expect 0 " of 2 x 1 at" "$replay" info small.nfc # the texture, which had 16 x 16
-expect 0 ", 1 pixels in their reach" "$replay" info small.nfc
+expect 0 ", 1 pixel in their reach" "$replay" info small.nfc
 expect 1 "draw 1 of frame 1, rect.unit.point.add" "$replay" verify small.nfc --lib "$broken"
 NINEFOLD_BROKEN=crash expect 1 "rect.unit.point.add crashes" "$replay" minimise "$source/tests/captures/blends.nfc" crash.nfc --lib "$broken"
 expect 0 "both libraries draw the same" "$replay" minimise small.nfc none.nfc --lib "$plain"
 # What the twin tells of draws.
 "$launcher" --summary off --capture wrong.nfc "$wrong" 2>/dev/null
-expect 1 "1 draws were not made; first draw 3 of frame 3, rect.unit.point.constalpha: clip-outside" "$replay" verify wrong.nfc
+expect 1 "1 draw not made; first draw 3 of frame 3, rect.unit.point.constalpha: clip-outside" "$replay" verify wrong.nfc
 expect 1 "draw 3 of frame 3, rect.unit.point.constalpha breaks the rule clip-outside" "$replay" minimise wrong.nfc clip.nfc --twin clip-outside
 expect 1 "The draw was not made: clip-outside" "$replay" draw clip.nfc 1
 expect 1 "draw 5 of frame 5, .* breaks the rule blend-alpha-range" "$replay" minimise wrong.nfc alpha.nfc --twin NF-0501
-expect 0 "1 draws in 1 frames as recorded" "$replay" verify alpha.nfc
+expect 0 "1 draw in 1 frame as recorded" "$replay" verify alpha.nfc
 for file in clip.nfc alpha.nfc; do
     [ "$(wc -c <$file)" -lt 2500 ] || fail "$file has $(wc -c <$file) bytes"
 done
@@ -83,6 +83,41 @@ for number in 1 2 3 4 5; do
 done
 LD_LIBRARY_PATH=$(dirname "$broken") expect 1 "dstPixels differs in row" ./draw-4
 
+# Two draws side by side, in words.
+expect 0 "four.nfc: 1 draw$" "$replay" trim "$source/tests/captures/blends.nfc" four.nfc --draws=4
+expect 1 "rs.tex0 is 16 x 16, in the other 2 x 1" "$replay" diff four.nfc small.nfc
+
+# What the file is called; programs that draw nothing, by themselves or because others do it for them.
+"$launcher" --summary off --capture 'a,b, c.nfc' --repeat 0 "$wrong" 2>/dev/null
+expect 1 "1 draw not made" "$replay" verify 'a,b, c.nfc'
+NINEFOLD_DEBUG=capture=d,,e.nfc,repeat=0 "$launcher" "--capture=,f,.nfc" "$wrong" 2>/dev/null
+[ -s ,f,.nfc ] && [ ! -e d,e.nfc ] && [ ! -e d ] || fail "other files: $(ls)"
+NINEFOLD_DEBUG=capture=d,,e.nfc,repeat=0 "$launcher" "$wrong" 2>/dev/null
+[ -s d,e.nfc ] || fail "no file d,e.nfc"
+expect 0 "made no call of the shared library, so that nothing was written: nothing.nfc" "$launcher" --capture nothing.nfc true
+[ ! -e nothing.nfc ] || fail "a capture of nothing"
+touch -d '1 hour ago' nothing.nfc
+expect 0 "made no call" "$launcher" --capture nothing.nfc true
+expect 0 "captured 6 draws" "$launcher" --capture nothing.nfc sh -c '"$0"; true' "$wrong"
+! grep -q "made no call" said || fail "a program that another one started was not seen"
+printf '#include <ninefold/ninefold.h>\nint main(void) { MakeDrawFuncTable(); }\n' >idle.c
+${CC:-cc} -I"$source/include" idle.c "$plain" -o idle
+LD_LIBRARY_PATH=$(dirname "$plain") expect 0 "captured 0 draws in 0 frames" "$launcher" --capture idle.nfc ./idle
+expect 0 "0 frames, 0 draws" "$replay" info idle.nfc
+expect 0 "0 draws in 0 frames as recorded" "$replay" verify idle.nfc
+
+# A file that is damaged before its first frame has one status in all commands.
+cp small.nfc damaged.nfc
+printf '\377' | dd of=damaged.nfc bs=1 seek=60 conv=notrunc 2>/dev/null
+for command in "info damaged.nfc" "verify damaged.nfc" "verify damaged.nfc --sets" "verify damaged.nfc --threads 1" \
+    "verify damaged.nfc --lib $plain" "frames damaged.nfc" "draw damaged.nfc 1" "time damaged.nfc" "time damaged.nfc --threads 1" \
+    "diff damaged.nfc small.nfc" "diff small.nfc damaged.nfc" "trim damaged.nfc out.nfc --frames 1" \
+    "trim damaged.nfc out.nfc --draws 1" "minimise damaged.nfc out.nfc --lib $plain" \
+    "minimise damaged.nfc out.nfc --twin clip-outside" "export damaged.nfc 1"; do
+    expect 3 "damaged.nfc: the .*; it goes up to draw 0 of frame 1" "$replay" $command
+done
+[ ! -e out.nfc ] || fail "a capture of a damaged one"
+
 # Files that are none, end early, or are damaged; arguments that make no sense.
 expect 3 "no capture file" "$replay" info "$source/README.md"
 expect 3 "No such file" "$replay" info nowhere.nfc
@@ -96,6 +131,9 @@ expect 3 "no library of bands" "$replay" verify small.nfc --threads 2 --lib "$pl
 expect 2 "no command 'nonsense'" "$replay" nonsense small.nfc
 expect 2 "no option '--nonsense'" "$replay" verify small.nfc --nonsense
 expect 2 "needs a value" "$replay" verify small.nfc --lib
+expect 2 "takes no value" "$replay" verify small.nfc --sets=all
+expect 3 "cannot load" "$replay" verify small.nfc --lib=nowhere.so
+expect 2 "a number from 1" "$replay" time small.nfc --repeat=
 expect 2 "none of number 9" "$replay" draw small.nfc 9
 expect 2 "a number from 1" "$replay" draw small.nfc none
 expect 2 "either --frames" "$replay" trim small.nfc out.nfc
