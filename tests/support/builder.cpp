@@ -330,6 +330,10 @@ void Builder::build()
     while (!visible() && !random.percent(15));
     if (large)
         farOut();
+    laps = !small && !offsets && !forward && axes().shape == NINEFOLD_SHAPE_RECTANGLE &&
+           axes().rectOpt == NINEFOLD_RECT_STRETCH && random.percent(2);
+    if (laps)
+        wrapWidth();
     origin();
     rule();
     textures();
@@ -340,6 +344,10 @@ void Builder::build()
     maps();
     positions(scene.state.uv0, scene.tex0);
     positions(scene.state.uv1, scene.tex1);
+    if (laps) {
+        lap(scene.state.uv0);
+        lap(scene.state.uv1);
+    }
     const bool wrapsRule = forward;
     forward = false;
     positions(scene.state.uv2, scene.tex2);

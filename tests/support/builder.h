@@ -28,6 +28,7 @@ private:
     Random random;
 
     bool big = false, small = false, overlap = false, guard = false, offsets = false, large = false;
+    bool laps = false; // positions go round 2^32 between the ends of a vector
     bool atEnd = false; // of the slot, with guard
     bool tight = false; // with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle
     bool chains = false; // levels are walked
@@ -57,6 +58,8 @@ private:
     void triangle();
     void origin();
     void farOut();
+    void wrapWidth();
+    void lap(TexCoord (&uv)[4]);
 
     // textures and positions in them
     struct Size {

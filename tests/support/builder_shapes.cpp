@@ -37,6 +37,13 @@ void Builder::range(int32_t low, int32_t high, int32_t size, int32_t &from, int3
         to = from;
 }
 
+// So wide that the width wraps to a small one.
+void Builder::wrapWidth()
+{
+    scene.state.vertex[0].x = INT32_MIN + random.between(0, 3);
+    scene.state.vertex[1].x = INT32_MAX - random.between(0, 3);
+}
+
 void Builder::rectangle()
 {
     RenderState &state = scene.state;

@@ -79,6 +79,8 @@ int Builder::source(int firstSlot)
 {
     Pool pool = random.percent(90) ? random.pick({noisePool, noisePool, solidPool, extremePool, alphaPool})
                                    : random.pick({runPool, stripePool});
+    if (!small && random.percent(10))
+        pool = spritePool;
     if (axes().rectOpt == NINEFOLD_RECT_RUNS)
         pool = guard ? noisePool : random.pick({runPool, runPool, stripePool, noisePool, solidPool});
     return texture(firstSlot, textureSize(), pool, chains);
@@ -249,6 +251,10 @@ Builder::Path Builder::path(int32_t count, int log2Size)
         if (random.percent(50)) // from where it may wrap soon
             to = from + int64_t{count} * step();
     }
+    if (!small && random.percent(8)) { // ends at the edge of the texture, or next to it
+        from = int64_t{size - count + random.between(-1, 1)} * 0x10000;
+        to = int64_t{size} * 0x10000;
+    }
     result = {wrapping(from), wrapping(to)};
     if (forward) // and far enough from 0 that no step, rounded down for a level, leads below it
         result = {(result.from & 0x3FFFFFFF) | 0x08000000, (result.to & 0x3FFFFFFF) | 0x08000000};
@@ -322,6 +328,15 @@ void Builder::positions(TexCoord (&uv)[4], int textureIndex)
             corner.v &= wrapping((int64_t{1} << bits) - 1);
         }
     }
+}
+
+// Steps with which the last position of a vector is next to the first.
+void Builder::lap(TexCoord (&uv)[4])
+{
+    const Vertex *const vertex = scene.state.vertex;
+    const int32_t lanes = random.pick({4, 8, 16});
+    const int64_t step = (int64_t{1} << 32) / (lanes - 1) * random.between(1, lanes - 2) + random.between(-0x8000, 0x8000);
+    uv[1].u = wrapping(uv[0].u + step * wrapping(int64_t{vertex[1].x} - vertex[0].x));
 }
 
 void Builder::lineTable(Place &table, int slot, int textureIndex, bool skips)

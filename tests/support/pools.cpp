@@ -33,6 +33,14 @@ static std::vector<uint32_t> makePool(int pool)
                    : random.percent(50) ? noise & 0xFFFFFF
                                         : noise;
             break;
+        case spritePool:
+            if (left == 0) {
+                left = random.pick<uint32_t>({1, 3, 7, 8, 9, 15, 16, 17, 24, 33, 48});
+                colour = random.word() % 4;
+            }
+            --left;
+            word = colour == 0 ? 0 : colour == 1 ? noise & 0xFFFFFF : colour == 2 ? noise | 0xFF000000 : noise;
+            break;
         default: // runs, of noise or of one colour
             if (left == 0) {
                 left = random.pick<uint32_t>(
@@ -50,8 +58,8 @@ static std::vector<uint32_t> makePool(int pool)
 
 const std::byte *poolBytes(Pool pool)
 {
-    static const std::vector<uint32_t> pools[poolCount] = {makePool(0), makePool(1), makePool(2),
-                                                           makePool(3), makePool(4), makePool(5)};
+    static const std::vector<uint32_t> pools[poolCount] = {makePool(0), makePool(1), makePool(2), makePool(3),
+                                                           makePool(4), makePool(5), makePool(6)};
     return reinterpret_cast<const std::byte *>(pools[pool].data());
 }
 

@@ -13,6 +13,7 @@ enum Pool {
     runPool, // long runs of zeros, and of noise
     alphaPool, // much that is opaque, or without alpha
     stripePool, // long runs of zeros, and of one colour
+    spritePool, // runs of zeros, of colours without alpha, opaque and mixed ones
     poolCount
 };
 
