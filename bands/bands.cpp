@@ -11,18 +11,33 @@
 #include <cmath>
 #include <thread>
 
+#if defined(__linux__)
+#include <sched.h>
+#endif
+
 namespace bands {
 namespace {
 
 using layer::Call;
 using layer::Function;
 
-// Of a trial: what counts as shorter, and as much longer. Frames between trials.
-constexpr float shorter = 0.97F, muchLonger = 1.5F;
-constexpr uint16_t firstTrial = 4, leastPause = 15, mostPause = 63, longPause = 1023;
+// Of a trial: what counts as shorter, where it is recorded and where it is drawn at once, and as much longer. Frames between trials.
+constexpr float shorterRecorded = 0.95F, shorterAtOnce = 1, muchLonger = 1.5F;
+constexpr uint16_t firstTrial = 4, leastPause = 15, mostPause = 63, longPause = 1023, shortPause = 8;
 constexpr int trialFrames = 3; // of which the first one has its pixels in other threads' caches
 
 void takeTablesOfLibrary() { takeTables(ninefold::uvlShift, ninefold::stippleSteps, ninefold::activeSets.any->lanes); }
+
+// Processors that the calling thread may use; more threads than these would only wait for each other.
+int usableProcessors()
+{
+#if defined(__linux__)
+    cpu_set_t set; // of 1024 processors; fails where the system has more
+    if (sched_getaffinity(0, sizeof set, &set) == 0)
+        return CPU_COUNT(&set);
+#endif
+    return std::max(1, int(std::thread::hardware_concurrency()));
+}
 
 // Functions that neither read nor write pixels, textures' pixels and maps, nor end a texture.
 bool leavesMemory(const Call &call)
@@ -58,7 +73,7 @@ Experience::Way Experience::begin(uint32_t key)
 {
     current = &known[(key ^ key >> 6 ^ key >> 12) % std::size(known)];
     if (current->key != key)
-        *current = {key, Way::recorded, false, 0, 0, firstTrial, 0, 0};
+        *current = {key, Way::recorded, false, 0, 0, firstTrial, 0, 0, 0};
     const bool trial = current->left == 0;
     return trial == (current->way == Way::recorded) ? Way::atOnce : Way::recorded;
 }
@@ -85,13 +100,21 @@ void Experience::end(float time, bool recorded, bool shared)
         if (one.pause == 0 && one.left == firstTrial) // the first one of all finds textures and memory cold
             one.time = 0;
         --one.left;
+        // Others have come to use the processors, or the trial had luck.
+        if (one.way == Way::recorded && one.otherTime > 0 && one.time > one.otherTime && one.left + shortPause <= one.pause)
+            one.left = 0;
     } else if (++one.tried > 1) {
-        one.triedTime += time / (trialFrames - 1);
+        one.triedTime += (one.time > 0 ? std::min(time, 2 * one.time) : time) / (trialFrames - 1);
         if (one.tried < trialFrames)
             return;
-        if (one.triedTime < shorter * one.time || one.time == 0)
-            one.way = one.way == Way::recorded ? Way::atOnce : Way::recorded, one.time = one.triedTime, one.pause = 0;
-        if (one.triedTime > muchLonger * one.time)
+        const bool isRecorded = one.way == Way::recorded;
+        one.otherTime = one.triedTime;
+        if (one.triedTime < (isRecorded ? shorterAtOnce : shorterRecorded) * one.time || one.time == 0) {
+            one.way = isRecorded ? Way::atOnce : Way::recorded;
+            std::swap(one.time, one.otherTime);
+            one.pause = 0;
+        }
+        if (one.otherTime > muchLonger * one.time)
             keepWay(mostPause, longPause);
         else
             keepWay(leastPause, mostPause);
@@ -101,29 +124,28 @@ void Experience::end(float time, bool recorded, bool shared)
 int Recorder::start(int threads)
 {
     endFrame();
-    if (threads <= 0)
-        threads = int(std::thread::hardware_concurrency());
-    threads = std::clamp(threads, 1, NINEFOLD_BANDS_MOST_THREADS);
+    asked = threads;
     takeTablesOfLibrary();
     started = true;
     layer::listen(true);
-    threads = workers.start(threads);
-    setLimits();
-    return threads;
+    return startThreads();
 }
 
-void Recorder::setLimits()
+int Recorder::startThreads()
 {
-    const int threads = workers.count();
+    const int processors = std::min(usableProcessors(), NINEFOLD_BANDS_MOST_THREADS);
+    const int threads = workers.start(asked <= 0 ? processors : std::min(asked, all ? NINEFOLD_BANDS_MOST_THREADS : processors));
     leastCost = all ? 0 : threads > 3 ? 150 : threads > 1 ? 300 : 30e3;
     worthSharing = all ? 0 : 100e3;
+    return threads;
 }
 
 void Recorder::recordAll(bool wanted)
 {
     endFrame();
     all = wanted;
-    setLimits();
+    if (started)
+        startThreads();
 }
 
 void Recorder::stop()

@@ -27,7 +27,7 @@ private:
         bool shared;
         uint8_t tried; // frames of the trial
         uint16_t pause, left; // frames before the trial
-        float time, triedTime; // of a frame, 0: none yet
+        float time, otherTime, triedTime; // of a frame as it is drawn, the other way, in the trial; 0: none yet
     };
     Known known[64]{};
     Known *current = nullptr;
@@ -47,7 +47,7 @@ struct Recorder {
     float leastCost = 0;
     void (*divide)(const Batch &batch) = nullptr; // tests draw the rows of a batch in an order of their own
     Experience experience;
-    bool all = false; // everything is recorded and shared; so is what a test divides
+    bool all = false; // everything is recorded and shared, on as many threads as were asked for; so is what a test divides
     bool atOnce = false; // the frame is drawn at once, untold
 
     int start(int threads);
@@ -60,6 +60,7 @@ struct Recorder {
     bool record(layer::Id id);
 
 private:
+    int asked = 0; // threads, when it was started
     bool open = false; // the frame has a draw
     bool awake = false; // threads were woken for this batch
     std::chrono::steady_clock::time_point opened; // when the frame had its first one
@@ -67,7 +68,7 @@ private:
 
     void beginFrame(layer::Id id);
     void wake();
-    void setLimits();
+    int startThreads();
 };
 
 Recorder &recorder();

@@ -224,10 +224,16 @@ void pin()
 // 0 threads: plain.
 void use(int threads)
 {
+    static cpu_set_t all; // as there are no more threads than these
+    static const bool known = sched_getaffinity(0, sizeof all, &all) == 0;
+    if (pinned && known)
+        sched_setaffinity(0, sizeof all, &all);
     if (threads == 0)
         NinefoldBandsStop();
-    else
-        NinefoldBandsStart(threads);
+    else if (const int given = NinefoldBandsStart(threads); given != threads) {
+        std::fprintf(stderr, "bench_bands: --threads %d, but there are processors for %d\n", threads, given);
+        std::exit(2);
+    }
     if (pinned)
         pin();
 }
@@ -401,7 +407,7 @@ void printModel(Stock &stock, int turns)
                  "  --turns N    how often each, 20 without; quick ones up to ten times as often\n"
                  "  --best       the shortest times instead: where others use the machine\n"
                  "  --pin        each thread on a processor of its own\n"
-                 "  --threads N  numbers of threads, 1 and 2 without\n"
+                 "  --threads N  numbers of threads, up to that of processors; 1 and 2 without\n"
                  "  --capture FILE  the frames of a capture, on average; other frames only where named\n"
                  "Frames, all without:\n");
     for (const Frame &frame : frames)
@@ -448,7 +454,7 @@ int main(int, char **arguments)
         else
             wanted.emplace_back(*argument);
     if (ways.size() == 1)
-        ways = {0, 1, 2};
+        ways = NinefoldBandsStart(2) == 2 ? std::vector{0, 1, 2} : std::vector{0, 1};
     const auto isWanted = [&](const char *name) {
         return (wanted.empty() && captures.empty()) || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
     };

@@ -36,7 +36,16 @@ bool isMade(const Texture *texture)
     return entry && entry->made && entry->alive;
 }
 
-void complain(const std::string &words) { std::fprintf(stderr, "ninefold: capture: %s\n", words.c_str()); }
+std::string counted(uint64_t number, const char *noun) { return std::to_string(number) + " " + noun + (number == 1 ? "" : "s"); }
+
+void complain(const std::string &words)
+{
+#ifdef _WIN32
+    std::fprintf(stderr, "ninefold: capture: %s\n", words.c_str());
+#else
+    dprintf(STDERR_FILENO, "ninefold: capture: %s\n", words.c_str()); // at its end a program may have closed the stream
+#endif
+}
 
 const auto loaded = std::filesystem::file_time_type::clock::now();
 
@@ -99,9 +108,8 @@ bool stopRecording()
     if (!ended->good())
         complain("cannot write all of " + ended->settings().path + "; is the disk full?");
     else if (settings().summary)
-        std::fprintf(stderr, "ninefold: captured %llu draws in %llu frames, %llu bytes%s: %s\n",
-                     static_cast<unsigned long long>(ended->draws()), static_cast<unsigned long long>(ended->frames()),
-                     static_cast<unsigned long long>(ended->bytes()),
+        std::fprintf(stderr, "ninefold: captured %s in %s, %s%s: %s\n", counted(ended->draws(), "draw").c_str(),
+                     counted(ended->frames(), "frame").c_str(), counted(ended->bytes(), "byte").c_str(),
                      ended->lost() ? (", without " + std::to_string(ended->lost()) + " of missing memory").c_str() : "",
                      ended->settings().path.c_str());
     return ended->good();

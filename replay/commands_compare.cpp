@@ -203,7 +203,7 @@ std::string comparable(const Player &player, size_t index)
         return std::to_string(found->second.record->width) + " x " + std::to_string(found->second.record->height);
     }
     case Cell::Kind::operation: return Operators::name(value);
-    default: return stateCells()[index].isSigned ? std::to_string(int64_t(value)) : std::to_string(value);
+    default: return numberInWords(stateCells()[index], value);
     }
 }
 

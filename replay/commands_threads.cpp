@@ -124,8 +124,14 @@ int verifyOn(const Bands &bands, Tape &tape, const Range &range, const std::stri
 
 double secondsNow() { return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
-int timeOn(const Bands &bands, Tape &tape, const Range &range, const Arguments &arguments)
+int timeOn(const Bands &bands, Tape &tape, Range range, const Arguments &arguments)
 {
+    // There are no more threads than processors, unless for tests.
+    if (const auto most = uint64_t(bands.calls->start(int(range.last))); most < range.last) {
+        std::printf("%s: there are processors for %s, not for %s\n", arguments.words[0].c_str(), counted(most, "thread").c_str(),
+                    grouped(range.last).c_str());
+        range = {std::min(range.first, most), most};
+    }
     const uint64_t repeats = numberOf(arguments.text("repeat", "5"), "--repeat", 1, 100000);
     // Each way in turn, the shortest time of each frame. The first column is plain.
     std::vector<std::vector<double>> best(1 + size_t(range.last - range.first + 1));

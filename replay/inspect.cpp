@@ -43,6 +43,14 @@ std::string codeInWords(const DrawEvent &draw)
     return words;
 }
 
+std::string numberInWords(const Cell &cell, uint64_t value)
+{
+    char text[60];
+    std::snprintf(text, sizeof text, cell.isSigned ? "%lld" : "%llu (0x%llX)", static_cast<unsigned long long>(value),
+                  static_cast<unsigned long long>(value));
+    return text;
+}
+
 std::vector<CellInWords> stateInWords(const Player &player, const std::vector<uint64_t> &previous)
 {
     std::vector<CellInWords> all;
@@ -60,10 +68,7 @@ std::vector<CellInWords> stateInWords(const Player &player, const std::vector<ui
             if (const auto label = player.labels().find(value); label != player.labels().end())
                 one.text += ", \"" + label->second + "\"";
             break;
-        default:
-            std::snprintf(text, sizeof text, cells[k].isSigned ? "%lld" : "%llu (0x%llX)", static_cast<unsigned long long>(value),
-                          static_cast<unsigned long long>(value));
-            one.text = text;
+        default: one.text = numberInWords(cells[k], value);
         }
         all.push_back(std::move(one));
     }

@@ -12,6 +12,8 @@ namespace capture {
 std::string drawLabel(const DrawEvent &draw); // "draw 12 of frame 3, rect.unit.point.copy"
 std::string codeInWords(const DrawEvent &draw); // lines; empty for functions
 
+std::string numberInWords(const Cell &cell, uint64_t value); // "-7", or "4278190335 (0xFF0000FF)" where it has no sign
+
 struct CellInWords {
     size_t cell; // of stateCells()
     uint64_t value;

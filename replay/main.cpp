@@ -84,7 +84,8 @@ void printHelp()
 void printHelp(const Command &command)
 {
     std::printf("usage: ninefold-replay %s %s%s\n%c%s.\n\n", command.name, command.words,
-                command.options.empty() ? "" : " [--OPTION [VALUE]]...", std::toupper(command.summary[0]), command.summary + 1);
+                command.options.empty() ? "" : " [--OPTION [VALUE] | --OPTION=VALUE]...", std::toupper(command.summary[0]),
+                command.summary + 1);
     const auto print = [](const Option &option) {
         const std::string name = std::string(option.name) + (option.value ? std::string(" ") + option.value : "");
         std::printf("  --%-16s %s\n", name.c_str(), option.meaning);

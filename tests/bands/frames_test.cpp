@@ -17,6 +17,10 @@
 #include <memory>
 #include <vector>
 
+#if defined(__linux__)
+#include <sched.h>
+#endif
+
 using namespace support;
 
 namespace {
@@ -246,7 +250,8 @@ TEST_F(Frames, FramesThatDoNotPayAreDrawnAtOnce)
     recorder.stop();
     const std::vector<uint64_t> plain = sums([](int) {});
     for (const int threads : {1, 2, 3}) {
-        recorder.start(threads);
+        if (recorder.start(threads) != threads)
+            break; // there are as few processors
         const uint64_t recorded = recorder.counts[0];
         std::vector<int> atOnce;
         EXPECT_EQ(sums([&](int number) {
@@ -264,6 +269,34 @@ TEST_F(Frames, FramesThatDoNotPayAreDrawnAtOnce)
     }
     recorder.stop();
     DeleteTexture(picture);
+}
+
+// More threads than processors would wait for each other.
+TEST_F(Frames, NoMoreThreadsThanProcessors)
+{
+    startLibrary();
+    bands::Recorder &recorder = bands::recorder();
+    const int processors = recorder.start(0);
+    EXPECT_EQ(recorder.start(processors + 3), processors);
+    recorder.recordAll(true); // as tests want it
+    EXPECT_EQ(recorder.workers.count(), processors + 3);
+    recorder.recordAll(false);
+    EXPECT_EQ(recorder.workers.count(), processors);
+#if defined(__linux__)
+    cpu_set_t all, one;
+    ASSERT_EQ(sched_getaffinity(0, sizeof all, &all), 0);
+    EXPECT_EQ(processors, CPU_COUNT(&all));
+    CPU_ZERO(&one);
+    for (size_t k = 0; k < CPU_SETSIZE && CPU_COUNT(&one) == 0; ++k)
+        if (CPU_ISSET(k, &all))
+            CPU_SET(k, &one);
+    ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+    EXPECT_EQ(recorder.start(8), 1);
+    EXPECT_EQ(recorder.start(0), 1);
+    ASSERT_EQ(sched_setaffinity(0, sizeof all, &all), 0);
+#endif
+    EXPECT_EQ(recorder.start(0), processors);
+    recorder.stop();
 }
 
 using Way = bands::Experience::Way;
@@ -294,6 +327,38 @@ TEST(Experience, TheShorterWayIsTaken)
     EXPECT_GE(std::count(list.begin(), list.end(), Way::atOnce), 30);
     EXPECT_LE(std::count(list.begin(), list.end(), Way::atOnce), 70);
     EXPECT_TRUE(experience.expectsThreads());
+}
+
+// Other programs come to use the processors, and go.
+TEST(Experience, WhatBecomesLongerThanDrawingAtOnceIsGivenUpSoon)
+{
+    bands::Experience experience;
+    std::vector<Way> list = ways(experience, 7, 500, 60, 100);
+    EXPECT_GE(std::count(list.begin(), list.end(), Way::recorded), 450);
+    for (int turn = 0; turn < 3; ++turn) {
+        list = ways(experience, 7, 200, 160, 100);
+        EXPECT_LE(std::count(list.begin(), list.end(), Way::recorded), 20) << turn;
+        list = ways(experience, 7, 2000, 60, 100);
+        EXPECT_GE(std::count(list.begin() + 1100, list.end(), Way::recorded), 850) << turn;
+    }
+}
+
+// Of frames whose times vary by more than what they differ a trial of two may say anything.
+TEST(Experience, LuckDoesNotLast)
+{
+    double drawn = 0, plain = 0;
+    for (uint64_t seed = 1; seed <= 50; ++seed) {
+        bands::Experience experience;
+        Random random(seed);
+        for (int k = 0; k < 1000; ++k) {
+            const bool recorded = experience.begin(7) == Way::recorded;
+            const auto noise = [&] { return float(random.between(10, 190)) + (random.below(50) == 0 ? 500.0F : 0.0F); };
+            const float atOnce = noise(), time = recorded ? 1.3F * noise() : atOnce;
+            experience.end(time, recorded, recorded);
+            drawn += double(time), plain += double(atOnce);
+        }
+    }
+    EXPECT_LT(drawn, 1.035 * plain);
 }
 
 TEST(Experience, WhatIsNotWorthRecordingIsTriedMoreAndMoreSeldom)

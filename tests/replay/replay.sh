@@ -86,6 +86,8 @@ LD_LIBRARY_PATH=$(dirname "$broken") expect 1 "dstPixels differs in row" ./draw-
 # Two draws side by side, in words.
 expect 0 "four.nfc: 1 draw$" "$replay" trim "$source/tests/captures/blends.nfc" four.nfc --draws=4
 expect 1 "rs.tex0 is 16 x 16, in the other 2 x 1" "$replay" diff four.nfc small.nfc
+expect 1 "rs.color\[0\] is 4294967295 (0xFFFFFFFF), in the other 0 (0x0)" "$replay" diff "$source/tests/captures/colours.nfc" \
+    "$source/tests/captures/shahei.nfc"
 
 # What the file is called; programs that draw nothing, by themselves or because others do it for them.
 "$launcher" --summary off --capture 'a,b, c.nfc' --repeat 0 "$wrong" 2>/dev/null

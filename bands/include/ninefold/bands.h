@@ -86,10 +86,10 @@ static inline const NinefoldBandsCalls *NinefoldBands(void)
     return calls;
 }
 
-/* Begins to record, with so many threads that draw, the calling one included; 0: as many as there are processors. At most
- * NINEFOLD_BANDS_MOST_THREADS. Returns their number, which may be less where the system refuses threads; 0 under the plain
- * library. Where recording has begun already it flushes and changes the number. Call it after the four Make... functions or
- * before. */
+/* Begins to record, with so many threads that draw, the calling one included; 0: as many as there are processors that the program
+ * may use. More than these would only wait for each other, so there are never more (but see NinefoldBandsRecordAll). Returns their
+ * number, which may be less where the system refuses threads; 0 under the plain library. Where recording has begun already it
+ * flushes and changes the number. Call it after the four Make... functions or before. */
 static inline int NinefoldBandsStart(int threads) { return NinefoldBands() ? NinefoldBands()->start(threads) : 0; }
 
 /* Draws what was recorded; returns 1 when it is drawn, 0 under the plain library. rs is left alone. */
@@ -108,8 +108,9 @@ static inline int NinefoldBandsDeclarePure(PixelOperator function)
 /* One of the counts above; 0 under the plain library, and for what is not counted. */
 static inline unsigned long long NinefoldBandsCount(int what) { return NinefoldBands() ? NinefoldBands()->count(what) : 0; }
 
-/* For tests of a program: 1 records every draw that bands can cut and draws it on all threads, also where that does not pay; 0, as
- * at first, where it pays. Flushes. Returns 1, or 0 under the plain library. */
+/* For tests of a program: 1 records every draw that bands can cut and draws it on all threads, also where that does not pay, and has
+ * as many threads as were asked for, at most NINEFOLD_BANDS_MOST_THREADS, however few processors there are; 0, as at first, where it
+ * pays. Flushes. Returns 1, or 0 under the plain library. */
 static inline int NinefoldBandsRecordAll(int all) { return NinefoldBands() ? (NinefoldBands()->recordAll(all), 1) : 0; }
 
 #ifdef __cplusplus
