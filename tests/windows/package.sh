@@ -43,6 +43,8 @@ else
     "$wine" || { say "not run: no 32-bit Wine here"; exit 0; }
 fi
 mkdir -p "$WINEPREFIX"
+# First, as Wine's desktop stays with the display that it began with.
+WINEPATH=$package/bin "$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
 "$wine" wineboot --init
 # It waits for its input until this script ends: with the last program Wine's services end, which take seconds to start.
 exec {waiting}> >("$wine" cmd >/dev/null 2>&1)
@@ -111,4 +113,3 @@ for capture in "$scratch"/kit.nfc "$source"/tests/captures/*.nfc; do
     run 'as recorded on 3 threads' "$package/bin/ninefold-replay.exe" verify "$capture" --threads 1..3
 done
 say "bands, captures too"
-"$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
