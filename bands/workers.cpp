@@ -49,7 +49,23 @@ void Workers::stop()
 void Workers::announce()
 {
     announced.fetch_add(1);
+#if defined(_WIN32)
+    mutex.lock(); // nobody is between looking and waiting
+    mutex.unlock();
+    called.notify_all();
+#else
     announced.notify_all();
+#endif
+}
+
+void Workers::sleep(uint32_t seen)
+{
+#if defined(_WIN32)
+    std::unique_lock lock(mutex);
+    called.wait(lock, [&] { return announced.load(std::memory_order_acquire) != seen; });
+#else
+    announced.wait(seen, std::memory_order_acquire);
+#endif
 }
 
 void Workers::wake() { announce(); }
@@ -86,7 +102,7 @@ void Workers::work(int thread)
             pause();
         if (idle >= idleTurns) {
             if (!ends.load(std::memory_order_relaxed))
-                announced.wait(seen, std::memory_order_acquire);
+                sleep(seen);
             idle = 0;
         }
     }

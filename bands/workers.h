@@ -4,8 +4,10 @@
 #include "batch.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -40,11 +42,16 @@ private:
     int shareCount = 0;
     uint32_t batchNumber = 0;
     std::vector<std::thread> threads;
+#if defined(_WIN32) // libstdc++'s wait on an atomic, which has no futex there, may miss a notification
+    std::mutex mutex;
+    std::condition_variable called;
+#endif
 
     bool takeBand(Share &share);
     bool takeBands(int thread);
     void work(int thread);
     void announce();
+    void sleep(uint32_t seen); // until there is an announcement after that one
 };
 
 } // namespace bands

@@ -43,7 +43,11 @@ else
     "$wine" || { say "not run: no 32-bit Wine here"; exit 0; }
 fi
 mkdir -p "$WINEPREFIX"
+# First, as Wine's desktop stays with the display that it began with.
+WINEPATH=$package/bin "$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
 "$wine" wineboot --init
+# It waits for its input until this script ends: with the last program Wine's services end, which take seconds to start.
+exec {waiting}> >("$wine" cmd >/dev/null 2>&1)
 export WINEPATH=$package/bin
 # Wine has no fonts in the folder of Windows' own.
 mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
@@ -88,7 +92,7 @@ say "the debug twin"
 # Captures from here and there. A DLL beside a program would go before the twin, so programs of another folder are recorded.
 run 'PASSED  . [1-9]' "$build/tests/replay/capture_test.exe" --gtest_brief=1
 (cd "$scratch" && run '^[1-9][0-9]* draws, 0 failures' "$build/tests/replay/replay_scenes.exe" scenes.nfc --every 31)
-(cd "$scratch" && "$wine" "$package/bin/ninefold-debug.exe" --summary off --capture window.nfc win32.exe --picture captured.bmp)
+(cd "$scratch" && "$wine" "$package/bin/ninefold-debug.exe" --summary off --capture window.nfc ./win32.exe --picture captured.bmp)
 cmp "$scratch/own.bmp" "$scratch/captured.bmp" || fail "captured, the example draws something else"
 (cd "$scratch" && "$wine" "$package/bin/ninefold-debug.exe" --summary off --capture kit.nfc "$build/tests/kit/kit_draws_test.exe" >/dev/null)
 for capture in window kit; do
@@ -109,6 +113,3 @@ for capture in "$scratch"/kit.nfc "$source"/tests/captures/*.nfc; do
     run 'as recorded on 3 threads' "$package/bin/ninefold-replay.exe" verify "$capture" --threads 1..3
 done
 say "bands, captures too"
-if [ $architecture = x86_64 ]; then
-    "$source/tests/wine/win32.sh" "$wine" "$package/bin/win32.exe"
-fi
