@@ -243,7 +243,12 @@ int runDiff(const Arguments &arguments)
             if (isNumber && a.state()[k] == b.state()[k])
                 continue;
             if (const std::string is = comparable(a, k), elsewhere = comparable(b, k); is != elsewhere)
-                words.push_back("rs." + stateCells()[k].name + " is " + is + ", in the other " + elsewhere);
+                words.emplace_back("rs.")
+                    .append(stateCells()[k].name)
+                    .append(" is ")
+                    .append(is)
+                    .append(", in the other ")
+                    .append(elsewhere);
         }
         if (words.empty() && one.hasResult && other.hasResult)
             for (int part = 0; part < 3; ++part)
