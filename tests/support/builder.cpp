@@ -330,8 +330,9 @@ void Builder::build()
     while (!visible() && !random.percent(15));
     if (large)
         farOut();
+    unit = axes().shape == NINEFOLD_SHAPE_RECTANGLE && axes().rectOpt == NINEFOLD_RECT_UNIT;
     laps = !small && !offsets && !forward && axes().shape == NINEFOLD_SHAPE_RECTANGLE &&
-           axes().rectOpt == NINEFOLD_RECT_STRETCH && random.percent(2);
+           axes().rectOpt == NINEFOLD_RECT_STRETCH && random.percent(6);
     if (laps)
         wrapWidth();
     origin();

@@ -28,6 +28,7 @@ private:
     Random random;
 
     bool big = false, small = false, overlap = false, guard = false, offsets = false, large = false;
+    bool unit = false; // a rectangle of a texel a pixel
     bool laps = false; // positions go round 2^32 between the ends of a vector
     bool atEnd = false; // of the slot, with guard
     bool tight = false; // with guard: there is nothing but what lies between the first and the last pixel of the clip rectangle

@@ -37,11 +37,11 @@ void Builder::range(int32_t low, int32_t high, int32_t size, int32_t &from, int3
         to = from;
 }
 
-// So wide that the width wraps to a small one.
+// So wide that the width wraps to a small one, most often to -1, by which a division leaves every step whole.
 void Builder::wrapWidth()
 {
-    scene.state.vertex[0].x = INT32_MIN + random.between(0, 3);
-    scene.state.vertex[1].x = INT32_MAX - random.between(0, 3);
+    scene.state.vertex[0].x = INT32_MIN + random.pick({0, 0, 0, 1});
+    scene.state.vertex[1].x = INT32_MAX - random.pick({0, 0, 0, 1});
 }
 
 void Builder::rectangle()
@@ -280,8 +280,8 @@ void Builder::origin()
     state.originX = random.between(-far, far);
     state.originY = random.between(-far, far);
     for (Vertex &vertex : state.vertex) {
-        vertex.x -= state.originX;
-        vertex.y -= state.originY;
+        vertex.x = wrapping(int64_t{vertex.x} - state.originX);
+        vertex.y = wrapping(int64_t{vertex.y} - state.originY);
     }
 }
 

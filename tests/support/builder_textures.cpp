@@ -79,7 +79,7 @@ int Builder::source(int firstSlot)
 {
     Pool pool = random.percent(90) ? random.pick({noisePool, noisePool, solidPool, extremePool, alphaPool})
                                    : random.pick({runPool, stripePool});
-    if (!small && random.percent(10))
+    if (!small && random.percent(unit ? 30 : 10))
         pool = spritePool;
     if (axes().rectOpt == NINEFOLD_RECT_RUNS)
         pool = guard ? noisePool : random.pick({runPool, runPool, stripePool, noisePool, solidPool});
@@ -251,7 +251,7 @@ Builder::Path Builder::path(int32_t count, int log2Size)
         if (random.percent(50)) // from where it may wrap soon
             to = from + int64_t{count} * step();
     }
-    if (!small && random.percent(8)) { // ends at the edge of the texture, or next to it
+    if (!small && random.percent(unit ? 25 : 8)) { // ends at the edge of the texture, or next to it
         from = int64_t{size - count + random.between(-1, 1)} * 0x10000;
         to = int64_t{size} * 0x10000;
     }
