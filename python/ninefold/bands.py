@@ -33,9 +33,9 @@ def flush() -> None:
 
 @contextmanager
 def threads(count: int = 0, pure: Iterable[Any] = ()) -> Iterator[int]:
-    """Within, draws are recorded and made by `count` threads, 0: as many as there are processors; gives their number. `pure` are
-    operators, compiled ones, that depend on their two words alone and may run on any thread; draws with others are not cut, nor
-    are those with Python functions. Within another such block it changes nothing. Raises Error under the plain library."""
+    """Within, draws are recorded and made by `count` threads, 0: as many as there are processors that the program may use, which
+    is the most; gives their number. `pure` are operators, compiled ones, that depend on their two words alone and may run on any
+    thread; draws with others are not cut, nor are those with Python functions. Within another such block it changes nothing. Raises Error under the plain library."""
     global _blocks
     from .state import operator_of
 
