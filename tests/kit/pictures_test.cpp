@@ -410,7 +410,8 @@ TEST(KitPictures, HugeSizesAreRefused)
     expectRefused(size(NFK_PICTURE_MAX_SIDE + 1, 1), "limit");
     expectRefused(size(1, NFK_PICTURE_MAX_SIDE + 1), "limit");
     expectRefused(size(8193, 8192), "limit"); // 16384 by 8192
-    expectRefused(size(0x7FFFFFFF, 0x7FFFFFFF), "limit");
+    // On 32 bits libpng refuses it first, whose rows do not fit a size_t there.
+    expectRefused(size(0x7FFFFFFF, 0x7FFFFFFF), sizeof(size_t) == 8 ? "limit" : "IHDR");
     expectRefused(size(1, 2), ""); // the checksum is right: the size was what it looked at above
 
     Bytes jpeg = files::jpeg(8, 8, Bytes(8 * 8 * 3), 3, JCS_RGB, false);
