@@ -5,7 +5,7 @@ fail() { echo "$*"; exit 1; }
 cd /ninefold/tree
 dpkg --add-architecture "$ARCHITECTURE"
 apt-get update -q
-apt-get install -q -y ccache "crossbuild-essential-$ARCHITECTURE" googletest qemu-user
+apt-get install -q -y ccache "crossbuild-essential-$ARCHITECTURE" googletest "libstdc++6:$ARCHITECTURE" qemu-user
 apt-get build-dep -q -y --arch-only --host-architecture "$ARCHITECTURE" --build-profiles cross,nocheck,pkg.ninefold.library ./
 DEB_BUILD_OPTIONS="parallel=$JOBS" dpkg-buildpackage --host-arch "$ARCHITECTURE" --build-profiles=cross,nocheck,pkg.ninefold.library \
     --build=any --no-sign
