@@ -14,7 +14,7 @@ say "$(basename "$package"): $(dpkg-deb -f "$package" Depends)"
 apt-get install -q -y "$package"
 [ -z "$(dpkg --verify "libninefold1:$ARCHITECTURE")" ] || fail "installed files are not as packed"
 
-triplet=$(dpkg-architecture -A "$ARCHITECTURE" -q DEB_HOST_GNU_TYPE) processor=$(dpkg-architecture -A "$ARCHITECTURE" -q DEB_HOST_GNU_CPU)
+triplet=$(dpkg-architecture -a "$ARCHITECTURE" -q DEB_HOST_GNU_TYPE) processor=$(dpkg-architecture -a "$ARCHITECTURE" -q DEB_HOST_GNU_CPU)
 library=$(echo "/usr/lib/$triplet"/libninefold.so.1)
 [ -e "$library" ] || fail "no $library"
 export PKG_CONFIG_LIBDIR=/usr/lib/$triplet/pkgconfig:/usr/share/pkgconfig
