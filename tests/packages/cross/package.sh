@@ -5,7 +5,7 @@ fail() { echo "$*"; exit 1; }
 cd /ninefold/tree
 dpkg --add-architecture "$ARCHITECTURE"
 apt-get update -q
-apt-get install -q -y ccache "crossbuild-essential-$ARCHITECTURE" googletest qemu-user
+apt-get install -q -y ccache "crossbuild-essential-$ARCHITECTURE" googletest "libstdc++6:$ARCHITECTURE" qemu-user
 apt-get build-dep -q -y --arch-only --host-architecture "$ARCHITECTURE" --build-profiles cross,nocheck,pkg.ninefold.library ./
 DEB_BUILD_OPTIONS="parallel=$JOBS" dpkg-buildpackage --host-arch "$ARCHITECTURE" --build-profiles=cross,nocheck,pkg.ninefold.library \
     --build=any --no-sign
@@ -14,7 +14,7 @@ say "$(basename "$package"): $(dpkg-deb -f "$package" Depends)"
 apt-get install -q -y "$package"
 [ -z "$(dpkg --verify "libninefold1:$ARCHITECTURE")" ] || fail "installed files are not as packed"
 
-triplet=$(dpkg-architecture -A "$ARCHITECTURE" -q DEB_HOST_GNU_TYPE) processor=$(dpkg-architecture -A "$ARCHITECTURE" -q DEB_HOST_GNU_CPU)
+triplet=$(dpkg-architecture -a "$ARCHITECTURE" -q DEB_HOST_GNU_TYPE) processor=$(dpkg-architecture -a "$ARCHITECTURE" -q DEB_HOST_GNU_CPU)
 library=$(echo "/usr/lib/$triplet"/libninefold.so.1)
 [ -e "$library" ] || fail "no $library"
 export PKG_CONFIG_LIBDIR=/usr/lib/$triplet/pkgconfig:/usr/share/pkgconfig
