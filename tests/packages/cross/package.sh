@@ -24,7 +24,7 @@ cmake -S . -B tests-built -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_SYSTEM_NAM
 cmake --build tests-built -j "$JOBS" --target golden_shared_test
 # The installed library is the one that it finds.
 "qemu-$processor" "$(command -v true)" 2>/dev/null && fail "qemu-$processor runs programs of this machine"
-taken=$("qemu-$processor" -E LD_DEBUG=libs tests-built/tests/wine/golden_shared_test --gtest_list_tests 2>&1 | grep 'calling init: .*libninefold')
+taken=$("qemu-$processor" -E LD_DEBUG=libs tests-built/tests/wine/golden_shared_test --gtest_list_tests 2>&1 | grep 'calling init: .*libninefold') || true
 [[ $taken =~ ': '(/usr)?/lib/$triplet/libninefold.so.1$ ]] || fail "the tests take another library: $taken"
 "qemu-$processor" tests-built/tests/wine/golden_shared_test --gtest_brief=1 >golden.log 2>&1 || { cat golden.log; fail "the golden sums"; }
 grep -q 'PASSED  . [1-9]' golden.log || { cat golden.log; fail "the golden sums were not compared"; }
