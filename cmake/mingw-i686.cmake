@@ -1,3 +1,4 @@
 set(CMAKE_SYSTEM_PROCESSOR i686)
 include(${CMAKE_CURRENT_LIST_DIR}/mingw.cmake)
-# 64-bit Wine takes such a program, runs nothing and reports success: tests are run by hand where a 32-bit one is at hand.
+# 64-bit Wine takes such a program, runs nothing and reports success, so ctest runs none: scripts/ports and scripts/windows do, by
+# scripts/wine32.

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # package.sh ZIP ARCHITECTURE BUILD SOURCE REPLAY: the zip as its users meet it, unpacked into a folder of its own, under Wine: what is in
-# it, what the DLLs want, hosts linked with its import libraries, all golden sums, the example's window, the debug twin, captures, bands, the kit.
+# it, what the DLLs want, hosts linked with its import libraries, the example's window, all golden sums, the debug twin, captures, the
+# kit, bands.
 # BUILD has the test programs, which find the zip's DLLs; REPLAY is ninefold-replay of this system, for captures from the other.
 # scripts/windows builds them and runs this.
 set -euo pipefail
