@@ -3,7 +3,7 @@
 #include "line_table.h"
 
 #include "kernels/polygon/drivers.h"
-#include "ops/operators.h"
+#include "ops/list.h"
 
 #include <algorithm>
 #include <climits>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "kernels/plan.h"
+#include "ops/word.h"
 
 #include <cstddef>
 #include <cstdint>

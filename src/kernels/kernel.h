@@ -1,14 +1,20 @@
 // From a draw code to its kernel: a function that hands its parts to its frame, and no more.
 #pragma once
 
-#include "kernels/line/line.h"
+#include "kernels/plan.h"
 #include "kernels/polygon/drivers.h"
-#include "kernels/polygon/triangle.h"
-#include "kernels/rect/rect.h"
 
 #include <ninefold/draw.h>
 
 namespace ninefold {
+
+// What draws: line/line.h, rect/rect.h and polygon/triangle.h have the texts.
+template <Axes a>
+void drawLine();
+template <Frame f>
+void drawRect(PartIds ids);
+template <Frame f>
+void drawTriangle(PartIds ids);
 
 template <void (*frame)(PartIds), uint64_t ids>
 void kernel()

@@ -1,4 +1,5 @@
-// The kernels of one family. NINEFOLD_FAMILY names it.
+// The kernels of one family. NINEFOLD_FAMILY names it, NINEFOLD_FRAMES the header with its frames.
+#include NINEFOLD_FRAMES
 #include "kernels/kernel.h"
 #include "kernels/table.h"
 

@@ -1,5 +1,8 @@
 // The kernels of the table that are exported by name.
 #include "kernels/kernel.h"
+#include "kernels/line/line.h"
+#include "kernels/polygon/triangle.h"
+#include "kernels/rect/rect.h"
 
 using namespace ninefold;
 

@@ -4,7 +4,7 @@
 
 #include "core/catalogue.h"
 #include "kernels/span.h"
-#include "ops/operators.h"
+#include "ops/list.h"
 
 #include <array>
 #include <cstddef>

@@ -8,9 +8,9 @@
 // and channels spill into each other.
 #pragma once
 
+#include "ops/list.h"
 #include "ops/word.h"
 
-#include <ninefold/axes.h>
 #include <ninefold/render_state.h>
 
 namespace ninefold::ops {
@@ -189,12 +189,6 @@ NINEFOLD_INLINE W blended(W d, W s, const Factors &factors)
     case NINEFOLD_BLEND_DST: return d;
     default: return s;
     }
-}
-
-// Blends that are weighed by an alpha. Their sources have all four channels, and prescale scales their opacity.
-NINEFOLD_INLINE bool weighsByAlpha(int blend)
-{
-    return blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_CONST_ALPHA || blend == NINEFOLD_BLEND_ALPHA_FAST;
 }
 
 // The source of a blend after prescale: its opacity under the blends that alpha weighs (also under that by blendAlpha, which does

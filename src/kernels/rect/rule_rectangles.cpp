@@ -2,6 +2,7 @@
 #include <ninefold/draw.h>
 
 #include "kernels/kernel.h"
+#include "kernels/rect/rect.h"
 
 namespace ninefold {
 namespace {
