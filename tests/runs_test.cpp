@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using namespace canvas;
 
 namespace {
@@ -186,6 +188,28 @@ TEST_F(RunLength, AHoleOf128OrMoreMovesBack)
         EXPECT_EQ(at(488, 2), ground) << m;
         rs.tex0 = longer;
     }
+}
+
+// A second texture in the pixels before the row, each of its texels one pixel behind the pixel that it is for: where the row moves
+// back over it, what was drawn last is read next. The hole is in row 1 of two.
+TEST_F(RunLength, WhatARowThatMovesBackDrawsOverIsReadAsItGrows)
+{
+    rs.tex0 = texture(512, 2, [](uint32_t u, uint32_t v) { return v == 1 && u >= 10 && u < 210 ? 0 : idAt(u, v); });
+    CreateRunlengthMap(rs.tex0);
+    rs.uv0[0] = {0, texels(1)};
+    rs.tex1 = texture(256, 1);
+    rs.uv1[0] = {texels(-1), 0};
+    uint32_t *const own = std::exchange(rs.tex1->pixels, &at(44, 2));
+    corners(300, 2, 600, 3);
+    SetBlendModeMulti(NINEFOLD_MULTI_OP_SECOND);
+    for (const Modes &m : forms(NINEFOLD_MULTI_TEXTURE)) {
+        clear();
+        at(181, 2) = 0x123456;
+        draw(m);
+        for (int x = 182; x < 300; ++x)
+            ASSERT_EQ(at(x, 2) & 0xFFFFFF, 0x123456u) << m << " at " << x;
+    }
+    rs.tex1->pixels = own;
 }
 
 TEST_F(RunLength, ThePositionsBesideTheTextureMoveWithTheHoles)

@@ -156,11 +156,33 @@ void Builder::overlaps()
                          4 * random.between(-40, static_cast<int32_t>(scene.frameWidth * scene.frameHeight / 4));
             }
         }
+        const int64_t bytes = 4 * int64_t{wanted.width()} * wanted.height();
+        // in front of what is written, where rows of runs reach that move back
+        const bool inFront = axes().rectOpt == NINEFOLD_RECT_RUNS && random.percent(50);
+        if (inFront) {
+            const RenderState &state = scene.state;
+            const auto first = [](int64_t a, int64_t b, int32_t origin, int32_t low, int32_t high) {
+                return std::clamp(wrapping(std::min(a, b) + origin), low, high);
+            };
+            const int64_t x = first(state.vertex[0].x, state.vertex[1].x, state.originX, state.clipLeft, state.clipRight);
+            const int64_t y = first(state.vertex[0].y, state.vertex[1].y, state.originY, state.clipTop, state.clipBottom);
+            const int32_t gap = random.between(0, random.percent(60) ? 20 : 300);
+            slot = frameSlot;
+            offset = scene.pixels.offset + 4 * (y * scene.frameWidth + x - gap) - bytes;
+        }
         for (int i = 0; i < scene.written; ++i) {
             const Window &window = scene.windows[static_cast<size_t>(i)];
-            const int64_t bytes = 4 * int64_t{wanted.width()} * wanted.height();
-            if (window.slot == slot && offset >= window.begin && offset + bytes <= window.end)
-                wanted.pixels = {slot, offset};
+            if (window.slot == slot && offset >= window.begin && offset + bytes <= window.end) {
+                const Place there{slot, offset};
+                if (inFront) { // with its holes, or with those of some rows
+                    uint32_t *const texels = world.at<uint32_t>(there);
+                    std::memcpy(texels, world.at<uint32_t>(wanted.pixels), static_cast<size_t>(bytes));
+                    const uint32_t kept = random.percent(60) ? ~0u : random.word();
+                    for (uint32_t k = 0; k < wanted.width() * wanted.height(); ++k)
+                        texels[k] |= ~kept >> (k >> wanted.log2Width) & 1;
+                }
+                wanted.pixels = there;
+            }
         }
     }
 }

@@ -212,15 +212,11 @@ void drawRuns(Painter<multi> &painter, Span &s, int32_t columns)
                });
 }
 
-// Whether a row of a run-length rectangle's texture, of `rows` from v on, has a hole that moves it back.
-[[gnu::noinline]] inline bool movesBack(const Sampled &tex, int32_t rows)
+// Whether the first row of a run-length rectangle has a hole that moves it back.
+[[gnu::noinline]] inline bool movesBack(const Sampled &tex)
 {
-    for (uint32_t k = 0; k < uint32_t(rows) && k <= tex.level.maskV; ++k) {
-        const size_t row = size_t((tex.v.start + k) & tex.level.maskV) << tex.level.shift;
-        if (std::memchr(rs.tex0->runlengthMap + row, -128, size_t(tex.level.maskU) + 1))
-            return true;
-    }
-    return false;
+    const size_t row = size_t(tex.v.start & tex.level.maskV) << tex.level.shift;
+    return std::memchr(rs.tex0->runlengthMap + row, -128, size_t(tex.level.maskU) + 1);
 }
 
 // Makes ready what a rectangle is drawn from, at its first row. False: nothing to draw. overlap: a source shares memory with what
@@ -230,14 +226,14 @@ template <Frame f>
 {
     if (!box.make())
         return false;
-    Target target = targetOf(box.left, box.top, box.right, box.bottom, f.marks);
-    overlap = takeTextures<f>(s, target);
+    const Target target = targetOf(box.left, box.top, box.right, box.bottom, f.marks);
+    Target reach = target;
+    if constexpr (f.map == Map::runs) // A row may move back, by less than it is wide, and so the first one to what lies before.
+        reach.pixels = static_cast<const uint32_t *>(target.pixels) - (box.right - box.left);
+    overlap = takeTextures<f>(s, reach);
     walk0.start(box, s.tex[0]);
-    if constexpr (f.map == Map::runs) {
-        // It may move back, by as much as the row is wide; textures made one after the other lie that near.
-        target.pixels = static_cast<const uint32_t *>(target.pixels) - (box.right - box.left) - 128;
-        overlap = overlap || (target.overlaps(s.tex[0].level) && movesBack(s.tex[0], box.bottom - box.top));
-    }
+    if constexpr (f.map == Map::runs) // Textures made one after the other lie that near.
+        overlap = overlap && (movesBack(s.tex[0]) || takeTextures<f>(s, target));
     if constexpr (f.second())
         walk1.start(box, s.tex[1]);
     const size_t first = (size_t(uint32_t(box.top)) << rs.dstShift) + uint32_t(box.left);
