@@ -190,8 +190,8 @@ TEST_F(RunLength, AHoleOf128OrMoreMovesBack)
     }
 }
 
-// A second texture in the pixels before the row, each of its texels one pixel behind the pixel that it is for: where the row moves
-// back over it, what was drawn last is read next. The hole is in row 1 of two.
+// A second texture in the pixels before the row, each of its texels one pixel behind the pixel that it is for: where the row
+// moves back over it, what was drawn last is read next. The hole is in row 1 of two.
 TEST_F(RunLength, WhatARowThatMovesBackDrawsOverIsReadAsItGrows)
 {
     rs.tex0 = texture(512, 2, [](uint32_t u, uint32_t v) { return v == 1 && u >= 10 && u < 210 ? 0 : idAt(u, v); });

@@ -1,5 +1,5 @@
-// The operators that blendFunc and multiFunc can point to, without their texts. One list covers both kinds, since a host may put any
-// of them behind either pointer; kernels ask operatorIndex which one a pointer is and draw with its row form.
+// The operators that blendFunc and multiFunc can point to, without their texts. One list covers both kinds, since a host may put
+// any of them behind either pointer; kernels ask operatorIndex which one a pointer is and draw with its row form.
 #pragma once
 
 #include <ninefold/axes.h>
