@@ -74,6 +74,9 @@ constexpr int indexOf(Op op)
 }
 static_assert(indexOf(multiOp(true, NINEFOLD_MULTI_OP_OR)) == opCount - 1);
 
+// The functions, by their place in opList; each reads its factors from rs.
+extern const std::array<PixelOperator, opCount> operators;
+
 // The place of a pointer's operator, -1 for null and for a host's own function.
 int operatorIndex(PixelOperator function);
 

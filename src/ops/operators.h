@@ -20,7 +20,4 @@ NINEFOLD_INLINE W apply(W first, W second, const Factors &factors)
     return is.keepsAlpha ? first ^ ((first ^ result) & 0xFFFFFFu) : result; // of xor, and and or some of it cancels out
 }
 
-// The functions, by their place in opList; each reads its factors from rs.
-extern const std::array<PixelOperator, opCount> operators;
-
 } // namespace ninefold::ops
