@@ -254,7 +254,7 @@ Builder::Path Builder::path(int32_t count, int log2Size)
     Path result;
     int64_t from = int64_t{random.between(-2 * size, 2 * size)} * 0x10000;
     from += random.pick({0, 0x8000, 0xFFFF, random.between(0, 0xFFFF)}); // where floors and halves go over
-    int64_t to = from;
+    int64_t to;
     if (style < (chains ? 8u : 25u))
         to = from + int64_t{count} * 0x10000 + (random.percent(30) ? random.between(-300, 300) : 0);
     else if (style < 65)
