@@ -206,8 +206,10 @@ TEST_F(RunLength, WhatARowThatMovesBackDrawsOverIsReadAsItGrows)
         clear();
         at(181, 2) = 0x123456;
         draw(m);
-        for (int x = 182; x < 300; ++x)
-            ASSERT_EQ(at(x, 2) & 0xFFFFFF, 0x123456u) << m << " at " << x;
+        int x = 182;
+        while (x < 300 && (at(x, 2) & 0xFFFFFF) == 0x123456)
+            ++x;
+        EXPECT_EQ(x, 300) << m;
     }
     rs.tex1->pixels = own;
 }

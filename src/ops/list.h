@@ -16,7 +16,7 @@ constexpr bool weighsByAlpha(int blend)
     return blend == NINEFOLD_BLEND_ALPHA || blend == NINEFOLD_BLEND_CONST_ALPHA || blend == NINEFOLD_BLEND_ALPHA_FAST;
 }
 
-// What one of them does. Operators of the multi stage have the numbers of the blends that they are.
+// What an operator does. Those of the multi stage have the numbers of the blends that they are.
 struct Op {
     int blend; // or NINEFOLD_MULTI_OP_CONST_ALPHA_RGB, which is none
     bool keepsAlpha; // alpha comes from the first operand

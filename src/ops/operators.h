@@ -1,4 +1,4 @@
-// What each operator of the list does with a word of pixels, and its function.
+// What each operator of the list does with a word of pixels.
 #pragma once
 
 #include "ops/blend.h"
